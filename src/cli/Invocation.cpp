@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "cli/Invocation.h"
+
+#include <QCommandLineParser>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace tomelet::cli {
+
+void writeBytes(const QByteArray &bytes)
+{
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stdout);
+}
+
+void writeText(const QString &text)
+{
+    writeBytes(text.toUtf8());
+}
+
+void writeLine(const QString &text)
+{
+    writeText(text + u'\n');
+}
+
+void writeJson(const QJsonValue &value)
+{
+    // QJsonDocument holds only arrays and objects: a bare value travels in an array whose brackets are cut off.
+    const QByteArray wrapped = QJsonDocument(QJsonArray{value}).toJson(QJsonDocument::Compact);
+    writeBytes(wrapped.mid(1, wrapped.size() - 2) + '\n');
+}
+
+static void writeError(const QString &line)
+{
+    const QByteArray bytes = line.toUtf8() + '\n';
+    std::fflush(stdout);
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
+}
+
+int fail(const QString &message)
+{
+    writeError(QStringLiteral("tomelet: ") + message);
+    return Failed;
+}
+
+int wrongUsage(const Invocation &call, const QString &message)
+{
+    writeError(QStringLiteral("tomelet: ") + message);
+    writeError(QStringLiteral("Try: tomelet %1 --help").arg(call.command));
+    return WrongUsage;
+}
+
+void note(const Invocation &call, const QString &message)
+{
+    if (!call.quiet) writeError(message);
+}
+
+std::optional<int> parse(const Invocation &call, QCommandLineParser &parser)
+{
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Shows this help."));
+    parser.addOption(help);
+    if (!parser.parse(QStringList{QStringLiteral("tomelet ") + call.command} + call.args))
+        return wrongUsage(call, parser.errorText());
+    if (!parser.isSet(help)) return std::nullopt;
+    // The parser names the program itself in its usage line; the command belongs behind it.
+    writeText(parser.helpText().replace(QStringLiteral("[options]"),
+                                        QStringLiteral("%1 [options]").arg(call.command)));
+    return Done;
+}
+
+QByteArray readStandardInput()
+{
+    QFile input;
+    if (!input.open(stdin, QIODevice::ReadOnly)) return {};
+    return input.readAll();
+}
+
+} // namespace tomelet::cli

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/Settings.h"
+
+#include "foundation/Conversions.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QSettings>
+
+namespace tomelet {
+
+bool Settings::boolean(const QString &key) const
+{
+    return boolFromVariant(object(key));
+}
+
+qlonglong Settings::integer(const QString &key) const
+{
+    return integerFromVariant(object(key));
+}
+
+double Settings::number(const QString &key) const
+{
+    return numberFromVariant(object(key));
+}
+
+QString Settings::string(const QString &key) const
+{
+    return textFromVariant(object(key));
+}
+
+QStringList Settings::stringList(const QString &key) const
+{
+    return object(key).toStringList();
+}
+
+namespace {
+
+class IniSettings final : public Settings
+{
+public:
+    explicit IniSettings(const QString &path) : m_store(path, QSettings::IniFormat) {}
+
+    QVariant object(const QString &key) const override
+    {
+        if (!m_store.contains(key)) return {};
+        return variantFromJsonText(m_store.value(key).toString());
+    }
+
+    void setObject(const QString &key, const QVariant &value) override
+    {
+        if (!value.isValid()) m_store.remove(key);
+        else m_store.setValue(key, jsonTextFromVariant(value));
+    }
+
+    QStringList keys() const override { return m_store.allKeys(); }
+    void synchronize() override { m_store.sync(); }
+
+private:
+    QSettings m_store;
+};
+
+class MemorySettings final : public Settings
+{
+public:
+    QVariant object(const QString &key) const override { return m_values.value(key); }
+    void setObject(const QString &key, const QVariant &value) override
+    {
+        if (value.isValid()) m_values.insert(key, value);
+        else m_values.remove(key);
+    }
+    QStringList keys() const override { return m_values.keys(); }
+    void synchronize() override {}
+
+private:
+    QVariantMap m_values;
+};
+
+// The parser of INI files accepts nearly everything; what it refuses must not be overwritten.
+void setAsideIfBroken(const QString &path)
+{
+    if (!QFileInfo::exists(path)) return;
+    const QSettings probe(path, QSettings::IniFormat);
+    if (probe.status() == QSettings::NoError) return;
+    const QString aside = path + QStringLiteral(".unreadable-") +
+                          QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddhhmmsszzz"));
+    QFile::rename(path, aside);
+    qWarning("settings could not be read and were set aside as %s", qUtf8Printable(aside));
+}
+
+} // namespace
+
+std::unique_ptr<Settings> openSettings(const QString &iniPath)
+{
+    setAsideIfBroken(iniPath);
+    return std::make_unique<IniSettings>(iniPath);
+}
+
+std::unique_ptr<Settings> makeMemorySettings()
+{
+    return std::make_unique<MemorySettings>();
+}
+
+} // namespace tomelet
