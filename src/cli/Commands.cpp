@@ -9,7 +9,26 @@ namespace tomelet::cli {
 std::span<const Command> commands()
 {
     static constexpr Command table[] = {
+        {"root", "prints the notebook's folder, or chooses one and sets it up", runRoot},
         {"settings", "reads and changes the settings", runSettings},
+        {"tree", "the tree of books, smart books first", runTree},
+        {"list", "the documents of a book or smart book in its order", runList},
+        {"show", "the complete page of a document", runShow},
+        {"book", "makes a book", runBook},
+        {"mv", "moves or renames an item with all that belongs to it", runMv},
+        {"cp", "copies an item with all that belongs to it", runCp},
+        {"duplicate", "copies an item beside itself", runDuplicate},
+        {"rm", "moves items to the trash", runRm},
+        {"undo-rm", "brings back what the last rm moved to the trash", runUndoRm},
+        {"get", "prints properties of an item", runGet},
+        {"set", "stores a property of an item", runSet},
+        {"unset", "removes a property of an item", runUnset},
+        {"pin", "pins an item to the top of its book, or unpins it", runPin},
+        {"favorite", "makes an item a favorite, or no longer one", runFavorite},
+        {"label", "labels an item with a colour", runLabel},
+        {"watch", "follows the notebook and prints each change", runWatch},
+        {"op", "calls one operation by its name", runOp},
+        {"ops", "calls many operations, a line of JSON each", runOps},
     };
     return table;
 }

@@ -1,11 +1,30 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The entry functions of all commands, one file of this folder each.
+// The entry functions of all commands, in the files of this folder.
 #pragma once
 
 namespace tomelet::cli {
 
 struct Invocation;
 
+int runBook(const Invocation &call);
+int runCp(const Invocation &call);
+int runDuplicate(const Invocation &call);
+int runFavorite(const Invocation &call);
+int runGet(const Invocation &call);
+int runLabel(const Invocation &call);
+int runList(const Invocation &call);
+int runMv(const Invocation &call);
+int runOp(const Invocation &call);
+int runOps(const Invocation &call);
+int runPin(const Invocation &call);
+int runRm(const Invocation &call);
+int runRoot(const Invocation &call);
+int runSet(const Invocation &call);
 int runSettings(const Invocation &call);
+int runShow(const Invocation &call);
+int runTree(const Invocation &call);
+int runUndoRm(const Invocation &call);
+int runUnset(const Invocation &call);
+int runWatch(const Invocation &call);
 
 } // namespace tomelet::cli

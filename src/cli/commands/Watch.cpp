@@ -1,0 +1,75 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// `tomelet watch`: follows the notebook and prints each routed change as a line, until it is interrupted.
+#include "cli/Invocation.h"
+#include "cli/Items.h"
+#include "cli/commands/AllCommands.h"
+#include "foundation/Platform.h"
+#include "foundation/Signals.h"
+#include "library/OutlineController.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QJsonObject>
+
+namespace tomelet::cli {
+
+namespace {
+
+class ChangePrinter
+{
+public:
+    explicit ChangePrinter(bool json) : m_json(json)
+    {
+        follow("TMLTFileModifiedOnDiskNotification", "changed", "path");
+        follow("TMLTFileDeletedFromDiskNotification", "deleted", "path");
+        follow("TMLTFileMovedNotification", "moved", "newPath");
+    }
+
+private:
+    void follow(const char *notification, const char *word, const char *key)
+    {
+        m_subscriptions.push_back(notifications().observe(
+            QString::fromLatin1(notification), [this, word, key](const QVariantMap &payload) {
+                print(QLatin1StringView(word), payload.value(QStringLiteral("originalPath")).toString(),
+                      payload.value(QLatin1StringView(key)).toString());
+            }));
+    }
+
+    void print(QLatin1StringView word, const QString &from, const QString &path) const
+    {
+        if (m_json) {
+            QJsonObject line{{QStringLiteral("event"), word}, {QStringLiteral("path"), path}};
+            if (!from.isEmpty()) line.insert(QStringLiteral("from"), from);
+            writeJson(line);
+        } else {
+            writeLine(word + u'\t' + (from.isEmpty() ? path : from + u'\t' + path));
+        }
+        std::fflush(stdout);
+    }
+
+    bool m_json;
+    std::vector<NotificationCenter::Subscription> m_subscriptions;
+};
+
+} // namespace
+
+int runWatch(const Invocation &call)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Follows the notebook; prints each change as a line."));
+    if (const auto status = parse(call, parser)) return *status;
+    if (const auto status = openNotebook(call)) return *status;
+
+    OutlineView nobodyLooks;
+    TMLTOutlineController controller(nobodyLooks);
+    controller.initFileCoordinationAndTaskLists();
+    controller.settle();
+    const ChangePrinter printer(call.json);
+    note(call, QStringLiteral("following the notebook; Ctrl+C ends it"));
+    const QuitOnSignals quitter;
+    const int status = QCoreApplication::exec();
+    drainPendingWork();
+    return status;
+}
+
+} // namespace tomelet::cli

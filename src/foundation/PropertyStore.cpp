@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/PropertyStore.h"
+
+#include "foundation/Log.h"
+#include "foundation/PropertyList.h"
+#include "foundation/SafeWriter.h"
+
+#include <QFileInfo>
+
+namespace tomelet {
+
+// No store of a person's notes comes near this; a file beyond it is not one of ours.
+static constexpr qint64 largestStore = 256 * 1024 * 1024;
+
+static QVariant readStore(const QString &path, QMetaType::Type type)
+{
+    if (QFileInfo(path).size() > largestStore) return {};
+    const auto bytes = readFile(path);
+    if (!bytes) return {};
+    const auto value = parsePropertyList(*bytes);
+    return value && value->typeId() == type ? *value : QVariant();
+}
+
+QVariantMap readDictionary(const QString &path)
+{
+    return readStore(path, QMetaType::QVariantMap).toMap();
+}
+
+QVariantList readArray(const QString &path)
+{
+    return readStore(path, QMetaType::QVariantList).toList();
+}
+
+QStringList readStringArray(const QString &path)
+{
+    QStringList texts;
+    for (const QVariant &entry : readArray(path))
+        if (entry.typeId() == QMetaType::QString) texts.append(entry.toString());
+    return texts;
+}
+
+// Writes in place of what stands there; `readable` tells that it was read as a value of the same type just now.
+static bool replaceStore(const QString &path, const QVariant &value, bool readable)
+{
+    const bool exists = QFileInfo::exists(path) || QFileInfo(path).isSymLink();
+    if (exists && !readable && !setAside(path)) {
+        logWarning(QStringLiteral("%1 could not be read nor set aside, so it was not written").arg(path));
+        return false;
+    }
+    const WriteResult result = writeFile(path, xmlPropertyList(value));
+    if (!result) logWarning(result.message);
+    return result.ok;
+}
+
+bool writeStore(const QString &path, const QVariant &value)
+{
+    const bool readable = readStore(path, QMetaType::Type(value.typeId())).isValid();
+    return replaceStore(path, value, readable);
+}
+
+bool changeDictionary(const QString &path, const std::function<bool(QVariantMap &)> &change)
+{
+    const QVariant old = readStore(path, QMetaType::QVariantMap);
+    QVariantMap values = old.toMap();
+    if (!change(values)) return true;
+    return replaceStore(path, values, old.isValid());
+}
+
+} // namespace tomelet

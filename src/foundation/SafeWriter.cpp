@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/SafeWriter.h"
+
+#include "foundation/ExtendedAttributes.h"
+#include "foundation/Log.h"
+
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tomelet {
+
+namespace {
+
+// A file that has no name yet, or a hidden one; what was not committed disappears with it.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const QByteArray &folder) : m_folder(folder)
+    {
+        m_descriptor = ::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+        if (m_descriptor >= 0) return;
+        makeNamed();
+    }
+    ~TemporaryFile()
+    {
+        if (m_descriptor >= 0) ::close(m_descriptor);
+        if (!m_name.isEmpty()) ::unlink(m_name.constData());
+    }
+    TemporaryFile(const TemporaryFile &) = delete;
+    TemporaryFile &operator=(const TemporaryFile &) = delete;
+
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+
+    bool write(QByteArrayView bytes) const
+    {
+        while (!bytes.isEmpty()) {
+            const ssize_t written = ::write(m_descriptor, bytes.data(), static_cast<size_t>(bytes.size()));
+            if (written < 0 && errno == EINTR) continue;
+            if (written < 0) return false;
+            bytes = bytes.sliced(written);
+        }
+        return true;
+    }
+
+    bool renameOver(const QByteArray &target)
+    {
+        if (m_name.isEmpty() && !giveName()) return false;
+        if (::rename(m_name.constData(), target.constData()) != 0) return false;
+        m_name.clear();
+        return true;
+    }
+
+private:
+    void makeNamed()
+    {
+        m_name = m_folder + "/.tomelet-XXXXXX";
+        m_descriptor = ::mkostemp(m_name.data(), O_CLOEXEC);
+        if (m_descriptor < 0) {
+            m_name.clear();
+            return;
+        }
+        const mode_t mask = ::umask(0);
+        ::umask(mask);
+        ::fchmod(m_descriptor, 0666 & ~mask);
+    }
+
+    // A nameless file can be linked to a free name only, so it takes a hidden one for the blink of the rename.
+    bool giveName()
+    {
+        const QByteArray source = "/proc/self/fd/" + QByteArray::number(m_descriptor);
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            const QByteArray name = m_folder + "/.tomelet-" + QByteArray::number(::getpid()) + '-' +
+                                    QByteArray::number(quintptr(this), 36) + QByteArray::number(attempt);
+            if (::linkat(AT_FDCWD, source.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0) {
+                m_name = name;
+                return true;
+            }
+            if (errno != EEXIST) return false;
+        }
+        return false;
+    }
+
+    QByteArray m_folder;
+    QByteArray m_name;
+    int m_descriptor = -1;
+};
+
+WriteResult failure(const QString &path)
+{
+    const int code = errno;
+    return {false, QStringLiteral("%1 could not be written: %2").arg(path, QString::fromLocal8Bit(::strerror(code)))};
+}
+
+void takeOver(const QByteArray &target, int descriptor)
+{
+    struct stat old{};
+    if (::stat(target.constData(), &old) != 0) return;
+    // The owner goes first: changing it clears bits of the mode. Only root may, and nobody else needs to.
+    if (old.st_uid != ::geteuid() || old.st_gid != ::getegid())
+        if (::fchown(descriptor, old.st_uid, old.st_gid) != 0) errno = 0;
+    ::fchmod(descriptor, old.st_mode & 07777);
+    copyExtendedAttributes(target, descriptor);
+}
+
+void flushFolder(const QByteArray &folder)
+{
+    const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) return;
+    ::fsync(descriptor);
+    ::close(descriptor);
+}
+
+} // namespace
+
+WriteResult writeFile(const QString &path, QByteArrayView bytes)
+{
+    const QString resolved = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : path;
+    const QByteArray target = QFile::encodeName(resolved.isEmpty() ? path : resolved);
+    const QByteArray folder = target.left(std::max<qsizetype>(1, target.lastIndexOf('/')));
+
+    TemporaryFile file(folder);
+    if (file.descriptor() < 0 || !file.write(bytes)) return failure(path);
+    takeOver(target, file.descriptor());
+    if (::fsync(file.descriptor()) != 0 || !file.renameOver(target)) return failure(path);
+    flushFolder(folder);
+    return {true, {}};
+}
+
+std::optional<QByteArray> readFile(const QString &path)
+{
+    QFile file(path);
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
+    QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError) return std::nullopt;
+    return bytes;
+}
+
+bool setAside(const QString &path)
+{
+    const QString stamp = QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMdd'T'hhmmsszzz"));
+    const QString suffix = QFileInfo(path).suffix();
+    const QString aside = path + QStringLiteral(".unreadable-") + stamp + (suffix.isEmpty() ? suffix : u'.' + suffix);
+    if (!QFile::rename(path, aside)) return false;
+    logWarning(QStringLiteral("%1 could not be read and was set aside as %2").arg(path, aside));
+    return true;
+}
+
+} // namespace tomelet

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "library/Root.h"
+
+#include "foundation/Directories.h"
+#include "foundation/Folder.h"
+#include "foundation/Platform.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+
+namespace tomelet {
+
+QString tomeletRoot()
+{
+    const Platform &now = platform();
+    const QString chosen = now.rootOverride.isEmpty() ? now.settings->string(QStringLiteral("TomeletFolder"))
+                                                      : now.rootOverride;
+    if (chosen.isEmpty()) return {};
+    const QString resolved = QFileInfo(chosen).canonicalFilePath();
+    return resolved.isEmpty() ? QDir::cleanPath(chosen) : resolved;
+}
+
+bool rootIsInForce()
+{
+    return isFolder(tomeletRoot());
+}
+
+bool rootLooksUnmounted()
+{
+    const QString root = tomeletRoot();
+    const auto entries = root.isEmpty() ? std::nullopt : listFolder(root);
+    return !entries || entries->empty();
+}
+
+QString miscFolder()
+{
+    return joinPath(tomeletRoot(), QStringLiteral("TMResources/Misc"));
+}
+
+QString miscFile(const QString &name)
+{
+    return joinPath(miscFolder(), name);
+}
+
+bool makeMiscFolder()
+{
+    return rootIsInForce() && makeFolder(miscFolder());
+}
+
+QString rootKey()
+{
+    return QString::fromLatin1(
+        QCryptographicHash::hash(tomeletRoot().toUtf8(), QCryptographicHash::Md5).toHex().toUpper());
+}
+
+QString rootStateFolder()
+{
+    return joinPath(dataDirectory(), rootKey());
+}
+
+QString rootCacheFolder()
+{
+    return joinPath(cacheDirectory(), rootKey());
+}
+
+} // namespace tomelet

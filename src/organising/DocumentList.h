@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The list of documents: what a book or a smart book shows, in which order, and what is left out.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace tomelet {
+
+/// What the list shows: a book by its full path, or a smart book by its type (see SmartBookType) with its contexts.
+struct ListSource
+{
+    QString book;
+    int smartType = 0;
+    QStringList contexts;
+};
+
+class TMLTDocumentListViewController
+{
+public:
+    void setSource(const ListSource &source);
+    [[nodiscard]] const ListSource &source() const { return m_source; }
+
+    /// Rebuilds the rows of what is on display.
+    void getDocumentsInFolder();
+    /// Settles sort order and direction of what is on display.
+    void loadDisplayParameters();
+    /// Sorts the documents, and the books where they are shown.
+    void sortDocuments();
+    /// The menu's choices by index: 0 title, 1 creation date, 2 modification date (due date in a tasklist), 3 custom,
+    /// 4 descending, 5 ascending. Stored in the book or, for a smart book, in the settings.
+    void selectSortOrder(int index);
+    /// Writes the rows' order as the book's custom order.
+    void saveCustomSortOrder();
+    /// Moves documents by their positions so that the first stands at `target`, and keeps that as the custom order.
+    void moveDocuments(QList<qsizetype> positions, qsizetype target);
+
+    /// What to say in place of an empty list.
+    [[nodiscard]] QString emptyText() const;
+    /// The list's title.
+    [[nodiscard]] QString title() const;
+
+    QList<QVariantMap> documentsList;
+    QList<QVariantMap> booksList;   ///< only while the outline is collapsed
+    QList<int> smartBooksList;      ///< types; only while the outline is collapsed and the root is on display
+    QString sortOrder;              ///< a row key
+    bool sortAscending = true;
+    QString searchFilter;           ///< part of the name, any case
+    qsizetype numberOfHiddenDoneTasks = 0;
+
+private:
+    void readBook(const QString &book);
+    void readPaths(const QStringList &paths);
+    void readRecentlyModified();
+    [[nodiscard]] bool passesFilter(const QString &name) const;
+    [[nodiscard]] bool isPlainBook() const;
+
+    ListSource m_source;
+};
+
+} // namespace tomelet
