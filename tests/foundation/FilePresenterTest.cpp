@@ -1,0 +1,311 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "foundation/FilePresenter.h"
+
+#include "foundation/FolderWatcher_p.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+using namespace tomelet;
+using namespace std::string_literals;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+namespace fs = std::filesystem;
+
+namespace {
+
+void write(const fs::path &path, const std::string &text = "text")
+{
+    std::ofstream(path) << text;
+}
+
+// A presented folder with two books in it; what is reported is kept as "~ path", "from > to" and "vanished".
+class FilePresenterTest : public testing::Test
+{
+protected:
+    FilePresenterTest()
+    {
+        fs::create_directories(m_root / "a/deep");
+        fs::create_directories(m_root / "b");
+        fs::create_directories(m_outside);
+        write(m_root / "a/old.md");
+        write(m_root / "a/deep/leaf.md");
+        present();
+    }
+
+    ~FilePresenterTest() override { fs::remove_all(m_base); }
+
+    void present()
+    {
+        m_presenter->present(QString::fromStdString(m_root.string() + "/"));
+        settled();
+    }
+
+    // Without the changes of a path that was told before: how many are told hangs on when the receiver looks.
+    std::vector<std::string> settled()
+    {
+        m_presenter->settle();
+        std::set<std::string> seen;
+        std::erase_if(m_events, [&](const std::string &event) { return !seen.insert(event).second; });
+        return std::exchange(m_events, {});
+    }
+
+    std::string relative(const QString &path) const
+    {
+        EXPECT_TRUE(path.startsWith(QString::fromStdString(m_root.string() + "/")));
+        return fs::path(QFile::encodeName(path).toStdString()).lexically_relative(m_root).string();
+    }
+
+    QTemporaryDir m_temporary;
+    const fs::path m_base = m_temporary.path().toStdString();
+    const fs::path m_root = m_base / "parent/root";
+    const fs::path m_outside = m_base / "outside";
+    std::vector<std::string> m_events;
+    std::unique_ptr<FilePresenter> m_presenter =
+        makeFilePresenter({[this](const QString &path) { m_events.push_back("~ " + relative(path)); },
+                           [this](const QString &from, const QString &to) {
+                               m_events.push_back(relative(from) + " > " + relative(to));
+                           },
+                           [this] { m_events.push_back("vanished"); }});
+};
+
+} // namespace
+
+TEST_F(FilePresenterTest, changesAtAnyDepth)
+{
+    EXPECT_THAT(settled(), IsEmpty());
+    write(m_root / "new \xFC\n.md");
+    write(m_root / "a/deep/leaf.md", "changed");
+    fs::permissions(m_root / "a/old.md", fs::perms::owner_read);
+    fs::remove(m_root / "a/old.md");
+    fs::remove_all(m_root / "a/deep");
+    // The byte that is no UTF-8 cannot be told, the rest of the name can.
+    EXPECT_THAT(settled(),
+                ElementsAre("~ new \xEF\xBF\xBD\n.md", "~ a/deep/leaf.md", "~ a/old.md", "~ a/deep"));
+}
+
+TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
+{
+    for (int i = 0; i < 30; ++i) {
+        const std::string folder = "n" + std::to_string(i) + "/x/y/z";
+        fs::create_directories(m_root / folder);
+        write(m_root / folder / "file.md");
+    }
+    fs::create_directories(m_outside / "in/deep");
+    write(m_outside / "in/deep/file.md");
+    fs::rename(m_outside / "in", m_root / "b/in");
+    const auto events = settled();
+    for (int i = 0; i < 30; ++i)
+        for (const char *below : {"", "/x", "/x/y", "/x/y/z", "/x/y/z/file.md"})
+            EXPECT_THAT(events, Contains("~ n" + std::to_string(i) + below));
+    for (const char *path : {"b/in", "b/in/deep", "b/in/deep/file.md"})
+        EXPECT_THAT(events, Contains("~ "s + path));
+    write(m_root / "b/in/deep/file.md", "later");
+    EXPECT_THAT(settled(), ElementsAre("~ b/in/deep/file.md"));
+}
+
+TEST_F(FilePresenterTest, movesWithinInAndOut)
+{
+    fs::rename(m_root / "a/old.md", m_root / "b/new.md");
+    fs::rename(m_root / "a", m_root / "b/moved");
+    write(m_root / "b/moved/deep/leaf.md", "changed");
+    EXPECT_THAT(settled(), ElementsAre("a/old.md > b/new.md", "a > b/moved", "~ b/moved/deep/leaf.md"));
+
+    fs::rename(m_root / "b/moved", m_outside / "moved");
+    EXPECT_THAT(settled(), ElementsAre("~ b/moved"));
+    write(m_outside / "moved/deep/leaf.md", "outside");
+    EXPECT_THAT(settled(), IsEmpty());
+    fs::create_directory(m_root / "b/moved");
+    write(m_root / "b/moved/another.md");
+    EXPECT_THAT(settled(), Contains("~ b/moved/another.md"));
+}
+
+// What comes right behind a move must not be told before it.
+TEST_F(FilePresenterTest, swappedNamesStayInOrder)
+{
+    write(m_root / "b/1");
+    write(m_root / "b/2");
+    settled();
+    fs::rename(m_root / "b/1", m_root / "b/3");
+    fs::rename(m_root / "b/2", m_root / "b/1");
+    fs::rename(m_root / "b/3", m_root / "b/2");
+    auto events = settled();
+    // The files are young, so that each move is followed by a change of the target.
+    std::erase_if(events, [](const std::string &event) { return event.starts_with("~"); });
+    EXPECT_THAT(events, ElementsAre("b/1 > b/3", "b/2 > b/1", "b/3 > b/2"));
+}
+
+TEST_F(FilePresenterTest, waysOfSaving)
+{
+    write(m_root / "a/.old.md.tmp", "new");
+    fs::rename(m_root / "a/.old.md.tmp", m_root / "a/old.md");
+    auto events = settled();
+    EXPECT_EQ(events.back(), "~ a/old.md") << "written beside and renamed over";
+    EXPECT_THAT(events, Not(Contains("a/.old.md.tmp > a/old.md")));
+
+    fs::rename(m_root / "a/old.md", m_root / "a/old.md~");
+    write(m_root / "a/old.md", "newer");
+    events = settled();
+    EXPECT_THAT(events, Contains("~ a/old.md")) << "old file set aside first";
+    EXPECT_THAT(events, Contains("~ a/old.md~"));
+    EXPECT_THAT(events, Not(Contains("a/old.md > a/old.md~")));
+
+    write(m_root / "a/tmp");
+    fs::rename(m_root / "a/tmp", m_root / "a/fresh.md");
+    EXPECT_THAT(settled(), ElementsAre("~ a/tmp", "a/tmp > a/fresh.md", "~ a/fresh.md"));
+}
+
+TEST_F(FilePresenterTest, linksAreItemsAndNotFollowed)
+{
+    fs::create_directory_symlink(m_root, m_root / "a/loop");
+    fs::create_directory_symlink(m_outside, m_root / "b/link");
+    EXPECT_THAT(settled(), ElementsAre("~ a/loop", "~ b/link"));
+    write(m_outside / "file.md");
+    write(m_root / "b/file.md");
+    EXPECT_THAT(settled(), ElementsAre("~ b/file.md"));
+
+    fs::create_directory_symlink(m_root, m_outside / "root");
+    std::vector<std::string> seen;
+    const auto through =
+        makeFilePresenter({[&](const QString &path) { seen.push_back(path.toStdString()); }, {}, {}});
+    through->present(QString::fromStdString((m_outside / "root").string()));
+    through->settle();
+    seen.clear();
+    write(m_root / "a/old.md", "changed");
+    through->settle();
+    EXPECT_THAT(seen, Contains((m_outside / "root/a/old.md").string()));
+}
+
+TEST_F(FilePresenterTest, aBurstArrivesWholeAndInOrder)
+{
+    std::vector<std::string> wanted;
+    for (int i = 0; i < 10000; ++i) {
+        const std::string name = "a/" + std::to_string(i) + ".md";
+        write(m_root / name);
+        wanted.push_back("~ " + name);
+    }
+    EXPECT_EQ(settled(), wanted);
+}
+
+TEST_F(FilePresenterTest, theRootVanishes)
+{
+    fs::rename(m_base / "parent", m_base / "elsewhere");
+    EXPECT_THAT(settled(), ElementsAre("vanished")) << "a folder above it moved";
+    fs::rename(m_base / "elsewhere", m_base / "parent");
+    present();
+    fs::remove_all(m_root);
+    EXPECT_EQ(settled().back(), "vanished");
+    m_presenter->present(QString::fromStdString(m_root.string()));
+    EXPECT_THAT(settled(), ElementsAre("vanished")) << "it was never there";
+}
+
+TEST_F(FilePresenterTest, followsOneFolderAtATime)
+{
+    write(m_root / "a/old.md", "unheard");
+    m_presenter->present(QString::fromStdString((m_root / "b").string()));
+    write(m_root / "a/old.md", "unheard");
+    write(m_root / "b/heard.md");
+    settled();
+    m_presenter->present({});
+    write(m_root / "b/heard.md", "no more");
+    EXPECT_THAT(settled(), IsEmpty());
+}
+
+TEST_F(FilePresenterTest, arrivesThroughTheEventLoop)
+{
+    int count = -1000;
+    char name[] = "test";
+    char *arguments[] = {name};
+    int argumentCount = 1;
+    const QCoreApplication application(argumentCount, arguments);
+    std::unique_ptr<FilePresenter> own;
+    own = makeFilePresenter({[&](const QString &) {
+                                 // A receiver may end the presenter while it is called.
+                                 if (++count == 2) own.reset();
+                             },
+                             {},
+                             {}});
+    own->present(QString::fromStdString(m_root.string()));
+    own->settle();
+    count = 0;
+    for (const char *path : {"b/1", "b/2", "b/3"})
+        write(m_root / path);
+    for (QDeadlineTimer deadline(20000); own && !deadline.hasExpired();)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 100);
+    EXPECT_EQ(count, 2);
+}
+
+// With room for a few reports only, the thread stops reading and the kernel drops events.
+TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
+{
+    QTemporaryDir temporary;
+    const fs::path root = temporary.path().toStdString();
+    for (const char *folder : {"kept", "deleted", "moved/deep"})
+        fs::create_directories(root / folder);
+    for (const char *file : {"kept/same", "kept/gone", "kept/written", "deleted/x", "moved/deep/x"})
+        write(root / file);
+
+    // Files made within the present tick of the kernel's clock would count as changed.
+    timespec start, now;
+    clock_gettime(CLOCK_REALTIME, &start);
+    do clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    while (now.tv_sec * 1000000000 + now.tv_nsec < start.tv_sec * 1000000000 + start.tv_nsec);
+
+    std::vector<std::string> events;
+    FileReportQueue queue([] {}, 10);
+    FolderWatcher watcher(queue);
+    const auto settle = [&](quint64 ticket) {
+        watcher.settle(ticket);
+        events.clear();
+        for (FileReport report = queue.wait(); report.kind != FileReport::Settled; report = queue.wait())
+            events.push_back(fs::path(report.path).lexically_relative(root).string());
+    };
+    queue.begin(1);
+    watcher.present(root.string(), 1);
+    settle(1);
+    for (int i = 0; i < 20000; ++i) {
+        const fs::path busy = root / ("busy" + std::to_string(i % 20));
+        i % 40 < 20 ? write(busy) : void(fs::remove(busy));
+    }
+    fs::remove(root / "kept/gone");
+    write(root / "kept/written", "later");
+    write(root / "kept/new");
+    fs::remove_all(root / "deleted");
+    fs::rename(root / "moved", root / "kept/moved");
+    settle(2);
+    for (const char *path :
+         {"kept/gone", "kept/written", "kept/new", "deleted", "moved", "kept/moved", "kept/moved/deep/x"})
+        EXPECT_THAT(events, Contains(path));
+    EXPECT_THAT(events, Not(Contains("kept/same")));
+    write(root / "kept/moved/deep/x", "watched again");
+    settle(3);
+    EXPECT_THAT(events, ElementsAre("kept/moved/deep/x"));
+}
+
+TEST(FileReportQueue, mergesWhatTheReceiverWillSeeAnyway)
+{
+    FileReportQueue queue([] {});
+    queue.begin(1);
+    for (const char *path : {"a", "b", "a"})
+        queue.push({FileReport::Changed, path, {}, 0}, 1);
+    queue.push({FileReport::Moved, "a", "c", 0}, 1);
+    for (const char *path : {"a", "a"})
+        queue.push({FileReport::Changed, path, {}, 0}, 1);
+    queue.push({FileReport::Changed, "of another folder", {}, 0}, 2);
+    std::string order;
+    while (const auto report = queue.take())
+        order += report->path + report->target + ' ';
+    EXPECT_EQ(order, "a b ac a ");
+}
