@@ -53,6 +53,17 @@ bool takeGlobalOptions(QStringList &words, Invocation &call)
     return true;
 }
 
+// The answer may stand behind the command as well; what `op` is given is its own.
+void takeAnswer(QStringList &words, Invocation &call)
+{
+    words.removeIf([&call](const QString &word) {
+        if (word == QLatin1StringView("--yes")) call.answer = true;
+        else if (word == QLatin1StringView("--no")) call.answer = false;
+        else return false;
+        return true;
+    });
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -78,6 +89,7 @@ int main(int argc, char *argv[])
     call.command = words.takeFirst();
     if (!command)
         return wrongUsage({}, QStringLiteral("there is no command \"%1\"").arg(call.command));
+    if (call.command != QLatin1StringView("op")) takeAnswer(words, call);
     call.args = words;
     return command->run(call);
 }

@@ -80,9 +80,7 @@ QString textFromVariant(const QVariant &value)
 QString isoFromDate(const QDateTime &date)
 {
     if (!date.isValid()) return {};
-    const QDateTime utc = date.toUTC();
-    return utc.toString(utc.time().msec() != 0 ? QStringLiteral("yyyy-MM-ddThh:mm:ss.zzz'Z'")
-                                               : QStringLiteral("yyyy-MM-ddThh:mm:ss'Z'"));
+    return date.toUTC().toString(QStringLiteral("yyyy-MM-ddThh:mm:ss'Z'"));
 }
 
 QDateTime dateFromIso(const QString &text)

@@ -29,7 +29,7 @@ namespace tomelet {
 /// What jsonTextFromVariant wrote; text that is no JSON is taken as a plain string.
 [[nodiscard]] QVariant variantFromJsonText(const QString &text);
 
-/// ISO 8601 in UTC with a literal Z; milliseconds only where there are any. An invalid date gives "".
+/// ISO 8601 in UTC, whole seconds, with a literal Z. An invalid date gives "".
 [[nodiscard]] QString isoFromDate(const QDateTime &date);
 /// The date of an ISO 8601 text, in UTC; a text without a zone is read in local time. Invalid when it is none.
 [[nodiscard]] QDateTime dateFromIso(const QString &text);

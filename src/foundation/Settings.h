@@ -40,7 +40,7 @@ public:
 };
 
 /// The store in an INI file, made with its folder at the first write. Every value is kept as one line of JSON, so
-/// that types survive; a date is {"$date": "2026-11-21T08:30:00.000Z"}. A file that cannot be parsed is set aside
+/// that types survive; a date is {"$date": "2026-11-21T08:30:00Z"}. A file that cannot be parsed is set aside
 /// under a new name and the store begins empty.
 std::unique_ptr<Settings> openSettings(const QString &iniPath);
 

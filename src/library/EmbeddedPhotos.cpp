@@ -30,8 +30,9 @@ static const QString prefix = QStringLiteral("TMImages/");
 QStringList tm_setOfEmbeddedPhotos(const QString &text)
 {
     QStringList found;
-    for (const PatternMatch &match : matchesOfPattern(QStringLiteral(R"((TMImages/.+?)["\?\)\]<])"), text)) {
-        const QString reference = text.mid(match.group(1).location, match.group(1).length);
+    const PatternMatches matches = matchesOfPattern(text, QStringLiteral(R"((TMImages/.+?)["\?\)\]<])"));
+    for (size_t i = 0; i < matches.size(); ++i) {
+        const QString reference = substring(text, matches[i].group(1));
         if (!found.contains(reference)) found.append(reference);
     }
     return found;

@@ -13,7 +13,7 @@ TEST(Settings, typesSurviveTheFile)
 {
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("deep/settings.ini"));
-    const QDateTime date = QDateTime::fromString(QStringLiteral("2071-03-01T10:20:30.250Z"), Qt::ISODateWithMs);
+    const QDateTime date = QDateTime::fromString(QStringLiteral("2071-03-01T10:20:30Z"), Qt::ISODate);
     const QVariantMap values{{QStringLiteral("b"), true},
                              {QStringLiteral("i"), qlonglong(1) << 40},
                              {QStringLiteral("d"), 1.25},

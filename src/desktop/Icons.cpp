@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/Icons.h"
+
+#include "foundation/Resources.h"
+#include "foundation/SafeWriter.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "library/OutlineItem.h"
+
+#include <QGuiApplication>
+#include <QHash>
+#include <QPainter>
+#include <QPalette>
+#include <QPixmap>
+#include <QSvgRenderer>
+
+namespace tomelet::desktop {
+
+static QHash<QString, QIcon> &cache()
+{
+    static QHash<QString, QIcon> icons;
+    return icons;
+}
+
+void clearIconCache()
+{
+    cache().clear();
+}
+
+// Sizes from a list row to a toolbar at twice the scale.
+static QIcon drawn(QByteArray svg, const QColor &color)
+{
+    svg.replace("currentColor", color.name().toLatin1());
+    QSvgRenderer renderer(svg);
+    QIcon icon;
+    for (const int size : {16, 20, 24, 32, 48, 64}) {
+        QPixmap pixmap(size, size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        renderer.render(&painter);
+        icon.addPixmap(pixmap);
+    }
+    return icon;
+}
+
+QIcon bundledIcon(const QString &name)
+{
+    const auto known = cache().constFind(name);
+    if (known != cache().cend()) return *known;
+    const QByteArray svg = readFile(resourcePath(QStringLiteral("icons/%1.svg").arg(name))).value_or(QByteArray());
+    const QIcon icon = drawn(svg, QGuiApplication::palette().color(QPalette::WindowText));
+    cache().insert(name, icon);
+    return icon;
+}
+
+QIcon themedIcon(const QString &freedesktopName, const QString &bundledName)
+{
+    return QIcon::hasThemeIcon(freedesktopName) ? QIcon::fromTheme(freedesktopName) : bundledIcon(bundledName);
+}
+
+QIcon outlineIcon(const TMLTOutlineItem &item)
+{
+    switch (item.smartBookType()) {
+    case ContextBook:
+    case ContextsBook: return bundledIcon(QStringLiteral("tag"));
+    case SearchResultsBook: return bundledIcon(QStringLiteral("search"));
+    case DueTasksBook: return bundledIcon(QStringLiteral("due"));
+    case FavoritesBook: return bundledIcon(QStringLiteral("star"));
+    case InboxBook: return bundledIcon(QStringLiteral("inbox"));
+    case AllTaskListsBook: return bundledIcon(QStringLiteral("tasks"));
+    case RecentItemsBook: return bundledIcon(QStringLiteral("recent"));
+    case RecentlyModifiedBook: return bundledIcon(QStringLiteral("modified"));
+    case ConflictsBook: return bundledIcon(QStringLiteral("conflict"));
+    default: return bundledIcon(QStringLiteral("book"));
+    }
+}
+
+QIcon documentIcon(const QString &path)
+{
+    const QString extension = lowerExtension(path);
+    if (hasImageExtension(path)) return bundledIcon(QStringLiteral("image"));
+    if (extension == u"pdf") return bundledIcon(QStringLiteral("pdf"));
+    if (extension == u"html" || extension == u"htm") return bundledIcon(QStringLiteral("formatted"));
+    if (pathIsPlainBook(path)) return bundledIcon(QStringLiteral("book"));
+    if (markdownExtensions().contains(extension) || builtInPlainTextExtensions().contains(extension))
+        return bundledIcon(QStringLiteral("text"));
+    return bundledIcon(QStringLiteral("document"));
+}
+
+} // namespace tomelet::desktop

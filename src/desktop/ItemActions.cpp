@@ -1,0 +1,223 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/ItemActions.h"
+
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/Deletion.h"
+#include "library/ItemOperations.h"
+#include "library/ItemPath.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+
+#include <QUndoCommand>
+
+#include <algorithm>
+
+namespace tomelet::desktop {
+
+namespace {
+
+// Tells lists and tree at once; the file events that follow find it done.
+void announce(const QString &path)
+{
+    notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), path);
+}
+
+// A step that was carried out already when it is pushed, so that a failure never reaches the stack.
+class Step : public QUndoCommand
+{
+public:
+    using QUndoCommand::QUndoCommand;
+    void redo() final
+    {
+        if (m_first) m_first = false;
+        else again();
+    }
+    virtual void again() = 0;
+
+private:
+    bool m_first = true;
+};
+
+class MoveStep final : public Step
+{
+public:
+    MoveStep(const QString &text, QString from, QString to)
+        : Step(text)
+        , m_from(std::move(from))
+        , m_to(std::move(to))
+    {
+    }
+    void undo() override { carryOut(m_to, m_from); }
+    void again() override { carryOut(m_from, m_to); }
+
+private:
+    void carryOut(const QString &from, const QString &to)
+    {
+        if (!tm_moveItemToPath(from, to)) return setObsolete(true);
+        announce(from);
+        announce(to);
+    }
+
+    QString m_from;
+    QString m_to;
+};
+
+class TrashStep final : public Step
+{
+public:
+    TrashStep(const QString &text, QStringList paths, QList<DeletionRecord> records)
+        : Step(text)
+        , m_paths(std::move(paths))
+        , m_records(std::move(records))
+    {
+    }
+    void undo() override
+    {
+        m_records = undoLastDelete(m_records);
+        for (const QString &path : m_paths) announce(path);
+    }
+    void again() override
+    {
+        m_records = performDeleteSelectedItems(m_paths, false).records;
+        for (const QString &path : m_paths) announce(path);
+    }
+
+private:
+    QStringList m_paths;
+    QList<DeletionRecord> m_records;
+};
+
+// Something new: undone by moving it to the trash, where it can be found again.
+class CreationStep final : public Step
+{
+public:
+    CreationStep(const QString &text, QString path) : Step(text), m_path(std::move(path)) {}
+    void undo() override
+    {
+        m_records = performDeleteSelectedItems({m_path}, false).records;
+        announce(m_path);
+    }
+    void again() override
+    {
+        m_records = undoLastDelete(m_records);
+        announce(m_path);
+    }
+
+private:
+    QString m_path;
+    QList<DeletionRecord> m_records;
+};
+
+QString withKeptExtension(const QString &path, const QString &name)
+{
+    const QString extension = isFolder(path) ? QString() : pathExtension(path);
+    if (extension.isEmpty() || !pathExtension(name).isEmpty()) return name;
+    return name + u'.' + extension;
+}
+
+} // namespace
+
+ItemActions::ItemActions(QObject *parent) : QObject(parent)
+{
+}
+
+bool ItemActions::move(const QString &path, const QString &target, const QString &stepName)
+{
+    if (!tm_moveItemToPath(path, target)) {
+        Q_EMIT failed(localized(TOMELET_TEXT("The item could not be moved.")),
+                      localized(TOMELET_TEXT("\"%1\" stays where it is.")).arg(lastPathComponent(path)));
+        return false;
+    }
+    m_undoStack.push(new MoveStep(stepName, path, target));
+    announce(path);
+    announce(target);
+    return true;
+}
+
+bool ItemActions::rename(const QString &path, const QString &name)
+{
+    const QString safe = withKeptExtension(path, tm_escapeIllegalCharacters(name.trimmed()));
+    if (safe.isEmpty() || safe == lastPathComponent(path)) return false;
+    const QString target = joinPath(parentPath(path), safe);
+    const bool onlyCase = target.compare(path, Qt::CaseInsensitive) == 0;
+    if (!onlyCase && tm_fileExistsAtPathIsDirectory(target).exists) {
+        Q_EMIT failed(localized(TOMELET_TEXT("An item with name \"%1\" already exists.")).arg(safe),
+                      localized(TOMELET_TEXT("Please select a different name.")));
+        return false;
+    }
+    return move(path, target, localized(TOMELET_TEXT("Rename...")));
+}
+
+void ItemActions::drop(const QStringList &paths, const QString &book, bool copy)
+{
+    const QString root = tomeletRoot();
+    m_undoStack.beginMacro(localized(TOMELET_TEXT("Move")));
+    for (const QString &path : paths) {
+        const bool ownItem = path.startsWith(root + u'/');
+        if (ownItem && !copy && parentPath(path) == book) continue;
+        const QString target = tm_uniqueNameForFileatPath(lastPathComponent(path), book);
+        if (ownItem && !copy) {
+            move(path, target, {});
+        } else if (tm_copyItemToPath(path, target)) {
+            m_undoStack.push(new CreationStep({}, target));
+            announce(target);
+        } else {
+            Q_EMIT failed(localized(TOMELET_TEXT("The item could not be copied.")),
+                          localized(TOMELET_TEXT("\"%1\" is not in the book.")).arg(lastPathComponent(path)));
+        }
+    }
+    m_undoStack.endMacro();
+}
+
+void ItemActions::duplicate(const QStringList &paths)
+{
+    for (const QString &path : paths) {
+        const QString copy = pathForDuplicate(path);
+        if (!tm_duplicateItemAtPath(path)) continue;
+        m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("Duplicate")), copy));
+        announce(copy);
+    }
+}
+
+void ItemActions::moveToTrash(const QStringList &paths)
+{
+    const Deletion deletion = performDeleteSelectedItems(paths, false);
+    if (!deletion.records.isEmpty() && !deletion.permanent)
+        m_undoStack.push(new TrashStep(localized(TOMELET_TEXT("Delete")), paths, deletion.records));
+    for (const QString &path : paths) announce(path);
+}
+
+void ItemActions::deletePermanently(const QStringList &paths)
+{
+    const int answer = askQuestion({localized(TOMELET_TEXT("Permanently delete?")),
+                                    localized(TOMELET_TEXT("You cannot undo this action.")),
+                                    {localized(TOMELET_TEXT("Delete")), localized(TOMELET_TEXT("Cancel"))}});
+    if (answer != 0) return;
+    performDeleteSelectedItems(paths, true);
+    for (const QString &path : paths) announce(path);
+}
+
+QString ItemActions::newBook(const QString &parent)
+{
+    const QString path = makeNewBook(parent);
+    if (path.isEmpty()) {
+        Q_EMIT failed(localized(TOMELET_TEXT("The book could not be made.")),
+                      localized(TOMELET_TEXT("Nothing can be written in \"%1\".")).arg(lastPathComponent(parent)));
+        return {};
+    }
+    m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("New Book")), path));
+    announce(path);
+    return path;
+}
+
+void ItemActions::setBookOrder(const QString &book, const QStringList &names)
+{
+    const QStringList documents = storedProperties(book).value(QStringLiteral("Notes")).toStringList();
+    saveCustomSortOrder(book, names, documents);
+    tm_setProperty(book, QStringLiteral("custom"), QStringLiteral("sortOrderForNotes"));
+    announce(bookPropertiesPath(book));
+}
+
+} // namespace tomelet::desktop
