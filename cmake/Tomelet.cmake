@@ -34,7 +34,7 @@ function(tomelet_settings target)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
   target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING
-                                               QT_NO_KEYWORDS)
+                                               QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
 endfunction()
 
 # tomelet_library(NAME SOURCES... [LINK LIBRARIES...]): one layer of the system.

@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/DesktopShell.h"
+
+#include "desktop/DocumentPane.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/Root.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
+#include <cstdlib>
+
+namespace tomelet::desktop {
+
+namespace {
+
+int askWithBox(QWidget *parent, const Question &question)
+{
+    QMessageBox box(QMessageBox::NoIcon, question.title,
+                    QStringLiteral("<b>%1</b>").arg(question.title.toHtmlEscaped()), QMessageBox::NoButton, parent);
+    box.setInformativeText(question.text);
+    QList<QAbstractButton *> buttons;
+    for (qsizetype i = 0; i < question.buttons.size(); ++i) {
+        const bool last = i + 1 == question.buttons.size();
+        QAbstractButton *button =
+            box.addButton(question.buttons[i], last ? QMessageBox::RejectRole : QMessageBox::AcceptRole);
+        buttons.append(button);
+    }
+    box.exec();
+    const qsizetype taken = buttons.indexOf(box.clickedButton());
+    return int(taken < 0 ? buttons.size() - 1 : taken);
+}
+
+HeldKeys heldKeys()
+{
+    const Qt::KeyboardModifiers keys = QApplication::queryKeyboardModifiers();
+    return {keys == Qt::AltModifier, keys == Qt::ControlModifier};
+}
+
+QString frameText(const QRect &frame)
+{
+    return QStringLiteral("{{%1, %2}, {%3, %4}}").arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height());
+}
+
+QRect frameFrom(const QString &text)
+{
+    QString numbers = text;
+    const QStringList parts = numbers.remove(u'{').remove(u'}').split(u',');
+    if (parts.size() != 4) return {};
+    return {int(parts[0].toDouble()), int(parts[1].toDouble()), int(parts[2].toDouble()), int(parts[3].toDouble())};
+}
+
+} // namespace
+
+DesktopShell::DesktopShell() : m_application(*this)
+{
+    m_window.setApplication(m_application);
+    platform().ask = [this](const Question &question) { return askWithBox(&m_window, question); };
+    connect(&m_theme, &Theme::desktopChanged, this,
+            [this](bool dark) { m_application.systemAppearanceChanged(dark); });
+    connect(&m_window, &MainWindow::extraWindowWanted, this,
+            [this](const QString &path) { openWindow({path, {}, false, {}, {}}); });
+}
+
+void DesktopShell::launch(const QString &folder)
+{
+    const HeldKeys keys = heldKeys();
+    m_application.systemAppearanceChanged(m_theme.desktopIsDark());
+    setDark(settings().boolean(QStringLiteral("darkTheme")));
+    if (!folder.isEmpty() && makeFolder(folder)) m_application.tm_setRootToPath(QDir(folder).absolutePath());
+    m_application.applicationWillFinishLaunching(keys);
+    m_window.show();
+    // The first paint comes before anything is read that it does not show.
+    QTimer::singleShot(0, this, [this, keys, chosen = !folder.isEmpty()] {
+        if (rootIsInForce() && !chosen && !keys.option) {
+            m_application.initAppSettings(false);
+            m_window.outlineController().initFileCoordinationAndTaskLists();
+            m_window.outlineController().tm_expandSavedPaths();
+        }
+        m_application.applicationDidFinishLaunching(keys);
+    });
+}
+
+void DesktopShell::handOver(const QString &path)
+{
+    m_window.show();
+    m_window.raise();
+    m_window.activateWindow();
+    if (!path.isEmpty()) m_application.applicationOpenFile(path, false);
+}
+
+void DesktopShell::showWelcome(const WelcomeChoices &choices)
+{
+    m_window.showWelcome(choices);
+}
+
+void DesktopShell::hideWelcome()
+{
+    m_window.hideWelcome();
+}
+
+void DesktopShell::setDark(bool dark)
+{
+    Theme::apply(dark);
+}
+
+void DesktopShell::showAllPanes()
+{
+    m_window.showAllPanes();
+}
+
+QString DesktopShell::pickFolder(const QString &message, const QString &prompt)
+{
+    QFileDialog dialog(&m_window, QString(message).replace(u'\n', u' '), QDir::homePath());
+    dialog.setFileMode(QFileDialog::Directory);
+    dialog.setOption(QFileDialog::ShowDirsOnly);
+    dialog.setLabelText(QFileDialog::Accept, prompt);
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+// -- extra windows ----------------------------------------------------------------------------------------------------
+
+void DesktopShell::openWindow(const WindowEntry &entry)
+{
+    if (!itemExists(entry.path)) return;
+    auto *window = new QMainWindow;
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    auto *pane = new DocumentPane(window);
+    window->setCentralWidget(pane);
+    window->setWindowTitle(lastPathComponent(entry.path));
+    window->resize(820, 900);
+    if (const QRect frame = frameFrom(entry.frame); frame.isValid()) window->setGeometry(frame);
+    pane->showDocument(entry.path);
+    m_extraWindows.append(window);
+    if (entry.minimized == u"1") window->showMinimized();
+    else window->show();
+}
+
+void DesktopShell::openItemsInNewWindow(const QList<WindowEntry> &entries)
+{
+    for (const WindowEntry &entry : entries) openWindow(entry);
+}
+
+SessionState DesktopShell::sessionState()
+{
+    SessionState state;
+    state.mainWindowVisible = m_window.isVisible();
+    state.mainWindowShowsNotebook = m_window.showsNotebook();
+    state.mainDocument = m_window.documentOnDisplay();
+    int group = 0;
+    for (const QPointer<QMainWindow> &window : m_extraWindows) {
+        const auto *pane = window ? qobject_cast<DocumentPane *>(window->centralWidget()) : nullptr;
+        if (!pane || pane->path().isEmpty() || (!window->isVisible() && !window->isMinimized())) continue;
+        state.windows.append({pane->path(), QString::number(++group), true, frameText(window->geometry()),
+                              window->isMinimized() ? QStringLiteral("1") : QStringLiteral("0")});
+    }
+    return state;
+}
+
+void DesktopShell::closeMainWindow()
+{
+    m_window.hide();
+}
+
+void DesktopShell::saveExpandedPaths()
+{
+    m_window.outlineController().tm_saveExpandedPaths();
+}
+
+void DesktopShell::quit()
+{
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The windows behind the application's logic.
+#pragma once
+
+#include "desktop/MainWindow.h"
+#include "desktop/Theme.h"
+#include "library/AppDelegate.h"
+
+#include <QObject>
+#include <QPointer>
+
+class QTimer;
+
+namespace tomelet::desktop {
+
+class DocumentPane;
+
+class DesktopShell final : public QObject, public AppShell
+{
+    Q_OBJECT
+
+public:
+    DesktopShell();
+
+    /// Shows the main window and lets the application start. `folder` becomes the root when it is not empty.
+    void launch(const QString &folder);
+    /// What a second start of the program hands over: a folder, a file, or nothing but the wish to see the window.
+    void handOver(const QString &path);
+
+    // AppShell
+    void showWelcome(const WelcomeChoices &choices) override;
+    void hideWelcome() override;
+    void setDark(bool dark) override;
+    void showAllPanes() override;
+    [[nodiscard]] QString pickFolder(const QString &message, const QString &prompt) override;
+    void openItemsInNewWindow(const QList<WindowEntry> &entries) override;
+    void closeMainWindow() override;
+    [[nodiscard]] SessionState sessionState() override;
+    void saveExpandedPaths() override;
+    void quit() override;
+
+private:
+    void openWindow(const WindowEntry &entry);
+
+    AppDelegate m_application;
+    Theme m_theme;
+    MainWindow m_window;
+    QList<QPointer<QMainWindow>> m_extraWindows;
+};
+
+} // namespace tomelet::desktop

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/DocumentListModel.h"
+
+#include "desktop/DragData.h"
+#include "desktop/Icons.h"
+#include "desktop/ItemActions.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/ItemPath.h"
+#include "library/OutlineItem.h"
+#include "library/Properties.h"
+
+#include <QLocale>
+#include <QMimeData>
+
+namespace tomelet::desktop {
+
+DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_actions(actions)
+{
+}
+
+void DocumentListModel::show(const ListSource &source)
+{
+    beginResetModel();
+    m_controller.setSource(source);
+    m_controller.getDocumentsInFolder();
+    endResetModel();
+}
+
+void DocumentListModel::reload()
+{
+    Q_EMIT layoutAboutToBeChanged();
+    const QModelIndexList before = persistentIndexList();
+    QStringList paths;
+    for (const QModelIndex &index : before) paths.append(pathAt(index));
+    m_controller.loadDisplayParameters();
+    m_controller.getDocumentsInFolder();
+    QModelIndexList after;
+    for (const QString &path : paths) after.append(indexOfPath(path));
+    changePersistentIndexList(before, after);
+    Q_EMIT layoutChanged();
+}
+
+void DocumentListModel::setFilter(const QString &text)
+{
+    m_controller.searchFilter = text;
+    reload();
+}
+
+void DocumentListModel::selectSortOrder(int index)
+{
+    m_controller.selectSortOrder(index);
+    reload();
+}
+
+QString DocumentListModel::pathAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
+    return m_controller.documentsList[index.row()].value(QStringLiteral("path")).toString();
+}
+
+QModelIndex DocumentListModel::indexOfPath(const QString &path) const
+{
+    for (int row = 0; row < rowCount(); ++row)
+        if (m_controller.documentsList[row].value(QStringLiteral("path")).toString() == path) return index(row, 0);
+    return {};
+}
+
+int DocumentListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_controller.documentsList.size());
+}
+
+QString DocumentListModel::displayTitle(const QVariantMap &row) const
+{
+    const QString name = row.value(QStringLiteral("title")).toString();
+    if (settings().boolean(QStringLiteral("showFileExtensions"))) return name;
+    return pathWithoutExtension(name);
+}
+
+QDateTime DocumentListModel::shownDate(const QVariantMap &row) const
+{
+    const QString key = m_controller.sortOrder == u"creationDate" ? QStringLiteral("creationDate")
+                                                                  : QStringLiteral("modDate");
+    return row.value(key).toDateTime().toLocalTime();
+}
+
+// What the row shows by colour and sign, in words.
+QString DocumentListModel::description(const QVariantMap &row) const
+{
+    QStringList parts;
+    const bool pinned = row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
+    if (pinned) parts.append(localized(TOMELET_TEXT("pinned")));
+    if (!row.value(QStringLiteral("_TMFAV")).toString().isEmpty()) parts.append(localized(TOMELET_TEXT("favorite")));
+    const QString color = row.value(QStringLiteral("cellColor")).toString();
+    if (!color.isEmpty() && color != u"default") parts.append(localized(TOMELET_TEXT("label %1")).arg(color));
+    parts.append(QLocale().toString(shownDate(row), QLocale::ShortFormat));
+    return parts.join(QStringLiteral(", "));
+}
+
+QVariant DocumentListModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
+    const QVariantMap &row = m_controller.documentsList[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole: return displayTitle(row);
+    case Qt::DecorationRole: return documentIcon(row.value(QStringLiteral("path")).toString());
+    case Qt::ToolTipRole: return QString(row.value(QStringLiteral("title")).toString() + u'\n' + description(row));
+    case Qt::AccessibleDescriptionRole: return description(row);
+    case PathRole: return row.value(QStringLiteral("path"));
+    case DateRole: return shownDate(row);
+    case ColorRole: return row.value(QStringLiteral("cellColor"));
+    case PinnedRole: return row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
+    case FavoriteRole: return !row.value(QStringLiteral("_TMFAV")).toString().isEmpty();
+    default: return {};
+    }
+}
+
+bool DocumentListModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || value.toString() == displayTitle(m_controller.documentsList.value(index.row())))
+        return false;
+    return m_actions.rename(pathAt(index), value.toString());
+}
+
+Qt::ItemFlags DocumentListModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid()) return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
+           Qt::ItemNeverHasChildren;
+}
+
+// -- drag and drop ----------------------------------------------------------------------------------------------------
+
+QStringList DocumentListModel::mimeTypes() const
+{
+    return {QStringLiteral("text/uri-list")};
+}
+
+QMimeData *DocumentListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QStringList paths;
+    for (const QModelIndex &index : indexes) paths.append(pathAt(index));
+    return dragDataFor(paths);
+}
+
+Qt::DropActions DocumentListModel::supportedDropActions() const
+{
+    return Qt::MoveAction | Qt::CopyAction;
+}
+
+bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int, const QModelIndex &)
+{
+    const ListSource &source = m_controller.source();
+    if (source.smartType != OrdinaryBook) return false;
+    const QStringList paths = pathsIn(data);
+    QList<qsizetype> positions;
+    for (const QString &path : paths)
+        if (const QModelIndex own = indexOfPath(path); own.isValid()) positions.append(own.row());
+    if (positions.size() != paths.size() || action == Qt::CopyAction) {
+        m_actions.drop(paths, source.book, action == Qt::CopyAction);
+        return false;
+    }
+    // Documents of this very list, dropped between others, stand there from now on.
+    m_controller.moveDocuments(positions, row < 0 ? rowCount() : row);
+    selectSortOrder(3);
+    return false;
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rows of the document list as an item model over the list's controller.
+#pragma once
+
+#include "organising/DocumentList.h"
+
+#include <QAbstractListModel>
+
+namespace tomelet::desktop {
+
+class ItemActions;
+
+class DocumentListModel final : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    /// What a row tells beside the standard roles.
+    enum Role { PathRole = Qt::UserRole + 1, DateRole, ColorRole, PinnedRole, FavoriteRole };
+
+    DocumentListModel(ItemActions &actions, QObject *parent);
+
+    [[nodiscard]] TMLTDocumentListViewController &controller() { return m_controller; }
+    void show(const ListSource &source);
+    /// Reads the rows anew; rows that stay keep their selection.
+    void reload();
+    void setFilter(const QString &text);
+    void selectSortOrder(int index);
+    [[nodiscard]] QModelIndex indexOfPath(const QString &path) const;
+    [[nodiscard]] QString pathAt(const QModelIndex &index) const;
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] QStringList mimeTypes() const override;
+    [[nodiscard]] QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    [[nodiscard]] Qt::DropActions supportedDropActions() const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                      const QModelIndex &parent) override;
+
+private:
+    [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
+    [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
+    [[nodiscard]] QString description(const QVariantMap &row) const;
+
+    ItemActions &m_actions;
+    TMLTDocumentListViewController m_controller;
+};
+
+} // namespace tomelet::desktop

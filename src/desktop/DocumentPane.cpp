@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/DocumentPane.h"
+
+#include "conversion/Page.h"
+#include "foundation/Directories.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <QWebEnginePage>
+#include <QWebEngineProfile>
+#include <QWebEngineSettings>
+#include <QWebEngineUrlRequestInterceptor>
+
+#include <functional>
+
+namespace tomelet::desktop {
+
+namespace {
+
+// Pages are files of the person's own; nothing on them has a reason to call home.
+class NetworkBlocker final : public QWebEngineUrlRequestInterceptor
+{
+public:
+    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
+    void interceptRequest(QWebEngineUrlRequestInfo &info) override
+    {
+        static const QStringList local{QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"),
+                                       QStringLiteral("qrc"), QStringLiteral("about"),
+                                       QStringLiteral("chrome-extension"), QStringLiteral("chrome")};
+        if (!local.contains(info.requestUrl().scheme())) info.block(true);
+    }
+};
+
+QWebEngineProfile *pageProfile()
+{
+    // Off the record: nothing that a page leaves behind is kept.
+    static auto *profile = [] {
+        auto *made = new QWebEngineProfile(QCoreApplication::instance());
+        made->setUrlRequestInterceptor(new NetworkBlocker(made));
+        QWebEngineSettings *settings = made->settings();
+        settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
+        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
+        settings->setAttribute(QWebEngineSettings::PluginsEnabled, true);
+        settings->setAttribute(QWebEngineSettings::PdfViewerEnabled, true);
+        settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
+        settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
+        return made;
+    }();
+    return profile;
+}
+
+class Page final : public QWebEnginePage
+{
+public:
+    Page(QObject *parent, std::function<void(const QUrl &)> follow)
+        : QWebEnginePage(pageProfile(), parent)
+        , m_follow(std::move(follow))
+    {
+    }
+
+protected:
+    bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override
+    {
+        if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
+        const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
+        if (sameDocument) return true;
+        m_follow(url);
+        return false;
+    }
+
+private:
+    std::function<void(const QUrl &)> m_follow;
+};
+
+QString displayPlace(const QString &path)
+{
+    const QString folder = tm_normalizedPath(parentPath(path));
+    return folder.isEmpty() ? lastPathComponent(tomeletRoot()) : tm_pathFormattedForDisplay(folder);
+}
+
+} // namespace
+
+DocumentPane::DocumentPane(QWidget *parent)
+    : QWidget(parent)
+    , m_title(new QLabel)
+    , m_place(new QLabel)
+    , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
+    , m_stack(new QStackedWidget)
+    , m_view(new QWebEngineView)
+{
+    auto *page = new Page(m_view, [this](const QUrl &url) { followLink(url); });
+    m_view->setPage(page);
+    m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
+    page->setBackgroundColor(palette().color(QPalette::Base));
+
+    QFont font = m_title->font();
+    font.setWeight(QFont::DemiBold);
+    m_title->setFont(font);
+    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_place->setForegroundRole(QPalette::PlaceholderText);
+    m_empty->setAlignment(Qt::AlignCenter);
+    m_empty->setForegroundRole(QPalette::PlaceholderText);
+
+    auto *header = new QVBoxLayout;
+    header->setContentsMargins(16, 8, 16, 8);
+    header->setSpacing(0);
+    header->addWidget(m_title);
+    header->addWidget(m_place);
+    m_stack->addWidget(m_empty);
+    m_stack->addWidget(m_view);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addLayout(header);
+    layout->addWidget(m_stack, 1);
+    setFocusProxy(m_view);
+
+    m_subscriptions.push_back(notifications().observe(
+        QStringLiteral("TMLTFileModifiedOnDiskNotification"),
+        [this](const QVariantMap &payload) { documentChanged(payload.value(QStringLiteral("path")).toString()); }));
+    m_subscriptions.push_back(notifications().observe(
+        QStringLiteral("TMLTFileDeletedFromDiskNotification"), [this](const QVariantMap &payload) {
+            if (payload.value(QStringLiteral("path")).toString() == m_path) showDocument({});
+        }));
+    m_subscriptions.push_back(
+        notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &payload) {
+            documentMoved(payload.value(QStringLiteral("originalPath")).toString(),
+                          payload.value(QStringLiteral("newPath")).toString());
+        }));
+}
+
+DocumentPane::~DocumentPane() = default;
+
+void DocumentPane::showDocument(const QString &path)
+{
+    m_path = path;
+    m_title->setText(path.isEmpty() ? QString() : lastPathComponent(path));
+    m_place->setText(path.isEmpty() ? QString() : displayPlace(path));
+    m_stack->setCurrentWidget(path.isEmpty() ? static_cast<QWidget *>(m_empty) : m_view);
+    Q_EMIT titleChanged(m_title->text());
+    if (!path.isEmpty()) load();
+}
+
+// A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
+static constexpr qsizetype longestTextPage = 500 * 1024;
+
+void DocumentPane::load()
+{
+    const QString extension = lowerExtension(m_path);
+    static const QStringList shownAsTheyAre{QStringLiteral("html"), QStringLiteral("htm"), QStringLiteral("pdf")};
+    if (shownAsTheyAre.contains(extension)) return m_view->load(QUrl::fromLocalFile(m_path));
+
+    QString html = pageForItem(m_path);
+    const QUrl base = QUrl::fromLocalFile(parentPath(m_path) + u'/');
+    const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(base.toEncoded()));
+    const qsizetype head = html.indexOf(u"<head>");
+    if (head >= 0) html.replace(head, 6, element);
+    if (html.size() < longestTextPage) return m_view->setHtml(html, base);
+
+    const QString folder = joinPath(workingDirectory(), QStringLiteral("pages"));
+    makeFolder(folder);
+    const QString file = joinPath(folder, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
+    if (writeFile(file, html.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
+}
+
+void DocumentPane::documentChanged(const QString &path)
+{
+    if (path != m_path || m_path.isEmpty()) return;
+    const QPointF position = m_view->page()->scrollPosition();
+    load();
+    if (!position.isNull()) {
+        // The page scrolls to where it was as soon as it is laid out again.
+        connect(m_view->page(), &QWebEnginePage::loadFinished, this, [this, position] {
+            m_view->page()->runJavaScript(
+                QStringLiteral("window.scrollTo(%1, %2)").arg(position.x()).arg(position.y()), 1);
+        }, Qt::SingleShotConnection);
+    }
+}
+
+void DocumentPane::documentMoved(const QString &from, const QString &to)
+{
+    if (m_path == from) showDocument(to);
+    else if (m_path.startsWith(from + u'/')) showDocument(to + m_path.mid(from.size()));
+}
+
+void DocumentPane::followLink(const QUrl &url)
+{
+    const QString path = url.toLocalFile();
+    if (url.isLocalFile() && tm_itemIsChildOfTomelet(path) && itemExists(path))
+        notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), path);
+    else QDesktopServices::openUrl(url);
+}
+
+} // namespace tomelet::desktop

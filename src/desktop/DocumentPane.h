@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The right-hand pane: a document as a page. Pages run no script and load nothing from the network.
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+
+#include <QWebEngineView>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+class QLabel;
+class QStackedWidget;
+
+namespace tomelet::desktop {
+
+class DocumentPane final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DocumentPane(QWidget *parent = nullptr);
+    ~DocumentPane() override;
+
+    /// Shows the document; an empty path shows what to do next.
+    void showDocument(const QString &path);
+    [[nodiscard]] const QString &path() const { return m_path; }
+    [[nodiscard]] QWebEngineView *view() { return m_view; }
+
+Q_SIGNALS:
+    void titleChanged(const QString &title);
+
+private:
+    void load();
+    void followLink(const QUrl &url);
+    void documentChanged(const QString &path);
+    void documentMoved(const QString &from, const QString &to);
+
+    QLabel *m_title;
+    QLabel *m_place;
+    QLabel *m_empty;
+    QStackedWidget *m_stack;
+    QWebEngineView *m_view;
+    QString m_path;
+    std::vector<NotificationCenter::Subscription> m_subscriptions;
+};
+
+} // namespace tomelet::desktop

@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/MainWindow.h"
+
+#include "desktop/DocumentDelegate.h"
+#include "desktop/DocumentListModel.h"
+#include "desktop/DocumentPane.h"
+#include "desktop/OutlinePane.h"
+#include "desktop/WelcomePane.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/ItemPath.h"
+#include "library/OutlineItem.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+#include "library/RecentItems.h"
+
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace tomelet::desktop {
+
+using namespace std::chrono_literals;
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , m_outline(new OutlinePane(m_actions))
+    , m_outlineController(*m_outline)
+    , m_listModel(new DocumentListModel(m_actions, this))
+    , m_list(new QListView)
+    , m_listTitle(new QLabel)
+    , m_listEmpty(new QLabel)
+    , m_filter(new QLineEdit)
+    , m_listStack(new QStackedWidget)
+    , m_document(new DocumentPane)
+    , m_splitter(new QSplitter)
+    , m_pages(new QStackedWidget)
+    , m_listSide(new QWidget)
+{
+    setWindowTitle(QStringLiteral("Tomelet"));
+    resize(1360, 700);
+    makePanes();
+    makeActions();
+    observe();
+    connect(&m_actions, &ItemActions::failed, this, &MainWindow::showMessage);
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::setApplication(AppDelegate &application)
+{
+    m_application = &application;
+}
+
+// -- panes ------------------------------------------------------------------------------------------------------------
+
+void MainWindow::makePanes()
+{
+    m_list->setModel(m_listModel);
+    m_list->setItemDelegate(new DocumentDelegate(m_list));
+    m_list->setFrameShape(QFrame::NoFrame);
+    m_list->setAccessibleName(localized(TOMELET_TEXT("Documents")));
+    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_list->setEditTriggers(QAbstractItemView::EditKeyPressed);
+    m_list->setDragDropMode(QAbstractItemView::DragDrop);
+    m_list->setDefaultDropAction(Qt::MoveAction);
+    m_list->setUniformItemSizes(true);
+    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
+
+    QFont font = m_listTitle->font();
+    font.setWeight(QFont::DemiBold);
+    m_listTitle->setFont(font);
+    m_listEmpty->setAlignment(Qt::AlignCenter);
+    m_listEmpty->setWordWrap(true);
+    m_listEmpty->setMargin(24);
+    m_listEmpty->setForegroundRole(QPalette::PlaceholderText);
+    m_filter->setPlaceholderText(localized(TOMELET_TEXT("Filter by name")));
+    m_filter->setAccessibleName(localized(TOMELET_TEXT("Filter by name")));
+    m_filter->setClearButtonEnabled(true);
+
+    auto *listLayout = new QVBoxLayout(m_listSide);
+    listLayout->setContentsMargins(0, 8, 0, 0);
+    auto *header = new QVBoxLayout;
+    header->setContentsMargins(12, 0, 12, 4);
+    header->addWidget(m_listTitle);
+    header->addWidget(m_filter);
+    listLayout->addLayout(header);
+    m_listStack->addWidget(m_list);
+    m_listStack->addWidget(m_listEmpty);
+    listLayout->addWidget(m_listStack, 1);
+
+    m_splitter->addWidget(m_outline);
+    m_splitter->addWidget(m_listSide);
+    m_splitter->addWidget(m_document);
+    m_splitter->setHandleWidth(1);
+    m_splitter->setChildrenCollapsible(false);
+    m_splitter->setStretchFactor(2, 1);
+    m_splitter->setSizes({240, 300, 820});
+    m_pages->addWidget(m_splitter);
+    setCentralWidget(m_pages);
+
+    connect(m_outline, &OutlinePane::sourceSelected, this, &MainWindow::showSource);
+    connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
+    connect(m_outline, &OutlinePane::rootVanished, this, [this] {
+        statusBar()->showMessage(localized(TOMELET_TEXT("The notebook's folder is not there any more.")));
+    });
+    connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
+    connect(m_list, &QListView::doubleClicked, this,
+            [this](const QModelIndex &index) { Q_EMIT extraWindowWanted(m_listModel->pathAt(index)); });
+    connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
+    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
+        m_listModel->setFilter(text);
+        updateListTexts();
+    });
+    connect(m_document, &DocumentPane::titleChanged, this, [this](const QString &title) {
+        setWindowTitle(title.isEmpty() ? QStringLiteral("Tomelet") : title + QStringLiteral(" — Tomelet"));
+    });
+}
+
+void MainWindow::showWelcome(const WelcomeChoices &choices)
+{
+    auto *welcome = new WelcomePane(choices);
+    connect(welcome, &WelcomePane::folderWanted, this, [this] { m_application->tm_selectTomeletRoot(true); });
+    connect(welcome, &WelcomePane::cloudWanted, this, [this] { m_application->tm_selectiCloudAsRoot(); });
+    connect(welcome, &WelcomePane::dropboxWanted, this, [this] { m_application->tm_selectDropboxAsRoot(); });
+    m_pages->setCurrentIndex(m_pages->addWidget(welcome));
+    menuBar()->hide();
+}
+
+void MainWindow::hideWelcome()
+{
+    menuBar()->show();
+    m_pages->setCurrentWidget(m_splitter);
+    while (m_pages->count() > 1) delete m_pages->widget(1);
+}
+
+void MainWindow::showAllPanes()
+{
+    m_outline->show();
+    m_listSide->show();
+    m_document->show();
+}
+
+bool MainWindow::showsNotebook() const
+{
+    return m_pages->currentWidget() == m_splitter;
+}
+
+QString MainWindow::documentOnDisplay() const
+{
+    return m_document->path();
+}
+
+void MainWindow::showMessage(const QString &title, const QString &text)
+{
+    auto *box = new QMessageBox(QMessageBox::NoIcon, title, QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()),
+                                QMessageBox::Ok, this);
+    box->setInformativeText(text);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+// -- what is on display -----------------------------------------------------------------------------------------------
+
+void MainWindow::showSource(const ListSource &source)
+{
+    m_outline->setBookOnDisplay(source.book);
+    m_listModel->show(source);
+    m_list->scrollToTop();
+    if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) m_document->showDocument({});
+    updateListTexts();
+}
+
+void MainWindow::updateListTexts()
+{
+    const TMLTDocumentListViewController &list = m_listModel->controller();
+    m_listTitle->setText(list.title());
+    m_listEmpty->setText(list.emptyText());
+    m_listStack->setCurrentIndex(m_listModel->rowCount() == 0 ? 1 : 0);
+    static const QStringList orders{QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
+                                    QStringLiteral("custom")};
+    const qsizetype order = list.sortOrder == u"DueDate" ? 2 : orders.indexOf(list.sortOrder);
+    if (order >= 0) m_sortActions->actions()[order]->setChecked(true);
+    m_descending->setChecked(!list.sortAscending);
+}
+
+void MainWindow::documentSelected()
+{
+    const QStringList paths = selectedDocuments();
+    if (paths.size() != 1 || paths.first() == m_document->path()) return;
+    m_document->showDocument(paths.first());
+    tm_addToRecentItems(paths.first());
+}
+
+void MainWindow::showItem(const QString &path)
+{
+    const QString root = tomeletRoot();
+    QString full = tm_itemIsChildOfTomelet(path, root) ? path : fullPathOf(path, root);
+    if (!itemExists(full)) full = tm_pathWithoutAnchor(full);
+    if (path.isEmpty() || !itemExists(full)) return;
+    m_outlineController.expandPathToItem(full);
+    const QString book = pathIsPlainBook(full) ? full : parentPath(full);
+    if (m_listModel->controller().source().book != book) showSource({book, OrdinaryBook, {}});
+    if (book == full) return;
+    if (const QModelIndex index = m_listModel->indexOfPath(full); index.isValid()) {
+        m_list->setCurrentIndex(index);
+        m_list->scrollTo(index);
+    }
+    m_document->showDocument(full);
+    tm_addToRecentItems(full);
+}
+
+// Lists follow a moment later, so that a thousand changes are one reload.
+void MainWindow::reloadListFor(const QString &path)
+{
+    const ListSource &source = m_listModel->controller().source();
+    const bool concerned = source.smartType != OrdinaryBook || parentPath(path) == source.book;
+    if (!concerned) return;
+    platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
+        const QStringList selected = selectedDocuments();
+        m_listModel->reload();
+        updateListTexts();
+    });
+}
+
+void MainWindow::observe()
+{
+    const auto onPath = [this](const char *name, const char *key, std::function<void(const QString &)> handler) {
+        m_subscriptions.push_back(notifications().observe(
+            QString::fromLatin1(name), [key, handler = std::move(handler)](const QVariantMap &payload) {
+                handler(payload.value(QLatin1StringView(key)).toString());
+            }));
+    };
+    const auto reload = [this](const QString &path) { reloadListFor(path); };
+    onPath("TMLTFileModifiedOnDiskNotification", "path", reload);
+    onPath("TMLTFileDeletedFromDiskNotification", "path", reload);
+    onPath("TMLTFileMovedNotification", "newPath", reload);
+    onPath("TMLTFileMovedNotification", "originalPath", reload);
+    onPath("TMLTShowItemAtPathNotification", "path", [this](const QString &path) { showItem(path); });
+    onPath("TMLTNewBookSelectedNotification", "path", [this](const QString &path) {
+        showSource({path, OrdinaryBook, {}});
+        m_outlineController.expandPathToItem(path);
+    });
+    onPath("TMLTReloadCurrentBook", "path", [this](const QString &) {
+        m_listModel->reload();
+        updateListTexts();
+    });
+    onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
+}
+
+void MainWindow::newRoot()
+{
+    m_document->showDocument({});
+    m_actions.undoStack().clear();
+    const QString report = m_outlineController.newRootSelected();
+    showSource({tomeletRoot(), OrdinaryBook, {}});
+    m_application->showFirstDocument();
+    if (!report.isEmpty()) showMessage(localized(TOMELET_TEXT("Settings of this Notebook")), report);
+}
+
+// -- selection --------------------------------------------------------------------------------------------------------
+
+QStringList MainWindow::selectedDocuments() const
+{
+    QStringList paths;
+    for (const QModelIndex &index : m_list->selectionModel()->selectedRows()) paths.append(m_listModel->pathAt(index));
+    return paths;
+}
+
+void MainWindow::forSelection(const std::function<void(const QStringList &)> &action)
+{
+    const QStringList paths = m_outline->hasFocus() ? m_outline->selectedPaths() : selectedDocuments();
+    if (!paths.isEmpty()) action(paths);
+}
+
+void MainWindow::newBook()
+{
+    const QStringList books = m_outline->selectedPaths();
+    const QString path = m_actions.newBook(books.isEmpty() ? tomeletRoot() : books.first());
+    if (path.isEmpty()) return;
+    m_outline->setFocus();
+    m_outline->editName(path);
+}
+
+void MainWindow::renameSelection()
+{
+    if (m_outline->hasFocus()) m_outline->edit(m_outline->currentIndex());
+    else if (m_list->currentIndex().isValid()) m_list->edit(m_list->currentIndex());
+}
+
+void MainWindow::focusNextPane(int step)
+{
+    const QList<QWidget *> panes{m_outline, m_list, m_document->view()};
+    qsizetype at = 0;
+    for (qsizetype i = 0; i < panes.size(); ++i)
+        if (panes[i]->hasFocus() || panes[i]->isAncestorOf(focusWidget())) at = i;
+    panes[(at + step + panes.size()) % panes.size()]->setFocus(Qt::TabFocusReason);
+}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_application) m_application->applicationWillTerminate();
+    m_application = nullptr;
+    event->accept();
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The notebook's window: outline, list, document.
+#pragma once
+
+#include "desktop/ItemActions.h"
+#include "foundation/NotificationCenter.h"
+#include "library/AppDelegate.h"
+#include "library/OutlineController.h"
+#include "organising/DocumentList.h"
+
+#include <QMainWindow>
+
+#include <vector>
+
+class QActionGroup;
+class QLineEdit;
+class QLabel;
+class QListView;
+class QSplitter;
+class QStackedWidget;
+
+namespace tomelet::desktop {
+
+class DocumentListModel;
+class DocumentPane;
+class OutlinePane;
+
+class MainWindow final : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    /// Connects the window with the application; before the first show.
+    void setApplication(AppDelegate &application);
+    void showWelcome(const WelcomeChoices &choices);
+    void hideWelcome();
+    void showAllPanes();
+    void showMessage(const QString &title, const QString &text);
+    [[nodiscard]] bool showsNotebook() const;
+    [[nodiscard]] QString documentOnDisplay() const;
+    [[nodiscard]] TMLTOutlineController &outlineController() { return m_outlineController; }
+
+    /// Selects the item's book and, for a document, shows it.
+    void showItem(const QString &path);
+
+Q_SIGNALS:
+    void extraWindowWanted(const QString &path);
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void makePanes();
+    void makeActions();
+    void makeBookMenu();
+    void makeEditMenu();
+    void makeViewMenu();
+    void makeStorageMenu();
+    void fillStorageMenu(QMenu *menu);
+    void makeLabelMenu(QMenu *menu);
+    void observe();
+    QAction *add(QMenu *menu, const char *text, const QKeySequence &keys, std::function<void()> action);
+
+    void showSource(const ListSource &source);
+    void updateListTexts();
+    void documentSelected();
+    void reloadListFor(const QString &path);
+    void newRoot();
+    void newBook();
+    void renameSelection();
+    void forSelection(const std::function<void(const QStringList &)> &action);
+    [[nodiscard]] QStringList selectedDocuments() const;
+    void focusNextPane(int step);
+    void showListMenu(const QPoint &position);
+    void showOutlineMenu(const QPoint &position);
+
+    ItemActions m_actions;
+    OutlinePane *m_outline;
+    TMLTOutlineController m_outlineController;
+    DocumentListModel *m_listModel;
+    QListView *m_list;
+    QLabel *m_listTitle;
+    QLabel *m_listEmpty;
+    QLineEdit *m_filter;
+    QStackedWidget *m_listStack;
+    DocumentPane *m_document;
+    QSplitter *m_splitter;
+    QStackedWidget *m_pages;
+    QWidget *m_listSide;
+    QActionGroup *m_sortActions = nullptr;
+    QAction *m_descending = nullptr;
+    AppDelegate *m_application = nullptr;
+    std::vector<NotificationCenter::Subscription> m_subscriptions;
+};
+
+} // namespace tomelet::desktop

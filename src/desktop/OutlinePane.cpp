@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/OutlinePane.h"
+
+#include "desktop/ItemActions.h"
+#include "desktop/OutlineModel.h"
+#include "foundation/Localization.h"
+
+#include <QDropEvent>
+
+namespace tomelet::desktop {
+
+OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
+    : QTreeView(parent)
+    , m_model(new OutlineModel(actions, this))
+{
+    setModel(m_model);
+    setHeaderHidden(true);
+    setFrameShape(QFrame::NoFrame);
+    setAccessibleName(localized(TOMELET_TEXT("Books")));
+    setUniformRowHeights(false);
+    setIndentation(16);
+    setIconSize({18, 18});
+    setDragEnabled(true);
+    setAcceptDrops(true);
+    setDropIndicatorShown(true);
+    setDragDropMode(QAbstractItemView::DragDrop);
+    setDefaultDropAction(Qt::MoveAction);
+    setAutoExpandDelay(600);
+    setEditTriggers(QAbstractItemView::EditKeyPressed);
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    QTreeView::expand(m_model->indexOf(TMLTOutlineItem::smartBooksItem()));
+    QTreeView::expand(m_model->indexOf(TMLTOutlineItem::booksItem()));
+}
+
+QStringList OutlinePane::selectedPaths() const
+{
+    QStringList paths;
+    for (const QModelIndex &index : selectionModel()->selectedRows()) {
+        const TMLTOutlineItem *item = OutlineModel::itemAt(index);
+        if (!item->isGroupItem() && item->smartBookType() == OrdinaryBook) paths.append(item->fullPath());
+    }
+    return paths;
+}
+
+void OutlinePane::editName(const QString &path)
+{
+    TMLTOutlineItem *item = TMLTOutlineItem::childAtPath(path);
+    if (!item || item->isGroupItem()) return;
+    QTreeView::expand(m_model->indexOf(item->parent()));
+    const QModelIndex index = m_model->indexOf(item);
+    setCurrentIndex(index);
+    edit(index);
+}
+
+// -- what the controller asks -----------------------------------------------------------------------------------------
+
+bool OutlinePane::isExpanded(TMLTOutlineItem *item)
+{
+    return QTreeView::isExpanded(m_model->indexOf(item));
+}
+
+void OutlinePane::expand(TMLTOutlineItem *item)
+{
+    item->children();
+    QTreeView::expand(m_model->indexOf(item));
+}
+
+void OutlinePane::collapse(TMLTOutlineItem *item)
+{
+    QTreeView::collapse(m_model->indexOf(item));
+}
+
+void OutlinePane::select(TMLTOutlineItem *item, bool silently)
+{
+    m_selectRowSilently = silently;
+    if (item) setCurrentIndex(m_model->indexOf(item));
+    else selectionModel()->clearSelection();
+    m_selectRowSilently = false;
+}
+
+TMLTOutlineItem *OutlinePane::selectedItem()
+{
+    const QModelIndexList rows = selectionModel()->selectedRows();
+    return rows.isEmpty() ? nullptr : OutlineModel::itemAt(rows.first());
+}
+
+QList<TMLTOutlineItem *> OutlinePane::expandedItems()
+{
+    QList<TMLTOutlineItem *> items;
+    for (QModelIndex index = m_model->index(0, 0, {}); index.isValid(); index = indexBelow(index))
+        if (QTreeView::isExpanded(index)) items.append(OutlineModel::itemAt(index));
+    return items;
+}
+
+void OutlinePane::rootAvailabilityChanged(bool available)
+{
+    if (!available) Q_EMIT rootVanished();
+}
+
+// -- selection and drops ----------------------------------------------------------------------------------------------
+
+void OutlinePane::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
+{
+    QTreeView::selectionChanged(selected, deselected);
+    const TMLTOutlineItem *item = selectedItem();
+    if (m_selectRowSilently || !item || item->groupItemType() == SmartBooksGroup) return;
+    ListSource source;
+    source.smartType = item->smartBookType();
+    if (source.smartType == OrdinaryBook) source.book = item->fullPath();
+    if (source.smartType == ContextBook) source.contexts = {item->relativePath()};
+    Q_EMIT sourceSelected(source);
+}
+
+void OutlinePane::dropEvent(QDropEvent *event)
+{
+    // Items of the notebook move unless the person holds the key for copying; files from outside are copied.
+    if (event->source() && !(event->modifiers() & Qt::ControlModifier)) event->setDropAction(Qt::MoveAction);
+    QTreeView::dropEvent(event);
+}
+
+} // namespace tomelet::desktop

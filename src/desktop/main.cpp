@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file is opened.
+#include "desktop/DesktopShell.h"
+#include "desktop/SingleInstance.h"
+#include "foundation/Folder.h"
+#include "foundation/Resources.h"
+#include "foundation/Signals.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QIcon>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+#include <unistd.h>
+
+using namespace tomelet;
+
+namespace {
+
+void installTranslations(QApplication &application)
+{
+    auto *qt = new QTranslator(&application);
+    if (qt->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                 QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(qt);
+    auto *own = new QTranslator(&application);
+    if (own->load(QLocale(), QStringLiteral("tomelet"), QStringLiteral("_"),
+                  resourcePath(QStringLiteral("translations"))))
+        QApplication::installTranslator(own);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // Chromium's sandbox cannot be set up by root, and refuses to start without being told so.
+    if (::geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+    QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication application(argc, argv);
+    QApplication::setApplicationDisplayName(QStringLiteral("Tomelet"));
+    QApplication::setDesktopFileName(QStringLiteral("org.tomelet.app"));
+    QApplication::setWindowIcon(QIcon(resourcePath(QStringLiteral("icons/org.tomelet.app.svg"))));
+    installTranslations(application);
+
+    const QString argument = QApplication::arguments().value(1);
+    const QString path = argument.isEmpty() ? QString() : QDir(argument).absolutePath();
+    desktop::SingleInstance instance;
+    if (instance.handedOverTo(path)) return 0;
+
+    desktop::DesktopShell shell;
+    QObject::connect(&instance, &desktop::SingleInstance::handedOver, &shell, &desktop::DesktopShell::handOver);
+    const QuitOnSignals quitter;
+    const bool isFile = itemExists(path) && !isFolder(path);
+    shell.launch(isFile ? QString() : path);
+    if (isFile) shell.handOver(path);
+    return QApplication::exec();
+}
