@@ -113,7 +113,7 @@ DocumentPane::DocumentPane(QWidget *parent)
     m_empty->setForegroundRole(QPalette::PlaceholderText);
 
     auto *header = new QVBoxLayout;
-    header->setContentsMargins(16, 8, 16, 8);
+    header->setContentsMargins(20, 10, 20, 6);
     header->setSpacing(0);
     header->addWidget(m_title);
     header->addWidget(m_place);
@@ -124,6 +124,8 @@ DocumentPane::DocumentPane(QWidget *parent)
     layout->setSpacing(0);
     layout->addLayout(header);
     layout->addWidget(m_stack, 1);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Base);
     setFocusProxy(m_view);
 
     m_subscriptions.push_back(notifications().observe(

@@ -89,6 +89,8 @@ void MainWindow::makePanes()
     m_filter->setAccessibleName(localized(TOMELET_TEXT("Filter by name")));
     m_filter->setClearButtonEnabled(true);
 
+    m_listSide->setAutoFillBackground(true);
+    m_listSide->setBackgroundRole(QPalette::Base);
     auto *listLayout = new QVBoxLayout(m_listSide);
     listLayout->setContentsMargins(0, 8, 0, 0);
     auto *header = new QVBoxLayout;
@@ -228,7 +230,6 @@ void MainWindow::reloadListFor(const QString &path)
     const bool concerned = source.smartType != OrdinaryBook || parentPath(path) == source.book;
     if (!concerned) return;
     platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
-        const QStringList selected = selectedDocuments();
         m_listModel->reload();
         updateListTexts();
     });

@@ -17,7 +17,9 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     setHeaderHidden(true);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(localized(TOMELET_TEXT("Books")));
-    setUniformRowHeights(false);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+    viewport()->setBackgroundRole(QPalette::Window);
     setIndentation(16);
     setIconSize({18, 18});
     setDragEnabled(true);

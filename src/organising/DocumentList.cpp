@@ -262,7 +262,7 @@ QString TMLTDocumentListViewController::emptyText() const
     const QString none = localized(TOMELET_TEXT("No Documents to Display"));
     if (!searchFilter.isEmpty() || !isPlainBook()) return none;
     return none + QStringLiteral("\n\n") +
-           localized(TOMELET_TEXT("Press Ctrl+N for a new document, or drop files here."));
+           localized(TOMELET_TEXT("Drop files here, or put them into the folder with any program."));
 }
 
 } // namespace tomelet

@@ -43,6 +43,15 @@ void printRow(const QVariantMap &row)
     writeLine(line);
 }
 
+int printHierarchy(const Invocation &call, const QString &book, bool paths)
+{
+    const QStringList all = tm_sortedListOfAllItemsInHierarchy(book);
+    if (call.json) writeJson(QJsonArray::fromStringList(all));
+    else
+        for (const QString &path : all) writeLine(paths ? path : tm_normalizedPath(path));
+    return Done;
+}
+
 } // namespace
 
 int runList(const Invocation &call)
@@ -58,9 +67,12 @@ int runList(const Invocation &call)
     const QCommandLineOption descending(QStringLiteral("descending"), QStringLiteral("The other way round."));
     const QCommandLineOption filter(QStringLiteral("filter"), QStringLiteral("Only names that hold the text."),
                                     QStringLiteral("text"));
+    const QCommandLineOption all(QStringLiteral("all"),
+                                 QStringLiteral("The documents of the books below as well, book by book."));
+    const QCommandLineOption paths(QStringLiteral("paths"), QStringLiteral("Full paths in place of names."));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Prints the rows of a book or smart book in its order."));
-    parser.addOptions({smart, context, sort, descending, filter});
+    parser.addOptions({smart, context, sort, descending, filter, all, paths});
     parser.addPositionalArgument(QStringLiteral("book"), QStringLiteral("The book; the root where none is given."),
                                  QStringLiteral("[BOOK]"));
     if (const auto status = parse(call, parser)) return *status;
@@ -79,6 +91,7 @@ int runList(const Invocation &call)
     } else if (!source.contexts.isEmpty()) source.smartType = ContextBook;
     else if (!pathIsPlainBook(source.book)) return fail(QStringLiteral("%1 is no book").arg(source.book));
 
+    if (parser.isSet(all)) return printHierarchy(call, source.book, parser.isSet(paths));
     TMLTDocumentListViewController list;
     list.setSource(source);
     if (parser.isSet(sort)) list.sortOrder = parser.value(sort);
@@ -89,6 +102,7 @@ int runList(const Invocation &call)
     QJsonArray rows;
     for (const QVariantMap &row : list.documentsList) {
         if (call.json) rows.append(jsonFromVariant(row));
+        else if (parser.isSet(paths)) writeLine(row.value(QStringLiteral("path")).toString());
         else printRow(row);
     }
     if (call.json) writeJson(rows);
