@@ -76,8 +76,8 @@ void DocumentDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
         std::swap(iconArea, signArea);
         textArea = inner.adjusted(0, 0, -iconSize - 8, 0);
     }
-    index.data(Qt::DecorationRole).value<QIcon>().paint(painter, iconArea, Qt::AlignCenter,
-                                                        selected ? QIcon::Selected : QIcon::Normal);
+    const QIcon::Mode mode = selected ? QIcon::Selected : QIcon::Normal;
+    index.data(Qt::DecorationRole).value<QIcon>().paint(painter, iconArea, Qt::AlignCenter, mode);
 
     int signs = 0;
     const auto nextSign = [&] { return signArea.translated((rightToLeft ? 1 : -1) * (iconSize + 2) * signs++, 0); };
@@ -89,9 +89,9 @@ void DocumentDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
         painter->drawEllipse(dot);
     }
     if (index.data(DocumentListModel::PinnedRole).toBool())
-        bundledIcon(QStringLiteral("pin")).paint(painter, nextSign().adjusted(2, 2, -2, -2));
+        bundledIcon(QStringLiteral("pin")).paint(painter, nextSign().adjusted(2, 2, -2, -2), Qt::AlignCenter, mode);
     if (index.data(DocumentListModel::FavoriteRole).toBool())
-        bundledIcon(QStringLiteral("star")).paint(painter, nextSign().adjusted(2, 2, -2, -2));
+        bundledIcon(QStringLiteral("star")).paint(painter, nextSign().adjusted(2, 2, -2, -2), Qt::AlignCenter, mode);
 
     const int reserved = signs * (iconSize + 2);
     const QRect titleArea = rightToLeft ? textArea.adjusted(reserved, 0, 0, 0) : textArea.adjusted(0, 0, -reserved, 0);

@@ -28,19 +28,17 @@ void clearIconCache()
 }
 
 // Sizes from a list row to a toolbar at twice the scale.
-static QIcon drawn(QByteArray svg, const QColor &color)
+static void addDrawn(QIcon &icon, QByteArray svg, const QColor &color, QIcon::Mode mode)
 {
     svg.replace("currentColor", color.name().toLatin1());
     QSvgRenderer renderer(svg);
-    QIcon icon;
     for (const int size : {16, 20, 24, 32, 48, 64}) {
         QPixmap pixmap(size, size);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
         renderer.render(&painter);
-        icon.addPixmap(pixmap);
+        icon.addPixmap(pixmap, mode);
     }
-    return icon;
 }
 
 QIcon bundledIcon(const QString &name)
@@ -48,7 +46,10 @@ QIcon bundledIcon(const QString &name)
     const auto known = cache().constFind(name);
     if (known != cache().cend()) return *known;
     const QByteArray svg = readFile(resourcePath(QStringLiteral("icons/%1.svg").arg(name))).value_or(QByteArray());
-    const QIcon icon = drawn(svg, QGuiApplication::palette().color(QPalette::WindowText));
+    const QPalette palette = QGuiApplication::palette();
+    QIcon icon;
+    addDrawn(icon, svg, palette.color(QPalette::WindowText), QIcon::Normal);
+    addDrawn(icon, svg, palette.color(QPalette::HighlightedText), QIcon::Selected);
     cache().insert(name, icon);
     return icon;
 }

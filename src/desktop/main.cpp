@@ -35,6 +35,7 @@ void installTranslations(QApplication &application)
 
 int main(int argc, char *argv[])
 {
+    QuitOnSignals::hold();
     // Chromium's sandbox cannot be set up by root, and refuses to start without being told so.
     if (::geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
     QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);

@@ -19,10 +19,16 @@ static sigset_t endingSignals()
     return set;
 }
 
-QuitOnSignals::QuitOnSignals()
+void QuitOnSignals::hold()
 {
     const sigset_t set = endingSignals();
     ::pthread_sigmask(SIG_BLOCK, &set, nullptr);
+}
+
+QuitOnSignals::QuitOnSignals()
+{
+    hold();
+    const sigset_t set = endingSignals();
     m_descriptor = ::signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
     m_notifier = std::make_unique<QSocketNotifier>(m_descriptor, QSocketNotifier::Read);
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, [this] {

@@ -12,6 +12,9 @@ namespace tomelet {
 class QuitOnSignals
 {
 public:
+    /// Keeps the signals waiting until there is somebody to take them; to be called before any thread starts.
+    static void hold();
+
     QuitOnSignals();
     ~QuitOnSignals();
     QuitOnSignals(const QuitOnSignals &) = delete;
