@@ -31,6 +31,11 @@ void write(const fs::path &path, const std::string &text = "text")
     std::ofstream(path) << text;
 }
 
+std::string numbered(const std::string &name, int number)
+{
+    return name + std::to_string(number);
+}
+
 // A presented folder with two books in it; what is reported is kept as "~ path", "from > to" and "vanished".
 class FilePresenterTest : public testing::Test
 {
@@ -99,7 +104,7 @@ TEST_F(FilePresenterTest, changesAtAnyDepth)
 TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
 {
     for (int i = 0; i < 30; ++i) {
-        const std::string folder = "n" + std::to_string(i) + "/x/y/z";
+        const std::string folder = numbered("n", i) + "/x/y/z";
         fs::create_directories(m_root / folder);
         write(m_root / folder / "file.md");
     }
@@ -109,7 +114,7 @@ TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
     const auto events = settled();
     for (int i = 0; i < 30; ++i)
         for (const char *below : {"", "/x", "/x/y", "/x/y/z", "/x/y/z/file.md"})
-            EXPECT_THAT(events, Contains("~ n" + std::to_string(i) + below));
+            EXPECT_THAT(events, Contains(numbered("~ n", i) + below));
     for (const char *path : {"b/in", "b/in/deep", "b/in/deep/file.md"})
         EXPECT_THAT(events, Contains("~ "s + path));
     write(m_root / "b/in/deep/file.md", "later");
@@ -192,7 +197,7 @@ TEST_F(FilePresenterTest, aBurstArrivesWholeAndInOrder)
 {
     std::vector<std::string> wanted;
     for (int i = 0; i < 10000; ++i) {
-        const std::string name = "a/" + std::to_string(i) + ".md";
+        const std::string name = numbered("a/", i) + ".md";
         write(m_root / name);
         wanted.push_back("~ " + name);
     }
@@ -260,7 +265,8 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
     // Files made within the present tick of the kernel's clock would count as changed.
     timespec start, now;
     clock_gettime(CLOCK_REALTIME, &start);
-    do clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    do
+        clock_gettime(CLOCK_REALTIME_COARSE, &now);
     while (now.tv_sec * 1000000000 + now.tv_nsec < start.tv_sec * 1000000000 + start.tv_nsec);
 
     std::vector<std::string> events;
@@ -276,7 +282,7 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
     watcher.present(root.string(), 1);
     settle(1);
     for (int i = 0; i < 20000; ++i) {
-        const fs::path busy = root / ("busy" + std::to_string(i % 20));
+        const fs::path busy = root / numbered("busy", i % 20);
         i % 40 < 20 ? write(busy) : void(fs::remove(busy));
     }
     fs::remove(root / "kept/gone");
