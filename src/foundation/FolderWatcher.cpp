@@ -255,7 +255,7 @@ void FolderWatcher::moved(Departure departure, WatchedFolder *folder, const std:
         if (isFolder) plan(item.folder.get(), m_lastEmpty, false);
         return;
     }
-    m_outbox.moveEnded(departure.report, departure.from, to);
+    m_outbox.moveEnded(departure.report, departure.from, to, isFolder);
     const bool isYoung = departure.item.madeAt + youth > FileReportOutbox::Clock::now();
     if (isYoung && !isFolder) m_outbox.changed(to);
     if (isFolder == bool(departure.item.folder))

@@ -15,6 +15,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <thread>
+
+#include <unistd.h>
 
 using namespace tomelet;
 using namespace std::string_literals;
@@ -170,6 +174,24 @@ TEST_F(FilePresenterTest, waysOfSaving)
     write(m_root / "a/tmp");
     fs::rename(m_root / "a/tmp", m_root / "a/fresh.md");
     EXPECT_THAT(settled(), ElementsAre("~ a/tmp", "a/tmp > a/fresh.md", "~ a/fresh.md"));
+
+    fs::rename(m_root / "a", m_root / "c");
+    fs::create_directory(m_root / "a");
+    EXPECT_THAT(settled(), ElementsAre("a > c", "~ a")) << "a folder is no document";
+}
+
+TEST_F(FilePresenterTest, unreadableFoldersAreReadLater)
+{
+    if (geteuid() == 0) GTEST_SKIP() << "root can read every folder";
+    fs::create_directory(m_root / "locked", m_root);
+    fs::permissions(m_root / "locked", fs::perms::none);
+    present();
+    write(m_root / "a/old.md", "changed");
+    EXPECT_THAT(settled(), Contains("~ a/old.md"));
+    fs::permissions(m_root / "locked", fs::perms::owner_all);
+    settled();
+    write(m_root / "locked/file.md");
+    EXPECT_THAT(settled(), ElementsAre("~ locked/file.md"));
 }
 
 TEST_F(FilePresenterTest, linksAreItemsAndNotFollowed)
@@ -202,6 +224,75 @@ TEST_F(FilePresenterTest, aBurstArrivesWholeAndInOrder)
         wanted.push_back("~ " + name);
     }
     EXPECT_EQ(settled(), wanted);
+}
+
+// A receiver that does nothing but look where it is told to look ends up with what is on disk, whatever
+// happens.
+TEST_F(FilePresenterTest, aMirrorStaysTrue)
+{
+    std::set<std::string> mirror;
+    const auto forgetBelow = [&](const std::string &path) {
+        std::erase_if(
+            mirror, [&](const std::string &known) { return known == path || known.starts_with(path + "/"); });
+    };
+    const auto look = [&](const std::string &path) {
+        if (fs::exists(path))
+            mirror.insert(path);
+        else
+            forgetBelow(path);
+    };
+    const auto lookBelow = [&](const std::string &path) {
+        std::error_code gone;
+        for (fs::recursive_directory_iterator it(path, gone), end; it != end && !gone; it.increment(gone))
+            mirror.insert(it->path().string());
+    };
+    const auto presenter = makeFilePresenter({[&](const QString &path) { look(path.toStdString()); },
+                                              [&](const QString &from, const QString &to) {
+                                                  forgetBelow(from.toStdString());
+                                                  look(from.toStdString());
+                                                  look(to.toStdString());
+                                                  lookBelow(to.toStdString());
+                                              },
+                                              {}});
+    presenter->present(QString::fromStdString(m_root.string()));
+    presenter->settle();
+    lookBelow(m_root.string());
+
+    std::thread other([this] {
+        std::mt19937 random(7);
+        const auto pick = [&](int count) { return int(random() % unsigned(count)); };
+        const auto path = [&] {
+            fs::path result = pick(12) == 0 ? m_outside : m_root;
+            for (int depth = 1 + pick(3); depth > 0; --depth)
+                result /= numbered("n", pick(4));
+            return result;
+        };
+        std::error_code ignored;
+        for (int i = 0; i < 4000; ++i) {
+            const fs::path at = path();
+            switch (pick(5)) {
+            case 0:
+                fs::remove_all(at, ignored);
+                break;
+            case 1:
+                write(at);
+                break;
+            case 2:
+                fs::create_directories(at, ignored);
+                break;
+            default:
+                fs::rename(at, path(), ignored);
+            }
+        }
+    });
+    for (int i = 0; i < 5; ++i)
+        presenter->settle();
+    other.join();
+    presenter->settle();
+    std::set<std::string> onDisk;
+    for (const auto &entry : fs::recursive_directory_iterator(m_root))
+        onDisk.insert(entry.path().string());
+    EXPECT_EQ(mirror, onDisk);
 }
 
 TEST_F(FilePresenterTest, theRootVanishes)
