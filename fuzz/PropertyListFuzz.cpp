@@ -14,7 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QByteArray binary = binaryPropertyList(*tree);
     const auto again = parsePropertyList(binary);
     if (!again || binaryPropertyList(*again) != binary) std::abort();
-    // The XML form leaves out characters, in keys too, and fractions of seconds once, and nothing the second time.
+    // The XML form leaves out characters, in keys too, and fractions of seconds once, and nothing the second
+    // time.
     const auto plain = parsePropertyList(xmlPropertyList(*tree));
     if (!plain) std::abort();
     const QByteArray xml = xmlPropertyList(*plain);

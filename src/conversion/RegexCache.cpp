@@ -101,7 +101,7 @@ int RegexCache::leastRecentWay(int set) const
 void RegexCache::release(Entry &entry)
 {
     if (m_lastUsed == &entry) m_lastUsed = nullptr;
-    if (m_subjectEntry == &entry) m_subjectEntry = nullptr;
+    if (m_subjectEntry == &entry) dropSubject();
     if (entry.icu_regex) uregex_close(entry.icu_regex);
     entry = {};
 }
@@ -117,7 +117,11 @@ void RegexCache::setSubject(Entry *entry, const QString &subject, Range range, U
 
 void RegexCache::flush(const QString &subject)
 {
-    if (!m_subjectEntry || !isSameObject(m_subject.text, subject)) return;
+    if (m_subjectEntry && isSameObject(m_subject.text, subject)) dropSubject();
+}
+
+void RegexCache::dropSubject()
+{
     m_subjectEntry = nullptr;
     m_subject = {};
 }
@@ -136,8 +140,6 @@ void RegexCache::clear()
     for (Entry &entry : m_entries)
         release(entry);
     m_recency = {};
-    m_subjectEntry = nullptr;
-    m_subject = {};
 }
 
 bool RegexCache::holds(const QString &regex, quint32 options) const

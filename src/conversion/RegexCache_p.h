@@ -46,7 +46,7 @@ public:
     /// Makes the range of the subject what the entry's pattern runs on, from its start. The subject stays
     /// shared until the next call, flush() or clear(), so that the same text need not be set again.
     void setSubject(Entry *entry, const QString &subject, Range range, UErrorCode &status);
-    /// Lets go of the subject if it is this text.
+    /// Lets go of the subject if it shares this text's buffer.
     void flush(const QString &subject);
 
     /// Room for a result in the making, kept from call to call.
@@ -79,6 +79,7 @@ private:
     void markMostRecent(int set, int way);
     Entry *use(int index, size_t quickSlot);
     void release(Entry &entry);
+    void dropSubject();
 
     std::array<Entry, setCount * wayCount> m_entries;
     std::array<quint16, setCount> m_recency = {}; // 4-by-4 bit matrices

@@ -1,5 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Tells what changes below one folder, whoever changes it: every file and folder in it, at any depth.
+// Symbolic links are items like files and are not followed, except where the presented folder itself is one.
+//
+// A program that saves a document moves a new file over it, or sets the old one aside and makes a new one.
+// Neither is told as a move, so that what is known of the document stays with its name: both names are told
+// as changed.
 #pragma once
 
 #include <QString>
@@ -14,20 +19,24 @@ struct FileEvents
 {
     /// The item at the path was made, written, had its attributes changed, or is gone: the receiver looks.
     std::function<void(const QString &path)> didChange;
-    /// The item moved within the presented folder; what lies below a moved folder is not reported one by one.
+    /// The item moved within the presented folder to a name that was free; what lies below a moved folder is
+    /// not reported one by one. A file that was made only seconds before is also reported as changed under
+    /// its new name. Moves that cross the border of the presented folder are changes.
     std::function<void(const QString &from, const QString &to)> didMove;
-    /// The presented folder itself vanished or was unmounted.
+    /// The presented folder itself vanished, moved or was unmounted, or was not there in the first place.
+    /// Nothing more is reported until present() is called again.
     std::function<void()> didVanish;
 };
 
-/// Events arrive on the thread that made the presenter, through its event loop, in the order in which they happened.
+/// Events arrive on the thread that made the presenter, through its event loop, in the order in which they
+/// happened.
 class FilePresenter
 {
 public:
     virtual ~FilePresenter() = default;
 
-    /// Follows the folder from now on, and no other; an empty path ends all reports. Returns at once: the folder is
-    /// walked on a thread of the presenter's own. What changes during that walk is reported too.
+    /// Follows the folder from now on, and no other; an empty path ends all reports. Returns at once: the
+    /// folder is walked on a thread of the presenter's own. What changes during that walk is reported too.
     virtual void present(const QString &folder) = 0;
 
     /// Waits until the walk that `present` began is done and all that has happened so far has been delivered.

@@ -26,10 +26,12 @@ quint64 FileReportOutbox::moveBegan(const std::string &from)
     return m_firstNumber + m_entries.size() - 1;
 }
 
-void FileReportOutbox::moveEnded(quint64 number, const std::string &from, const std::string &to)
+void FileReportOutbox::moveEnded(quint64 number, const std::string &from, const std::string &to,
+                                 bool isFolder)
 {
-    entry(number) = {{FileReport::Moved, from, to, 0}, Clock::now() + patienceForSaving};
-    m_waitingMoves[from] = number;
+    const auto due = isFolder ? Clock::time_point() : Clock::now() + patienceForSaving;
+    entry(number) = {{FileReport::Moved, from, to, 0}, due};
+    if (!isFolder) m_waitingMoves[from] = number;
 }
 
 void FileReportOutbox::made(const std::string &path)

@@ -37,7 +37,7 @@ public:
     /// A move began: it is reported as a change of the path unless moveEnded follows within a moment. Gives
     /// the number that moveEnded takes.
     quint64 moveBegan(const std::string &from);
-    void moveEnded(quint64 number, const std::string &from, const std::string &to);
+    void moveEnded(quint64 number, const std::string &from, const std::string &to, bool isFolder);
     /// Whether the report with that number was taken.
     bool isOut(quint64 number) const { return number < m_firstNumber; }
     /// An item was made at the path. Where a move away from it still waits, a program set the old file aside

@@ -139,7 +139,8 @@ void FolderWatcher::waitForWork()
     pollfd descriptors[] = {{m_wakeUp, POLLIN, 0}, {m_folders ? m_folders->descriptor() : -1, POLLIN, 0}};
     ::poll(descriptors, 2, timeout);
     uint64_t count;
-    [[maybe_unused]] const auto emptied = ::read(m_wakeUp, &count, sizeof count);
+    if (descriptors[0].revents != 0) [[maybe_unused]]
+        const auto emptied = ::read(m_wakeUp, &count, sizeof count);
 }
 
 void FolderWatcher::answerSettle()
@@ -254,7 +255,7 @@ void FolderWatcher::moved(Departure departure, WatchedFolder *folder, const std:
         if (isFolder) plan(item.folder.get(), m_lastEmpty, false);
         return;
     }
-    m_outbox.moveEnded(departure.report, departure.from, to);
+    m_outbox.moveEnded(departure.report, departure.from, to, isFolder);
     const bool isYoung = departure.item.madeAt + youth > FileReportOutbox::Clock::now();
     if (isYoung && !isFolder) m_outbox.changed(to);
     if (isFolder == bool(departure.item.folder))

@@ -15,6 +15,10 @@
 
 #include <filesystem>
 #include <fstream>
+#include <random>
+#include <thread>
+
+#include <unistd.h>
 
 using namespace tomelet;
 using namespace std::string_literals;
@@ -29,6 +33,11 @@ namespace {
 void write(const fs::path &path, const std::string &text = "text")
 {
     std::ofstream(path) << text;
+}
+
+std::string numbered(const std::string &name, int number)
+{
+    return name + std::to_string(number);
 }
 
 // A presented folder with two books in it; what is reported is kept as "~ path", "from > to" and "vanished".
@@ -99,7 +108,7 @@ TEST_F(FilePresenterTest, changesAtAnyDepth)
 TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
 {
     for (int i = 0; i < 30; ++i) {
-        const std::string folder = "n" + std::to_string(i) + "/x/y/z";
+        const std::string folder = numbered("n", i) + "/x/y/z";
         fs::create_directories(m_root / folder);
         write(m_root / folder / "file.md");
     }
@@ -109,7 +118,7 @@ TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
     const auto events = settled();
     for (int i = 0; i < 30; ++i)
         for (const char *below : {"", "/x", "/x/y", "/x/y/z", "/x/y/z/file.md"})
-            EXPECT_THAT(events, Contains("~ n" + std::to_string(i) + below));
+            EXPECT_THAT(events, Contains(numbered("~ n", i) + below));
     for (const char *path : {"b/in", "b/in/deep", "b/in/deep/file.md"})
         EXPECT_THAT(events, Contains("~ "s + path));
     write(m_root / "b/in/deep/file.md", "later");
@@ -165,6 +174,24 @@ TEST_F(FilePresenterTest, waysOfSaving)
     write(m_root / "a/tmp");
     fs::rename(m_root / "a/tmp", m_root / "a/fresh.md");
     EXPECT_THAT(settled(), ElementsAre("~ a/tmp", "a/tmp > a/fresh.md", "~ a/fresh.md"));
+
+    fs::rename(m_root / "a", m_root / "c");
+    fs::create_directory(m_root / "a");
+    EXPECT_THAT(settled(), ElementsAre("a > c", "~ a")) << "a folder is no document";
+}
+
+TEST_F(FilePresenterTest, unreadableFoldersAreReadLater)
+{
+    if (geteuid() == 0) GTEST_SKIP() << "root can read every folder";
+    fs::create_directory(m_root / "locked", m_root);
+    fs::permissions(m_root / "locked", fs::perms::none);
+    present();
+    write(m_root / "a/old.md", "changed");
+    EXPECT_THAT(settled(), Contains("~ a/old.md"));
+    fs::permissions(m_root / "locked", fs::perms::owner_all);
+    settled();
+    write(m_root / "locked/file.md");
+    EXPECT_THAT(settled(), ElementsAre("~ locked/file.md"));
 }
 
 TEST_F(FilePresenterTest, linksAreItemsAndNotFollowed)
@@ -192,11 +219,80 @@ TEST_F(FilePresenterTest, aBurstArrivesWholeAndInOrder)
 {
     std::vector<std::string> wanted;
     for (int i = 0; i < 10000; ++i) {
-        const std::string name = "a/" + std::to_string(i) + ".md";
+        const std::string name = numbered("a/", i) + ".md";
         write(m_root / name);
         wanted.push_back("~ " + name);
     }
     EXPECT_EQ(settled(), wanted);
+}
+
+// A receiver that does nothing but look where it is told to look ends up with what is on disk, whatever
+// happens.
+TEST_F(FilePresenterTest, aMirrorStaysTrue)
+{
+    std::set<std::string> mirror;
+    const auto forgetBelow = [&](const std::string &path) {
+        std::erase_if(
+            mirror, [&](const std::string &known) { return known == path || known.starts_with(path + "/"); });
+    };
+    const auto look = [&](const std::string &path) {
+        if (fs::exists(path))
+            mirror.insert(path);
+        else
+            forgetBelow(path);
+    };
+    const auto lookBelow = [&](const std::string &path) {
+        std::error_code gone;
+        for (fs::recursive_directory_iterator it(path, gone), end; it != end && !gone; it.increment(gone))
+            mirror.insert(it->path().string());
+    };
+    const auto presenter = makeFilePresenter({[&](const QString &path) { look(path.toStdString()); },
+                                              [&](const QString &from, const QString &to) {
+                                                  forgetBelow(from.toStdString());
+                                                  look(from.toStdString());
+                                                  look(to.toStdString());
+                                                  lookBelow(to.toStdString());
+                                              },
+                                              {}});
+    presenter->present(QString::fromStdString(m_root.string()));
+    presenter->settle();
+    lookBelow(m_root.string());
+
+    std::thread other([this] {
+        std::mt19937 random(7);
+        const auto pick = [&](int count) { return int(random() % unsigned(count)); };
+        const auto path = [&] {
+            fs::path result = pick(12) == 0 ? m_outside : m_root;
+            for (int depth = 1 + pick(3); depth > 0; --depth)
+                result /= numbered("n", pick(4));
+            return result;
+        };
+        std::error_code ignored;
+        for (int i = 0; i < 4000; ++i) {
+            const fs::path at = path();
+            switch (pick(5)) {
+            case 0:
+                fs::remove_all(at, ignored);
+                break;
+            case 1:
+                write(at);
+                break;
+            case 2:
+                fs::create_directories(at, ignored);
+                break;
+            default:
+                fs::rename(at, path(), ignored);
+            }
+        }
+    });
+    for (int i = 0; i < 5; ++i)
+        presenter->settle();
+    other.join();
+    presenter->settle();
+    std::set<std::string> onDisk;
+    for (const auto &entry : fs::recursive_directory_iterator(m_root))
+        onDisk.insert(entry.path().string());
+    EXPECT_EQ(mirror, onDisk);
 }
 
 TEST_F(FilePresenterTest, theRootVanishes)
@@ -260,7 +356,8 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
     // Files made within the present tick of the kernel's clock would count as changed.
     timespec start, now;
     clock_gettime(CLOCK_REALTIME, &start);
-    do clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    do
+        clock_gettime(CLOCK_REALTIME_COARSE, &now);
     while (now.tv_sec * 1000000000 + now.tv_nsec < start.tv_sec * 1000000000 + start.tv_nsec);
 
     std::vector<std::string> events;
@@ -276,7 +373,7 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
     watcher.present(root.string(), 1);
     settle(1);
     for (int i = 0; i < 20000; ++i) {
-        const fs::path busy = root / ("busy" + std::to_string(i % 20));
+        const fs::path busy = root / numbered("busy", i % 20);
         i % 40 < 20 ? write(busy) : void(fs::remove(busy));
     }
     fs::remove(root / "kept/gone");

@@ -189,6 +189,7 @@ TEST(PropertyList, refusesHostileInput)
         {"no Base64", document("<data>A*==</data>")},
         {"entities", laughs + document("<string>&b;</string>").mid(22)},
         {"entities behind a comment", "<!-- <plist> -->" + laughs + "<plist><string>&b;</string></plist>"},
+        {"many attributes", document("<dict a='>'" + QByteArray(" b=''").repeated(300) + "/>")},
         {"external entity", external + "<plist><string>&b;</string></plist>"},
         {"binary of nothing", "bplist00"},
         {"binary truncated", good.chopped(1)},

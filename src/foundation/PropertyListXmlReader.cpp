@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The XML form of property lists. Documents with a DTD of their own are refused before the XML reader sees
-// them: entities and attribute defaults could make a small file cost any amount of time and memory.
-#include "foundation/PropertyList.h"
-
+// Reads the XML form of property lists. Documents with a DTD of their own are refused before the XML reader
+// sees them: entities and attribute defaults could make a small file cost any amount of time and memory.
 #include "foundation/PropertyList_p.h"
 
 #include <QDateTime>
@@ -19,39 +17,46 @@ namespace propertylist {
 
 namespace {
 
-// The end of the first construct that `from` begins: behind `close`, or the end of the text.
+/// The tags of property lists have one short attribute at most. Looking for attributes that stand twice takes
+/// the XML reader time in the square of their number.
+constexpr qsizetype longestTag = 1000;
+
+// The position behind the next `close`, or the end of the text.
 qsizetype behind(QStringView text, QStringView close, qsizetype from)
 {
     const qsizetype at = text.indexOf(close, from);
     return at < 0 ? text.size() : at + close.size();
 }
 
-// Whether the document type declaration that begins at `from` has declarations of its own, in brackets.
-bool declaresInBrackets(QStringView text, qsizetype from)
+// The position behind the ">" that ends the tag, quoted attribute values skipped.
+qsizetype behindTag(QStringView text, qsizetype from)
 {
     for (qsizetype i = from; i < text.size(); ++i) {
-        if (text[i] == u'>') return false;
-        if (text[i] == u'[') return true;
+        if (text[i] == u'>') return i + 1;
         if (text[i] == u'"' || text[i] == u'\'') i = behind(text, text.sliced(i, 1), i + 1) - 1;
     }
-    return false;
+    return text.size();
 }
 
-bool hasInternalDtd(QStringView text)
+// Whether a document has no DTD of its own, in brackets, and no endless tags.
+bool isHarmless(QStringView text)
 {
     qsizetype at = 0;
-    while (at < text.size()) {
+    while ((at = text.indexOf(u'<', at)) >= 0) {
         const QStringView rest = text.sliced(at);
-        if (rest[0].isSpace() || rest[0] == QChar::ByteOrderMark)
-            ++at;
-        else if (rest.startsWith(u"<?"))
+        if (rest.startsWith(u"<?"))
             at = behind(text, u"?>", at);
         else if (rest.startsWith(u"<!--"))
-            at = behind(text, u"-->", at);
-        else
-            return rest.startsWith(u"<!DOCTYPE") && declaresInBrackets(text, at);
+            at = behind(text, u"-->", at + 4);
+        else if (rest.startsWith(u"<![CDATA["))
+            at = behind(text, u"]]>", at);
+        else {
+            const QStringView tag = rest.first(behindTag(text, at) - at);
+            if (tag.size() > longestTag || (tag.startsWith(u"<!DOCTYPE") && tag.contains(u'['))) return false;
+            at += tag.size();
+        }
     }
-    return false;
+    return true;
 }
 
 // The encoding by byte order mark or by how "<" is stored; then by the XML declaration; otherwise UTF-8.
@@ -236,140 +241,12 @@ private:
     QXmlStreamReader m_xml;
 };
 
-// Lays values out as the platform's dictionary writer does, so that a line-wise comparison shows what
-// changed.
-class Writer
-{
-public:
-    QByteArray document(const QVariant &tree)
-    {
-        m_out = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-                "<plist version=\"1.0\">\n";
-        value(tree, 0);
-        return m_out + "</plist>\n";
-    }
-
-private:
-    void line(int depth, const QByteArray &markup) { m_out.append(depth, '\t').append(markup).append('\n'); }
-
-    void value(const QVariant &value, int depth)
-    {
-        switch (kindOf(value)) {
-        case Kind::None:
-            break;
-        case Kind::Boolean:
-            line(depth, value.toBool() ? "<true/>" : "<false/>");
-            break;
-        case Kind::Integer:
-            line(depth, "<integer>" + QByteArray::number(value.toLongLong()) + "</integer>");
-            break;
-        case Kind::Real:
-            line(depth, "<real>" + real(value.toDouble()) + "</real>");
-            break;
-        case Kind::Date:
-            line(depth, "<date>" + textOfDate(value.toDateTime().toMSecsSinceEpoch()) + "</date>");
-            break;
-        case Kind::Text:
-            line(depth, "<string>" + escaped(value.toString()) + "</string>");
-            break;
-        case Kind::Data:
-            data(value.toByteArray(), depth);
-            break;
-        case Kind::Array:
-            array(value.toList(), depth);
-            break;
-        case Kind::Dictionary:
-            dictionary(value.toMap(), depth);
-            break;
-        }
-    }
-
-    void array(const QVariantList &list, int depth)
-    {
-        if (list.isEmpty()) return line(depth, "<array/>");
-        line(depth, "<array>");
-        for (const QVariant &entry : list)
-            value(entry, depth + 1);
-        line(depth, "</array>");
-    }
-
-    void dictionary(const QVariantMap &map, int depth)
-    {
-        if (map.isEmpty()) return line(depth, "<dict/>");
-        line(depth, "<dict>");
-        for (auto it = map.begin(); it != map.end(); ++it) {
-            if (kindOf(it.value()) == Kind::None) continue;
-            line(depth + 1, "<key>" + escaped(it.key()) + "</key>");
-            value(it.value(), depth + 1);
-        }
-        line(depth, "</dict>");
-    }
-
-    // Lines end at column 76, a tab counted as eight; beyond eight tabs the lines move no further to the
-    // right.
-    void data(const QByteArray &bytes, int depth)
-    {
-        const int tabs = qMin(depth, 8);
-        const qsizetype width = 76 - 8 * tabs;
-        const QByteArray encoded = bytes.toBase64();
-        line(depth, "<data>");
-        for (qsizetype at = 0; at < encoded.size(); at += width)
-            line(tabs, encoded.mid(at, width));
-        line(depth, "</data>");
-    }
-
-    static QByteArray real(double number)
-    {
-        if (std::isnan(number)) return "nan";
-        if (std::isinf(number)) return number > 0 ? "+infinity" : "-infinity";
-        return QByteArray::number(number, 'g', 17);
-    }
-
-    static bool isXmlCharacter(QStringView text, qsizetype i)
-    {
-        const QChar c = text[i];
-        if (c.isHighSurrogate()) return i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        if (c.isLowSurrogate()) return i > 0 && text[i - 1].isHighSurrogate();
-        return c >= u' ' ? c < QChar(0xFFFE) : c == u'\t' || c == u'\n' || c == u'\r';
-    }
-
-    // A bare carriage return would be read back as a line feed, so it is written as a reference.
-    static QByteArray escaped(QStringView text)
-    {
-        QString result;
-        result.reserve(text.size());
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            switch (text[i].unicode()) {
-            case u'&':
-                result += u"&amp;";
-                break;
-            case u'<':
-                result += u"&lt;";
-                break;
-            case u'>':
-                result += u"&gt;";
-                break;
-            case u'\r':
-                result += u"&#13;";
-                break;
-            default:
-                if (isXmlCharacter(text, i)) result += text[i];
-            }
-        }
-        return result.toUtf8();
-    }
-
-    QByteArray m_out;
-};
-
 } // namespace
 
 QVariant parseXml(QByteArrayView bytes, QString &error)
 {
     const QString text = decoded(bytes, error);
-    if (error.isEmpty() && hasInternalDtd(text)) error = QStringLiteral("the document has a DTD of its own");
+    if (error.isEmpty() && !isHarmless(text)) error = QStringLiteral("a DTD of its own, or an endless tag");
     if (!error.isEmpty()) return {};
     Reader reader(text);
     QVariant tree = reader.read();
@@ -378,10 +255,5 @@ QVariant parseXml(QByteArrayView bytes, QString &error)
 }
 
 } // namespace propertylist
-
-QByteArray xmlPropertyList(const QVariant &tree)
-{
-    return propertylist::Writer().document(tree);
-}
 
 } // namespace tomelet
