@@ -211,6 +211,8 @@ void TMLTOutlineController::moveChildrenToNewPositionsForItem(TMLTOutlineItem *i
 
 void TMLTOutlineController::presentedSubitemAtURL(const QString &path, const QString &newPath)
 {
+    // Programs save by writing a hidden file and giving it the name: nothing that anyone knew has moved.
+    if (tm_pathIsDotFile(tm_normalizedPath(path))) return presentedSubitemDidChangeAtURL(newPath);
     logLine(QStringLiteral("item moved: %1 %2").arg(path, newPath));
     if (tm_pathIsTaskPlist(path) || tm_pathIsTaskPlist(newPath)) {
         organiser().tasklistsChanged(newPath.endsWith(storeName) ? parentPath(newPath) : QString(),
