@@ -70,7 +70,7 @@ OwnedRegex regexOn(const QString &text, const QString &pattern, int options, Ran
 
 } // namespace
 
-PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options, Range range)
+static PatternMatches collectMatches(const QString &text, const QString &pattern, int options, Range range, bool all)
 {
     const OwnedRegex regex = regexOn(text, pattern, options, range);
     if (!regex) return {};
@@ -78,11 +78,21 @@ PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int
     const int groupCount = uregex_groupCount(regex.get(), &status);
     std::vector<Range> ranges;
     RegexMatcher matcher(regex.get(), range.location);
-    while (matcher.next())
+    while ((all || ranges.empty()) && matcher.next())
         for (int group = 0; group <= groupCount; ++group)
             ranges.push_back(matcher.range(group));
     if (U_FAILURE(matcher.status())) return {};
     return {std::move(ranges), size_t(groupCount) + 1};
+}
+
+PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options, Range range)
+{
+    return collectMatches(text, pattern, options, range, true);
+}
+
+PatternMatches firstMatchOfPattern(const QString &text, const QString &pattern, int options, Range range)
+{
+    return collectMatches(text, pattern, options, range, false);
 }
 
 Range rangeOfPattern(const QString &text, const QString &pattern, int options, Range range, size_t group)

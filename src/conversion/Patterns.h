@@ -68,6 +68,9 @@ private:
 /// All matches within the range. The pattern sees the range alone, as if it were the whole text.
 [[nodiscard]] PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options = 0,
                                               Range range = wholeRange);
+/// The first match alone, or none.
+[[nodiscard]] PatternMatches firstMatchOfPattern(const QString &text, const QString &pattern, int options = 0,
+                                                 Range range = wholeRange);
 /// Where the first match lies, or a group of it; not found without one.
 [[nodiscard]] Range rangeOfPattern(const QString &text, const QString &pattern, int options = 0,
                                    Range range = wholeRange, size_t group = 0);
