@@ -9,6 +9,8 @@ namespace tomelet::cli {
 std::span<const Command> commands()
 {
     static constexpr Command table[] = {
+        {"convert", "converts Markdown with the engine alone", runConvert},
+        {"bench-engine", "times the Markdown engine", runBenchEngine},
         {"settings", "reads and changes the settings", runSettings},
     };
     return table;

@@ -6,6 +6,8 @@ namespace tomelet::cli {
 
 struct Invocation;
 
+int runBenchEngine(const Invocation &call);
+int runConvert(const Invocation &call);
 int runSettings(const Invocation &call);
 
 } // namespace tomelet::cli
