@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The second half of a block's making: its line tokens dissolve, and what they held moves up into the block.
 #include "engine/Blocks.h"
+#include "engine/Chars.h"
 #include "engine/Engine.h"
 #include "engine/Lines.h"
 #include "engine/Metadata.h"
@@ -84,9 +85,13 @@ void dissolve_definition(mmd_engine *engine, token *block, token *definition)
 {
     if (definition->child) definition->child->type = LINE_PLAIN;
     strip_line_tokens_from_block(engine, definition);
-    const token *first = definition->child;
-    if (first && first->start > 0 && engine->dstr->str[first->start - 1] == ':')
-        token_append_child(block, token_new(engine->arena, COLON, first->start - 1, 1));
+    const char *source = engine->dstr->str;
+    if (const token *first = definition->child) {
+        size_t colon = first->start;
+        while (colon > 0 && char_is_whitespace(source[colon - 1])) --colon; // blanks were cut with the colon
+        if (colon > 0 && source[colon - 1] == ':')
+            token_append_child(block, token_new(engine->arena, COLON, colon - 1, first->start - colon + 1));
+    }
     move_children_up(block, definition);
 }
 
@@ -96,7 +101,14 @@ void strip_text_line(token *block, token *line)
     move_children_up(block, line);
 }
 
-void strip_line(token *block, token *line)
+// The colon before a definition, and the blanks behind it.
+void remove_colon(const char *source, token *line)
+{
+    token_remove_first_child(line);
+    if (line->child && line->child->type == TEXT_PLAIN) token_trim_leading_whitespace(line->child, source);
+}
+
+void strip_line(const char *source, token *block, token *line)
 {
     const bool in_table = block->type == BLOCK_TABLE_HEADER || block->type == BLOCK_TABLE_SECTION;
     const bool is_underline = line->type == LINE_SETEXT_1 || line->type == LINE_SETEXT_2;
@@ -107,7 +119,7 @@ void strip_line(token *block, token *line)
         token_tree_free(line);
     } else {
         if (block->type == BLOCK_DEFINITION && (is_underline || line->type == LINE_DEFINITION))
-            token_remove_first_child(line);
+            remove_colon(source, line);
         strip_text_line(block, line);
     }
 }
@@ -124,7 +136,7 @@ void strip_all(mmd_engine *engine, token *block)
         token_pop_link_from_chain(line);
         if (verbatim) strip_code_or_html_line(engine, block, line);
         else if (line->type == BLOCK_DEFINITION) dissolve_definition(engine, block, line);
-        else if (is_line(line)) strip_line(block, line);
+        else if (is_line(line)) strip_line(engine->dstr->str, block, line);
         else token_append_child(block, line);
         line = next;
     }
