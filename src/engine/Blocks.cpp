@@ -101,14 +101,41 @@ bool begins_like_html(const mmd_engine *engine, const token *block)
 
 } // namespace
 
+// Detaches the next line from the chain that the cursor stands in.
+static token *take_from_chain(void *cursor)
+{
+    auto *next = static_cast<token **>(cursor);
+    token *line = *next;
+    if (!line) return nullptr;
+    *next = line->next;
+    token_pop_link_from_chain(line);
+    return line;
+}
+
 void mmd_parse_token_chain(mmd_engine *engine, token *chain)
 {
-    if (engine->recurse_depth >= kMaxDepth || !chain->child) return;
+    if (engine->recurse_depth >= kMaxDepth) return;
     ++engine->recurse_depth;
-    token *first_line = chain->child;
+    token *next = chain->child;
     chain->child = nullptr;
-    chain->child = parse_lines(engine, first_line);
+    chain->child = parse_lines(engine, take_from_chain, &next);
     --engine->recurse_depth;
+}
+
+static token *take_from_reader(void *reader)
+{
+    return read_line(*static_cast<line_reader *>(reader));
+}
+
+token *parse_document(mmd_engine *engine, size_t start, size_t len)
+{
+    token *document = token_new(engine->arena, DOC_START_TOKEN, start, len);
+    line_reader reader = line_reader_over(engine, start, len);
+    ++engine->recurse_depth;
+    document->child = parse_lines(engine, take_from_reader, &reader);
+    --engine->recurse_depth;
+    engine->allow_meta = false;
+    return document;
 }
 
 token *chain(token *first, token *second)

@@ -13,6 +13,9 @@ struct mmd_engine;
 /// lines stay as they are.
 void mmd_parse_token_chain(mmd_engine *engine, token *chain);
 
+/// Parses a range of the source, line by line. The result is a DOC_START_TOKEN over the blocks.
+[[nodiscard]] token *parse_document(mmd_engine *engine, size_t start, size_t len);
+
 /// Turns a block of line tokens into a block of inline tokens; metadata is stored instead, table lines become rows, and
 /// the lines of code and HTML one plain token for each run of bytes that the source holds together.
 void strip_line_tokens_from_block(mmd_engine *engine, token *block);
@@ -45,7 +48,8 @@ token *table_block(mmd_engine *engine, token *parts);
 /// The name of a terminal of the grammar, for error messages.
 [[nodiscard]] const char *line_type_name(int type);
 
-/// Runs the generated parser over a chain of lines, which must not be empty, and gives the blocks (Grammar.y).
-[[nodiscard]] token *parse_lines(mmd_engine *engine, token *line);
+/// Runs the generated parser (Grammar.y) over the lines that next_line gives, each alone, until it gives null. Returns
+/// the chain of blocks, null without lines.
+[[nodiscard]] token *parse_lines(mmd_engine *engine, token *(*next_line)(void *from), void *from);
 
 } // namespace tomelet::engine

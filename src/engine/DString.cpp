@@ -4,7 +4,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 namespace tomelet::engine {
@@ -89,17 +88,6 @@ void d_string_append_c(d_string *string, char byte)
     d_string_ensure(string, length + 1);
     string->str[length] = byte;
     terminate(string, length + 1);
-}
-
-void d_string_append_c_array(d_string *string, const char *bytes, size_t length)
-{
-    if (!string || !bytes) return;
-    if (length >= to_the_end - 1) length = std::strlen(bytes);
-    if (length == 0) return;
-    const size_t old_length = string->currentStringLength;
-    d_string_ensure(string, old_length + length);
-    std::memcpy(string->str + old_length, bytes, length);
-    terminate(string, old_length + length);
 }
 
 void d_string_append_printf(d_string *string, const char *format, ...)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 namespace tomelet::engine {
 
@@ -27,8 +28,19 @@ char *d_string_free(d_string *string, bool free_buffer);
 void d_string_append(d_string *string, const char *text);
 /// Appends one byte; NUL is ignored.
 void d_string_append_c(d_string *string, char byte);
+/// Makes room for a total length of n bytes and the terminator.
+void d_string_ensure(d_string *string, size_t n);
 /// Appends bytes as they are, NUL included. A length of to_the_end, or one less, means up to the first NUL.
-void d_string_append_c_array(d_string *string, const char *bytes, size_t length);
+inline void d_string_append_c_array(d_string *string, const char *bytes, size_t length)
+{
+    if (!string || !bytes) return;
+    if (length >= to_the_end - 1) length = std::strlen(bytes);
+    const size_t new_length = string->currentStringLength + length;
+    if (new_length >= string->currentStringBufferSize) d_string_ensure(string, new_length);
+    std::memcpy(string->str + string->currentStringLength, bytes, length);
+    string->currentStringLength = new_length;
+    string->str[new_length] = '\0';
+}
 /// Appends what printf would print.
 [[gnu::format(printf, 2, 3)]] void d_string_append_printf(d_string *string, const char *format, ...);
 /// Inserts a text; a position past the end is the end.
@@ -41,8 +53,5 @@ void d_string_erase(d_string *string, size_t position, size_t length);
 /// Returns by how many bytes the string grew (negative: shrank), 0 when nothing was found.
 long d_string_replace_text_in_range(d_string *string, size_t position, size_t length, const char *search,
                                     const char *replacement);
-
-/// Makes room for a total length of n bytes and the terminator.
-void d_string_ensure(d_string *string, size_t n);
 
 } // namespace tomelet::engine

@@ -310,7 +310,7 @@ void walk(direction_pass &pass, token *block, int depth)
 void mmd_assign_ambidextrous_tokens_in_block(mmd_engine *engine, token *block, size_t offset)
 {
     direction_pass pass{engine, engine->dstr->str + offset, engine->dstr->currentStringLength - offset};
-    walk(pass, block, 0);
+    direct(pass, block, 0);
 }
 
 } // namespace tomelet::engine

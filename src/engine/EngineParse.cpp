@@ -4,7 +4,6 @@
 #include "engine/Engine.h"
 #include "engine/Inlines.h"
 #include "engine/Labels.h"
-#include "engine/Lines.h"
 #include "engine/Metadata.h"
 #include "engine/Pairs.h"
 #include "engine/References.h"
@@ -89,15 +88,18 @@ void mmd_engine_free(mmd_engine *engine, bool free_source)
     delete engine;
 }
 
+// Block by block, so that a block's tokens go through all phases while they are at hand: none looks beyond its block.
 static void parse_inlines(mmd_engine *engine)
 {
-    mmd_assign_ambidextrous_tokens_in_block(engine, engine->root, 0);
     stack *openers = stack_new(0);
-    for (const token_pair_engine *pairings :
-         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4})
-        if (pairings->opener_count > 0) mmd_pair_tokens_in_block(engine->root, pairings, openers);
+    for (token *block = engine->root->child; block; block = block->next) {
+        mmd_assign_ambidextrous_tokens_in_block(engine, block, 0);
+        for (const token_pair_engine *pairings :
+             {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4})
+            if (pairings->opener_count > 0) mmd_pair_tokens_in_block(block, pairings, openers);
+        pair_emphasis_tokens(block->child);
+    }
     stack_free(openers);
-    pair_emphasis_tokens(engine->root);
 }
 
 token *mmd_engine_parse_substring(mmd_engine *engine, size_t start, size_t len)
@@ -109,8 +111,7 @@ token *mmd_engine_parse_substring(mmd_engine *engine, size_t start, size_t len)
     if (len > length - start) len = length - start;
     if (start != 0) engine->extensions |= EXT_NO_METADATA;
     engine->recurse_depth = 0;
-    token *document = mmd_tokenize_string(engine, start, len, false);
-    mmd_parse_token_chain(engine, document);
+    token *document = parse_document(engine, start, len);
     engine->root = document;
     parse_inlines(engine);
     engine->extensions = extensions;

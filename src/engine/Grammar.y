@@ -275,18 +275,14 @@ row(A) ::= LINE_TABLE_SEPARATOR(B).     { A = B; }
 %code {
 namespace tomelet::engine {
 
-// Feeds the lines of the chain and gives the blocks that they make.
-token *parse_lines(mmd_engine *engine, token *line)
+token *parse_lines(mmd_engine *engine, token *(*next_line)(void *from), void *from)
 {
+    token *line = next_line(from);
+    if (!line) return nullptr; // the parser would call it an error
     token *outer_root = engine->root;
     engine->root = nullptr;
     void *parser = ParseAlloc(std::malloc, engine);
-    while (line) {
-        token *next = line->next;
-        token_pop_link_from_chain(line);
-        Parse(parser, line->type, line);
-        line = next;
-    }
+    for (; line; line = next_line(from)) Parse(parser, line->type, line);
     Parse(parser, 0, nullptr);
     ParseFree(parser, std::free);
     token *blocks = engine->root;

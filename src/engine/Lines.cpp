@@ -3,7 +3,6 @@
 
 #include "engine/Chars.h"
 #include "engine/Engine.h"
-#include "engine/Lexer.h"
 #include "engine/Scanners.h"
 
 namespace tomelet::engine {
@@ -254,30 +253,57 @@ uint16_t line_type(const line_view &v)
 
 // Whether metadata may go on behind this line: they begin on the first line, perhaps with dashes above them, and end
 // with the first line that neither is metadata nor goes on with a value.
-void follow_metadata(mmd_engine *engine, token *root, token *line)
+void follow_metadata(const line_reader &reader, token *line)
 {
-    if (!engine->allow_meta) return;
-    const bool is_first = root->child == line;
-    if (is_first && line->type == LINE_SETEXT_2) {
+    bool &allowed = reader.engine->allow_meta;
+    if (!allowed) return;
+    if (reader.is_first && line->type == LINE_SETEXT_2) {
         line->type = LINE_YAML;
         return;
     }
-    const bool begun = !is_first && (line->prev->type != LINE_YAML);
+    const bool begun = !reader.is_first && reader.previous_type != LINE_YAML;
     const bool goes_on = line->type == LINE_PLAIN || line->type == LINE_TABLE || line->type == LINE_TABLE_SEPARATOR ||
                          line->type == LINE_INDENTED_TAB || line->type == LINE_INDENTED_SPACE;
-    engine->allow_meta = line->type == LINE_META || (begun && goes_on);
+    allowed = line->type == LINE_META || (begun && goes_on);
 }
 
-void close_line(mmd_engine *engine, token *root, token *line)
+token *close_line(line_reader &reader, token *line)
 {
-    mmd_assign_line_type(engine, line);
-    token_append_child(root, line);
-    follow_metadata(engine, root, line);
+    mmd_assign_line_type(reader.engine, line);
+    follow_metadata(reader, line);
+    reader.is_first = false;
+    reader.previous_type = line->type;
+    return line;
 }
 
-void append_to_line(mmd_engine *engine, token *line, uint16_t type, size_t start, size_t end)
+void append_to_line(const line_reader &reader, token *line, uint16_t type, size_t start, size_t end)
 {
-    token_append_child(line, token_new(engine->arena, type, start, end - start));
+    token_append_child(line, token_new(reader.engine->arena, type, start, end - start));
+}
+
+// Some tokens matter only where nothing but blanks and marks stands before them on the line. Behind visible text they are
+// written as they stand, whatever follows: there they stay part of the plain text round them, which saves a record for
+// each. What stands from `last`, where the last token ended, to `at` is text already.
+bool stays_text(const mmd_engine *engine, uint16_t type, size_t last, size_t at)
+{
+    if (at == last || char_is_whitespace(engine->dstr->str[at - 1])) return false;
+    switch (type) {
+    case SLASH:
+    case PLUS:
+    case EQUAL:
+    case COLON:
+    case TEXT_PERCENT:
+    case TEXT_HASH:
+    case TEXT_BACKSLASH:
+    case TEXT_NUMBER_POSS_LIST:
+        return true;
+    case DASH_N:
+    case DASH_M:
+    case ELLIPSIS:
+        return !(engine->extensions & EXT_SMART);
+    default:
+        return false;
+    }
 }
 
 } // namespace
@@ -305,36 +331,52 @@ void mmd_assign_line_type(mmd_engine *engine, token *line)
     line->type = plain_or_table(v, line_type(v));
 }
 
-token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len, bool stop_on_empty_line)
+line_reader line_reader_over(mmd_engine *engine, size_t start, size_t len)
 {
-    const char *source = engine->dstr->str;
     engine->allow_meta = !(engine->extensions & (EXT_COMPATIBILITY | EXT_NO_METADATA));
-    token *root = token_new(engine->arena, DOC_START_TOKEN, start, 0);
-    token *line = token_new(engine->arena, 0, start, 0);
-    size_t last = start;
-    lexer l = lexer_over(source, start, len);
-    while (uint16_t type = lexer_next(l)) {
-        const auto at = static_cast<size_t>(l.start - source);
-        auto end = static_cast<size_t>(l.cur - source);
-        if (at > last) append_to_line(engine, line, TEXT_PLAIN, last, at);
-        const bool takes_blank = type == TEXT_NL_SP || type == TEXT_LINEBREAK_SP;
-        if (takes_blank) {
+    return {engine, lexer_over(engine->dstr->str, start, len), start, start + len, false, true, 0};
+}
+
+token *read_line(line_reader &reader)
+{
+    const char *source = reader.engine->dstr->str;
+    token *line = token_new(reader.engine->arena, 0, reader.last, 0);
+    size_t last = reader.last;
+    if (reader.blank_is_due) append_to_line(reader, line, NON_INDENT_SPACE, last, last + 1);
+    if (reader.blank_is_due) ++last;
+    reader.blank_is_due = false;
+    while (uint16_t type = lexer_next(reader.lex)) {
+        const auto at = static_cast<size_t>(reader.lex.start - source);
+        auto end = static_cast<size_t>(reader.lex.cur - source);
+        if (stays_text(reader.engine, type, last, at)) continue;
+        if (at > last) append_to_line(reader, line, TEXT_PLAIN, last, at);
+        if (type == TEXT_NL_SP || type == TEXT_LINEBREAK_SP) {
             --type;
             --end;
+            reader.blank_is_due = true;
         }
-        append_to_line(engine, line, type, at, end);
+        append_to_line(reader, line, type, at, end);
         last = end;
         if (type != TEXT_NL && type != TEXT_LINEBREAK) continue;
-
-        close_line(engine, root, line);
-        if (stop_on_empty_line && line->type == LINE_EMPTY) return root;
-        line = token_new(engine->arena, 0, end, 0);
-        if (takes_blank) append_to_line(engine, line, NON_INDENT_SPACE, end, end + 1);
-        if (takes_blank) last = end + 1;
+        reader.last = end;
+        return close_line(reader, line);
     }
-    if (last < start + len) append_to_line(engine, line, TEXT_PLAIN, last, start + len);
-    if (line->child) close_line(engine, root, line);
-    else token_free(line);
+    if (last < reader.end) append_to_line(reader, line, TEXT_PLAIN, last, reader.end);
+    reader.last = reader.end;
+    if (line->child) return close_line(reader, line);
+    token_free(line);
+    reader.engine->allow_meta = false;
+    return nullptr;
+}
+
+token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len, bool stop_on_empty_line)
+{
+    token *root = token_new(engine->arena, DOC_START_TOKEN, start, 0);
+    line_reader reader = line_reader_over(engine, start, len);
+    while (token *line = read_line(reader)) {
+        token_append_child(root, line);
+        if (stop_on_empty_line && line->type == LINE_EMPTY) break;
+    }
     engine->allow_meta = false;
     return root;
 }

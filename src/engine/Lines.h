@@ -3,11 +3,29 @@
 // LINE_ types, which are all that the block grammar sees.
 #pragma once
 
+#include "engine/Lexer.h"
 #include "engine/Token.h"
 
 namespace tomelet::engine {
 
 struct mmd_engine;
+
+/// Reads lines one by one, so that a line can be parsed before the next is made.
+struct line_reader
+{
+    mmd_engine *engine;
+    lexer lex;
+    size_t last;            ///< where the token read last ended
+    size_t end;             ///< of the range
+    bool blank_is_due;      ///< the next line begins with the one blank that its forerunner's end took
+    bool is_first;          ///< no line was read yet
+    uint16_t previous_type; ///< of the line before
+};
+
+/// Starts a reader over a range of the source.
+[[nodiscard]] line_reader line_reader_over(mmd_engine *engine, size_t start, size_t len);
+/// The next line, classified and belonging to the caller; null at the end.
+[[nodiscard]] token *read_line(line_reader &reader);
 
 /// Cuts a range of the source into lines. The result is a DOC_START_TOKEN over them. With stop_on_empty_line the first
 /// empty line is the last.

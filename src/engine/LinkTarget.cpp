@@ -41,6 +41,7 @@ const entity *entity_at(std::string_view text)
 
 std::string unescaped(std::string_view text)
 {
+    if (text.find_first_of("\\&") == std::string_view::npos) return std::string(text);
     std::string plain;
     plain.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {

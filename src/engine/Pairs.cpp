@@ -36,6 +36,7 @@ void token_pair_engine_add_pairing(token_pair_engine *engine, uint16_t open_type
     const uint16_t closer = slot_for(engine->can_close_pair, close_type, engine->closer_count);
     engine->pair_type[opener][closer] = pair_type;
     engine->openers_of[closer] |= 1U << opener;
+    engine->involved[open_type] = engine->involved[close_type] = true;
     if (options & PAIRING_ALLOW_EMPTY) engine->empty_allowed[pair_type] = 1;
     if (options & PAIRING_MATCH_LENGTH) engine->match_len[pair_type] = 1;
     if (options & PAIRING_PRUNE_MATCH) engine->should_prune[pair_type] = 1;
@@ -126,6 +127,7 @@ void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine
     level l{engine, s, s->size};
     for (token *child = parent->child; child; child = child->next) {
         if (child->child) token_pairs_match_pairs_inside_token(child, engine, s, depth + 1);
+        if (!engine->involved[child->type]) continue;
         if (child->can_close && child->unmatched && engine->can_close_pair[child->type])
             if (token *opener = find_opener(l, child)) child = match(l, parent, opener, child);
         if (child->can_open && child->unmatched && engine->can_open_pair[child->type]) push(l, child);

@@ -30,6 +30,7 @@ struct token_pair_engine
     uint16_t should_prune[kMaxTokenTypes];
     uint32_t openers_of[kMaxPairSlots + 1]; ///< by closer's slot: a bit for each opener's slot that pairs with it
     uint16_t opener_count, closer_count;
+    bool involved[kMaxTokenTypes]; ///< the type opens or closes
 };
 
 [[nodiscard]] token_pair_engine *token_pair_engine_new();

@@ -19,22 +19,6 @@ token *token_new_parent(token_arena *arena, token *child_chain, uint16_t type)
     return parent;
 }
 
-void token_chain_append(token *chain, token *appended)
-{
-    if (!chain || !appended) return;
-    chain->tail->next = appended;
-    appended->prev = chain->tail;
-    chain->tail = appended->tail;
-}
-
-void token_append_child(token *parent, token *appended)
-{
-    if (!parent || !appended) return;
-    if (parent->child) token_chain_append(parent->child, appended);
-    else parent->child = appended;
-    parent->len = token_end(parent->child->tail) - parent->start;
-}
-
 void token_remove_first_child(token *parent)
 {
     if (!parent || !parent->child) return;

@@ -28,8 +28,15 @@ struct token
     token *mate;  ///< the other token of a matched pair
 };
 
-/// Where the tokens of one engine live. Not shared between threads.
-struct token_arena;
+/// Where the tokens of one engine live. Not shared between threads. The memory is in TokenArena.cpp.
+struct token_arena
+{
+    struct slab *newest;
+    char *unused;      ///< the next record never used before
+    char *chunk_end;   ///< end of the chunk that it lies in
+    char *slab_end;    ///< end of the newest slab
+    token *given_back; ///< freed records, linked by next
+};
 
 [[nodiscard]] token_arena *token_arena_new();
 /// Frees the arena and every token in it.
@@ -37,17 +44,45 @@ void token_arena_free(token_arena *arena);
 /// Takes back all tokens at once and keeps one chunk of memory for the next tree.
 void token_arena_reset(token_arena *arena);
 
+/// A record of the arena, with nothing set.
+[[nodiscard]] token *token_take_record(token_arena *arena);
+
 /// A fresh token, alone: its tail is itself.
-[[nodiscard]] token *token_new(token_arena *arena, uint16_t type, size_t start, size_t len);
+[[nodiscard]] inline token *token_new(token_arena *arena, uint16_t type, size_t start, size_t len)
+{
+    token *t = token_take_record(arena);
+    *t = {type, 1, 1, 1, start, len, nullptr, nullptr, nullptr, t, nullptr};
+    return t;
+}
 /// A new token with all fields equal, the pointers too.
 [[nodiscard]] token *token_copy(const token *original);
 /// A new token over a chain, which becomes its children; a null chain gives the empty range at 0.
 [[nodiscard]] token *token_new_parent(token_arena *arena, token *child_chain, uint16_t type);
 
+/// Where the token's range ends.
+[[nodiscard]] inline size_t token_end(const token *t)
+{
+    return t->start + t->len;
+}
+
 /// Appends a token or a whole chain.
-void token_chain_append(token *chain, token *appended);
+inline void token_chain_append(token *chain, token *appended)
+{
+    if (!chain || !appended) return;
+    chain->tail->next = appended;
+    appended->prev = chain->tail;
+    chain->tail = appended->tail;
+}
+
 /// Appends to the children, or starts them, and stretches the parent to the end of the new tail.
-void token_append_child(token *parent, token *appended);
+inline void token_append_child(token *parent, token *appended)
+{
+    if (!parent || !appended) return;
+    if (parent->child) token_chain_append(parent->child, appended);
+    else parent->child = appended;
+    parent->len = token_end(appended->tail) - parent->start;
+}
+
 /// Detaches and frees the first child with its subtree.
 void token_remove_first_child(token *parent);
 /// The same at the end of the children.
@@ -81,11 +116,5 @@ void token_skip_until_type_multiple(token **cursor, int count, ...);
 
 /// Writes an indented outline to the error stream; the source may be null.
 void token_tree_describe(const token *t, const char *source);
-
-/// Where the token's range ends.
-[[nodiscard]] inline size_t token_end(const token *t)
-{
-    return t->start + t->len;
-}
 
 } // namespace tomelet::engine

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the arena of a
-// token is found from its address, and tokens can be freed and copied without naming the arena.
+// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the arena of a token
+// is found from its address, and tokens can be freed and copied without naming the arena.
 #include "engine/Token.h"
 
+#include <sys/mman.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -10,106 +13,114 @@ namespace tomelet::engine {
 
 namespace {
 
-constexpr size_t chunk_align = 65536;
-/// A little less than the alignment, so that the allocator can lay chunks side by side.
-constexpr size_t chunk_size = chunk_align - 64;
+/// A chunk lies at a multiple of this and begins with its head.
+constexpr size_t chunk_size = 65536;
+constexpr size_t head_size = 64;
+/// Chunks are allocated in slabs. The first holds one, and each as many as all before it together up to this, which the
+/// kernel can map as large pages.
+constexpr size_t largest_slab = 64;
 
 struct chunk
 {
     token_arena *arena;
-    chunk *older;
 };
-
-constexpr size_t first_token = 64;
 
 } // namespace
 
-struct token_arena
+struct slab
 {
-    chunk *newest;
-    char *unused;      ///< the next record never used before, in the newest chunk
-    char *end;         ///< end of the newest chunk
-    token *given_back; ///< freed records, linked by next
+    char *memory;
+    size_t chunks;
+    slab *older;
 };
 
-static void start_on_chunk(token_arena *arena, chunk *fresh)
+static void start_on_chunk(token_arena *arena, char *memory)
 {
-    arena->newest = fresh;
-    arena->unused = reinterpret_cast<char *>(fresh) + first_token;
-    arena->end = reinterpret_cast<char *>(fresh) + chunk_size;
-    arena->given_back = nullptr;
+    reinterpret_cast<chunk *>(memory)->arena = arena;
+    arena->unused = memory + head_size;
+    arena->chunk_end = memory + chunk_size;
+}
+
+static void start_on_slab(token_arena *arena, slab *s)
+{
+    arena->newest = s;
+    arena->slab_end = s->memory + s->chunks * chunk_size;
+    start_on_chunk(arena, s->memory);
+}
+
+static void add_slab(token_arena *arena)
+{
+    const size_t chunks = arena->newest ? std::min(arena->newest->chunks * 2, largest_slab) : 1;
+    void *memory = nullptr;
+    if (posix_memalign(&memory, chunk_size, chunks * chunk_size) != 0) {
+        std::fputs("Error allocating memory for tokens.\n", stderr);
+        std::exit(1);
+    }
+    if (chunks == largest_slab) madvise(memory, chunks * chunk_size, MADV_HUGEPAGE); // a hint, welcome to fail
+    start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, arena->newest});
 }
 
 static void add_chunk(token_arena *arena)
 {
-    void *memory = nullptr;
-    if (posix_memalign(&memory, chunk_align, chunk_size) != 0) {
-        std::fputs("Error allocating memory for tokens.\n", stderr);
-        std::exit(1);
-    }
-    auto *fresh = static_cast<chunk *>(memory);
-    *fresh = {arena, arena->newest};
-    start_on_chunk(arena, fresh);
+    if (arena->newest && arena->chunk_end < arena->slab_end) start_on_chunk(arena, arena->chunk_end);
+    else add_slab(arena);
 }
 
 static token_arena *arena_of(const token *t)
 {
     const auto address = reinterpret_cast<uintptr_t>(t);
-    return reinterpret_cast<const chunk *>(address & ~(chunk_align - 1))->arena;
+    return reinterpret_cast<const chunk *>(address & ~(chunk_size - 1))->arena;
 }
 
-static token *take_record(token_arena *arena)
+token *token_take_record(token_arena *arena)
 {
     if (token *again = arena->given_back) {
         arena->given_back = again->next;
         return again;
     }
-    if (arena->unused + sizeof(token) > arena->end) add_chunk(arena);
+    if (arena->unused == arena->chunk_end) add_chunk(arena);
     auto *record = reinterpret_cast<token *>(arena->unused);
     arena->unused += sizeof(token);
     return record;
 }
+
+static_assert((chunk_size - head_size) % sizeof(token) == 0);
 
 token_arena *token_arena_new()
 {
     return new token_arena{};
 }
 
-static void free_chunks(chunk *c)
+static void free_slabs(slab *s)
 {
-    while (c) {
-        chunk *older = c->older;
-        std::free(c);
-        c = older;
+    while (s) {
+        slab *older = s->older;
+        std::free(s->memory);
+        delete s;
+        s = older;
     }
 }
 
 void token_arena_free(token_arena *arena)
 {
     if (!arena) return;
-    free_chunks(arena->newest);
+    free_slabs(arena->newest);
     delete arena;
 }
 
 void token_arena_reset(token_arena *arena)
 {
-    chunk *kept = arena->newest;
+    slab *kept = arena->newest;
     if (!kept) return;
-    free_chunks(kept->older);
+    free_slabs(kept->older);
     kept->older = nullptr;
-    start_on_chunk(arena, kept);
-}
-
-token *token_new(token_arena *arena, uint16_t type, size_t start, size_t len)
-{
-    token *t = take_record(arena);
-    *t = {type, 1, 1, 1, start, len, nullptr, nullptr, nullptr, t, nullptr};
-    return t;
+    arena->given_back = nullptr;
+    start_on_slab(arena, kept);
 }
 
 token *token_copy(const token *original)
 {
-    token *copy = take_record(arena_of(original));
+    token *copy = token_take_record(arena_of(original));
     *copy = *original;
     return copy;
 }

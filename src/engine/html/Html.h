@@ -83,4 +83,7 @@ inline void print(d_string *out, std::string_view text)
     d_string_append_c_array(out, text.data(), text.size());
 }
 
+/// A number in decimal.
+void print_number(d_string *out, int number);
+
 } // namespace tomelet::engine

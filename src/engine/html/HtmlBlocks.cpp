@@ -52,7 +52,8 @@ void export_heading(d_string *out, const char *source, token *t, scratch_pad &sc
 {
     const int level = header_level(t) + scratch.base_header_level - 1;
     pad(out, 2, scratch);
-    d_string_append_printf(out, "<h%1d", level);
+    print(out, "<h");
+    print_number(out, level);
     if (!scratch.has(EXT_NO_LABELS)) {
         print(out, " id=\"");
         print(out, header_label(source, t, scratch));
@@ -61,7 +62,9 @@ void export_heading(d_string *out, const char *source, token *t, scratch_pad &sc
     print(out, ">");
     children(out, source, t, scratch);
     if (t->type <= BLOCK_H6) trim_trailing_whitespace(out);
-    d_string_append_printf(out, "</h%1d>", level);
+    print(out, "</h");
+    print_number(out, level);
+    print(out, ">");
     scratch.padded = 0;
 }
 

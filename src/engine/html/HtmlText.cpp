@@ -6,6 +6,7 @@
 #include "engine/ScratchPad.h"
 
 #include <array>
+#include <charconv>
 
 namespace tomelet::engine {
 
@@ -57,12 +58,21 @@ constexpr std::string_view right_double[] = {"&#8221;", "&#8221;", "&#187;", "&#
 
 } // namespace
 
+static void print_reference(d_string *out, unsigned char byte, bool hexadecimal)
+{
+    char digits[4];
+    const auto end = std::to_chars(digits, digits + sizeof digits, byte, hexadecimal ? 16 : 10).ptr;
+    print(out, hexadecimal ? "&#x" : "&#");
+    print(out, {digits, static_cast<size_t>(end - digits)});
+    print(out, ";");
+}
+
 void mmd_print_char_html(d_string *out, char byte, uint64_t *obfuscate, bool line_breaks)
 {
     if (line_breaks && (byte == '\n' || byte == '\r')) print(out, "<br/>\n");
     else if (const std::string_view entity = entity_for(byte); !entity.empty()) print(out, entity);
     else if (obfuscate && static_cast<unsigned char>(byte) < 0x80)
-        d_string_append_printf(out, next_random(*obfuscate) % 2 ? "&#x%x;" : "&#%d;", byte);
+        print_reference(out, static_cast<unsigned char>(byte), next_random(*obfuscate) % 2);
     else print(out, {&byte, 1});
 }
 
@@ -98,6 +108,13 @@ void mmd_print_localized_char_html(d_string *out, uint16_t type, const scratch_p
     default:
         return;
     }
+}
+
+void print_number(d_string *out, int number)
+{
+    char digits[16];
+    const auto end = std::to_chars(digits, digits + sizeof digits, number).ptr;
+    print(out, {digits, static_cast<size_t>(end - digits)});
 }
 
 static bool is_mark_of_markup(const token *t)
