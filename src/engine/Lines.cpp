@@ -38,11 +38,17 @@ uint16_t plain_or_table(const line_view &v, uint16_t type)
     return LINE_PLAIN;
 }
 
+// From the end on, since a deeply nested line is looked at once a level: its last token of text is near.
+bool is_blank_line(const line_view &v)
+{
+    const token *t = v.line->child->tail;
+    while (t && (token_is_indent(t) || is_line_end(t))) t = t->prev;
+    return !t;
+}
+
 uint16_t indented_line(const line_view &v)
 {
-    const token *t = v.first;
-    while (t && token_is_indent(t)) t = t->next;
-    if (!t || is_line_end(t)) {
+    if (is_blank_line(v)) {
         v.engine->allow_meta = false;
         return LINE_EMPTY;
     }

@@ -28,17 +28,25 @@ void print_attribute(d_string *out, std::string_view key, std::string_view value
     print(out, "\"");
 }
 
-// The bracket becomes the text of its link. What a delimiter of two bytes or more leaves behind is a byte short.
+// The bracket becomes the text of its link. What stands behind the bracket itself in an opener such as "[#" or "[^" is
+// text then.
 void make_link_text(token *bracket)
 {
     token *opener = bracket->child;
-    if (opener->type == TEXT_EMPTY) return; // written before, in the contents
-    token *second = opener->next;
-    if (opener->len > 1 && second != bracket->child->tail && second->len > 0) {
-        ++second->start;
-        --second->len;
+    const bool is_longer = opener->type != TEXT_EMPTY && opener->type != TEXT_PLAIN && opener->len > 1;
+    if (is_longer) {
+        ++opener->start;
+        --opener->len;
     }
-    empty_delimiters(bracket);
+    bracket->child->tail->type = TEXT_EMPTY;
+    if (opener->type != TEXT_PLAIN) opener->type = is_longer ? TEXT_PLAIN : TEXT_EMPTY;
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    while (!text.empty() && char_is_whitespace_or_line_ending(text.front())) text.remove_prefix(1);
+    while (!text.empty() && char_is_whitespace_or_line_ending(text.back())) text.remove_suffix(1);
+    return text;
 }
 
 bool is_mail_address(std::string_view text)
@@ -211,8 +219,7 @@ void export_image_bracket_html(d_string *out, const char *source, token *bracket
 
 void export_angle_html(d_string *out, const char *source, token *angle, scratch_pad &scratch)
 {
-    const std::string_view inside = text_inside_pair(source, angle);
-    const std::string address = clean_string(inside, false);
+    const std::string_view address = trimmed(text_inside_pair(source, angle));
     if (!address.empty() && scan_url(address.data(), address.size()) == address.size())
         export_autolink(out, address, scratch);
     else if (scan_html(source + angle->start, angle->len) == angle->len) print(out, token_text(source, angle));
