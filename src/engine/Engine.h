@@ -97,7 +97,8 @@ struct mmd_engine
     asset_table *asset_hash; ///< what the last export stored; null before
     uint32_t random_seed_base_labels;
 
-    token_arena *arena; ///< all tokens of the tree
+    token_arena *arena;         ///< all tokens of the tree
+    bool seen[kMaxTokenTypes];  ///< inline token types that the source holds: a pass without openers is left out
     uint64_t random;    ///< state of the engine's own generator
 };
 

@@ -50,14 +50,14 @@ struct level
     const token_pair_engine *engine;
     stack *openers;
     size_t base;                       ///< what lies below on the stack belongs to other levels
-    token *newest[kMaxPairSlots + 1]{}; ///< by opener's slot: the newest on the stack
-    uint32_t open = 0;                 ///< a bit for each opener's slot that is on the stack
+    uint32_t open = 0;               ///< a bit for each opener's slot that is on the stack
+    token *newest[kMaxPairSlots + 1]; ///< by opener's slot: the newest on the stack, where its bit is set
 };
 
 void push(level &l, token *opener)
 {
     const uint16_t slot = l.engine->can_open_pair[opener->type];
-    opener->mate = l.newest[slot];
+    opener->mate = l.open & (1U << slot) ? l.newest[slot] : nullptr;
     l.newest[slot] = opener;
     l.open |= 1U << slot;
     stack_push(l.openers, opener);
@@ -124,7 +124,10 @@ token *match(level &l, token *parent, token *opener, token *closer)
 void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine *engine, stack *s, int depth)
 {
     if (depth >= kMaxDepth) return;
-    level l{engine, s, s->size};
+    level l;
+    l.engine = engine;
+    l.openers = s;
+    l.base = s->size;
     for (token *child = parent->child; child; child = child->next) {
         if (child->child) token_pairs_match_pairs_inside_token(child, engine, s, depth + 1);
         if (!engine->involved[child->type]) continue;

@@ -49,6 +49,9 @@ namespace tomelet::engine {
 
 /// A URL: a scheme with "://", or one of the schemes that go without; or an e-mail address, with or without "mailto:".
 [[nodiscard]] size_t scan_url(const char *text, size_t len);
+/// Any scheme, a colon, and something behind it: too much for a line of text, which may be "Key:value", but what stands in
+/// angle brackets is meant as a link.
+[[nodiscard]] size_t scan_uri(const char *text, size_t len);
 /// An e-mail address without "mailto:".
 [[nodiscard]] size_t scan_email(const char *text, size_t len);
 

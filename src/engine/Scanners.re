@@ -294,6 +294,15 @@ size_t scan_url(const char *text, size_t len)
 */
 }
 
+size_t scan_uri(const char *text, size_t len)
+{
+    cursor c{text, text + len};
+/*!re2c
+    scheme ":" url_text { return found(c, text); }
+    *                   { return 0; }
+*/
+}
+
 size_t scan_email(const char *text, size_t len)
 {
     cursor c{text, text + len};

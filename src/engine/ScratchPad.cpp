@@ -14,6 +14,7 @@ namespace {
 template <typename Record>
 void add_under_both_texts(string_table<Record> &table, const stack *records)
 {
+    if (records->size > 0) table.reserve(2 * records->size);
     for (size_t i = 0; i < records->size; ++i) {
         auto *record = static_cast<Record *>(stack_peek_index(records, i));
         table.emplace(record->clean_text, record);

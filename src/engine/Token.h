@@ -44,8 +44,21 @@ void token_arena_free(token_arena *arena);
 /// Takes back all tokens at once and keeps one chunk of memory for the next tree.
 void token_arena_reset(token_arena *arena);
 
+/// Makes room for further records.
+void token_arena_grow(token_arena *arena);
+
 /// A record of the arena, with nothing set.
-[[nodiscard]] token *token_take_record(token_arena *arena);
+[[nodiscard]] inline token *token_take_record(token_arena *arena)
+{
+    if (token *again = arena->given_back) {
+        arena->given_back = again->next;
+        return again;
+    }
+    if (arena->unused == arena->chunk_end) token_arena_grow(arena);
+    auto *record = reinterpret_cast<token *>(arena->unused);
+    arena->unused += sizeof(token);
+    return record;
+}
 
 /// A fresh token, alone: its tail is itself.
 [[nodiscard]] inline token *token_new(token_arena *arena, uint16_t type, size_t start, size_t len)

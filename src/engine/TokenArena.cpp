@@ -60,7 +60,7 @@ static void add_slab(token_arena *arena)
     start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, arena->newest});
 }
 
-static void add_chunk(token_arena *arena)
+void token_arena_grow(token_arena *arena)
 {
     if (arena->newest && arena->chunk_end < arena->slab_end) start_on_chunk(arena, arena->chunk_end);
     else add_slab(arena);
@@ -70,18 +70,6 @@ static token_arena *arena_of(const token *t)
 {
     const auto address = reinterpret_cast<uintptr_t>(t);
     return reinterpret_cast<const chunk *>(address & ~(chunk_size - 1))->arena;
-}
-
-token *token_take_record(token_arena *arena)
-{
-    if (token *again = arena->given_back) {
-        arena->given_back = again->next;
-        return again;
-    }
-    if (arena->unused == arena->chunk_end) add_chunk(arena);
-    auto *record = reinterpret_cast<token *>(arena->unused);
-    arena->unused += sizeof(token);
-    return record;
 }
 
 static_assert((chunk_size - head_size) % sizeof(token) == 0);

@@ -33,13 +33,14 @@ void print_attribute(d_string *out, std::string_view key, std::string_view value
 void make_link_text(token *bracket)
 {
     token *opener = bracket->child;
-    const bool is_longer = opener->type != TEXT_EMPTY && opener->type != TEXT_PLAIN && opener->len > 1;
-    if (is_longer) {
-        ++opener->start;
-        --opener->len;
-    }
     bracket->child->tail->type = TEXT_EMPTY;
-    if (opener->type != TEXT_PLAIN) opener->type = is_longer ? TEXT_PLAIN : TEXT_EMPTY;
+    if (opener->len == 1) {
+        if (opener->type == BRACKET_LEFT) opener->type = TEXT_EMPTY;
+        return; // or it was cut before: a heading is written in the contents too
+    }
+    opener->type = opener->type == BRACKET_ABBREVIATION_LEFT ? ANGLE_RIGHT : TEXT_PLAIN;
+    ++opener->start;
+    --opener->len;
 }
 
 std::string_view trimmed(std::string_view text)
@@ -223,6 +224,8 @@ void export_angle_html(d_string *out, const char *source, token *angle, scratch_
     if (!address.empty() && scan_url(address.data(), address.size()) == address.size())
         export_autolink(out, address, scratch);
     else if (scan_html(source + angle->start, angle->len) == angle->len) print(out, token_text(source, angle));
+    else if (!address.empty() && scan_uri(address.data(), address.size()) == address.size())
+        export_autolink(out, address, scratch);
     else mmd_export_token_tree_html(out, source, angle->child, scratch);
 }
 

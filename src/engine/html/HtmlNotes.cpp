@@ -15,11 +15,24 @@ void children(d_string *out, const char *source, const token *t, scratch_pad &sc
 }
 
 // The tag of a link to note number `anchor`; the place of its first use can be linked back to.
-void open_note_link(d_string *out, const char *prefix, int anchor, bool first, const char *title, const char *css_class)
+void open_note_link(d_string *out, std::string_view prefix, int anchor, bool first, std::string_view title,
+                    std::string_view css_class)
 {
-    d_string_append_printf(out, "<a href=\"#%s:%d\"", prefix, anchor);
-    if (first) d_string_append_printf(out, " id=\"%sref:%d\"", prefix, anchor);
-    d_string_append_printf(out, " title=\"%s\" class=\"%s\">", title, css_class);
+    print(out, "<a href=\"#");
+    print(out, prefix);
+    print(out, ":");
+    print_number(out, anchor);
+    if (first) {
+        print(out, "\" id=\"");
+        print(out, prefix);
+        print(out, "ref:");
+        print_number(out, anchor);
+    }
+    print(out, "\" title=\"");
+    print(out, title);
+    print(out, "\" class=\"");
+    print(out, css_class);
+    print(out, "\">");
 }
 
 // The last paragraph that stands directly in the note: it takes the link back.
@@ -33,8 +46,8 @@ const token *last_paragraph(const token *content)
 
 struct note_list_form
 {
-    const char *open;
-    const char *prefix;
+    std::string_view open;
+    std::string_view prefix;
     bool shows_term;
 };
 
@@ -51,8 +64,11 @@ void export_note_list(d_string *out, const char *source, scratch_pad &scratch, n
         const footnote *note = notes.used[i];
         const int number = static_cast<int>(i + 1);
         pad(out, 2, scratch);
-        d_string_append_printf(out, "<li id=\"%s:%d\">\n", form.prefix,
-                               is_footnote ? footnote_anchor(scratch, number) : number);
+        print(out, "<li id=\"");
+        print(out, form.prefix);
+        print(out, ":");
+        print_number(out, is_footnote ? footnote_anchor(scratch, number) : number);
+        print(out, "\">\n");
         scratch.padded = 6;
         if (form.shows_term) {
             mmd_print_string_html(out, note->clean_text, nullptr, false);
@@ -72,11 +88,15 @@ void export_note_list(d_string *out, const char *source, scratch_pad &scratch, n
     scratch.padded = 0;
 }
 
-void print_back_link(d_string *out, const char *prefix, int anchor, const char *css_class)
+void print_back_link(d_string *out, std::string_view prefix, int anchor, std::string_view css_class)
 {
-    d_string_append_printf(out,
-                           " <a href=\"#%sref:%d\" title=\"return to body\" class=\"%s\">&#160;&#8617;&#xfe0e;</a>",
-                           prefix, anchor, css_class);
+    print(out, " <a href=\"#");
+    print(out, prefix);
+    print(out, "ref:");
+    print_number(out, anchor);
+    print(out, "\" title=\"return to body\" class=\"");
+    print(out, css_class);
+    print(out, "\">&#160;&#8617;&#xfe0e;</a>");
 }
 
 void print_citation(d_string *out, const char *source, const note_use &use, const token *locator,
@@ -88,7 +108,8 @@ void print_citation(d_string *out, const char *source, const note_use &use, cons
         children(out, source, locator, scratch);
         print(out, ", ");
     }
-    d_string_append_printf(out, "%d)</a>", use.number);
+    print_number(out, use.number);
+    print(out, ")</a>");
 }
 
 } // namespace
@@ -97,7 +118,9 @@ void export_footnote_html(d_string *out, const char *source, token *bracket, scr
 {
     const note_use use = footnote_from_bracket(source, scratch, bracket);
     open_note_link(out, "fn", footnote_anchor(scratch, use.number), use.first, "see footnote", "footnote");
-    d_string_append_printf(out, "<sup>%d</sup></a>", use.number);
+    print(out, "<sup>");
+    print_number(out, use.number);
+    print(out, "</sup></a>");
 }
 
 void export_citation_html(d_string *out, const char *source, token *bracket, token *locator, scratch_pad &scratch)
