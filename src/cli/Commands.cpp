@@ -14,6 +14,8 @@ std::span<const Command> commands()
         {"tree", "the tree of books, smart books first", runTree},
         {"list", "the documents of a book or smart book in its order", runList},
         {"show", "the complete page of a document", runShow},
+        {"convert", "converts Markdown with the engine alone", runConvert},
+        {"bench-engine", "times the Markdown engine", runBenchEngine},
         {"book", "makes a book", runBook},
         {"mv", "moves or renames an item with all that belongs to it", runMv},
         {"cp", "copies an item with all that belongs to it", runCp},

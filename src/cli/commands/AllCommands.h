@@ -6,7 +6,9 @@ namespace tomelet::cli {
 
 struct Invocation;
 
+int runBenchEngine(const Invocation &call);
 int runBook(const Invocation &call);
+int runConvert(const Invocation &call);
 int runCp(const Invocation &call);
 int runDuplicate(const Invocation &call);
 int runFavorite(const Invocation &call);
