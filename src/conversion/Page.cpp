@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "conversion/Page.h"
 
-#include "conversion/Discount.h"
-#include "conversion/Patterns.h"
+#include "conversion/MarkdownToHtml.h"
+#include "conversion/StyleSheets.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
-#include "foundation/Platform.h"
-#include "foundation/Resources.h"
-#include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
-#include "library/SetUp.h"
 #include "library/TextFile.h"
 
 #include <QFileInfo>
@@ -17,43 +13,6 @@
 #include <QUrl>
 
 namespace tomelet {
-
-static QString styleElement()
-{
-    const QByteArray sheet = readFile(resourcePath(QStringLiteral("CSS/Default Theme.css"))).value_or(QByteArray());
-    return QStringLiteral("<style>\n") + QString::fromUtf8(sheet) + QStringLiteral("</style>");
-}
-
-static QString titleOf(const QString &path, const QString &body)
-{
-    const Range heading = rangeOfPattern(body, QStringLiteral("<h1.*?>(.+?)</h1>"), PatternLineAnchored, wholeRange, 1);
-    return heading.isFound() ? substring(body, heading) : lastPathComponent(pathWithoutExtension(path));
-}
-
-QString tm_createFormattedDocWithBody(const QString &path, const QString &body)
-{
-    return QStringLiteral("<!DOCTYPE html>\n"
-                          "<html xmlns=\"http://www.w3.org/1999/xhtml\" >\n"
-                          "<head>\n"
-                          "  <!-- Generator: Tomelet for Mac %1 -->\n"
-                          "  <title>%2</title>\n"
-                          "  <meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\">\n"
-                          "%3\n"
-                          "</head>\n"
-                          "<body>\n"
-                          "%4\n"
-                          "</body>\n"
-                          "</html>")
-        .arg(shortVersion, titleOf(path, body), styleElement(), body);
-}
-
-QString pageOfMarkdown(const QString &path)
-{
-    const auto decoded = readTextFile(path);
-    if (!decoded) return tm_createFormattedDocWithBody(path, {});
-    const bool smartyPants = settings().boolean(QStringLiteral("useSmartyPants"));
-    return tm_createFormattedDocWithBody(path, discountToHtml(decoded->text, true, smartyPants));
-}
 
 // -- other kinds ------------------------------------------------------------------------------------------------------
 
@@ -83,10 +42,10 @@ static QString pageOfUnknown(const QString &path)
                        QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
 }
 
-QString pageForItem(const QString &path)
+static QString pageOfAnyKind(const QString &path)
 {
     const QString extension = lowerExtension(path);
-    if (hasMarkdownExtension(path)) return pageOfMarkdown(path);
+    if (hasMarkdownExtension(path)) return tm_markdownToHTML(path);
     if (extension == u"html" || extension == u"htm") {
         const auto decoded = readTextFile(path);
         return decoded ? decoded->text : tm_createFormattedDocWithBody(path, {});
@@ -96,6 +55,11 @@ QString pageForItem(const QString &path)
     // Files without an extension are mostly text: README, LICENSE, Makefile.
     if (extension.isEmpty() && QFileInfo(path).size() < 1024 * 1024) return pageOfText(path);
     return pageOfUnknown(path);
+}
+
+QString pageForItem(const QString &path)
+{
+    return tm_formattedDocAdjustedToColorTheme(pageOfAnyKind(path));
 }
 
 } // namespace tomelet

@@ -18,6 +18,11 @@ TaskRow Organiser::taskRow(const QString &, const QVariant &)
     return {farFuture(), {}, false};
 }
 
+QString Organiser::withContextsMarked(const QString &, const QString &html)
+{
+    return html;
+}
+
 void Organiser::setMark(const QString &path, const QString &mark, bool on)
 {
     QStringList tags = tm_propertyForKey(path, QStringLiteral("Tags")).toStringList();

@@ -34,6 +34,9 @@ public:
     [[nodiscard]] virtual bool itemIsTask(const QString &) { return false; }
     [[nodiscard]] virtual TaskRow taskRow(const QString &path, const QVariant &record);
 
+    /// A page's body with the item's contexts marked where they stand in the text.
+    [[nodiscard]] virtual QString withContextsMarked(const QString &path, const QString &html);
+
     // Changes that travel along with items
     /// Puts the context or mark on the item's `Tags` or takes it off.
     virtual void setMark(const QString &path, const QString &mark, bool on);

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Markdown as a complete page: preparation, one of two engines, and the repair of what the engine gave.
+#pragma once
+
+#include <QString>
+
+namespace tomelet {
+
+/// The page of an existing file (by its item path) or of a text. An unreadable file gives a page with an empty body.
+[[nodiscard]] QString tm_markdownToHTML(const QString &pathOrText);
+/// The notebook's own engine on a prepared text of the document at the path; the fragment.
+[[nodiscard]] QString tm_ownMarkdownWithPath(const QString &text, const QString &path);
+/// A body in the frame of a whole page with the item's title and style sheet.
+[[nodiscard]] QString tm_createFormattedDocWithBody(const QString &pathOrText, const QString &body);
+
+} // namespace tomelet
