@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "cli/Invocation.h"
 
+#include "foundation/Log.h"
+
 #include <QCommandLineParser>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <cstdio>
+#include <mutex>
 
 namespace tomelet::cli {
 
@@ -39,16 +42,52 @@ static void writeError(const QString &line)
     std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stderr);
 }
 
+namespace {
+
+// Warnings may come from any thread.
+std::mutex heldMutex;
+QStringList heldWarnings;
+
+QStringList takeHeldWarnings()
+{
+    const std::lock_guard lock(heldMutex);
+    return std::exchange(heldWarnings, {});
+}
+
+// Names may hold line ends; a message never does.
+QString onOneLine(QString text)
+{
+    return text.replace(u'\n', QStringLiteral("\\n")).replace(u'\r', QStringLiteral("\\r"));
+}
+
+} // namespace
+
+void holdWarnings()
+{
+    setWarningTaker([](const QString &line) {
+        const std::lock_guard lock(heldMutex);
+        heldWarnings.append(line);
+    });
+}
+
+void releaseWarnings()
+{
+    setWarningTaker({});
+    for (const QString &line : takeHeldWarnings()) writeError(QStringLiteral("tomelet: ") + onOneLine(line));
+}
+
 int fail(const QString &message)
 {
-    writeError(QStringLiteral("tomelet: ") + message);
+    const QStringList reasons = takeHeldWarnings();
+    const QString reason = reasons.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(reasons.join(QStringLiteral("; ")));
+    writeError(onOneLine(QStringLiteral("tomelet: ") + message + reason));
     return Failed;
 }
 
 int wrongUsage(const Invocation &call, const QString &message)
 {
     writeError(QStringLiteral("tomelet: ") + message);
-    writeError(QStringLiteral("Try: tomelet %1 --help").arg(call.command));
+    writeError(QStringLiteral("Try: tomelet %1--help").arg(call.command.isEmpty() ? QString() : call.command + u' '));
     return WrongUsage;
 }
 

@@ -35,7 +35,12 @@ void writeLine(const QString &text);
 /// Writes one JSON value and a newline: strings, numbers and null included.
 void writeJson(const QJsonValue &value);
 
-/// Writes "tomelet: message" to standard error, one line; returns Failed.
+/// Keeps warnings back until the command ends, so that a failure can name them as its reason.
+void holdWarnings();
+/// Writes the warnings held back so far and lets later ones through at once.
+void releaseWarnings();
+/// Writes "tomelet: message" to standard error, with the warnings held back as the reason; one line, whatever names
+/// stand in it. Returns Failed.
 int fail(const QString &message);
 /// Writes the message and a hint to --help to standard error; returns WrongUsage.
 int wrongUsage(const Invocation &call, const QString &message);

@@ -2,6 +2,7 @@
 // The program `tomelet`: reads the global options, finds the command in the table and runs it.
 #include "cli/Commands.h"
 #include "cli/Invocation.h"
+#include "foundation/Log.h"
 
 #include <QCoreApplication>
 
@@ -64,6 +65,12 @@ void takeAnswer(QStringList &words, Invocation &call)
     });
 }
 
+// What the toolkit has to say is for whoever reads the log, not for a script that reads standard error.
+void logToolkitMessage(QtMsgType, const QMessageLogContext &, const QString &message)
+{
+    tomelet::logLine(message);
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -72,6 +79,7 @@ int main(int argc, char *argv[])
         std::puts("tomelet " TOMELET_VERSION);
         return Done;
     }
+    qInstallMessageHandler(logToolkitMessage);
     QCoreApplication application(argc, argv);
     Invocation call;
     QStringList words = application.arguments().mid(1);
@@ -91,5 +99,8 @@ int main(int argc, char *argv[])
         return wrongUsage({}, QStringLiteral("there is no command \"%1\"").arg(call.command));
     if (call.command != QLatin1StringView("op")) takeAnswer(words, call);
     call.args = words;
-    return command->run(call);
+    holdWarnings();
+    const int status = command->run(call);
+    releaseWarnings();
+    return status;
 }

@@ -7,7 +7,7 @@
 
 namespace tomelet {
 
-// The specification tells programs to ignore base directories that are not absolute.
+// The base directory standard of freedesktop.org tells programs to ignore base directories that are not absolute.
 static QString baseDirectory(const char *variable, const QString &fallbackBelowHome)
 {
     const QString value = qEnvironmentVariable(variable);

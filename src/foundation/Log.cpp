@@ -15,6 +15,7 @@ namespace {
 
 std::mutex logMutex;
 int logDescriptor = -1;
+std::function<void(const QString &)> warningTaker;
 
 void writeLine(int descriptor, const QString &line)
 {
@@ -54,7 +55,14 @@ void logWarning(const QString &line)
 {
     const std::lock_guard lock(logMutex);
     if (logDescriptor >= 0) writeLine(logDescriptor, stamped(line));
+    else if (warningTaker) warningTaker(line);
     else writeLine(STDERR_FILENO, QStringLiteral("tomelet: ") + line);
+}
+
+void setWarningTaker(std::function<void(const QString &)> taker)
+{
+    const std::lock_guard lock(logMutex);
+    warningTaker = std::move(taker);
 }
 
 } // namespace tomelet

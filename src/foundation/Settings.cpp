@@ -2,10 +2,10 @@
 #include "foundation/Settings.h"
 
 #include "foundation/Conversions.h"
+#include "foundation/Log.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QLoggingCategory>
 #include <QSettings>
 
 namespace tomelet {
@@ -55,7 +55,11 @@ public:
     }
 
     QStringList keys() const override { return m_store.allKeys(); }
-    void synchronize() override { m_store.sync(); }
+    bool synchronize() override
+    {
+        m_store.sync();
+        return m_store.status() == QSettings::NoError;
+    }
 
 private:
     QSettings m_store;
@@ -71,7 +75,7 @@ public:
         else m_values.remove(key);
     }
     QStringList keys() const override { return m_values.keys(); }
-    void synchronize() override {}
+    bool synchronize() override { return true; }
 
 private:
     QVariantMap m_values;
@@ -86,7 +90,7 @@ void setAsideIfBroken(const QString &path)
     const QString aside = path + QStringLiteral(".unreadable-") +
                           QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddhhmmsszzz"));
     QFile::rename(path, aside);
-    qWarning("settings could not be read and were set aside as %s", qUtf8Printable(aside));
+    logWarning(QStringLiteral("%1 could not be read and was set aside as %2").arg(path, aside));
 }
 
 } // namespace

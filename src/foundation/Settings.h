@@ -24,7 +24,8 @@ public:
     virtual void setObject(const QString &key, const QVariant &value) = 0;
     [[nodiscard]] virtual QStringList keys() const = 0;
     /// Brings the store on disk and the one in memory together: writes what was set, reads what others wrote.
-    virtual void synchronize() = 0;
+    /// False when it could not be written.
+    virtual bool synchronize() = 0;
 
     void remove(const QString &key) { setObject(key, {}); }
     [[nodiscard]] bool contains(const QString &key) const { return object(key).isValid(); }

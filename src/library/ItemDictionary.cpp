@@ -136,6 +136,13 @@ qint64 dateKey(const QVariantMap &row, const QString &key)
     return row.value(key).toDateTime().toMSecsSinceEpoch();
 }
 
+// Rows that were made elsewhere may have no path.
+QString nameOf(const QVariantMap &row)
+{
+    const QString path = row.value(QStringLiteral("path")).toString();
+    return path.isEmpty() ? row.value(QStringLiteral("title")).toString() : lastPathComponent(path);
+}
+
 } // namespace
 
 void sortRows(QList<QVariantMap> &rows, const QString &parameter, bool descending)
@@ -151,9 +158,7 @@ void sortRows(QList<QVariantMap> &rows, const QString &parameter, bool descendin
         order.sortBy([](const QVariantMap &row) { return dateKey(row, QStringLiteral("creationDate")); }, newAtTop);
     else
         order.sortBy(
-            [numeric](const QVariantMap &row) {
-                return nameSortKey(lastPathComponent(row.value(QStringLiteral("path")).toString()), numeric);
-            },
+            [numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
             byTitle && descending);
     if (custom)
         order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("custom")).toString(); }, false);

@@ -179,6 +179,7 @@ QString imagesFolderBeside(const QString &path)
 
 QString tm_imagesFolderAtMyPath(const QString &path)
 {
+    if (path.isEmpty()) return {};
     const QString folder = imagesFolderBeside(path);
     makeFolder(folder);
     return folder;
@@ -192,6 +193,7 @@ QString tm_iCloudStub(const QString &path)
 // File managers read the names to hide from the file ".hidden", one a line.
 static void setHidden(const QString &path, bool hidden)
 {
+    if (path.isEmpty()) return;
     const QString listPath = joinPath(parentPath(path), QStringLiteral(".hidden"));
     QStringList names = QString::fromUtf8(readFile(listPath).value_or(QByteArray())).split(u'\n', Qt::SkipEmptyParts);
     const QString name = lastPathComponent(path);

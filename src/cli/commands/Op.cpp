@@ -40,10 +40,13 @@ void printResult(const Invocation &call, const QVariant &value)
     }
 }
 
-QVariant argumentFrom(const QString &word)
+// Where a text is wanted, a number, a list or a truth value stays the word that was typed.
+QVariant argumentFrom(const QString &word, bool textIsWanted)
 {
     const QJsonDocument document = QJsonDocument::fromJson(QByteArray('[' + word.toUtf8() + ']'));
-    return document.array().size() == 1 ? variantFromJson(document.array().first()) : QVariant(word);
+    if (document.array().size() != 1) return word;
+    const QJsonValue value = document.array().first();
+    return textIsWanted && !value.isString() && !value.isNull() ? QVariant(word) : variantFromJson(value);
 }
 
 } // namespace
@@ -62,11 +65,12 @@ int runOp(const Invocation &call)
     }
     takeOptions(call);
     const QString name = call.args.first();
+    const Operation *operation = registry().find(name, call.args.size() - 1);
     QVariantList arguments;
     for (const QString &word : call.args.mid(1)) {
-        const Operation *operation = registry().find(name, call.args.size() - 1);
         const bool isReceiver = arguments.isEmpty() && operation && operation->receiver != Receiver::None;
-        arguments.append(isReceiver ? QVariant(word) : argumentFrom(word));
+        const bool textIsWanted = operation && operation->takesText.value(arguments.size());
+        arguments.append(isReceiver ? QVariant(word) : argumentFrom(word, textIsWanted));
     }
     const CallResult result = callOperation(name, arguments, true);
     drainPendingWork();
@@ -130,6 +134,7 @@ int runOps(const Invocation &call)
     }
     if (!call.args.isEmpty()) return wrongUsage(call, QStringLiteral("ops takes no arguments"));
     takeOptions(call);
+    releaseWarnings();
     QFile input;
     if (!input.open(stdin, QIODevice::ReadOnly)) return fail(QStringLiteral("standard input cannot be read"));
     for (QByteArray line = input.readLine(); !line.isEmpty(); line = input.readLine()) {

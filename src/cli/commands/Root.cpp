@@ -19,10 +19,13 @@ static int chooseRoot(const QString &folder)
     const QString path = QDir(folder).absolutePath();
     if (!makeFolder(path) || !isFolder(path))
         return fail(QStringLiteral("%1 is no folder and cannot be made one").arg(folder));
+    // The folder chosen is in force from here on, also where another was named for this call.
+    platform().rootOverride.clear();
     AppShell noWindows;
     AppDelegate application(noWindows);
     application.tm_setRootToPath(path);
     drainPendingWork();
+    if (!settings().synchronize()) return fail(QStringLiteral("the choice of %1 could not be stored").arg(path));
     // The rest of the set-up is done without it; what cannot be written there later says so by itself.
     if (!QFileInfo(path).isWritable())
         return fail(QStringLiteral("%1 is chosen, but nothing can be written there").arg(path));

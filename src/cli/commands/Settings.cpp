@@ -35,6 +35,12 @@ void printOne(const Invocation &call, const QVariant &value)
         writeLine(textFromVariant(value));
 }
 
+int store(Settings &settings, const QString &key, const QVariant &value)
+{
+    settings.setObject(key, value);
+    return settings.synchronize() ? Done : fail(QStringLiteral("the setting %1 could not be stored").arg(key));
+}
+
 } // namespace
 
 int runSettings(const Invocation &call)
@@ -55,8 +61,8 @@ int runSettings(const Invocation &call)
     if (action == QLatin1StringView("list") && words.size() == 1) printAll(call, *settings);
     else if (action == QLatin1StringView("get") && words.size() == 2) printOne(call, settings->object(words[1]));
     else if (action == QLatin1StringView("set") && words.size() == 3)
-        settings->setObject(words[1], variantFromJsonText(words[2]));
-    else if (action == QLatin1StringView("unset") && words.size() == 2) settings->remove(words[1]);
+        return store(*settings, words[1], variantFromJsonText(words[2]));
+    else if (action == QLatin1StringView("unset") && words.size() == 2) return store(*settings, words[1], {});
     else return wrongUsage(call, QStringLiteral("settings list | get KEY | set KEY VALUE | unset KEY"));
     return Done;
 }

@@ -60,6 +60,7 @@ int runWatch(const Invocation &call)
     if (const auto status = parse(call, parser)) return *status;
     if (const auto status = openNotebook(call)) return *status;
 
+    releaseWarnings();
     OutlineView nobodyLooks;
     TMLTOutlineController controller(nobodyLooks);
     controller.initFileCoordinationAndTaskLists();

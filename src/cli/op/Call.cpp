@@ -5,7 +5,9 @@
 #include "cli/Items.h"
 #include "cli/op/Registry.h"
 #include "foundation/Conversions.h"
+#include "foundation/Folder.h"
 #include "foundation/SafeWriter.h"
+#include "library/Root.h"
 
 #include <exception>
 
@@ -49,13 +51,25 @@ std::optional<QString> receiverText(const QString &word)
 QVariant receiverValue(const QVariant &given, Receiver kind)
 {
     switch (kind) {
-    case Receiver::Path: return itemPath(textFromVariant(given));
+    case Receiver::Path: {
+        // An empty text is no item here; only commands take it for the root.
+        const QString text = textFromVariant(given);
+        return text.isEmpty() ? text : itemPath(text);
+    }
     case Receiver::Value:
         return withIsoDates(given.typeId() == QMetaType::QString ? variantFromJsonText(given.toString()) : given);
     case Receiver::Text:
     case Receiver::None: return given;
     }
     return given;
+}
+
+// Without a notebook a relative path would be one of the working folder, and a lost root would be made anew.
+bool hasNoPlace(const QString &path)
+{
+    const QString root = tomeletRoot();
+    if (path.isEmpty()) return false;
+    return !path.startsWith(u'/') || (!root.isEmpty() && path.startsWith(root) && !isFolder(root));
 }
 
 // Where a parameter names a place in the library, it may be given like an item.
@@ -88,6 +102,9 @@ CallResult callOperation(const QString &name, QVariantList arguments, bool fromS
             receiver = *text;
         }
         arguments[0] = receiverValue(receiver, operation->receiver);
+        if (operation->receiver == Receiver::Path && hasNoPlace(arguments[0].toString()))
+            return {CallResult::Failure, QStringLiteral("there is no notebook for %1").arg(textFromVariant(receiver)),
+                    {}, false};
     }
     for (qsizetype i = 1; i < arguments.size(); ++i)
         if (namesAPlace(operation->parameters[i]) && !textFromVariant(arguments[i]).isEmpty())

@@ -64,6 +64,7 @@ const Registry &registry()
     static const Registry all = [] {
         Registry made;
         addFoundationOperations(made);
+        addConversionOperations(made);
         addLibraryOperations(made);
         addOrganisingOperations(made);
         return made;

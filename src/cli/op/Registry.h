@@ -33,6 +33,7 @@ struct Operation
     /// works in place gives the changed receiver.
     std::function<QVariant(const QVariantList &)> call;
     bool hasResult = true;
+    QList<bool> takesText; ///< for each parameter, whether the function takes a text
 };
 
 class Registry
@@ -74,13 +75,20 @@ private:
         const QString names = QString::fromLatin1(parameters);
         addOperation({QString::fromLatin1(name), receiver,
                       names.isEmpty() ? QStringList() : names.split(QStringLiteral(", ")),
-                      adapted(std::function(function)), !returnsNothing(std::function(function))});
+                      adapted(std::function(function)), !returnsNothing(std::function(function)),
+                      textParameters(std::function(function))});
+    }
+
+    template <typename R, typename... A>
+    static QList<bool> textParameters(const std::function<R(A...)> &)
+    {
+        return {std::same_as<std::remove_cvref_t<A>, QString>...};
     }
 
     template <typename R, typename... A>
     static constexpr bool returnsNothing(const std::function<R(A...)> &)
     {
-        return std::is_void_v<R> && !(std::is_lvalue_reference_v<A> || ...);
+        return std::is_void_v<R> && !changesFirst<A...>();
     }
 
     template <typename R, typename... A>
@@ -128,6 +136,7 @@ private:
 
 // One function a subsystem adds its operations.
 void addFoundationOperations(Registry &registry);
+void addConversionOperations(Registry &registry);
 void addLibraryOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "foundation/Conversions.h"
+#include "foundation/Range.h"
 
 #include <QDateTime>
 #include <QString>
@@ -11,6 +12,7 @@
 
 #include <concepts>
 #include <optional>
+#include <stdexcept>
 #include <type_traits>
 
 namespace tomelet::cli {
@@ -23,6 +25,15 @@ template <typename T>
 struct IsOptional<std::optional<T>> : std::true_type
 {
 };
+
+/// A range in its text form, "{location, length}"; null is the whole text. Throws for anything else.
+inline Range rangeFromVariant(const QVariant &value)
+{
+    if (!value.isValid()) return wholeRange;
+    const auto range = rangeFromText(value.toString());
+    if (!range) throw std::invalid_argument("a range is written \"{location, length}\"");
+    return *range;
+}
 
 /// A value as the type that an operation takes. JSON numbers serve as texts and texts as numbers, so that a shell's
 /// words need no quotes.
@@ -41,6 +52,7 @@ T fromVariant(const QVariant &value)
     else if constexpr (std::same_as<T, QStringList>) return value.toStringList();
     else if constexpr (std::same_as<T, QDateTime>)
         return value.typeId() == QMetaType::QString ? dateFromIso(value.toString()) : value.toDateTime();
+    else if constexpr (std::same_as<T, Range>) return rangeFromVariant(value);
     else return value.value<T>();
 }
 
@@ -54,6 +66,7 @@ QVariant toVariant(const T &value)
     else if constexpr (std::integral<T>) return qlonglong(value);
     else if constexpr (std::same_as<T, QStringList>) return QVariantList(value.begin(), value.end());
     else if constexpr (std::same_as<T, QDateTime>) return value.isValid() ? QVariant(value) : QVariant();
+    else if constexpr (std::same_as<T, Range>) return textOfRange(value);
     else return QVariant::fromValue(value);
 }
 
