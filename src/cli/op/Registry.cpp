@@ -66,6 +66,7 @@ const Registry &registry()
         addFoundationOperations(made);
         addConversionOperations(made);
         addLibraryOperations(made);
+        addPageOperations(made);
         addOrganisingOperations(made);
         return made;
     }();

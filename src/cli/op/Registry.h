@@ -138,6 +138,7 @@ private:
 void addFoundationOperations(Registry &registry);
 void addConversionOperations(Registry &registry);
 void addLibraryOperations(Registry &registry);
+void addPageOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
 
 } // namespace tomelet::cli
