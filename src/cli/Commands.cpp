@@ -9,6 +9,7 @@ namespace tomelet::cli {
 std::span<const Command> commands()
 {
     static constexpr Command table[] = {
+        {"serve", "serves the notebook over HTTP and WebDAV", runServe},
         {"settings", "reads and changes the settings", runSettings},
     };
     return table;

@@ -6,6 +6,7 @@ namespace tomelet::cli {
 
 struct Invocation;
 
+int runServe(const Invocation &call);
 int runSettings(const Invocation &call);
 
 } // namespace tomelet::cli
