@@ -44,7 +44,7 @@ RequestPath pathBelowRoot(std::string_view decoded, std::string_view root)
     if (!components) return {{}, PathFault::OutsideRoot};
     std::string path(root == "/" ? std::string_view() : root);
     for (const std::string_view component : *components) path.append("/").append(component);
-    if (path.empty()) path = "/";
+    if (path.empty()) path += '/';
     return {std::move(path), PathFault::None};
 }
 
