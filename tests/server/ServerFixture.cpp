@@ -18,7 +18,10 @@ void ServerFixture::SetUp()
     m_root = m_folder / "root";
     fs::create_directories(m_root);
     fs::create_directories(m_folder / "root-evil");
-    http::setLogSink([this](const std::string &line) { m_log += line + "\n"; });
+    http::setLogSink([this](const std::string &line) {
+        const std::lock_guard lock(m_logMutex);
+        m_log += line + "\n";
+    });
 }
 
 void ServerFixture::TearDown()
@@ -70,8 +73,9 @@ std::size_t ServerFixture::itemsInRoot() const
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_root), {}));
 }
 
-std::string ServerFixture::logged() const
+std::string ServerFixture::logged()
 {
+    const std::lock_guard lock(m_logMutex);
     return m_log;
 }
 

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <mutex>
 #include <string>
 
 namespace tomelet::test {
@@ -33,7 +34,7 @@ protected:
     [[nodiscard]] bool exists(const std::string &name) const;
     /// The names of all that lies in the root, hidden files included.
     [[nodiscard]] std::size_t itemsInRoot() const;
-    [[nodiscard]] std::string logged() const;
+    [[nodiscard]] std::string logged();
 
     std::filesystem::path m_folder; ///< the root's parent: what lies here must stay out of reach
     std::filesystem::path m_root;
@@ -41,6 +42,7 @@ protected:
 
 private:
     std::atomic<long> m_passed{0};
+    std::mutex m_logMutex;
     std::string m_log;
 };
 

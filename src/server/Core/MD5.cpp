@@ -27,24 +27,35 @@ constexpr std::uint32_t sines[64] = {
 };
 constexpr int shifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
 
-std::uint32_t mixed(int round, std::uint32_t b, std::uint32_t c, std::uint32_t d)
+template <int Round>
+std::uint32_t mixed(std::uint32_t b, std::uint32_t c, std::uint32_t d)
 {
-    switch (round) {
-    case 0: return (b & c) | (~b & d);
-    case 1: return (b & d) | (c & ~d);
-    case 2: return b ^ c ^ d;
-    default: return c ^ (b | ~d);
-    }
+    if constexpr (Round == 0) return (b & c) | (~b & d);
+    else if constexpr (Round == 1) return (b & d) | (c & ~d);
+    else if constexpr (Round == 2) return b ^ c ^ d;
+    else return c ^ (b | ~d);
 }
 
-int wordIndex(int round, int step)
+template <int Round>
+constexpr int wordIndex(int step)
 {
-    switch (round) {
-    case 0: return step;
-    case 1: return (5 * step + 1) % 16;
-    case 2: return (3 * step + 5) % 16;
-    default: return (7 * step) % 16;
+    constexpr int factors[] = {1, 5, 3, 7};
+    constexpr int starts[] = {0, 1, 5, 0};
+    return (factors[Round] * step + starts[Round]) % 16;
+}
+
+template <int Round>
+void addRound(State &state, const std::uint32_t (&words)[16])
+{
+    auto [a, b, c, d] = state;
+    for (int i = 0; i < 16; ++i) {
+        const std::uint32_t sum = a + mixed<Round>(b, c, d) + sines[16 * Round + i] + words[wordIndex<Round>(i)];
+        a = d;
+        d = c;
+        c = b;
+        b += std::rotl(sum, shifts[Round][i % 4]);
     }
+    state = {a, b, c, d};
 }
 
 void addBlock(State &state, const unsigned char *block)
@@ -54,19 +65,12 @@ void addBlock(State &state, const unsigned char *block)
         words[i] = static_cast<std::uint32_t>(block[4 * i]) | static_cast<std::uint32_t>(block[4 * i + 1]) << 8 |
                    static_cast<std::uint32_t>(block[4 * i + 2]) << 16 |
                    static_cast<std::uint32_t>(block[4 * i + 3]) << 24;
-    auto [a, b, c, d] = state;
-    for (int i = 0; i < 64; ++i) {
-        const int round = i / 16;
-        const std::uint32_t sum = a + mixed(round, b, c, d) + sines[i] + words[wordIndex(round, i % 16)];
-        a = d;
-        d = c;
-        c = b;
-        b += std::rotl(sum, shifts[round][i % 4]);
-    }
-    state[0] += a;
-    state[1] += b;
-    state[2] += c;
-    state[3] += d;
+    State mixedState = state;
+    addRound<0>(mixedState, words);
+    addRound<1>(mixedState, words);
+    addRound<2>(mixedState, words);
+    addRound<3>(mixedState, words);
+    for (std::size_t i = 0; i < state.size(); ++i) state[i] += mixedState[i];
 }
 
 std::string hexOfState(const State &state)
