@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The one client that all servers are measured with: keep-alive requests on many connections from one thread, with
-// or without digest authentication.
+// The one client that all servers are measured with: keep-alive requests on many connections from one thread,
+// with or without digest authentication.
 //
 //   server_load_client requests HOST:PORT METHOD PATH CONNECTIONS SECONDS [USER:PASSWORD] [FIELD: VALUE]...
-//       prints requests per second, errors, and the median and 99th percentile of the answer times in microseconds
+//       prints requests per second, errors, and the median and 99th percentile of the answer times in
+//       microseconds
 //   server_load_client put HOST:PORT PATH MEGABYTES REPEAT [USER:PASSWORD]
 //   server_load_client get HOST:PORT PATH REPEAT [USER:PASSWORD]
 //       print megabytes per second, the best of the repetitions
@@ -72,22 +73,27 @@ std::string quotedField(const std::string &challenge, const std::string &name)
 // One connection and the digest state that belongs to it.
 struct Session
 {
-    explicit Session(const Target &to) : target(to), socket(connectTo(to.host)) {}
+    explicit Session(const Target &to)
+        : target(to)
+        , socket(connectTo(to.host))
+    {}
     Session(const Session &) = delete;
     Session &operator=(const Session &) = delete;
     ~Session() { close(socket); }
 
     std::string request(const std::string &method, const std::string &path, const std::string &more = {})
     {
-        std::string text = method + " " + path + " HTTP/1.1\r\nHost: " + target.host + "\r\n" + target.fields + more;
+        std::string text =
+            method + " " + path + " HTTP/1.1\r\nHost: " + target.host + "\r\n" + target.fields + more;
         if (!auth.nonce.empty()) {
             char count[9];
             std::snprintf(count, sizeof count, "%08x", ++nc);
             auth.uri = path;
             auth.nc = count;
-            text += "Authorization: Digest username=\"" + auth.username + "\", realm=\"" + auth.realm + "\", nonce=\"" +
-                    auth.nonce + "\", uri=\"" + path + "\", algorithm=MD5, qop=auth, nc=" + auth.nc + ", cnonce=\"" +
-                    auth.cnonce + "\", response=\"" + digestResponse(auth, auth.realm, target.password, method) + "\"\r\n";
+            text += "Authorization: Digest username=\"" + auth.username + "\", realm=\"" + auth.realm +
+                    "\", nonce=\"" + auth.nonce + "\", uri=\"" + path +
+                    "\", algorithm=MD5, qop=auth, nc=" + auth.nc + ", cnonce=\"" + auth.cnonce +
+                    "\", response=\"" + digestResponse(auth, auth.realm, target.password, method) + "\"\r\n";
         }
         return text + "\r\n";
     }
@@ -132,9 +138,12 @@ Head parseHead(const std::string &input)
         const auto colon = text.find(':');
         const auto name = text.substr(0, colon);
         const std::string value(trimmed(text.substr(colon + 1)));
-        if (equalsIgnoringCase(name, "Content-Length")) head.body = std::strtoul(value.c_str(), nullptr, 10);
-        else if (equalsIgnoringCase(name, "WWW-Authenticate")) head.challenge = value;
-        else if (equalsIgnoringCase(name, "Transfer-Encoding")) head.chunked = value == "chunked";
+        if (equalsIgnoringCase(name, "Content-Length"))
+            head.body = std::strtoul(value.c_str(), nullptr, 10);
+        else if (equalsIgnoringCase(name, "WWW-Authenticate"))
+            head.challenge = value;
+        else if (equalsIgnoringCase(name, "Transfer-Encoding"))
+            head.chunked = value == "chunked";
     }
     return head;
 }
@@ -194,12 +203,14 @@ Head ask(Session &session, const std::string &request)
 
 void authenticate(Session &session, const std::string &method, const std::string &path)
 {
-    if (!session.target.user.empty()) session.challenge(ask(session, session.request(method, path)).challenge);
+    if (!session.target.user.empty())
+        session.challenge(ask(session, session.request(method, path)).challenge);
 }
 
 // ---- Many small requests
 
-int runRequests(const Target &target, const std::string &method, const std::string &path, int connections, double seconds)
+int runRequests(const Target &target, const std::string &method, const std::string &path, int connections,
+                double seconds)
 {
     const int poll = epoll_create1(EPOLL_CLOEXEC);
     std::vector<std::unique_ptr<Session>> sessions;
@@ -220,8 +231,10 @@ int runRequests(const Target &target, const std::string &method, const std::stri
     std::vector<char> buffer(1 << 20);
     std::size_t errors = 0;
     const auto start = Clock::now();
-    const auto end = start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    for (auto &session : sessions) next(*session);
+    const auto end =
+        start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    for (auto &session : sessions)
+        next(*session);
     while (Clock::now() < end) {
         epoll_event events[64];
         const int count = epoll_wait(poll, events, 64, 100);
@@ -232,16 +245,21 @@ int runRequests(const Target &target, const std::string &method, const std::stri
             session.input.append(buffer.data(), static_cast<std::size_t>(got));
             Head head;
             if (!takeReply(session, head)) continue;
-            if (head.status == 401) session.challenge(head.challenge); // a nonce that grew too old
-            else if (head.status >= 300) ++errors;
-            else times.push_back(std::chrono::duration<float, std::micro>(Clock::now() - session.asked).count());
+            if (head.status == 401)
+                session.challenge(head.challenge); // a nonce that grew too old
+            else if (head.status >= 300)
+                ++errors;
+            else
+                times.push_back(
+                    std::chrono::duration<float, std::micro>(Clock::now() - session.asked).count());
             next(session);
         }
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
     std::sort(times.begin(), times.end());
     const auto at = [&times](double part) {
-        return times.empty() ? 0.0F : times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
+        return times.empty() ? 0.0F
+                             : times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
     };
     std::printf("%.0f requests/s, %zu errors, median %.0f us, 99 %% within %.0f us\n",
                 static_cast<double>(times.size()) / elapsed, errors, at(0.5), at(0.99));
@@ -259,13 +277,15 @@ int runPut(const Target &target, const std::string &path, std::size_t megabytes,
 {
     const std::size_t size = megabytes * 1000 * 1000;
     std::vector<char> block(1000 * 1000);
-    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>(i * 2654435761U >> 16);
+    for (std::size_t i = 0; i < block.size(); ++i)
+        block[i] = static_cast<char>(i * 2654435761U >> 16);
     std::vector<double> rates;
     for (int i = 0; i < repeat; ++i) {
         Session session(target);
         authenticate(session, "GET", path);
         const auto start = Clock::now();
-        const std::string head = session.request("PUT", path, "Content-Length: " + std::to_string(size) + "\r\n");
+        const std::string head =
+            session.request("PUT", path, "Content-Length: " + std::to_string(size) + "\r\n");
         if (!sendAll(session.socket, head.data(), head.size())) give_up("send");
         for (std::size_t sent = 0; sent < size; sent += block.size())
             if (!sendAll(session.socket, block.data(), block.size())) give_up("send");
@@ -320,7 +340,8 @@ Target targetOf(int argc, char **argv, int from)
     for (int i = from; i < argc; ++i) {
         const std::string word = argv[i];
         const auto colon = word.find(':');
-        if (word.find(": ") != word.npos) target.fields += word + "\r\n";
+        if (word.find(": ") != word.npos)
+            target.fields += word + "\r\n";
         else if (colon != word.npos) {
             target.user = word.substr(0, colon);
             target.password = word.substr(colon + 1);
@@ -337,7 +358,8 @@ int main(int argc, char **argv)
     if (mode == "requests" && argc >= 7)
         return runRequests(targetOf(argc, argv, 7), argv[3], argv[4], std::atoi(argv[5]), std::atof(argv[6]));
     if (mode == "put" && argc >= 6)
-        return runPut(targetOf(argc, argv, 6), argv[3], static_cast<std::size_t>(std::atol(argv[4])), std::atoi(argv[5]));
+        return runPut(targetOf(argc, argv, 6), argv[3], static_cast<std::size_t>(std::atol(argv[4])),
+                      std::atoi(argv[5]));
     if (mode == "get" && argc >= 5) return runGet(targetOf(argc, argv, 5), argv[3], std::atoi(argv[4]));
     std::fputs("usage: see the head of LoadClient.cpp\n", stderr);
     return 2;

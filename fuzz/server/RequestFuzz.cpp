@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The request parser and everything that reads a header's value. The first byte tells where the rest is cut in two:
-// a message must not depend on how its bytes arrive, and no target may lead out of the root.
+// The request parser and everything that reads a header's value. The first byte tells where the rest is cut
+// in two: a message must not depend on how its bytes arrive, and no target may lead out of the root.
 #include "server/Core/ByteRange.h"
 #include "server/Core/HTTPAuthenticationRequest.h"
 #include "server/Core/HTTPConnection.h"

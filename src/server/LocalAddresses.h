@@ -9,8 +9,8 @@ namespace tomelet {
 
 /// The machine's name in the local network: its first label with ".local" behind it.
 [[nodiscard]] QString localHostName();
-/// The IPv4 addresses of all network cards, wired and wireless ("en...", "eth...", "wl..."); not the loopback's and
-/// not those of bridges and tunnels.
+/// The IPv4 addresses of all network cards, wired and wireless ("en...", "eth...", "wl..."); not the
+/// loopback's and not those of bridges and tunnels.
 [[nodiscard]] QStringList localIPv4Addresses();
 
 } // namespace tomelet

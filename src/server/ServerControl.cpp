@@ -26,9 +26,10 @@ std::string pathOf(const QString &path)
 } // namespace
 
 ServerControl::ServerControl(Settings &settings, Alert alert, ServerOverrides overrides)
-    : m_settings(settings), m_alert(std::move(alert)), m_overrides(std::move(overrides))
-{
-}
+    : m_settings(settings)
+    , m_alert(std::move(alert))
+    , m_overrides(std::move(overrides))
+{}
 
 std::uint16_t ServerControl::firstPort() const
 {
@@ -44,7 +45,8 @@ QString ServerControl::password() const
 
 void ServerControl::createNewPassword()
 {
-    m_settings.setObject(serverKeys::password, QString::fromStdString(http::makeUUID().substr(9, 9)).toLower());
+    m_settings.setObject(serverKeys::password,
+                         QString::fromStdString(http::makeUUID().substr(9, 9)).toLower());
 }
 
 std::unique_ptr<http::HTTPServer> ServerControl::makeServer() const

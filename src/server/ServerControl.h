@@ -16,8 +16,10 @@ class Settings;
 
 /// The settings that the server lives by.
 namespace serverKeys {
-inline const QString launch = QStringLiteral("launchLocalWebDAVServer"); ///< "yes" while the server is to run, or unset
-inline const QString port = QStringLiteral("localWebDAVServerPort");     ///< 0 or unset is 8080; the one that worked
+inline const QString launch =
+    QStringLiteral("launchLocalWebDAVServer"); ///< "yes" while the server is to run, or unset
+inline const QString port =
+    QStringLiteral("localWebDAVServerPort"); ///< 0 or unset is 8080; the one that worked
 inline const QString password = QStringLiteral("localWebDAVServerString");
 inline const QString root = QStringLiteral("TomeletFolder");
 } // namespace serverKeys
@@ -28,10 +30,10 @@ inline const QString serverUser = QStringLiteral("Tomelet");
 /// What one run takes in place of the settings.
 struct ServerOverrides
 {
-    QString root;                       ///< "" for the stored one
-    std::optional<std::uint16_t> port;  ///< such a port is not stored when it worked; 0 lets the system choose
-    QString password;                   ///< "" for the stored one
-    QString interface;                  ///< "" for all interfaces
+    QString root;                      ///< "" for the stored one
+    std::optional<std::uint16_t> port; ///< such a port is not stored when it worked; 0 lets the system choose
+    QString password;                  ///< "" for the stored one
+    QString interface;                 ///< "" for all interfaces
 };
 
 /// Lives on the main thread; start and stop wait for the server's own threads.
@@ -43,8 +45,8 @@ public:
     /// The settings outlive the control. The alert shows why the server could not start.
     ServerControl(Settings &settings, Alert alert, ServerOverrides overrides = {});
 
-    /// Starts the server; on a port that is taken the next ones are tried, unless it is 9000 or more. A failure is
-    /// told by the alert and leaves a server that does not run.
+    /// Starts the server; on a port that is taken the next ones are tried, unless it is 9000 or more. A
+    /// failure is told by the alert and leaves a server that does not run.
     void launchTomeletServer();
     void terminateTomeletServer();
 

@@ -10,18 +10,20 @@ namespace {
 
 QString connectionDetails(std::uint16_t port)
 {
-    QString text = QStringLiteral("Use the credentials above to connect to one of the given server addresses.");
+    QString text =
+        QStringLiteral("Use the credentials above to connect to one of the given server addresses.");
     text += QStringLiteral("\n\nhttp://%1:%2").arg(localHostName()).arg(port);
-    for (const QString &address : localIPv4Addresses()) text += QStringLiteral("\nhttp://%1:%2").arg(address).arg(port);
+    for (const QString &address : localIPv4Addresses())
+        text += QStringLiteral("\nhttp://%1:%2").arg(address).arg(port);
     return text;
 }
 
 } // namespace
 
 TMServerPreferences::TMServerPreferences(ServerControl &control, Show show)
-    : m_control(control), m_show(std::move(show))
-{
-}
+    : m_control(control)
+    , m_show(std::move(show))
+{}
 
 void TMServerPreferences::toggleServer(bool on)
 {

@@ -50,13 +50,20 @@ TEST_F(ConnectionTest, limitsHoldWithoutAReply)
     const std::string start = "GET / HTTP/1.1\r\n";
     const auto lines = [](int count) {
         std::string text;
-        for (int i = 0; i < count; ++i) text += "A: b\r\n";
+        for (int i = 0; i < count; ++i)
+            text += "A: b\r\n";
         return text;
     };
     std::string emptyLines;
-    for (int i = 0; i < 101; ++i) emptyLines += "\r\n";
+    for (int i = 0; i < 101; ++i)
+        emptyLines += "\r\n";
     const auto longLine = [](std::size_t length) { return "A: " + std::string(length - 5, 'x') + "\r\n"; };
-    const struct { const char *what; std::string bytes; bool dropped; } rows[] = {
+    const struct
+    {
+        const char *what;
+        std::string bytes;
+        bool dropped;
+    } rows[] = {
         {"a line of 8190 bytes", start + longLine(8190) + "\r\n", false},
         {"a line of 8191 bytes", start + longLine(8191), true},
         {"a line without an end", std::string(9000, 'x'), true},
@@ -65,21 +72,28 @@ TEST_F(ConnectionTest, limitsHoldWithoutAReply)
         {"empty lines without an end", emptyLines, true},
         {"a chunk line of 201 bytes",
          "PUT /b HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n" + std::string(201, '0'), true},
-        {"trailers without an end",
-         "PUT /b HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n" + lines(100), true},
+        {"trailers without an end", "PUT /b HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n" + lines(100),
+         true},
     };
     for (const auto &row : rows) {
         RawClient client(port());
         client.send(row.bytes);
-        if (row.dropped) EXPECT_TRUE(client.isDropped()) << row.what;
-        else EXPECT_EQ(client.receive().status, 401) << row.what;
+        if (row.dropped)
+            EXPECT_TRUE(client.isDropped()) << row.what;
+        else
+            EXPECT_EQ(client.receive().status, 401) << row.what;
     }
 }
 
 TEST_F(ConnectionTest, badRequestsAreToldAndClosed)
 {
     const std::string chunked = " HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\n";
-    const struct { const char *what; std::string bytes; int status; } rows[] = {
+    const struct
+    {
+        const char *what;
+        std::string bytes;
+        int status;
+    } rows[] = {
         {"malformed", "GET /\r\n\r\n", 400},
         {"white space before a colon", "GET / HTTP/1.1\r\nA : b\r\n\r\n", 400},
         {"two lengths", "PUT /b HTTP/1.1\r\nContent-Length: 1\r\nContent-Length: 2\r\n\r\nxx", 400},
@@ -113,7 +127,12 @@ TEST_F(ConnectionTest, aReplyArrivesThoughMoreIsSentThanRead)
 
 TEST_F(ConnectionTest, versionsAndKeepAlive)
 {
-    const struct { const char *request; int status; bool stays; } rows[] = {
+    const struct
+    {
+        const char *request;
+        int status;
+        bool stays;
+    } rows[] = {
         {"GET / HTTP/1.1\r\n\r\n", 401, true},
         {"GET / HTTP/1.1\r\nConnection: Close\r\n\r\n", 401, false},
         {"GET / HTTP/1.0\r\n\r\n", 401, false},
@@ -126,8 +145,10 @@ TEST_F(ConnectionTest, versionsAndKeepAlive)
         RawClient client(port());
         client.send(row.request);
         EXPECT_EQ(client.receive().status, row.status) << row.request;
-        if (!row.stays) EXPECT_TRUE(client.isDropped()) << row.request;
-        else EXPECT_EQ(client.request("GET", "/a.txt").status, 200) << row.request;
+        if (!row.stays)
+            EXPECT_TRUE(client.isDropped()) << row.request;
+        else
+            EXPECT_EQ(client.request("GET", "/a.txt").status, 200) << row.request;
     }
 }
 
@@ -280,8 +301,7 @@ TEST_F(ConnectionTest, theLogKnowsNoPassword)
 }
 
 class TimeoutTest : public ServerFixture
-{
-};
+{};
 
 TEST_F(TimeoutTest, slowHeadersAreDroppedAndSlowBodiesAreNot)
 {

@@ -39,7 +39,10 @@ protected:
     {
         return ask(method, uri, fields, body).status;
     }
-    static std::string to(const std::string &path) { return "Depth: infinity\r\nDestination: http://test" + path + "\r\n"; }
+    static std::string to(const std::string &path)
+    {
+        return "Depth: infinity\r\nDestination: http://test" + path + "\r\n";
+    }
 };
 
 TEST_F(DAVTest, putMakesAndReplacesFiles)
@@ -58,7 +61,8 @@ TEST_F(DAVTest, putMakesAndReplacesFiles)
 
 TEST_F(DAVTest, bodiesOfAMegabyteAndMore)
 {
-    for (const std::size_t size : {http::DAVConnection::maxBodyInMemory, http::DAVConnection::maxBodyInMemory + 1}) {
+    for (const std::size_t size :
+         {http::DAVConnection::maxBodyInMemory, http::DAVConnection::maxBodyInMemory + 1}) {
         RawClient client(port());
         const std::string request = client.authorized("PUT", "/large", {}, std::string(size, 'L'));
         client.send(request.substr(0, request.size() - 10));
@@ -80,7 +84,8 @@ TEST_F(DAVTest, aReplacedFileKeepsItsAttributes)
     EXPECT_EQ(status("PUT", "/link", {}, "through"), 200);
     EXPECT_EQ(get("a.txt"), "through");
     EXPECT_TRUE(fs::is_symlink(m_root / "link"));
-    struct stat info{};
+    struct stat info
+    {};
     ASSERT_EQ(stat(path.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0640U);
     char value[4] = {};
@@ -96,7 +101,8 @@ TEST_F(DAVTest, deleteRemovesWhatIsThere)
     EXPECT_TRUE(fs::exists(m_folder / "root-evil/kept"));
     EXPECT_EQ(status("DELETE", "/book"), 200);
     EXPECT_EQ(status("DELETE", "/book"), 404);
-    for (const char *root : {"/", "//", "/.", "/book/.."}) EXPECT_EQ(status("DELETE", root), 404) << root;
+    for (const char *root : {"/", "//", "/.", "/book/.."})
+        EXPECT_EQ(status("DELETE", root), 404) << root;
     EXPECT_EQ(status("DELETE", "/../root-evil"), 404);
     EXPECT_TRUE(exists("a.txt"));
 }
@@ -115,9 +121,10 @@ TEST_F(DAVTest, propfindListsFolders)
     Reply reply = ask("PROPFIND", "/", "Depth: 1\r\n");
     EXPECT_EQ(reply.status, 207);
     EXPECT_EQ(reply.header("Content-Type"), "application/xml; charset=\"utf-8\"");
-    EXPECT_TRUE(reply.body.starts_with("<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n"
-                                       "<D:response><D:href>/</D:href><D:propstat><D:prop>"
-                                       "<D:resourcetype><D:collection/></D:resourcetype>"));
+    EXPECT_TRUE(
+        reply.body.starts_with("<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n"
+                               "<D:response><D:href>/</D:href><D:propstat><D:prop>"
+                               "<D:resourcetype><D:collection/></D:resourcetype>"));
     EXPECT_TRUE(reply.body.ends_with("</D:multistatus>"));
     EXPECT_THAT(reply.body, HasSubstr("<D:href>/%C3%BC%20%26%20%3Cx%3E.md</D:href>"));
     EXPECT_THAT(reply.body, HasSubstr("<D:getcontentlength>5</D:getcontentlength>"));
@@ -159,7 +166,14 @@ TEST_F(DAVTest, copyAndMove)
     EXPECT_FALSE(exists("copy/b.txt"));
     EXPECT_EQ(itemsInRoot(), 4U);
 
-    const struct { const char *what; const char *method; const char *uri; std::string fields; int status; } rows[] = {
+    const struct
+    {
+        const char *what;
+        const char *method;
+        const char *uri;
+        std::string fields;
+        int status;
+    } rows[] = {
         {"onto a file", "MOVE", "/book", to("/a.txt"), 404},
         {"onto a file, allowed", "COPY", "/book", to("/a.txt") + "Overwrite: T\r\n", 404},
         {"onto itself", "COPY", "/a.txt", to("/a.txt"), 404},
@@ -177,7 +191,8 @@ TEST_F(DAVTest, copyAndMove)
         {"the root's copy", "COPY", "/", to("/x"), 404},
         {"a hidden name", "MOVE", "/a.txt", to("/.tomelet-upload-01234567-89AB-CDEF-0123-456789ABCDEF"), 404},
     };
-    for (const auto &row : rows) EXPECT_EQ(status(row.method, row.uri, row.fields), row.status) << row.what;
+    for (const auto &row : rows)
+        EXPECT_EQ(status(row.method, row.uri, row.fields), row.status) << row.what;
     EXPECT_EQ(get("a.txt") + get("book/b.txt"), "oldb");
     EXPECT_EQ(itemsInRoot(), 4U);
 }
@@ -185,15 +200,18 @@ TEST_F(DAVTest, copyAndMove)
 TEST_F(DAVTest, locksAreGivenAndForgotten)
 {
     const auto body = [](const std::string &scope) {
-        return "<lockinfo xmlns='DAV:'><lockscope><" + scope + "/></lockscope><locktype><write/></locktype>"
+        return "<lockinfo xmlns='DAV:'><lockscope><" + scope +
+               "/></lockscope><locktype><write/></locktype>"
                "<owner><href>me &lt;&amp;</href></owner></lockinfo>";
     };
     const Reply reply = ask("LOCK", "/new%20one", "Depth: 0\r\nTimeout: Second-600\r\n", body("exclusive"));
     EXPECT_EQ(reply.status, 200);
     EXPECT_TRUE(exists("new one"));
     EXPECT_TRUE(reply.body.starts_with(
-        "<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:prop xmlns:D=\"DAV:\">\n<D:lockdiscovery>\n<D:activelock>\n"
-        "<D:locktype><D:write/></D:locktype>\n<D:lockscope><D:exclusive/></D:lockscope>\n<D:depth>0</D:depth>\n"
+        "<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:prop "
+        "xmlns:D=\"DAV:\">\n<D:lockdiscovery>\n<D:activelock>\n"
+        "<D:locktype><D:write/></D:locktype>\n<D:lockscope><D:exclusive/></D:lockscope>\n<D:depth>0</"
+        "D:depth>\n"
         "<D:owner><D:href>me &lt;&amp;</D:href></D:owner>\n<D:timeout>Second-600</D:timeout>\n"
         "<D:locktoken><D:href>urn:uuid:"));
     EXPECT_THAT(reply.body, HasSubstr("<D:lockroot><D:href>http://test/new one</D:href></D:lockroot>"));

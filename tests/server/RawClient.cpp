@@ -22,7 +22,8 @@ constexpr int patience = 10000;
 
 } // namespace
 
-RawClient::RawClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
+RawClient::RawClient(std::uint16_t port)
+    : m_socket(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -30,7 +31,8 @@ RawClient::RawClient(std::uint16_t port) : m_socket(socket(AF_INET, SOCK_STREAM 
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const int on = 1;
     setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    if (connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) std::perror("connect");
+    if (connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
+        std::perror("connect");
 }
 
 RawClient::~RawClient()
@@ -49,7 +51,8 @@ void RawClient::send(std::string_view bytes)
 
 void RawClient::sendByByte(std::string_view bytes)
 {
-    for (const char byte : bytes) send({&byte, 1});
+    for (const char byte : bytes)
+        send({&byte, 1});
 }
 
 bool RawClient::fill()
@@ -104,14 +107,17 @@ Reply RawClient::receive(bool withoutBody)
     }
     if (reply.status == 100) return receive(withoutBody);
     if (withoutBody) return reply;
-    if (reply.header("Transfer-Encoding") == "chunked") reply.body = takeChunks();
-    else reply.body = take(std::strtoul(reply.header("Content-Length").c_str(), nullptr, 10));
+    if (reply.header("Transfer-Encoding") == "chunked")
+        reply.body = takeChunks();
+    else
+        reply.body = take(std::strtoul(reply.header("Content-Length").c_str(), nullptr, 10));
     return reply;
 }
 
 bool RawClient::receiveEnd(std::string &bytes)
 {
-    while (fill()) {}
+    while (fill()) {
+    }
     bytes = std::move(m_input);
     char byte = 0;
     return recv(m_socket, &byte, 1, MSG_DONTWAIT) == 0;
@@ -131,8 +137,8 @@ void RawClient::abort()
     m_socket = -1;
 }
 
-std::string RawClient::authorized(const std::string &method, const std::string &uri, const std::string &fields,
-                                  const std::string &body)
+std::string RawClient::authorized(const std::string &method, const std::string &uri,
+                                  const std::string &fields, const std::string &body)
 {
     if (nonce.empty()) {
         send("GET / HTTP/1.1\r\nHost: test\r\n\r\n");
@@ -164,8 +170,8 @@ std::string digestHeader(const std::string &method, const std::string &uri, cons
     auth.nc = nc;
     auth.cnonce = "0a4f113b";
     // cnonce stands first: a reader that looks for "nonce=" anywhere takes the wrong one.
-    return "Digest username=\"Tomelet\", cnonce=\"" + auth.cnonce + "\", realm=\"" + testRealm + "\", nonce=\"" +
-           nonce + "\", uri=\"" + uri + "\", qop=auth, nc=" + nc + ", response=\"" +
+    return "Digest username=\"Tomelet\", cnonce=\"" + auth.cnonce + "\", realm=\"" + testRealm +
+           "\", nonce=\"" + nonce + "\", uri=\"" + uri + "\", qop=auth, nc=" + nc + ", response=\"" +
            http::digestResponse(auth, testRealm, password, method) + "\"";
 }
 
@@ -173,7 +179,8 @@ std::string nonceOf(const Reply &reply)
 {
     const std::string challenge = reply.header("WWW-Authenticate");
     const auto start = challenge.find("nonce=\"");
-    return start == challenge.npos ? std::string() : challenge.substr(start + 7, challenge.size() - start - 8);
+    return start == challenge.npos ? std::string()
+                                   : challenge.substr(start + 7, challenge.size() - start - 8);
 }
 
 } // namespace tomelet::test

@@ -40,8 +40,8 @@ public:
     /// Ends the connection by a reset.
     void abort();
 
-    /// Sends a request with a digest, asking for a nonce first where none is known. The fields end with CRLF each;
-    /// Content-Length is added to a body.
+    /// Sends a request with a digest, asking for a nonce first where none is known. The fields end with CRLF
+    /// each; Content-Length is added to a body.
     Reply request(const std::string &method, const std::string &uri, const std::string &fields = {},
                   const std::string &body = {});
     /// The request's bytes, ready to be sent.

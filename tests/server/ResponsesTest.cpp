@@ -18,9 +18,9 @@ class LateChunks : public HTTPDataResponse, public std::enable_shared_from_this<
 {
 public:
     LateChunks(std::string data, std::shared_ptr<HTTPResponseOwner> owner)
-        : HTTPDataResponse(std::move(data)), m_owner(owner)
-    {
-    }
+        : HTTPDataResponse(std::move(data))
+        , m_owner(owner)
+    {}
     bool isChunked() override { return true; }
     bool delayResponseHeaders() override
     {
@@ -43,15 +43,18 @@ public:
 protected:
     bool isPasswordProtected(const std::string &path) override { return path == "/basic"; }
     bool useDigestAccessAuthentication() override { return false; }
-    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method, const std::string &uri) override
+    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
+                                                        const std::string &uri) override
     {
         const std::string file = filePathForURI("/file");
         if (uri == "/basic") return std::make_shared<HTTPDataResponse>("in");
         if (uri == "/teapot") return std::make_shared<HTTPErrorResponse>(418);
         if (uri == "/redirect") return std::make_shared<HTTPRedirectResponse>("/elsewhere");
-        if (uri == "/late") return std::make_shared<LateChunks>(std::string(3 << 20, 'z'), shared_from_this());
+        if (uri == "/late")
+            return std::make_shared<LateChunks>(std::string(3 << 20, 'z'), shared_from_this());
         if (uri == "/async")
-            return HTTPAsyncFileResponse::withFilePath(file, weak_from_this(), config().fileQueue, connectionQueue());
+            return HTTPAsyncFileResponse::withFilePath(file, weak_from_this(), config().fileQueue,
+                                                       connectionQueue());
         if (uri.starts_with("/dynamic"))
             return HTTPDynamicFileResponse::withFilePath(filePathForURI(uri), weak_from_this(), "%%",
                                                          {{"NAME", "Tomelet"}, {"EMPTY", ""}});
@@ -97,7 +100,11 @@ TEST_F(ResponsesTest, chunkedBodiesOfAllSizes)
 TEST_F(ResponsesTest, keysAreReplacedWhereverTheFileIsCut)
 {
     const std::string filler(32 * 1024 - 3, 'x');
-    const struct { std::string file; std::string body; } rows[] = {
+    const struct
+    {
+        std::string file;
+        std::string body;
+    } rows[] = {
         {"", ""},
         {"Hello %%NAME%%!", "Hello Tomelet!"},
         {"%%EMPTY%%", ""},
@@ -115,7 +122,8 @@ TEST_F(ResponsesTest, keysAreReplacedWhereverTheFileIsCut)
 TEST_F(ResponsesTest, largeFilesComeWholeAndInRanges)
 {
     std::string content;
-    for (int i = 0; content.size() < (20U << 20); ++i) content += std::to_string(i) + "\n";
+    for (int i = 0; content.size() < (20U << 20); ++i)
+        content += std::to_string(i) + "\n";
     put("file", content);
     EXPECT_TRUE(ask("/async").body == content);
     EXPECT_TRUE(ask("/file").body == content);

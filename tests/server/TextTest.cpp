@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "server/Core/Text.h"
 #include "server/Core/HTTPDate.h"
 #include "server/Core/MD5.h"
-#include "server/Core/Text.h"
 
 #include <gtest/gtest.h>
 
@@ -22,27 +22,32 @@ TEST(MD5, knownDigests)
 TEST(Text, numbersAreDigitsAndNothingElse)
 {
     EXPECT_EQ(parseDecimal("9223372036854775807"), 9223372036854775807ULL);
-    for (const char *bad : {"", "+1", "-1", " 1", "1 ", "0x1", "1,1", "9223372036854775808", "99999999999999999999"})
+    for (const char *bad :
+         {"", "+1", "-1", " 1", "1 ", "0x1", "1,1", "9223372036854775808", "99999999999999999999"})
         EXPECT_EQ(parseDecimal(bad), std::nullopt) << bad;
     EXPECT_EQ(parseHexadecimal("00fF"), 255U);
-    for (const char *bad : {"", "0x1", "g", "8000000000000000"}) EXPECT_EQ(parseHexadecimal(bad), std::nullopt) << bad;
+    for (const char *bad : {"", "0x1", "g", "8000000000000000"})
+        EXPECT_EQ(parseHexadecimal(bad), std::nullopt) << bad;
 }
 
 TEST(Text, onlyWellFormedUTF8IsValid)
 {
-    for (const char *good : {"", "a", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xED\x9F\xBF", "\xF4\x8F\xBF\xBF"})
+    for (const char *good :
+         {"", "a", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80", "\xED\x9F\xBF", "\xF4\x8F\xBF\xBF"})
         EXPECT_TRUE(isValidUTF8(good)) << good;
-    for (const char *bad : {"\xC0\xAF", "\xC1\x81", "\xE0\x80\xAF", "\xF0\x80\x80\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
-                            "\xF8\x88\x80\x80\x80", "\x80", "\xC3", "\xE2\x82", "\xFF"})
+    for (const char *bad : {"\xC0\xAF", "\xC1\x81", "\xE0\x80\xAF", "\xF0\x80\x80\xAF", "\xED\xA0\x80",
+                            "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "\x80", "\xC3", "\xE2\x82", "\xFF"})
         EXPECT_FALSE(isValidUTF8(bad)) << bad;
 }
 
 TEST(Text, escapesAreInverse)
 {
-    EXPECT_EQ(percentEscaped("/a b<&>?+#%[é]'~:@=$,;!*()"), "/a%20b%3C%26%3E%3F%2B%23%25%5B%C3%A9%5D'~:@=$,;!*()");
+    EXPECT_EQ(percentEscaped("/a b<&>?+#%[é]'~:@=$,;!*()"),
+              "/a%20b%3C%26%3E%3F%2B%23%25%5B%C3%A9%5D'~:@=$,;!*()");
     const std::string odd = "/q\"\\^`{|}\x01\x7F/ü";
     EXPECT_EQ(percentDecoded(percentEscaped(odd)), odd);
-    for (const char *bad : {"%", "%4", "%zz", "a%2", "%-1"}) EXPECT_EQ(percentDecoded(bad), std::nullopt) << bad;
+    for (const char *bad : {"%", "%4", "%zz", "a%2", "%-1"})
+        EXPECT_EQ(percentDecoded(bad), std::nullopt) << bad;
     EXPECT_EQ(percentDecoded("+%00"), std::string("+\0", 2));
 }
 

@@ -5,9 +5,9 @@
 
 #include "foundation/Directories.h"
 #include "foundation/Settings.h"
+#include "server/Core/Log.h"
 #include "server/LocalAddresses.h"
 #include "server/ServerControl.h"
-#include "server/Core/Log.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -35,9 +35,12 @@ void raiseDescriptorLimit()
 QStringList addressesOf(const ServerControl &control, const QString &interface)
 {
     QStringList hosts{interface.contains(u':') ? u'[' + interface + u']' : interface};
-    if (interface.isEmpty()) hosts = QStringList{localHostName()} + localIPv4Addresses() + QStringList{QStringLiteral("localhost")};
+    if (interface.isEmpty())
+        hosts =
+            QStringList{localHostName()} + localIPv4Addresses() + QStringList{QStringLiteral("localhost")};
     QStringList addresses;
-    for (const QString &host : hosts) addresses += QStringLiteral("http://%1:%2").arg(host).arg(control.port());
+    for (const QString &host : hosts)
+        addresses += QStringLiteral("http://%1:%2").arg(host).arg(control.port());
     return addresses;
 }
 
@@ -49,7 +52,8 @@ void printAccess(const Invocation &call, const ServerControl &control, const QSt
                               {QStringLiteral("user"), serverUser},
                               {QStringLiteral("password"), control.password()}});
     } else {
-        for (const QString &address : addresses) writeLine(address);
+        for (const QString &address : addresses)
+            writeLine(address);
         writeLine(QStringLiteral("User: ") + serverUser);
         writeLine(QStringLiteral("Password: ") + control.password());
     }
@@ -71,7 +75,10 @@ int serve(const Invocation &call, Settings &settings, const ServerOverrides &ove
 {
     QString failure;
     ServerControl control(
-        settings, [&failure](const QString &title, const QString &text) { failure = title + QStringLiteral(": ") + text; },
+        settings,
+        [&failure](const QString &title, const QString &text) {
+            failure = title + QStringLiteral(": ") + text;
+        },
         overrides);
     if (control.password().isEmpty()) control.createNewPassword();
     const sigset_t endSignals = blockEndSignals();
@@ -91,18 +98,21 @@ int serve(const Invocation &call, Settings &settings, const ServerOverrides &ove
 int runServe(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Serves the notebook over HTTP and WebDAV until it is interrupted."));
-    const QCommandLineOption port(QStringLiteral("port"), QStringLiteral("The port; 0 lets the system choose."),
-                                  QStringLiteral("N"));
-    const QCommandLineOption password(QStringLiteral("password"),
-                                      QStringLiteral("The password of this run; other users of the machine can see it."),
-                                      QStringLiteral("P"));
+    parser.setApplicationDescription(
+        QStringLiteral("Serves the notebook over HTTP and WebDAV until it is interrupted."));
+    const QCommandLineOption port(QStringLiteral("port"),
+                                  QStringLiteral("The port; 0 lets the system choose."), QStringLiteral("N"));
+    const QCommandLineOption password(
+        QStringLiteral("password"),
+        QStringLiteral("The password of this run; other users of the machine can see it."),
+        QStringLiteral("P"));
     const QCommandLineOption interface(QStringLiteral("interface"),
                                        QStringLiteral("Listens on this address or network interface alone."),
                                        QStringLiteral("ADDR"));
     parser.addOptions({port, password, interface});
     if (const auto status = parse(call, parser)) return *status;
-    if (!parser.positionalArguments().isEmpty()) return wrongUsage(call, QStringLiteral("serve takes no arguments"));
+    if (!parser.positionalArguments().isEmpty())
+        return wrongUsage(call, QStringLiteral("serve takes no arguments"));
 
     ServerOverrides overrides;
     if (parser.isSet(port)) {

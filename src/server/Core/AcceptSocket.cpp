@@ -28,7 +28,8 @@ std::optional<asio::ip::address> addressOfInterfaceNamed(const std::string &name
         if (!one->ifa_addr || one->ifa_addr->sa_family != AF_INET || name != one->ifa_name) continue;
         std::array<char, INET_ADDRSTRLEN> text{};
         const auto *const address = reinterpret_cast<const sockaddr_in *>(one->ifa_addr);
-        if (inet_ntop(AF_INET, &address->sin_addr, text.data(), text.size())) found = asio::ip::make_address(text.data());
+        if (inet_ntop(AF_INET, &address->sin_addr, text.data(), text.size()))
+            found = asio::ip::make_address(text.data());
     }
     freeifaddrs(all);
     return found;
@@ -59,9 +60,11 @@ std::error_code listenOn(tcp::acceptor &acceptor, const tcp::endpoint &endpoint,
 } // namespace
 
 AcceptSocket::AcceptSocket(asio::io_context &context, asio::any_io_executor queue, DidAccept didAccept)
-    : m_context(context), m_acceptor(queue), m_pause(queue), m_didAccept(std::move(didAccept))
-{
-}
+    : m_context(context)
+    , m_acceptor(queue)
+    , m_pause(queue)
+    , m_didAccept(std::move(didAccept))
+{}
 
 bool AcceptSocket::acceptOnInterface(const std::string &interface, std::uint16_t port, SocketError &error)
 {
@@ -91,19 +94,19 @@ std::uint16_t AcceptSocket::localPort() const
 
 void AcceptSocket::acceptNext()
 {
-    m_acceptor.async_accept(asio::make_strand(m_context), [self = shared_from_this()](std::error_code error,
-                                                                                       tcp::socket socket) {
-        if (!self->m_acceptor.is_open()) return;
-        if (!error) {
-            self->m_didAccept(std::move(socket));
-            return self->acceptNext();
-        }
-        // Out of descriptors, as a rule: they come back when connections end.
-        self->m_pause.expires_after(pauseWithoutDescriptors);
-        self->m_pause.async_wait([self](std::error_code cancelled) {
-            if (!cancelled && self->m_acceptor.is_open()) self->acceptNext();
-        });
-    });
+    m_acceptor.async_accept(asio::make_strand(m_context),
+                            [self = shared_from_this()](std::error_code error, tcp::socket socket) {
+                                if (!self->m_acceptor.is_open()) return;
+                                if (!error) {
+                                    self->m_didAccept(std::move(socket));
+                                    return self->acceptNext();
+                                }
+                                // Out of descriptors, as a rule: they come back when connections end.
+                                self->m_pause.expires_after(pauseWithoutDescriptors);
+                                self->m_pause.async_wait([self](std::error_code cancelled) {
+                                    if (!cancelled && self->m_acceptor.is_open()) self->acceptNext();
+                                });
+                            });
 }
 
 void AcceptSocket::close()

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Everything runs through pump(): it answers the first read from what has arrived and sends what is queued, for as
-// long as that gets anywhere, and then waits for the socket. A callback that queues the next operation only adds to
-// the queues, so that nothing recurses, and small writes that were queued together leave together.
+// Everything runs through pump(): it answers the first read from what has arrived and sends what is queued,
+// for as long as that gets anywhere, and then waits for the socket. A callback that queues the next operation
+// only adds to the queues, so that nothing recurses, and small writes that were queued together leave
+// together.
 #include "server/Core/AsyncSocket.h"
 
 #include <asio/post.hpp>
@@ -20,8 +21,9 @@ namespace tomelet::http {
 
 namespace {
 
-constexpr std::size_t straightReadSize = 128 * 1024; ///< one read of a body; small enough for a processor's cache
-constexpr int stepsPerTurn = 64;                    ///< then the other connections of the thread have theirs
+constexpr std::size_t straightReadSize =
+    128 * 1024;                  ///< one read of a body; small enough for a processor's cache
+constexpr int stepsPerTurn = 64; ///< then the other connections of the thread have theirs
 constexpr int maxGather = 16;
 constexpr std::chrono::seconds lingerTime{2};
 
@@ -38,7 +40,8 @@ std::string textOfError(int error)
 } // namespace
 
 AsyncSocket::AsyncSocket(asio::ip::tcp::socket socket)
-    : m_socket(std::move(socket)), m_timer(m_socket.get_executor())
+    : m_socket(std::move(socket))
+    , m_timer(m_socket.get_executor())
 {
     std::error_code ignored;
     m_socket.non_blocking(true, ignored);
@@ -62,7 +65,8 @@ void AsyncSocket::readDataUpToLength(std::size_t length, Timeout timeout, int ta
     queueRead(ReadKind::UpToLength, {}, length, timeout, tag);
 }
 
-void AsyncSocket::queueRead(ReadKind kind, std::string_view delimiter, std::size_t length, Timeout timeout, int tag)
+void AsyncSocket::queueRead(ReadKind kind, std::string_view delimiter, std::size_t length, Timeout timeout,
+                            int tag)
 {
     if (m_ended) return;
     m_reads.push_back({kind, delimiter, length, tag, timeout, Clock::now() + timeout});
@@ -91,12 +95,16 @@ void AsyncSocket::pump()
     if (m_pumping || m_ended) return;
     m_pumping = true;
     int steps = stepsPerTurn;
-    while (!m_ended && steps > 0 && (serveWrites() || serveRead())) --steps;
+    while (!m_ended && steps > 0 && (serveWrites() || serveRead()))
+        --steps;
     m_pumping = false;
     if (m_ended) return;
-    if (m_endAfterWriting && m_writes.empty()) end({});
-    else if (steps == 0) schedulePump();
-    else waitForSocket();
+    if (m_endAfterWriting && m_writes.empty())
+        end({});
+    else if (steps == 0)
+        schedulePump();
+    else
+        waitForSocket();
 }
 
 // ---- Reading
@@ -121,7 +129,8 @@ bool AsyncSocket::serveFromBuffer(const ReadOperation &operation)
 bool AsyncSocket::serveToData(const ReadOperation &operation)
 {
     const auto found = m_input.view().find(operation.delimiter, m_scanned);
-    const std::size_t length = found == std::string_view::npos ? m_input.size() : found + operation.delimiter.size();
+    const std::size_t length =
+        found == std::string_view::npos ? m_input.size() : found + operation.delimiter.size();
     if (length > operation.length) {
         end("the line is too long");
         return true;
@@ -139,7 +148,8 @@ void AsyncSocket::deliver(std::size_t length, int tag)
 {
     m_reads.pop_front();
     m_scanned = 0;
-    if (const auto delegate = m_delegate.lock()) delegate->socketDidReadData(m_input.view().substr(0, length), tag);
+    if (const auto delegate = m_delegate.lock())
+        delegate->socketDidReadData(m_input.view().substr(0, length), tag);
     m_input.consume(length);
 }
 
@@ -205,7 +215,8 @@ ssize_t AsyncSocket::sendBytes()
     for (WriteOperation &operation : m_writes) {
         more = operation.data.file || used == parts.size();
         if (more) break;
-        parts[used++] = {operation.data.bytes.data() + operation.sent, operation.data.bytes.size() - operation.sent};
+        parts[used++] = {operation.data.bytes.data() + operation.sent,
+                         operation.data.bytes.size() - operation.sent};
     }
     msghdr message{};
     message.msg_iov = parts.data();
@@ -265,13 +276,14 @@ void AsyncSocket::waitForSocket()
     armTimer();
 }
 
-// A timer that is set stays set as long as it fires early enough: a busy connection then sets one now and again
-// and not for every line.
+// A timer that is set stays set as long as it fires early enough: a busy connection then sets one now and
+// again and not for every line.
 void AsyncSocket::armTimer()
 {
     auto next = Clock::time_point::max();
     if (!m_reads.empty() && m_reads.front().timeout != noTimeout) next = m_reads.front().deadline;
-    if (!m_writes.empty() && m_writes.front().timeout != noTimeout) next = std::min(next, m_writes.front().deadline);
+    if (!m_writes.empty() && m_writes.front().timeout != noTimeout)
+        next = std::min(next, m_writes.front().deadline);
     if (next >= m_timerExpiry) return;
     m_timerExpiry = next;
     m_timer.expires_at(next);
@@ -284,11 +296,14 @@ void AsyncSocket::timerFired()
 {
     if (m_ended) return;
     m_timerExpiry = Clock::time_point::max();
+    // What came while this thread was busy elsewhere has come in time.
+    m_readable = m_writable = true;
+    pump();
     const auto passed = [now = Clock::now()](const auto &operations) {
-        return !operations.empty() && operations.front().timeout != noTimeout && operations.front().deadline <= now;
+        return !operations.empty() && operations.front().timeout != noTimeout &&
+               operations.front().deadline <= now;
     };
-    if (passed(m_reads) || passed(m_writes)) end("timed out");
-    else armTimer();
+    if (!m_ended && (passed(m_reads) || passed(m_writes))) end("timed out");
 }
 
 // ---- Ending

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// One connected socket with queued, asynchronous reads and writes. Each carries a tag that comes back with its
-// result and a time-out. All work and all callbacks happen on the socket's queue, an asio strand.
+// One connected socket with queued, asynchronous reads and writes. Each carries a tag that comes back with
+// its result and a time-out. All work and all callbacks happen on the socket's queue, an asio strand.
 #pragma once
 
 #include "server/Core/BodyPiece.h"
@@ -25,8 +25,8 @@ public:
     /// The data are valid during the call.
     virtual void socketDidReadData(std::string_view data, int tag) = 0;
     virtual void socketDidWriteData(int tag) = 0;
-    /// Called once; reads and writes that were queued are dropped without a callback of their own. The reason is
-    /// empty when this side ended the connection.
+    /// Called once; reads and writes that were queued are dropped without a callback of their own. The reason
+    /// is empty when this side ended the connection.
     virtual void socketDidDisconnect(const std::string &reason) = 0;
 };
 
@@ -43,16 +43,18 @@ public:
     /// The serial queue; everything below is called on it.
     [[nodiscard]] asio::any_io_executor queue() { return m_socket.get_executor(); }
 
-    /// Reads up to and with the delimiter. More than maxLength bytes, the delimiter included, end the connection.
+    /// Reads up to and with the delimiter. More than maxLength bytes, the delimiter included, end the
+    /// connection.
     void readDataToData(std::string_view delimiter, Timeout timeout, std::size_t maxLength, int tag);
     /// Reads exactly that many bytes; meant for a few.
     void readDataToLength(std::size_t length, Timeout timeout, int tag);
-    /// Reads what arrives, one byte at least and `length` at most, so that a long body needs no buffer of its own.
+    /// Reads what arrives, one byte at least and `length` at most, so that a long body needs no buffer of its
+    /// own.
     void readDataUpToLength(std::size_t length, Timeout timeout, int tag);
     void writeData(BodyPiece data, Timeout timeout, int tag);
 
-    /// Ends the connection. The peer sees a regular end: what it still sends is read and thrown away for a moment,
-    /// because closing over unread bytes would take the last reply from it.
+    /// Ends the connection. The peer sees a regular end: what it still sends is read and thrown away for a
+    /// moment, because closing over unread bytes would take the last reply from it.
     void disconnect();
     /// Sends what is queued first.
     void disconnectAfterWriting();

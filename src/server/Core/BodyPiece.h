@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A piece of what is sent: bytes, or a stretch of an open file that goes to the socket without passing through the
-// program's memory.
+// A piece of what is sent: bytes, or a stretch of an open file that goes to the socket without passing
+// through the program's memory.
 #pragma once
 
 #include "server/Core/FileHandle.h"
@@ -19,11 +19,14 @@ struct BodyPiece
     std::size_t fileLength = 0;
 
     BodyPiece() = default;
-    BodyPiece(std::string text) : bytes(std::move(text)) {}
+    BodyPiece(std::string text)
+        : bytes(std::move(text))
+    {}
     BodyPiece(std::shared_ptr<FileHandle> handle, std::uint64_t offset, std::size_t length)
-        : file(std::move(handle)), fileOffset(offset), fileLength(length)
-    {
-    }
+        : file(std::move(handle))
+        , fileOffset(offset)
+        , fileLength(length)
+    {}
 
     [[nodiscard]] std::size_t size() const { return file ? fileLength : bytes.size(); }
 };

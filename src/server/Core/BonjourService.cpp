@@ -47,18 +47,21 @@ StringList listOf(const std::map<std::string, std::string> &txtRecord)
 
 } // namespace
 
-// Every callback comes on Avahi's thread. The client calls back from within its own making, before its pointer is
-// known here, and so each callback uses the one it is given.
+// Every callback comes on Avahi's thread. The client calls back from within its own making, before its
+// pointer is known here, and so each callback uses the one it is given.
 class BonjourService::Publication
 {
 public:
-    explicit Publication(BonjourRecord record) : m_record(std::move(record)), m_name(m_record.name)
+    explicit Publication(BonjourRecord record)
+        : m_record(std::move(record))
+        , m_name(m_record.name)
     {
         if (m_name.empty()) m_name = hostName();
         m_poll = avahi_threaded_poll_new();
         if (!m_poll) return;
         int error = 0;
-        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged, this, &error);
+        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged,
+                                    this, &error);
         if (m_client) avahi_threaded_poll_start(m_poll);
     }
     Publication(const Publication &) = delete;
@@ -81,15 +84,19 @@ private:
     static void clientChanged(AvahiClient *client, AvahiClientState state, void *self)
     {
         auto *const publication = static_cast<Publication *>(self);
-        if (state == AVAHI_CLIENT_S_RUNNING) publication->publish(client);
-        else if (state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING) publication->withdraw();
-        else if (state == AVAHI_CLIENT_FAILURE) publication->m_group = nullptr;
+        if (state == AVAHI_CLIENT_S_RUNNING)
+            publication->publish(client);
+        else if (state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING)
+            publication->withdraw();
+        else if (state == AVAHI_CLIENT_FAILURE)
+            publication->m_group = nullptr;
     }
 
     static void groupChanged(AvahiEntryGroup *group, AvahiEntryGroupState state, void *self)
     {
         auto *const publication = static_cast<Publication *>(self);
-        if (state == AVAHI_ENTRY_GROUP_ESTABLISHED) publication->setPublishedName(publication->m_name);
+        if (state == AVAHI_ENTRY_GROUP_ESTABLISHED)
+            publication->setPublishedName(publication->m_name);
         else if (state == AVAHI_ENTRY_GROUP_COLLISION) {
             publication->chooseAnotherName();
             publication->publish(avahi_entry_group_get_client(group));
@@ -107,7 +114,8 @@ private:
             error = addService();
         }
         if (error == AVAHI_OK) error = avahi_entry_group_commit(m_group);
-        if (error != AVAHI_OK) logLine(std::string("HTTPServer: Failed to publish service: ") + avahi_strerror(error));
+        if (error != AVAHI_OK)
+            logLine(std::string("HTTPServer: Failed to publish service: ") + avahi_strerror(error));
     }
 
     int addService()
@@ -115,9 +123,9 @@ private:
         const StringList txt = listOf(m_record.txtRecord);
         const std::string type = withoutFinalDot(m_record.type);
         const std::string domain = withoutFinalDot(m_record.domain);
-        return avahi_entry_group_add_service_strlst(m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, {}, m_name.c_str(),
-                                                    type.c_str(), domain.empty() ? nullptr : domain.c_str(), nullptr,
-                                                    m_record.port, txt.get());
+        return avahi_entry_group_add_service_strlst(
+            m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, {}, m_name.c_str(), type.c_str(),
+            domain.empty() ? nullptr : domain.c_str(), nullptr, m_record.port, txt.get());
     }
 
     void withdraw()
@@ -148,7 +156,9 @@ private:
     std::string m_publishedName;
 };
 
-BonjourService::BonjourService(BonjourRecord record) : m_publication(std::make_unique<Publication>(std::move(record))) {}
+BonjourService::BonjourService(BonjourRecord record)
+    : m_publication(std::make_unique<Publication>(std::move(record)))
+{}
 
 BonjourService::~BonjourService() = default;
 

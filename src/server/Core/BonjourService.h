@@ -18,8 +18,8 @@ struct BonjourRecord
     std::map<std::string, std::string> txtRecord;
 };
 
-/// Publishes from its making to its end, on a thread of Avahi's own. Without a daemon it does nothing and says
-/// nothing; a daemon that starts later gets the record then.
+/// Publishes from its making to its end, on a thread of Avahi's own. Without a daemon it does nothing and
+/// says nothing; a daemon that starts later gets the record then.
 class BonjourService
 {
 public:

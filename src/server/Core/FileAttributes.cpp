@@ -27,7 +27,8 @@ void copyExtendedAttributes(int source, int target)
     if (size <= 0) return;
     std::string names(static_cast<std::size_t>(size), '\0');
     const ssize_t read = flistxattr(source, names.data(), names.size());
-    for (ssize_t at = 0; at < read; at += static_cast<ssize_t>(std::string(&names[static_cast<std::size_t>(at)]).size()) + 1)
+    for (ssize_t at = 0; at < read;
+         at += static_cast<ssize_t>(std::string(&names[static_cast<std::size_t>(at)]).size()) + 1)
         copyExtendedAttribute(source, target, &names[static_cast<std::size_t>(at)]);
 }
 
@@ -35,17 +36,20 @@ void copyExtendedAttributes(int source, int target)
 
 void copyAttributes(int source, int target)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (fstat(source, &status) != 0) return;
     // The owner first: changing it takes the set-user bits off the mode.
-    if (fchown(target, status.st_uid, status.st_gid) != 0) (void)fchown(target, static_cast<uid_t>(-1), status.st_gid);
+    if (fchown(target, status.st_uid, status.st_gid) != 0)
+        (void)fchown(target, static_cast<uid_t>(-1), status.st_gid);
     fchmod(target, status.st_mode & 07777);
     copyExtendedAttributes(source, target);
 }
 
 void copyTimes(int source, int target)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (fstat(source, &status) != 0) return;
     const timespec times[] = {status.st_atim, status.st_mtim};
     futimens(target, times);

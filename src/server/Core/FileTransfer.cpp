@@ -64,10 +64,15 @@ bool copyTree(const fs::path &source, const fs::path &target)
 {
     std::error_code error;
     switch (fs::symlink_status(source, error).type()) {
-    case fs::file_type::regular: return copyRegularFile(source, target);
-    case fs::file_type::directory: return copyFolder(source, target);
-    case fs::file_type::symlink: fs::copy_symlink(source, target, error); return !error;
-    default: return false;
+    case fs::file_type::regular:
+        return copyRegularFile(source, target);
+    case fs::file_type::directory:
+        return copyFolder(source, target);
+    case fs::file_type::symlink:
+        fs::copy_symlink(source, target, error);
+        return !error;
+    default:
+        return false;
     }
 }
 
@@ -92,13 +97,15 @@ bool copyDirectly(const std::string &source, const std::string &target)
 
 bool itemExists(const std::string &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     return lstat(path.c_str(), &status) == 0;
 }
 
 bool isFolder(const std::string &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Drives one client from request to response, over and over, for as long as the connection stays open. Subclasses
-// answer differently by overriding the operations below; the base class serves files read-only.
+// Drives one client from request to response, over and over, for as long as the connection stays open.
+// Subclasses answer differently by overriding the operations below; the base class serves files read-only.
 //
-// The source is in four files: HTTPConnection.cpp (life, overridable operations), HTTPConnectionReading.cpp (request
-// and body), HTTPConnectionReplying.cpp (authentication and the choice of the reply), HTTPConnectionSending.cpp
-// (response headers and bodies).
+// The source is in four files: HTTPConnection.cpp (life, overridable operations), HTTPConnectionReading.cpp
+// (request and body), HTTPConnectionReplying.cpp (authentication and the choice of the reply),
+// HTTPConnectionSending.cpp (response headers and bodies).
 #pragma once
 
 #include "server/Core/AsyncSocket.h"
@@ -28,7 +28,7 @@ namespace limits {
 constexpr std::size_t headerLineLength = 8190; ///< with its CRLF; longer lines end the connection
 constexpr unsigned headerLines = 100;          ///< request line included
 constexpr std::size_t chunkLineLength = 200;
-constexpr std::size_t bodyPiece = 524288;      ///< one read of a body; also the most that is queued for sending
+constexpr std::size_t bodyPiece = 524288; ///< one read of a body; also the most that is queued for sending
 constexpr std::uint64_t chunkedBody = ~std::uint64_t{0}; ///< the body's size while it is not known
 } // namespace limits
 
@@ -59,7 +59,8 @@ protected:
     // ---- Operations that a subclass may override. All run on the connection's queue.
 
     [[nodiscard]] virtual bool supportsMethod(const std::string &method, const std::string &path);
-    [[nodiscard]] virtual bool expectsRequestBodyFromMethod(const std::string &method, const std::string &path);
+    [[nodiscard]] virtual bool expectsRequestBodyFromMethod(const std::string &method,
+                                                            const std::string &path);
     [[nodiscard]] virtual bool isPasswordProtected(const std::string &path);
     [[nodiscard]] virtual bool useDigestAccessAuthentication();
     [[nodiscard]] virtual std::string realm();
@@ -69,15 +70,15 @@ protected:
     /// The request's target just as it came.
     [[nodiscard]] virtual std::string requestURI();
     [[nodiscard]] virtual std::vector<std::string> directoryIndexFileNames();
-    /// The path that a URI names below the root, or "" where it names none. A folder is replaced by its index file
-    /// unless folders are allowed.
+    /// The path that a URI names below the root, or "" where it names none. A folder is replaced by its index
+    /// file unless folders are allowed.
     [[nodiscard]] virtual std::string filePathForURI(const std::string &uri, bool allowDirectory = false);
     /// Null is answered with 404.
     [[nodiscard]] virtual std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
                                                                               const std::string &uri);
     [[nodiscard]] virtual std::shared_ptr<WebSocket> webSocketForURI(const std::string &uri);
-    /// A body of that many bytes follows, limits::chunkedBody of them when nobody knows; only processBodyData tells
-    /// how many really come.
+    /// A body of that many bytes follows, limits::chunkedBody of them when nobody knows; only processBodyData
+    /// tells how many really come.
     virtual void prepareForBodyWithSize(std::uint64_t size);
     virtual void processBodyData(std::string_view data);
     virtual void finishBody();
@@ -97,8 +98,8 @@ protected:
 
     // ---- For subclasses
 
-    /// True when the request needs no password or has brought the right one. Judged once a request, so that it can
-    /// be asked before the body comes as well as behind it.
+    /// True when the request needs no password or has brought the right one. Judged once a request, so that
+    /// it can be asked before the body comes as well as behind it.
     [[nodiscard]] bool isAuthorized();
     [[nodiscard]] const HTTPMessage &request() const { return m_request; }
     [[nodiscard]] const HTTPConfig &config() const { return *m_config; }
@@ -168,7 +169,7 @@ private:
     std::uint64_t m_requestChunkSize = 0;
     std::uint64_t m_requestChunkSizeReceived = 0;
 
-    std::string m_nonce;      ///< the nonce that this client uses
+    std::string m_nonce;       ///< the nonce that this client uses
     std::int64_t m_lastNC = 0; ///< the last count seen with it
     std::optional<bool> m_authorized;
 
@@ -186,7 +187,14 @@ private:
 
 /// Tags of reads and writes: what a finished one leads to.
 namespace tags {
-enum Read { RequestHeader = 10, RequestBody, RequestChunkSize, RequestChunkData, RequestChunkTrailer, RequestChunkFooter };
+enum Read {
+    RequestHeader = 10,
+    RequestBody,
+    RequestChunkSize,
+    RequestChunkData,
+    RequestChunkTrailer,
+    RequestChunkFooter
+};
 enum Write {
     Continue = 20, ///< the interim status 100
     PartialResponseHeader = 21,

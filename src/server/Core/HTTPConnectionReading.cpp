@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The request, line by line and within limits that hold before anybody is asked for a password: header lines, then a
-// body of a known length or in chunks, handed on as it arrives.
+// The request, line by line and within limits that hold before anybody is asked for a password: header lines,
+// then a body of a known length or in chunks, handed on as it arrives.
 #include "server/Core/HTTPConnection.h"
 
 #include "server/Core/Text.h"
@@ -28,13 +28,20 @@ std::optional<std::uint64_t> parseChunkSize(std::string_view line)
 void HTTPConnection::socketDidReadData(std::string_view data, int tag)
 {
     switch (tag) {
-    case tags::RequestHeader: return didReadHeaderLine(data);
-    case tags::RequestBody: return didReadBody(data);
-    case tags::RequestChunkSize: return didReadChunkSize(data);
-    case tags::RequestChunkData: return didReadChunkData(data);
-    case tags::RequestChunkTrailer: return didReadChunkTrailer(data);
-    case tags::RequestChunkFooter: return didReadChunkFooter(data);
-    default: return;
+    case tags::RequestHeader:
+        return didReadHeaderLine(data);
+    case tags::RequestBody:
+        return didReadBody(data);
+    case tags::RequestChunkSize:
+        return didReadChunkSize(data);
+    case tags::RequestChunkData:
+        return didReadChunkData(data);
+    case tags::RequestChunkTrailer:
+        return didReadChunkTrailer(data);
+    case tags::RequestChunkFooter:
+        return didReadChunkFooter(data);
+    default:
+        return;
     }
 }
 
@@ -104,8 +111,10 @@ void HTTPConnection::prepareToReadBody()
     prepareForBodyWithSize(*size);
     if (*size == 0) return didReadWholeBody();
     sendContinueIfExpected();
-    if (*size == limits::chunkedBody) readChunkSize();
-    else readBody();
+    if (*size == limits::chunkedBody)
+        readChunkSize();
+    else
+        readBody();
 }
 
 // Chunked wins over a length that stands beside it (RFC 9112, 6.3).
@@ -133,16 +142,19 @@ void HTTPConnection::sendContinueIfExpected()
 void HTTPConnection::readBody()
 {
     const std::uint64_t rest = m_requestContentLength - m_requestContentLengthReceived;
-    m_asyncSocket->readDataUpToLength(static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)),
-                                      AsyncSocket::noTimeout, tags::RequestBody);
+    m_asyncSocket->readDataUpToLength(
+        static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)), AsyncSocket::noTimeout,
+        tags::RequestBody);
 }
 
 void HTTPConnection::didReadBody(std::string_view data)
 {
     m_requestContentLengthReceived += data.size();
     processBodyData(data);
-    if (m_requestContentLengthReceived < m_requestContentLength) readBody();
-    else didReadWholeBody();
+    if (m_requestContentLengthReceived < m_requestContentLength)
+        readBody();
+    else
+        didReadWholeBody();
 }
 
 void HTTPConnection::didReadWholeBody()
@@ -155,7 +167,8 @@ void HTTPConnection::didReadWholeBody()
 
 void HTTPConnection::readChunkSize()
 {
-    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::chunkLineLength, tags::RequestChunkSize);
+    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::chunkLineLength,
+                                  tags::RequestChunkSize);
 }
 
 void HTTPConnection::didReadChunkSize(std::string_view line)
@@ -167,15 +180,18 @@ void HTTPConnection::didReadChunkSize(std::string_view line)
     }
     m_requestChunkSize = *size;
     m_requestChunkSizeReceived = 0;
-    if (*size > 0) readChunkData();
-    else readChunkFooter();
+    if (*size > 0)
+        readChunkData();
+    else
+        readChunkFooter();
 }
 
 void HTTPConnection::readChunkData()
 {
     const std::uint64_t rest = m_requestChunkSize - m_requestChunkSizeReceived;
-    m_asyncSocket->readDataUpToLength(static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)),
-                                      AsyncSocket::noTimeout, tags::RequestChunkData);
+    m_asyncSocket->readDataUpToLength(
+        static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)), AsyncSocket::noTimeout,
+        tags::RequestChunkData);
 }
 
 void HTTPConnection::didReadChunkData(std::string_view data)
@@ -196,14 +212,17 @@ void HTTPConnection::didReadChunkTrailer(std::string_view data)
 
 void HTTPConnection::readChunkFooter()
 {
-    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::headerLineLength, tags::RequestChunkFooter);
+    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::headerLineLength,
+                                  tags::RequestChunkFooter);
 }
 
 void HTTPConnection::didReadChunkFooter(std::string_view line)
 {
     if (!countHeaderLine()) return;
-    if (line.size() > lineEnd.size()) readChunkFooter();
-    else didReadWholeBody();
+    if (line.size() > lineEnd.size())
+        readChunkFooter();
+    else
+        didReadWholeBody();
 }
 
 } // namespace tomelet::http

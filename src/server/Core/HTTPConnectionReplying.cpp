@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// Who may ask, and which reply it is: authentication (RFC 7616 with MD5 and qop, RFC 7617) and the error replies.
+// Who may ask, and which reply it is: authentication (RFC 7616 with MD5 and qop, RFC 7617) and the error
+// replies.
 #include "server/Core/HTTPConnection.h"
 
 #include "server/Core/HTTPAuthenticationRequest.h"
@@ -46,8 +47,10 @@ void HTTPConnection::replyToHTTPRequest()
     if (isWebSocketRequest()) return replyToWebSocketRequest(uri);
     if (!isAuthorized()) return handleAuthenticationFailed();
     m_httpResponse = httpResponseForMethod(m_request.method(), uri);
-    if (m_httpResponse) sendResponseHeadersAndBody();
-    else handleResourceNotFound();
+    if (m_httpResponse)
+        sendResponseHeadersAndBody();
+    else
+        handleResourceNotFound();
 }
 
 bool HTTPConnection::isWebSocketRequest() const
@@ -121,8 +124,8 @@ void HTTPConnection::sendError(HTTPMessage message, int tag)
 
 void HTTPConnection::handleVersionNotSupported(const std::string &version)
 {
-    logLine("HTTP Server: Error 505 - Version Not Supported: " + printable(version) + " (" + printable(requestURI()) +
-            ")");
+    logLine("HTTP Server: Error 505 - Version Not Supported: " + printable(version) + " (" +
+            printable(requestURI()) + ")");
     sendError(errorMessage(505), tags::Response);
 }
 
@@ -130,9 +133,11 @@ void HTTPConnection::handleAuthenticationFailed()
 {
     HTTPMessage message = errorMessage(401);
     if (useDigestAccessAuthentication())
-        message.setHeaderField("WWW-Authenticate", "Digest realm=\"" + realm() + "\", qop=\"auth\", nonce=\"" +
+        message.setHeaderField("WWW-Authenticate", "Digest realm=\"" + realm() +
+                                                       "\", qop=\"auth\", nonce=\"" +
                                                        recentNonces().generateNonce(m_config->now()) + "\"");
-    else message.setHeaderField("WWW-Authenticate", "Basic realm=\"" + realm() + "\"");
+    else
+        message.setHeaderField("WWW-Authenticate", "Basic realm=\"" + realm() + "\"");
     sendError(std::move(message), tags::Response);
 }
 
@@ -144,7 +149,8 @@ void HTTPConnection::handleInvalidRequest()
 
 void HTTPConnection::handleUnknownMethod(const std::string &method)
 {
-    logLine("HTTP Server: Error 405 - Method Not Allowed: " + printable(method) + " (" + printable(requestURI()) + ")");
+    logLine("HTTP Server: Error 405 - Method Not Allowed: " + printable(method) + " (" +
+            printable(requestURI()) + ")");
     sendError(closingErrorMessage(405), tags::FinalResponse);
 }
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 //
-// The response: headers, then the body whole, in chunks, as one range or as several. A piece is read when the one
-// before it has been sent, and never more than half a megabyte is queued, so that a slow client costs no memory.
+// The response: headers, then the body whole, in chunks, as one range or as several. A piece is read when the
+// one before it has been sent, and never more than half a megabyte is queued, so that a slow client costs no
+// memory.
 #include "server/Core/HTTPConnection.h"
 
 #include "server/Core/Text.h"
@@ -34,8 +35,10 @@ void HTTPConnection::responseHasAvailableData(std::shared_ptr<HTTPResponse> resp
 {
     asio::post(connectionQueue(), [self = shared_from_this(), response = std::move(response)] {
         if (self->m_httpResponse != response) return;
-        if (!self->m_sentResponseHeaders) self->sendResponseHeadersAndBody();
-        else if (self->m_sendsBody) self->continueSendingBody();
+        if (!self->m_sentResponseHeaders)
+            self->sendResponseHeadersAndBody();
+        else if (self->m_sendsBody)
+            self->continueSendingBody();
     });
 }
 
@@ -71,8 +74,10 @@ HTTPMessage HTTPConnection::responseHeader(bool chunked, std::uint64_t contentLe
     if (m_ranges.size() == 1) return uniRangeHeader(contentLength);
     if (m_ranges.size() > 1) return multiRangeHeader(contentLength);
     HTTPMessage header = HTTPMessage::responseWithStatusCode(m_httpResponse->status(), {}, "HTTP/1.1");
-    if (chunked) header.setHeaderField("Transfer-Encoding", "chunked");
-    else header.setHeaderField("Content-Length", std::to_string(contentLength));
+    if (chunked)
+        header.setHeaderField("Transfer-Encoding", "chunked");
+    else
+        header.setHeaderField("Content-Length", std::to_string(contentLength));
     return header;
 }
 
@@ -90,8 +95,8 @@ HTTPMessage HTTPConnection::multiRangeHeader(std::uint64_t contentLength)
     m_rangeHeaders.clear();
     std::uint64_t total = multiRangeEnd(m_rangeBoundary).size();
     for (const ByteRange &range : m_ranges) {
-        m_rangeHeaders.push_back("\r\n--" + m_rangeBoundary + "\r\nContent-Range: " +
-                                 contentRange(range, contentLength) + "\r\n\r\n");
+        m_rangeHeaders.push_back("\r\n--" + m_rangeBoundary +
+                                 "\r\nContent-Range: " + contentRange(range, contentLength) + "\r\n\r\n");
         total += m_rangeHeaders.back().size() + range.length;
     }
     HTTPMessage header = HTTPMessage::responseWithStatusCode(206, {}, "HTTP/1.1");
@@ -105,16 +110,21 @@ HTTPMessage HTTPConnection::multiRangeHeader(std::uint64_t contentLength)
 void HTTPConnection::startSendingBody()
 {
     m_rangeIndex = 0;
-    if (m_ranges.size() == 1) m_httpResponse->setOffset(m_ranges.front().location);
-    else if (m_ranges.size() > 1) startRangePart();
+    if (m_ranges.size() == 1)
+        m_httpResponse->setOffset(m_ranges.front().location);
+    else if (m_ranges.size() > 1)
+        startRangePart();
     continueSendingBody();
 }
 
 void HTTPConnection::continueSendingBody()
 {
-    if (m_ranges.empty()) continueSendingStandardResponseBody();
-    else if (m_ranges.size() == 1) continueSendingSingleRangeResponseBody();
-    else continueSendingMultiRangeResponseBody();
+    if (m_ranges.empty())
+        continueSendingStandardResponseBody();
+    else if (m_ranges.size() == 1)
+        continueSendingSingleRangeResponseBody();
+    else
+        continueSendingMultiRangeResponseBody();
 }
 
 std::size_t HTTPConnection::roomInWriteQueue() const
@@ -150,8 +160,11 @@ void HTTPConnection::sendChunk(BodyPiece data)
         m_asyncSocket->writeData(chunkSizeLine(data.size()), m_config->timeout, tags::ChunkedResponseHeader);
         writePiece(std::move(data), tags::ChunkedResponseBody);
     }
-    if (done) m_asyncSocket->writeData(std::string(empty ? "0\r\n\r\n" : "\r\n0\r\n\r\n"), m_config->timeout, tags::Response);
-    else m_asyncSocket->writeData(std::string("\r\n"), m_config->timeout, tags::ChunkedResponseFooter);
+    if (done)
+        m_asyncSocket->writeData(std::string(empty ? "0\r\n\r\n" : "\r\n0\r\n\r\n"), m_config->timeout,
+                                 tags::Response);
+    else
+        m_asyncSocket->writeData(std::string("\r\n"), m_config->timeout, tags::ChunkedResponseFooter);
 }
 
 std::uint64_t HTTPConnection::restOfRange(const ByteRange &range)
@@ -189,8 +202,10 @@ void HTTPConnection::continueSendingMultiRangeResponseBody()
             writePiece(std::move(data), tags::PartialRangesResponseBody);
         }
         if (restOfRange(range) > 0) continue;
-        if (++m_rangeIndex < m_ranges.size()) startRangePart();
-        else m_asyncSocket->writeData(multiRangeEnd(m_rangeBoundary), m_config->timeout, tags::Response);
+        if (++m_rangeIndex < m_ranges.size())
+            startRangePart();
+        else
+            m_asyncSocket->writeData(multiRangeEnd(m_rangeBoundary), m_config->timeout, tags::Response);
     }
 }
 
@@ -206,12 +221,18 @@ void HTTPConnection::socketDidWriteData(int tag)
     }
     switch (tag) {
     case tags::PartialResponseBody:
-    case tags::ChunkedResponseFooter: return continueSendingStandardResponseBody();
-    case tags::PartialRangeResponseBody: return continueSendingSingleRangeResponseBody();
-    case tags::PartialRangesResponseBody: return continueSendingMultiRangeResponseBody();
-    case tags::Response: return didFinishReply();
-    case tags::FinalResponse: return m_asyncSocket->disconnect();
-    default: return;
+    case tags::ChunkedResponseFooter:
+        return continueSendingStandardResponseBody();
+    case tags::PartialRangeResponseBody:
+        return continueSendingSingleRangeResponseBody();
+    case tags::PartialRangesResponseBody:
+        return continueSendingMultiRangeResponseBody();
+    case tags::Response:
+        return didFinishReply();
+    case tags::FinalResponse:
+        return m_asyncSocket->disconnect();
+    default:
+        return;
     }
 }
 

@@ -71,7 +71,8 @@ HTTPMessage HTTPMessage::responseWithStatusCode(int status, std::string descript
     HTTPMessage message;
     message.m_state = State::Complete;
     message.m_status = status;
-    message.m_description = description.empty() ? std::string(statusDescription(status)) : std::move(description);
+    message.m_description =
+        description.empty() ? std::string(statusDescription(status)) : std::move(description);
     message.m_version = std::move(version);
     return message;
 }
@@ -126,9 +127,12 @@ bool HTTPMessage::parseField(std::string_view line)
     const auto value = trimmed(line.substr(colon + 1));
     if (!isToken(name) || !isFieldValue(value)) return false;
     const std::string *const earlier = m_headers.find(name);
-    if (!earlier) m_headers.set(name, std::string(value));
-    else if (equalsIgnoringCase(name, "Content-Length")) return *earlier == value;
-    else m_headers.set(name, *earlier + ", " + std::string(value));
+    if (!earlier)
+        m_headers.set(name, std::string(value));
+    else if (equalsIgnoringCase(name, "Content-Length"))
+        return *earlier == value;
+    else
+        m_headers.set(name, *earlier + ", " + std::string(value));
     return true;
 }
 
@@ -136,21 +140,39 @@ std::string HTTPMessage::messageData() const
 {
     std::string data;
     data.reserve(512 + m_body.size());
-    if (m_status > 0) data.append(m_version).append(" ").append(std::to_string(m_status)).append(" ").append(m_description);
-    else data.append(m_method).append(" ").append(m_url).append(" ").append(m_version);
+    if (m_status > 0)
+        data.append(m_version).append(" ").append(std::to_string(m_status)).append(" ").append(m_description);
+    else
+        data.append(m_method).append(" ").append(m_url).append(" ").append(m_version);
     data.append(lineEnd);
-    for (const auto &[name, value] : m_headers) data.append(name).append(": ").append(value).append(lineEnd);
+    for (const auto &[name, value] : m_headers)
+        data.append(name).append(": ").append(value).append(lineEnd);
     data.append(lineEnd).append(m_body);
     return data;
 }
 
 std::string_view statusDescription(int status)
 {
-    static constexpr struct { int status; std::string_view text; } table[] = {
-        {200, "OK"}, {201, "Created"}, {204, "No Content"}, {206, "Partial Content"}, {207, "Multi-Status"},
-        {302, "Found"}, {400, "Bad Request"}, {401, "Unauthorized"}, {403, "Forbidden"}, {404, "Not Found"},
-        {405, "Method Not Allowed"}, {409, "Conflict"}, {412, "Precondition Failed"},
-        {500, "Internal Server Error"}, {505, "HTTP Version Not Supported"},
+    static constexpr struct
+    {
+        int status;
+        std::string_view text;
+    } table[] = {
+        {200, "OK"},
+        {201, "Created"},
+        {204, "No Content"},
+        {206, "Partial Content"},
+        {207, "Multi-Status"},
+        {302, "Found"},
+        {400, "Bad Request"},
+        {401, "Unauthorized"},
+        {403, "Forbidden"},
+        {404, "Not Found"},
+        {405, "Method Not Allowed"},
+        {409, "Conflict"},
+        {412, "Precondition Failed"},
+        {500, "Internal Server Error"},
+        {505, "HTTP Version Not Supported"},
     };
     for (const auto &row : table)
         if (row.status == status) return row.text;

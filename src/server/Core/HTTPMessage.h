@@ -19,10 +19,10 @@ public:
     /// An empty description stands for the status's usual one.
     static HTTPMessage responseWithStatusCode(int status, std::string description, std::string version);
 
-    /// Takes further bytes of a request, in pieces of any size. False for a malformed message: a request line of
-    /// other than three parts, a version that is no "HTTP/n.n", a name that is no token or has white space before its
-    /// colon, a folded line, a control character, a lone CR or LF, two Content-Length fields that differ. Empty lines
-    /// before the request line are skipped. A field that repeats is joined by ", ".
+    /// Takes further bytes of a request, in pieces of any size. False for a malformed message: a request line
+    /// of other than three parts, a version that is no "HTTP/n.n", a name that is no token or has white space
+    /// before its colon, a folded line, a control character, a lone CR or LF, two Content-Length fields that
+    /// differ. Empty lines before the request line are skipped. A field that repeats is joined by ", ".
     [[nodiscard]] bool appendData(std::string_view data);
     [[nodiscard]] bool isHeaderComplete() const { return m_state == State::Complete; }
 

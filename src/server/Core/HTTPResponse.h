@@ -10,7 +10,8 @@
 
 namespace tomelet::http {
 
-/// Used on the connection's queue. A response that works elsewhere reports back through its HTTPResponseOwner.
+/// Used on the connection's queue. A response that works elsewhere reports back through its
+/// HTTPResponseOwner.
 class HTTPResponse
 {
 public:
@@ -20,8 +21,8 @@ public:
     virtual std::uint64_t contentLength() = 0;
     virtual std::uint64_t offset() = 0;
     virtual void setOffset(std::uint64_t offset) = 0;
-    /// The next bytes, `length` at most; none when they are not there yet (then the response calls back) or when
-    /// reading failed (then it has called responseDidAbort).
+    /// The next bytes, `length` at most; none when they are not there yet (then the response calls back) or
+    /// when reading failed (then it has called responseDidAbort).
     virtual BodyPiece readDataOfLength(std::size_t length) = 0;
     /// True when everything up to the end has been read.
     virtual bool isDone() = 0;

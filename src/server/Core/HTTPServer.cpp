@@ -23,10 +23,10 @@ namespace tomelet::http {
 
 namespace {
 
-// Two at least: one client's long copy must not hold up all the others.
+// More than one in any case: one client's long copy must not hold up all the others.
 unsigned numberOfThreads()
 {
-    return std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
+    return std::clamp(std::thread::hardware_concurrency(), 3U, 4U);
 }
 
 constexpr std::chrono::seconds longestFarewell{5};
@@ -40,8 +40,8 @@ std::string resolvedRoot(const std::string &path)
 
 } // namespace
 
-// What exists between start and stop: threads, sockets, connections. The serial queues are strands: one for the
-// server's own work, and one for each connection.
+// What exists between start and stop: threads, sockets, connections. The serial queues are strands: one for
+// the server's own work, and one for each connection.
 class HTTPServer::Running
 {
 public:
@@ -58,7 +58,10 @@ public:
 
     [[nodiscard]] bool isListening() const { return m_listening; }
     [[nodiscard]] std::uint16_t port() const { return m_port; }
-    [[nodiscard]] std::string publishedName() const { return m_bonjour ? m_bonjour->publishedName() : std::string(); }
+    [[nodiscard]] std::string publishedName() const
+    {
+        return m_bonjour ? m_bonjour->publishedName() : std::string();
+    }
     [[nodiscard]] std::size_t numberOfConnections();
     [[nodiscard]] std::size_t numberOfWebSockets();
 
@@ -90,9 +93,14 @@ private:
 };
 
 HTTPServer::Running::Running(const Settings &settings, std::string username, std::string password)
-    : m_work(asio::make_work_guard(m_context)), m_serverQueue(asio::make_strand(m_context)),
-      m_interface(settings.interface), m_wantedPort(settings.port), m_connectionClass(settings.connectionClass),
-      m_config(std::make_shared<HTTPConfig>()), m_username(std::move(username)), m_password(std::move(password))
+    : m_work(asio::make_work_guard(m_context))
+    , m_serverQueue(asio::make_strand(m_context))
+    , m_interface(settings.interface)
+    , m_wantedPort(settings.port)
+    , m_connectionClass(settings.connectionClass)
+    , m_config(std::make_shared<HTTPConfig>())
+    , m_username(std::move(username))
+    , m_password(std::move(password))
 {
     m_config->documentRoot = resolvedRoot(settings.documentRoot);
     m_config->fileQueue = m_fileReaders.get_executor();
@@ -103,13 +111,12 @@ HTTPServer::Running::Running(const Settings &settings, std::string username, std
         const std::lock_guard lock(m_mutex);
         m_webSockets.push_back(std::move(webSocket));
     };
-    m_asyncSocket = std::make_shared<AcceptSocket>(m_context, m_serverQueue, [this](asio::ip::tcp::socket socket) {
-        didAccept(std::move(socket));
-    });
+    m_asyncSocket = std::make_shared<AcceptSocket>(
+        m_context, m_serverQueue, [this](asio::ip::tcp::socket socket) { didAccept(std::move(socket)); });
 }
 
-// Connections are told to close and get a moment for it, then the threads end. What still hangs on the context goes
-// with it.
+// Connections are told to close and get a moment for it, then the threads end. What still hangs on the
+// context goes with it.
 HTTPServer::Running::~Running()
 {
     m_bonjour.reset();
@@ -117,7 +124,8 @@ HTTPServer::Running::~Running()
     closeConnections();
     m_work.reset();
     m_context.stop();
-    for (std::thread &thread : m_threads) thread.join();
+    for (std::thread &thread : m_threads)
+        thread.join();
     m_fileReaders.join();
 }
 
@@ -127,7 +135,8 @@ bool HTTPServer::Running::listen(SocketError &error)
     if (!m_asyncSocket->acceptOnInterface(m_interface, m_wantedPort, error)) return false;
     m_port = m_asyncSocket->localPort();
     m_listening = true;
-    for (unsigned i = 0; i < numberOfThreads(); ++i) m_threads.emplace_back([this] { m_context.run(); });
+    for (unsigned i = 0; i < numberOfThreads(); ++i)
+        m_threads.emplace_back([this] { m_context.run(); });
     return true;
 }
 
@@ -146,7 +155,8 @@ void HTTPServer::Running::stopListening()
 void HTTPServer::Running::closeConnections()
 {
     std::unique_lock lock(m_mutex);
-    for (const auto &connection : m_connections) connection->stop();
+    for (const auto &connection : m_connections)
+        connection->stop();
     m_connectionEnded.wait_for(lock, longestFarewell, [this] { return m_connections.empty(); });
 }
 

@@ -13,13 +13,13 @@
 
 namespace tomelet::http {
 
-/// Settings are made before start(), the account excepted; all operations may be called from any thread that is none
-/// of the server's own.
+/// Settings are made before start(), the account excepted; all operations may be called from any thread that
+/// is none of the server's own.
 class HTTPServer
 {
 public:
-    using ConnectionClass = std::function<std::shared_ptr<HTTPConnection>(std::shared_ptr<AsyncSocket> socket,
-                                                                          std::shared_ptr<const HTTPConfig> config)>;
+    using ConnectionClass = std::function<std::shared_ptr<HTTPConnection>(
+        std::shared_ptr<AsyncSocket> socket, std::shared_ptr<const HTTPConfig> config)>;
     using TXTRecord = std::map<std::string, std::string>;
 
     HTTPServer();

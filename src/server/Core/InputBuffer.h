@@ -15,7 +15,8 @@ public:
     [[nodiscard]] std::string_view view() const { return {m_bytes.get() + m_begin, m_end - m_begin}; }
     [[nodiscard]] std::size_t size() const { return m_end - m_begin; }
 
-    /// Room for at least one more byte; its size goes to `room`. Bytes that are written there count after added().
+    /// Room for at least one more byte; its size goes to `room`. Bytes that are written there count after
+    /// added().
     [[nodiscard]] char *space(std::size_t &room)
     {
         if (m_begin > 0 && m_end == m_capacity) moveToFront();

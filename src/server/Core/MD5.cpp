@@ -30,10 +30,14 @@ constexpr int shifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, 
 template <int Round>
 std::uint32_t mixed(std::uint32_t b, std::uint32_t c, std::uint32_t d)
 {
-    if constexpr (Round == 0) return (b & c) | (~b & d);
-    else if constexpr (Round == 1) return (b & d) | (c & ~d);
-    else if constexpr (Round == 2) return b ^ c ^ d;
-    else return c ^ (b | ~d);
+    if constexpr (Round == 0)
+        return (b & c) | (~b & d);
+    else if constexpr (Round == 1)
+        return (b & d) | (c & ~d);
+    else if constexpr (Round == 2)
+        return b ^ c ^ d;
+    else
+        return c ^ (b | ~d);
 }
 
 template <int Round>
@@ -49,7 +53,8 @@ void addRound(State &state, const std::uint32_t (&words)[16])
 {
     auto [a, b, c, d] = state;
     for (int i = 0; i < 16; ++i) {
-        const std::uint32_t sum = a + mixed<Round>(b, c, d) + sines[16 * Round + i] + words[wordIndex<Round>(i)];
+        const std::uint32_t sum =
+            a + mixed<Round>(b, c, d) + sines[16 * Round + i] + words[wordIndex<Round>(i)];
         a = d;
         d = c;
         c = b;
@@ -62,7 +67,8 @@ void addBlock(State &state, const unsigned char *block)
 {
     std::uint32_t words[16];
     for (int i = 0; i < 16; ++i)
-        words[i] = static_cast<std::uint32_t>(block[4 * i]) | static_cast<std::uint32_t>(block[4 * i + 1]) << 8 |
+        words[i] = static_cast<std::uint32_t>(block[4 * i]) |
+                   static_cast<std::uint32_t>(block[4 * i + 1]) << 8 |
                    static_cast<std::uint32_t>(block[4 * i + 2]) << 16 |
                    static_cast<std::uint32_t>(block[4 * i + 3]) << 24;
     State mixedState = state;
@@ -70,7 +76,8 @@ void addBlock(State &state, const unsigned char *block)
     addRound<1>(mixedState, words);
     addRound<2>(mixedState, words);
     addRound<3>(mixedState, words);
-    for (std::size_t i = 0; i < state.size(); ++i) state[i] += mixedState[i];
+    for (std::size_t i = 0; i < state.size(); ++i)
+        state[i] += mixedState[i];
 }
 
 std::string hexOfState(const State &state)
@@ -93,15 +100,18 @@ std::string md5Hex(std::string_view bytes)
     const std::uint64_t bitCount = static_cast<std::uint64_t>(bytes.size()) * 8;
     const auto *data = reinterpret_cast<const unsigned char *>(bytes.data());
     std::size_t rest = bytes.size();
-    for (; rest >= blockSize; rest -= blockSize, data += blockSize) addBlock(state, data);
+    for (; rest >= blockSize; rest -= blockSize, data += blockSize)
+        addBlock(state, data);
 
     // The end: what is left, a one bit, zeros, and the length in bits in the last eight bytes of a block.
     unsigned char tail[2 * blockSize] = {};
     if (rest > 0) std::memcpy(tail, data, rest);
     tail[rest] = 0x80;
     const std::size_t size = rest + 9 > blockSize ? 2 * blockSize : blockSize;
-    for (std::size_t i = 0; i < 8; ++i) tail[size - 8 + i] = static_cast<unsigned char>(bitCount >> (8 * i));
-    for (std::size_t at = 0; at < size; at += blockSize) addBlock(state, tail + at);
+    for (std::size_t i = 0; i < 8; ++i)
+        tail[size - 8 + i] = static_cast<unsigned char>(bitCount >> (8 * i));
+    for (std::size_t at = 0; at < size; at += blockSize)
+        addBlock(state, tail + at);
     return hexOfState(state);
 }
 

@@ -31,7 +31,8 @@ void NonceList::forgetOldest()
 
 void NonceList::forgetExpired(Time now)
 {
-    while (!m_order.empty() && m_order.front().expiry <= now) forgetOldest();
+    while (!m_order.empty() && m_order.front().expiry <= now)
+        forgetOldest();
 }
 
 NonceList &recentNonces()

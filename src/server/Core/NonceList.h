@@ -10,16 +10,16 @@
 
 namespace tomelet::http {
 
-/// A nonce is known for 300 seconds from its making. The time is given by the caller and never runs backwards.
-/// May be used from several threads.
+/// A nonce is known for 300 seconds from its making. The time is given by the caller and never runs
+/// backwards. May be used from several threads.
 class NonceList
 {
 public:
     using Time = std::chrono::steady_clock::time_point;
 
     static constexpr std::chrono::seconds life{300};
-    /// Requests without a password each cost a nonce; past this number the oldest goes, so that a flood of them
-    /// cannot fill the memory. Clients whose nonce went are asked once more.
+    /// Requests without a password each cost a nonce; past this number the oldest goes, so that a flood of
+    /// them cannot fill the memory. Clients whose nonce went are asked once more.
     static constexpr std::size_t capacity = 65536;
 
     /// Makes a nonce and remembers it.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// From the target of a request to a path below the root folder: the one place that limits what can be reached.
+// From the target of a request to a path below the root folder: the one place that limits what can be
+// reached.
 #pragma once
 
 #include <string>
@@ -16,10 +17,11 @@ struct RequestPath
     PathFault fault = PathFault::None;
 };
 
-/// Maps a request target ("/a%20b?x", "http://host/a", "*") to a path below the root, an absolute path without a "/"
-/// at its end ("/" itself excepted). Query and fragment are cut off, escapes decoded once, "." and ".." resolved
-/// afterwards and by the text alone, doubled slashes joined. A path that leaves the root at any point, even to come
-/// back, is outside. Malformed: bad escapes, a NUL byte, bytes that are no UTF-8. Symbolic links are not looked at.
+/// Maps a request target ("/a%20b?x", "http://host/a", "*") to a path below the root, an absolute path
+/// without a "/" at its end ("/" itself excepted). Query and fragment are cut off, escapes decoded once, "."
+/// and ".." resolved afterwards and by the text alone, doubled slashes joined. A path that leaves the root at
+/// any point, even to come back, is outside. Malformed: bad escapes, a NUL byte, bytes that are no UTF-8.
+/// Symbolic links are not looked at.
 [[nodiscard]] RequestPath pathForTarget(std::string_view target, std::string_view root);
 
 /// As pathForTarget, of a path that is still escaped but has neither host nor query.

@@ -43,7 +43,8 @@ std::string parentOf(const std::string &path)
 TemporaryItem::TemporaryItem(Kind kind, const std::string &folder)
     : m_path(folder + "/" + std::string(namePrefix) + makeUUID())
 {
-    if (kind == Kind::File) m_handle = FileHandle(open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (kind == Kind::File)
+        m_handle = FileHandle(open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     else if (mkdir(m_path.c_str(), 0777) == 0)
         m_handle = FileHandle(open(m_path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     m_valid = m_handle.isOpen();
@@ -59,8 +60,10 @@ void TemporaryItem::append(std::string_view data)
 {
     while (m_valid && !data.empty()) {
         const ssize_t count = ::write(m_handle.descriptor(), data.data(), data.size());
-        if (count > 0) data.remove_prefix(static_cast<std::size_t>(count));
-        else m_valid = count < 0 && errno == EINTR;
+        if (count > 0)
+            data.remove_prefix(static_cast<std::size_t>(count));
+        else
+            m_valid = count < 0 && errno == EINTR;
     }
 }
 
@@ -69,7 +72,8 @@ bool TemporaryItem::moveIntoPlace(const std::string &target)
     if (!m_valid) return false;
     const std::string place = resolvedPath(target);
     const FileHandle old(open(place.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status{};
+    struct stat status
+    {};
     if (stat(place.c_str(), &status) == 0) {
         if (!S_ISREG(status.st_mode)) return false;
         if (old.isOpen()) copyAttributes(old.descriptor(), m_handle.descriptor());
@@ -87,7 +91,8 @@ bool TemporaryItem::renameTo(const std::string &target)
     return errno == EXDEV && copyBeside(target);
 }
 
-// A folder behind a symbolic link may lie on another file system: there the last step begins beside the target.
+// A folder behind a symbolic link may lie on another file system: there the last step begins beside the
+// target.
 bool TemporaryItem::copyBeside(const std::string &target)
 {
     TemporaryItem beside(Kind::File, parentOf(target));

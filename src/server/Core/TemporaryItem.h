@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Files and folders that are not finished yet. They lie in the root folder itself, so that the final rename stays
-// within one file system, under names that no listing shows and no request reaches.
+// Files and folders that are not finished yet. They lie in the root folder itself, so that the final rename
+// stays within one file system, under names that no listing shows and no request reaches.
 #pragma once
 
 #include "server/Core/FileHandle.h"
@@ -11,8 +11,8 @@
 
 namespace tomelet::http {
 
-/// A file or folder that vanishes with the object unless it was moved into place. It is locked for as long as it is
-/// in use, so that another server's clean-up leaves it alone.
+/// A file or folder that vanishes with the object unless it was moved into place. It is locked for as long as
+/// it is in use, so that another server's clean-up leaves it alone.
 class TemporaryItem
 {
 public:
@@ -29,9 +29,10 @@ public:
     [[nodiscard]] const std::string &path() const { return m_path; }
     /// Adds bytes to a file.
     void append(std::string_view data);
-    /// Puts a file at the target, replacing a regular file there in one step. The old file's mode, owner and extended
-    /// attributes are kept, and the new bytes are on the disk before the old ones are given up. A target that is a
-    /// symbolic link to a file stays one: the file behind it is replaced. False changes nothing.
+    /// Puts a file at the target, replacing a regular file there in one step. The old file's mode, owner and
+    /// extended attributes are kept, and the new bytes are on the disk before the old ones are given up. A
+    /// target that is a symbolic link to a file stays one: the file behind it is replaced. False changes
+    /// nothing.
     [[nodiscard]] bool moveIntoPlace(const std::string &target);
 
 private:
@@ -44,7 +45,8 @@ private:
 };
 
 /// Writes the bytes to the target as TemporaryItem::moveIntoPlace does, by way of a file in the folder.
-[[nodiscard]] bool writeFileAtomically(const std::string &folder, const std::string &target, std::string_view bytes);
+[[nodiscard]] bool writeFileAtomically(const std::string &folder, const std::string &target,
+                                       std::string_view bytes);
 
 /// True for the name of a temporary item, of whichever server.
 [[nodiscard]] bool isTemporaryName(std::string_view name);

@@ -28,7 +28,8 @@ std::optional<std::uint64_t> parseNumber(std::string_view text, int base)
     for (const char c : text) {
         const int digit = digitValue(c);
         if (digit >= base) return std::nullopt;
-        if (value > (limit - static_cast<std::uint64_t>(digit)) / static_cast<std::uint64_t>(base)) return std::nullopt;
+        if (value > (limit - static_cast<std::uint64_t>(digit)) / static_cast<std::uint64_t>(base))
+            return std::nullopt;
         value = value * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(digit);
     }
     return value;
@@ -138,19 +139,26 @@ std::string escapedForXML(std::string_view text)
     std::string escaped;
     escaped.reserve(text.size());
     for (const char c : text) {
-        if (c == '&') escaped += "&amp;";
-        else if (c == '<') escaped += "&lt;";
-        else if (c == '>') escaped += "&gt;";
-        else if (c == '"') escaped += "&quot;";
-        else if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n') escaped += '?';
-        else escaped += c;
+        if (c == '&')
+            escaped += "&amp;";
+        else if (c == '<')
+            escaped += "&lt;";
+        else if (c == '>')
+            escaped += "&gt;";
+        else if (c == '"')
+            escaped += "&quot;";
+        else if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n')
+            escaped += '?';
+        else
+            escaped += c;
     }
     return escaped;
 }
 
 std::optional<std::string> base64Decoded(std::string_view text)
 {
-    while (!text.empty() && text.back() == '=') text.remove_suffix(1);
+    while (!text.empty() && text.back() == '=')
+        text.remove_suffix(1);
     std::string decoded;
     unsigned bits = 0;
     int count = 0;
@@ -178,7 +186,8 @@ bool equalsInConstantTime(std::string_view a, std::string_view b)
 std::string printable(std::string_view text)
 {
     std::string shown(text.substr(0, 500));
-    std::replace_if(shown.begin(), shown.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
+    std::replace_if(
+        shown.begin(), shown.end(), [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
     return shown;
 }
 

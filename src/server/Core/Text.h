@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Small readings of protocol text. All of them work on bytes; "case" means ASCII case, as HTTP has it (RFC 9110, 5.1).
+// Small readings of protocol text. All of them work on bytes; "case" means ASCII case, as HTTP has it (RFC
+// 9110, 5.1).
 #pragma once
 
 #include <cstdint>
@@ -12,7 +13,8 @@ namespace tomelet::http {
 [[nodiscard]] bool equalsIgnoringCase(std::string_view a, std::string_view b);
 /// Takes blanks and tabs off both ends; the result points into the argument.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
-/// A number of nothing but decimal digits, at most 2^63 - 1; anything else, an empty text included, gives nothing.
+/// A number of nothing but decimal digits, at most 2^63 - 1; anything else, an empty text included, gives
+/// nothing.
 [[nodiscard]] std::optional<std::uint64_t> parseDecimal(std::string_view text);
 /// As parseDecimal, of hexadecimal digits in either case.
 [[nodiscard]] std::optional<std::uint64_t> parseHexadecimal(std::string_view text);
@@ -28,7 +30,8 @@ namespace tomelet::http {
 [[nodiscard]] std::optional<std::string> base64Decoded(std::string_view text);
 /// Compares in a time that depends on the lengths alone, so that a secret cannot be guessed byte by byte.
 [[nodiscard]] bool equalsInConstantTime(std::string_view a, std::string_view b);
-/// The text with control characters shown as "?", cut to 500 bytes: what a client sent goes into a log line so.
+/// The text with control characters shown as "?", cut to 500 bytes: what a client sent goes into a log line
+/// so.
 [[nodiscard]] std::string printable(std::string_view text);
 
 } // namespace tomelet::http

@@ -13,8 +13,9 @@ namespace tomelet::http {
 /// A small WebDAV server (RFC 4918, class 1) over the root folder. Every file is served as it is, hidden ones
 /// included; only what is still being uploaded is not there yet.
 ///
-/// Departs from the RFC where clients of the notebook rely on it: MKCOL answers 200; COPY, MOVE and PROPFIND answer
-/// 404 for what they refuse (an existing target, a depth other than told); locks are given and not kept.
+/// Departs from the RFC where clients of the notebook rely on it: MKCOL answers 200; COPY, MOVE and PROPFIND
+/// answer 404 for what they refuse (an existing target, a depth other than told); locks are given and not
+/// kept.
 class DAVConnection : public HTTPConnection
 {
 public:
@@ -30,7 +31,8 @@ protected:
     void processBodyData(std::string_view data) override;
     void finishResponse() override;
     std::string filePathForURI(const std::string &uri, bool allowDirectory = false) override;
-    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method, const std::string &uri) override;
+    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
+                                                        const std::string &uri) override;
 
 private:
     std::shared_ptr<HTTPResponse> responseToGET(const std::string &uri);

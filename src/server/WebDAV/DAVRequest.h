@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What the WebDAV methods are given and what they give back: one function per method, without a connection around it.
+// What the WebDAV methods are given and what they give back: one function per method, without a connection
+// around it.
 #pragma once
 
 #include "server/Core/HTTPHeaders.h"
@@ -15,7 +16,7 @@ struct DAVRequest
     std::string bodyData;     ///< empty when there is none
     std::string resourcePath; ///< relative to the root, decoded, without a "/" at either end; "" is the root
     std::string rootPath;
-    std::string path;         ///< both joined
+    std::string path; ///< both joined
 };
 
 struct DAVReply

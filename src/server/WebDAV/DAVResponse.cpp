@@ -26,8 +26,10 @@ OptionalDAVReply replyToMKCOL(const DAVRequest &request)
 {
     DAVReply reply;
     const auto parent = std::filesystem::path(request.path).parent_path().string();
-    if (!request.resourcePath.empty() && !isFolder(parent)) reply.status = 409;
-    else if (mkdir(request.path.c_str(), 0777) != 0) reply.status = 405;
+    if (!request.resourcePath.empty() && !isFolder(parent))
+        reply.status = 409;
+    else if (mkdir(request.path.c_str(), 0777) != 0)
+        reply.status = 405;
     if (reply.status != 200) logLine("Failed creating folder \"" + printable(request.path) + "\"");
     return reply;
 }
@@ -44,9 +46,14 @@ using Handler = OptionalDAVReply (*)(const DAVRequest &);
 
 Handler handlerOfMethod(const std::string &method)
 {
-    static constexpr struct { const char *method; Handler handler; } table[] = {
-        {"OPTIONS", replyToOPTIONS}, {"PROPFIND", replyToPROPFIND}, {"MKCOL", replyToMKCOL}, {"MOVE", replyToMOVE},
-        {"COPY", replyToCOPY},       {"LOCK", replyToLOCK},         {"UNLOCK", replyToUNLOCK},
+    static constexpr struct
+    {
+        const char *method;
+        Handler handler;
+    } table[] = {
+        {"OPTIONS", replyToOPTIONS}, {"PROPFIND", replyToPROPFIND}, {"MKCOL", replyToMKCOL},
+        {"MOVE", replyToMOVE},       {"COPY", replyToCOPY},         {"LOCK", replyToLOCK},
+        {"UNLOCK", replyToUNLOCK},
     };
     for (const auto &row : table)
         if (method == row.method) return row.handler;
@@ -56,7 +63,8 @@ Handler handlerOfMethod(const std::string &method)
 } // namespace
 
 std::shared_ptr<DAVResponse> DAVResponse::withMethod(const std::string &method, const HTTPHeaders &headers,
-                                                     const std::string &bodyData, const std::string &resourcePath,
+                                                     const std::string &bodyData,
+                                                     const std::string &resourcePath,
                                                      const std::string &rootPath)
 {
     const Handler handler = handlerOfMethod(method);

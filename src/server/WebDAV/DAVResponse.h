@@ -13,16 +13,18 @@ namespace tomelet::http {
 class DAVResponse : public HTTPDataResponse
 {
 public:
-    /// Null, which is answered with 404, for an unknown method, a resource outside the root and whatever the method
-    /// itself answers so. The body is empty when the request has none.
+    /// Null, which is answered with 404, for an unknown method, a resource outside the root and whatever the
+    /// method itself answers so. The body is empty when the request has none.
     static std::shared_ptr<DAVResponse> withMethod(const std::string &method, const HTTPHeaders &headers,
-                                                   const std::string &bodyData, const std::string &resourcePath,
+                                                   const std::string &bodyData,
+                                                   const std::string &resourcePath,
                                                    const std::string &rootPath);
 
     explicit DAVResponse(DAVReply reply)
-        : HTTPDataResponse(std::move(reply.data)), m_status(reply.status), m_headers(std::move(reply.headers))
-    {
-    }
+        : HTTPDataResponse(std::move(reply.data))
+        , m_status(reply.status)
+        , m_headers(std::move(reply.headers))
+    {}
 
     int status() override { return m_status; }
     HTTPHeaders httpHeaders() override { return m_headers; }

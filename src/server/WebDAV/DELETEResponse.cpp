@@ -30,7 +30,6 @@ int statusOfRemoving(const std::string &path, const std::string &rootPath)
 
 DELETEResponse::DELETEResponse(const std::string &filePath, const std::string &rootPath)
     : HTTPErrorResponse(statusOfRemoving(filePath, rootPath))
-{
-}
+{}
 
 } // namespace tomelet::http

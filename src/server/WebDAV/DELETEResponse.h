@@ -7,8 +7,8 @@
 
 namespace tomelet::http {
 
-/// Removes a file, or a folder with all that is in it; a symbolic link goes without what it names. 200 when that
-/// worked, 404 when it failed: a missing item cannot be removed, and the root never is.
+/// Removes a file, or a folder with all that is in it; a symbolic link goes without what it names. 200 when
+/// that worked, 404 when it failed: a missing item cannot be removed, and the root never is.
 class DELETEResponse : public HTTPErrorResponse
 {
 public:

@@ -25,12 +25,10 @@ PUTResponse::PUTResponse(const std::string &filePath, const HTTPHeaders &headers
                          const std::string &scratchFolder)
     : HTTPErrorResponse(statusOfStoring(
           filePath, headers, [&] { return writeFileAtomically(scratchFolder, filePath, bodyData); }))
-{
-}
+{}
 
 PUTResponse::PUTResponse(const std::string &filePath, const HTTPHeaders &headers, TemporaryItem &bodyFile)
     : HTTPErrorResponse(statusOfStoring(filePath, headers, [&] { return bodyFile.moveIntoPlace(filePath); }))
-{
-}
+{}
 
 } // namespace tomelet::http

@@ -8,8 +8,8 @@
 
 namespace tomelet::http {
 
-/// Stores the body of a PUT and answers without one of its own: 201 for a new file, 200 for a replaced one, 403 when
-/// that failed, 400 for a part of a file (Content-Range). The folder above is never made.
+/// Stores the body of a PUT and answers without one of its own: 201 for a new file, 200 for a replaced one,
+/// 403 when that failed, 400 for a part of a file (Content-Range). The folder above is never made.
 class PUTResponse : public HTTPErrorResponse
 {
 public:

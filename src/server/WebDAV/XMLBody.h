@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The XML that clients send (RFC 4918, 14). Names are matched without their namespace, broken documents are read as
-// far as they go, nothing is fetched and no entity is expanded.
+// The XML that clients send (RFC 4918, 14). Names are matched without their namespace, broken documents are
+// read as far as they go, nothing is fetched and no entity is expanded.
 #pragma once
 
 #include <optional>
@@ -18,7 +18,8 @@ enum DAVProperty : unsigned {
     AllProperties = 15
 };
 
-/// The properties that a body selects by a `prop` in its `propfind`; all of them when it selects none that is known.
+/// The properties that a body selects by a `prop` in its `propfind`; all of them when it selects none that is
+/// known.
 [[nodiscard]] unsigned selectedProperties(std::string_view body);
 
 struct LockInfo

@@ -6,7 +6,8 @@
 
 namespace tomelet::http {
 
-/// The media type for the path's extension in any case; "" for an unknown one, which a client then finds out itself.
+/// The media type for the path's extension in any case; "" for an unknown one, which a client then finds out
+/// itself.
 [[nodiscard]] std::string_view mimeTypeForPath(std::string_view path);
 
 } // namespace tomelet::http

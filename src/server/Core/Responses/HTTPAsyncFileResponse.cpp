@@ -12,14 +12,13 @@ namespace tomelet::http {
 namespace {
 
 constexpr std::uint64_t fetchWindow = 8 * 1024 * 1024; ///< asked for at once
-constexpr std::uint64_t lowMark = fetchWindow / 2;     ///< below this much at hand the next window is asked for
+constexpr std::uint64_t lowMark = fetchWindow / 2; ///< below this much at hand the next window is asked for
 
 } // namespace
 
-std::shared_ptr<HTTPAsyncFileResponse> HTTPAsyncFileResponse::withFilePath(const std::string &path,
-                                                                           std::weak_ptr<HTTPResponseOwner> owner,
-                                                                           asio::any_io_executor fileQueue,
-                                                                           asio::any_io_executor ownQueue)
+std::shared_ptr<HTTPAsyncFileResponse>
+HTTPAsyncFileResponse::withFilePath(const std::string &path, std::weak_ptr<HTTPResponseOwner> owner,
+                                    asio::any_io_executor fileQueue, asio::any_io_executor ownQueue)
 {
     const auto size = sizeOfServedFile(path);
     if (!size) return nullptr;
@@ -28,12 +27,12 @@ std::shared_ptr<HTTPAsyncFileResponse> HTTPAsyncFileResponse::withFilePath(const
 }
 
 HTTPAsyncFileResponse::HTTPAsyncFileResponse(std::string path, std::uint64_t size,
-                                             std::weak_ptr<HTTPResponseOwner> owner, asio::any_io_executor fileQueue,
-                                             asio::any_io_executor ownQueue)
-    : HTTPFileResponse(std::move(path), size, std::move(owner)), m_fileQueue(std::move(fileQueue)),
-      m_ownQueue(std::move(ownQueue))
-{
-}
+                                             std::weak_ptr<HTTPResponseOwner> owner,
+                                             asio::any_io_executor fileQueue, asio::any_io_executor ownQueue)
+    : HTTPFileResponse(std::move(path), size, std::move(owner))
+    , m_fileQueue(std::move(fileQueue))
+    , m_ownQueue(std::move(ownQueue))
+{}
 
 void HTTPAsyncFileResponse::setOffset(std::uint64_t offset)
 {
@@ -49,7 +48,8 @@ BodyPiece HTTPAsyncFileResponse::readDataOfLength(std::size_t length)
         m_starved = !isDone();
         return {};
     }
-    return HTTPFileResponse::readDataOfLength(static_cast<std::size_t>(std::min<std::uint64_t>(length, atHand)));
+    return HTTPFileResponse::readDataOfLength(
+        static_cast<std::size_t>(std::min<std::uint64_t>(length, atHand)));
 }
 
 bool HTTPAsyncFileResponse::delayResponseHeaders()
@@ -78,7 +78,8 @@ void HTTPAsyncFileResponse::didFetch(std::uint64_t from, std::uint64_t to)
 {
     m_fetching = false;
     m_hasData = true;
-    if (m_fetchedTo == from) m_fetchedTo = to; // else the offset was moved meanwhile, and what is needed with it
+    if (m_fetchedTo == from)
+        m_fetchedTo = to; // else the offset was moved meanwhile, and what is needed with it
     if (!m_starved) return;
     m_starved = false;
     if (const auto owner = m_owner.lock()) owner->responseHasAvailableData(shared_from_this());

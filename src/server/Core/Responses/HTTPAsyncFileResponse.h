@@ -7,8 +7,8 @@
 
 namespace tomelet::http {
 
-/// Serves a large file without ever waiting for the disk on the connection's queue: stretches of the file are brought
-/// into the system's file cache on another thread, and only what is there is handed out.
+/// Serves a large file without ever waiting for the disk on the connection's queue: stretches of the file are
+/// brought into the system's file cache on another thread, and only what is there is handed out.
 class HTTPAsyncFileResponse : public HTTPFileResponse
 {
 public:

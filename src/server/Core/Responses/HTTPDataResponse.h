@@ -11,7 +11,9 @@ namespace tomelet::http {
 class HTTPDataResponse : public HTTPResponse
 {
 public:
-    explicit HTTPDataResponse(std::string data) : m_data(std::move(data)) {}
+    explicit HTTPDataResponse(std::string data)
+        : m_data(std::move(data))
+    {}
 
     std::uint64_t contentLength() override { return m_data.size(); }
     std::uint64_t offset() override { return m_offset; }

@@ -7,8 +7,8 @@
 
 namespace tomelet::http {
 
-/// Serves a text file as a chunked body in which each known key between two separators ("%%KEY%%") is replaced while
-/// the file is read. What stands between separators and is no known key stays as it is.
+/// Serves a text file as a chunked body in which each known key between two separators ("%%KEY%%") is
+/// replaced while the file is read. What stands between separators and is no known key stays as it is.
 class HTTPDynamicFileResponse : public HTTPFileResponse
 {
 public:
@@ -16,7 +16,8 @@ public:
 
     static std::shared_ptr<HTTPDynamicFileResponse> withFilePath(const std::string &path,
                                                                  std::weak_ptr<HTTPResponseOwner> owner,
-                                                                 std::string separator, Replacements replacements);
+                                                                 std::string separator,
+                                                                 Replacements replacements);
 
     HTTPDynamicFileResponse(std::string path, std::uint64_t size, std::weak_ptr<HTTPResponseOwner> owner,
                             std::string separator, Replacements replacements);

@@ -9,7 +9,9 @@ namespace tomelet::http {
 class HTTPErrorResponse : public HTTPResponse
 {
 public:
-    explicit HTTPErrorResponse(int status) : m_status(status) {}
+    explicit HTTPErrorResponse(int status)
+        : m_status(status)
+    {}
 
     std::uint64_t contentLength() override { return 0; }
     std::uint64_t offset() override { return 0; }

@@ -21,7 +21,8 @@ constexpr std::size_t memoryPiece = 32 * 1024;
 FileHandle openRegularFile(const std::string &path)
 {
     FileHandle file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status{};
+    struct stat status
+    {};
     if (file.isOpen() && (fstat(file.descriptor(), &status) != 0 || !S_ISREG(status.st_mode))) file.close();
     return file;
 }
@@ -30,7 +31,8 @@ FileHandle openRegularFile(const std::string &path)
 
 std::optional<std::uint64_t> sizeOfServedFile(const std::string &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
         return static_cast<std::uint64_t>(status.st_size);
     logLine("HTTPFileResponse: no attributes of a file at " + printable(path));
@@ -44,10 +46,12 @@ std::shared_ptr<HTTPFileResponse> HTTPFileResponse::withFilePath(const std::stri
     return size ? std::make_shared<HTTPFileResponse>(path, *size, std::move(owner)) : nullptr;
 }
 
-HTTPFileResponse::HTTPFileResponse(std::string path, std::uint64_t size, std::weak_ptr<HTTPResponseOwner> owner)
-    : m_path(std::move(path)), m_size(size), m_owner(std::move(owner))
-{
-}
+HTTPFileResponse::HTTPFileResponse(std::string path, std::uint64_t size,
+                                   std::weak_ptr<HTTPResponseOwner> owner)
+    : m_path(std::move(path))
+    , m_size(size)
+    , m_owner(std::move(owner))
+{}
 
 void HTTPFileResponse::setOffset(std::uint64_t offset)
 {

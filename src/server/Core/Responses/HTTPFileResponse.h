@@ -8,7 +8,8 @@
 
 namespace tomelet::http {
 
-/// Serves a regular file, of the size that it had when the response was made. The file is opened at the first read.
+/// Serves a regular file, of the size that it had when the response was made. The file is opened at the first
+/// read.
 class HTTPFileResponse : public HTTPResponse, public std::enable_shared_from_this<HTTPFileResponse>
 {
 public:

@@ -11,7 +11,10 @@ namespace tomelet::http {
 class HTTPRedirectResponse : public HTTPErrorResponse
 {
 public:
-    explicit HTTPRedirectResponse(std::string location) : HTTPErrorResponse(302), m_location(std::move(location)) {}
+    explicit HTTPRedirectResponse(std::string location)
+        : HTTPErrorResponse(302)
+        , m_location(std::move(location))
+    {}
 
     HTTPHeaders httpHeaders() override
     {
