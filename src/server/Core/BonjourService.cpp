@@ -59,9 +59,7 @@ public:
         if (m_name.empty()) m_name = hostName();
         m_poll = avahi_threaded_poll_new();
         if (!m_poll) return;
-        int error = 0;
-        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged,
-                                    this, &error);
+        connect();
         if (m_client) avahi_threaded_poll_start(m_poll);
     }
     Publication(const Publication &) = delete;
@@ -81,6 +79,23 @@ public:
     }
 
 private:
+    void connect()
+    {
+        int error = 0;
+        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged,
+                                    this, &error);
+    }
+
+    // The daemon went away: a new client waits for it to come back.
+    void reconnect(AvahiClient *client)
+    {
+        m_group = nullptr;
+        setPublishedName({});
+        if (avahi_client_errno(client) != AVAHI_ERR_DISCONNECTED) return;
+        avahi_client_free(client);
+        connect();
+    }
+
     static void clientChanged(AvahiClient *client, AvahiClientState state, void *self)
     {
         auto *const publication = static_cast<Publication *>(self);
@@ -89,7 +104,7 @@ private:
         else if (state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING)
             publication->withdraw();
         else if (state == AVAHI_CLIENT_FAILURE)
-            publication->m_group = nullptr;
+            publication->reconnect(client);
     }
 
     static void groupChanged(AvahiEntryGroup *group, AvahiEntryGroupState state, void *self)

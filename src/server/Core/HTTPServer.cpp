@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <csignal>
 #include <filesystem>
 #include <future>
 #include <mutex>
@@ -30,6 +31,15 @@ unsigned numberOfThreads()
 }
 
 constexpr std::chrono::seconds longestFarewell{5};
+
+// A file that is sent to a client that has gone ends in this signal; the call's error says it as well.
+void blockPipeSignal()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGPIPE);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+}
 
 std::string resolvedRoot(const std::string &path)
 {
@@ -136,7 +146,10 @@ bool HTTPServer::Running::listen(SocketError &error)
     m_port = m_asyncSocket->localPort();
     m_listening = true;
     for (unsigned i = 0; i < numberOfThreads(); ++i)
-        m_threads.emplace_back([this] { m_context.run(); });
+        m_threads.emplace_back([this] {
+            blockPipeSignal();
+            m_context.run();
+        });
     return true;
 }
 
