@@ -262,3 +262,16 @@ TEST_F(DAVTest, aVanishedRootIsAnError)
     EXPECT_EQ(client.request("PROPFIND", "/", "Depth: 1\r\n").status, 404);
     EXPECT_EQ(client.request("MKCOL", "/b").status, 409);
 }
+
+TEST_F(ServerFixture, withoutARootNothingIsServedOrStored)
+{
+    m_root.clear();
+    startServer([](auto socket, auto config) {
+        return std::make_shared<http::DAVConnection>(std::move(socket), std::move(config));
+    });
+    RawClient client(port());
+    EXPECT_EQ(client.request("GET", "/etc/passwd").status, 404);
+    EXPECT_EQ(client.request("PUT", "/b", {}, std::string(2 << 20, 'x')).status, 404);
+    EXPECT_EQ(client.request("PROPFIND", "/", "Depth: 1\r\n").status, 404);
+    EXPECT_NE(logged().find("No configured document root"), std::string::npos);
+}

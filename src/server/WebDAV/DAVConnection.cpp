@@ -56,7 +56,7 @@ bool DAVConnection::expectsRequestBodyFromMethod(const std::string &method, cons
 void DAVConnection::prepareForBodyWithSize(std::uint64_t size)
 {
     m_requestContentBody = {};
-    if (!isAuthorized()) return;
+    if (!isAuthorized() || !config().documentRoot.starts_with('/')) return;
     if (size <= maxBodyInMemory)
         m_requestContentBody = std::string();
     else
