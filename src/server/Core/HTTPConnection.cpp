@@ -8,7 +8,6 @@
 #include "server/Core/Text.h"
 
 #include <asio/dispatch.hpp>
-#include <asio/post.hpp>
 
 #include <ctime>
 
