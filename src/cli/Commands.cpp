@@ -28,6 +28,7 @@ std::span<const Command> commands()
         {"pin", "pins an item to the top of its book, or unpins it", runPin},
         {"favorite", "makes an item a favorite, or no longer one", runFavorite},
         {"label", "labels an item with a colour", runLabel},
+        {"serve", "serves the notebook over HTTP and WebDAV", runServe},
         {"watch", "follows the notebook and prints each change", runWatch},
         {"op", "calls one operation by its name", runOp},
         {"ops", "calls many operations, a line of JSON each", runOps},

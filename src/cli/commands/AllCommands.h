@@ -21,6 +21,7 @@ int runOps(const Invocation &call);
 int runPin(const Invocation &call);
 int runRm(const Invocation &call);
 int runRoot(const Invocation &call);
+int runServe(const Invocation &call);
 int runSet(const Invocation &call);
 int runSettings(const Invocation &call);
 int runShow(const Invocation &call);
