@@ -2,10 +2,13 @@
 #include "desktop/DesktopShell.h"
 
 #include "desktop/DocumentPane.h"
+#include "desktop/PreferencesWindow.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
+#include "foundation/Log.h"
 #include "foundation/Platform.h"
 #include "library/Root.h"
+#include "server/Core/Log.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -59,8 +62,12 @@ QRect frameFrom(const QString &text)
 
 } // namespace
 
-DesktopShell::DesktopShell() : m_application(*this)
+DesktopShell::DesktopShell()
+    : m_application(*this)
+    , m_server(settings(), [this](const QString &title, const QString &text) { m_window.showMessage(title, text); })
 {
+    http::setLogSink([](const std::string &line) { logLine(QString::fromStdString(line)); });
+    connect(&m_window, &MainWindow::preferencesWanted, this, &DesktopShell::showPreferences);
     m_window.setApplication(m_application);
     platform().ask = [this](const Question &question) { return askWithBox(&m_window, question); };
     connect(&m_theme, &Theme::desktopChanged, this,
@@ -162,6 +169,25 @@ SessionState DesktopShell::sessionState()
                               window->isMinimized() ? QStringLiteral("1") : QStringLiteral("0")});
     }
     return state;
+}
+
+void DesktopShell::startServer()
+{
+    m_server.launchTomeletServer();
+}
+
+void DesktopShell::stopServer()
+{
+    m_server.terminateTomeletServer();
+}
+
+void DesktopShell::showPreferences()
+{
+    auto *window = new PreferencesWindow(
+        m_server, [this] { m_application.systemAppearanceChanged(m_theme.desktopIsDark()); setDark(settings().boolean(QStringLiteral("darkTheme"))); },
+        &m_window);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->show();
 }
 
 void DesktopShell::closeMainWindow()

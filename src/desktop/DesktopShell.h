@@ -5,6 +5,7 @@
 #include "desktop/MainWindow.h"
 #include "desktop/Theme.h"
 #include "library/AppDelegate.h"
+#include "server/ServerControl.h"
 
 #include <QObject>
 #include <QPointer>
@@ -35,16 +36,20 @@ public:
     [[nodiscard]] QString pickFolder(const QString &message, const QString &prompt) override;
     void openItemsInNewWindow(const QList<WindowEntry> &entries) override;
     void closeMainWindow() override;
+    void startServer() override;
+    void stopServer() override;
     [[nodiscard]] SessionState sessionState() override;
     void saveExpandedPaths() override;
     void quit() override;
 
 private:
     void openWindow(const WindowEntry &entry);
+    void showPreferences();
 
     AppDelegate m_application;
     Theme m_theme;
     MainWindow m_window;
+    ServerControl m_server;
     QList<QPointer<QMainWindow>> m_extraWindows;
 };
 

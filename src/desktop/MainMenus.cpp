@@ -112,6 +112,9 @@ void MainWindow::makeEditMenu()
         m_filter->setFocus();
         m_filter->selectAll();
     });
+    menu->addSeparator();
+    add(menu, TOMELET_TEXT("&Preferences..."), QKeySequence(QStringLiteral("Ctrl+,")),
+        [this] { Q_EMIT preferencesWanted(); });
 }
 
 void MainWindow::makeViewMenu()

@@ -48,6 +48,7 @@ public:
 
 Q_SIGNALS:
     void extraWindowWanted(const QString &path);
+    void preferencesWanted();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/ServerControl.h"
 
+#include "foundation/Localization.h"
 #include "foundation/Settings.h"
 #include "server/Core/Log.h"
 #include "server/Core/UUID.h"
@@ -83,7 +84,7 @@ void ServerControl::launchTomeletServer()
     m_httpServer = makeServer();
     const http::SocketError error = startOnFreePort();
     if (!m_httpServer->isRunning()) {
-        m_alert(QStringLiteral("Could not Start Tomelet Server"), QString::fromStdString(error.message));
+        m_alert(localized(TOMELET_TEXT("Could not Start Tomelet Server")), QString::fromStdString(error.message));
         return;
     }
     http::logLine("running HTTP Server on port: " + std::to_string(port()));

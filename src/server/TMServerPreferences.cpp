@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "server/TMServerPreferences.h"
 
+#include "foundation/Localization.h"
 #include "foundation/Settings.h"
 #include "server/LocalAddresses.h"
 
@@ -10,8 +11,8 @@ namespace {
 
 QString connectionDetails(std::uint16_t port)
 {
-    QString text =
-        QStringLiteral("Use the credentials above to connect to one of the given server addresses.");
+    QString text = localized(
+        TOMELET_TEXT("Use the credentials above to connect to one of the given server addresses."));
     text += QStringLiteral("\n\nhttp://%1:%2").arg(localHostName()).arg(port);
     for (const QString &address : localIPv4Addresses())
         text += QStringLiteral("\nhttp://%1:%2").arg(address).arg(port);
@@ -24,6 +25,11 @@ TMServerPreferences::TMServerPreferences(ServerControl &control, Show show)
     : m_control(control)
     , m_show(std::move(show))
 {}
+
+QString TMServerPreferences::refreshPasswordToolTip()
+{
+    return localized(TOMELET_TEXT("Set new Password"));
+}
 
 void TMServerPreferences::toggleServer(bool on)
 {
@@ -55,12 +61,12 @@ void TMServerPreferences::updateConnectionDetails()
 ServerPreferencesFields TMServerPreferences::fields() const
 {
     ServerPreferencesFields fields;
-    fields.startServerButton = QStringLiteral("Start Tomeelet Server");
+    fields.startServerButton = localized(TOMELET_TEXT("Start Tomeelet Server"));
     if (!m_control.isRunning()) return fields;
-    fields.startServerButton = QStringLiteral("Stop Tomelet Server");
-    fields.usernameTitle = QStringLiteral("User");
+    fields.startServerButton = localized(TOMELET_TEXT("Stop Tomelet Server"));
+    fields.usernameTitle = localized(TOMELET_TEXT("User"));
     fields.usernameField = serverUser;
-    fields.passwordTitle = QStringLiteral("Password");
+    fields.passwordTitle = localized(TOMELET_TEXT("Password"));
     fields.passwordField = m_control.password();
     fields.connectionDetailsField = connectionDetails(m_control.port());
     return fields;

@@ -27,7 +27,7 @@ public:
     using Show = std::function<void(const ServerPreferencesFields &fields)>;
 
     /// The tool tip of refreshPasswordButton.
-    static inline const QString refreshPasswordToolTip = QStringLiteral("Set new Password");
+    [[nodiscard]] static QString refreshPasswordToolTip();
 
     /// Both outlive the pane's logic; `show` fills the fields in.
     TMServerPreferences(ServerControl &control, Show show);
