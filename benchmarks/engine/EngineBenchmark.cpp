@@ -4,9 +4,7 @@
 // without files the text is made up.
 #include "Peers.h"
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <cstdio>
@@ -95,27 +93,23 @@ void compare(const std::vector<std::string> &texts)
                     megabytes(texts) / best[i], best[i] / best[0]);
 }
 
-// The peak of memory in a process of its own, less what it held before the conversion.
+// What /proc says of this process, in megabytes.
+double statusMegabytes(const std::string &key)
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(key)) return std::stod(line.substr(key.size() + 1)) * 1024 / 1e6;
+    return 0;
+}
+
+// The peak of memory during a conversion, less what the process held before it.
 double peakMegabytes(const std::string &text)
 {
-    int ends[2];
-    if (pipe(ends) != 0) return 0;
-    const pid_t child = fork();
-    if (child == 0) {
-        rusage before{}, after{};
-        getrusage(RUSAGE_SELF, &before);
-        convertWithEngine(text);
-        getrusage(RUSAGE_SELF, &after);
-        const double peak = static_cast<double>(after.ru_maxrss - before.ru_maxrss) * 1024 / 1e6;
-        const bool told = write(ends[1], &peak, sizeof peak) == sizeof peak;
-        _exit(told ? 0 : 1);
-    }
-    double peak = 0;
-    const bool heard = read(ends[0], &peak, sizeof peak) == sizeof peak;
-    close(ends[0]);
-    close(ends[1]);
-    waitpid(child, nullptr, 0);
-    return heard ? peak : 0;
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5; // the peak starts anew
+    const double before = statusMegabytes("VmRSS");
+    convertWithEngine(text);
+    return statusMegabytes("VmHWM") - before;
 }
 
 void grow(const std::vector<std::string> &texts)

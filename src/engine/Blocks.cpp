@@ -2,6 +2,7 @@
 #include "engine/Blocks.h"
 
 #include "engine/Engine.h"
+#include "engine/Inlines.h"
 #include "engine/Limits.h"
 #include "engine/Lines.h"
 #include "engine/Scanners.h"
@@ -144,6 +145,12 @@ token *chain(token *first, token *second)
     return first;
 }
 
+void finish_block(mmd_engine *engine, token *block)
+{
+    strip_line_tokens_from_block(engine, block);
+    if (engine->recurse_depth == 1) parse_inlines(engine, block); // nested blocks go with the one they stand in
+}
+
 token *new_block(mmd_engine *engine, token *lines, uint16_t type)
 {
     return token_new_parent(engine->arena, lines, type);
@@ -207,6 +214,12 @@ token *list_block(mmd_engine *engine, token *items, uint16_t type)
     token *list = new_block(engine, items, type);
     if (is_loose(list)) ++list->type;
     return list;
+}
+
+token *short_list_item(mmd_engine *engine, token *line)
+{
+    drop_last_line_end(line);
+    return new_block(engine, line, BLOCK_LIST_ITEM_TIGHT);
 }
 
 token *list_item(mmd_engine *engine, token *first_line, token *more_lines, uint16_t type)

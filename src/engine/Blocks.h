@@ -20,10 +20,15 @@ void mmd_parse_token_chain(mmd_engine *engine, token *chain);
 /// the lines of code and HTML one plain token for each run of bytes that the source holds together.
 void strip_line_tokens_from_block(mmd_engine *engine, token *block);
 
+/// Frees the line end at the end of the children: no writer writes it.
+void drop_last_line_end(token *parent);
+
 // The actions of the grammar. Lines come as chains and go into the block that is returned.
 
 /// Joins two chains.
 token *chain(token *first, token *second);
+/// A block is whole: its lines dissolve, and the document's own blocks go through the inline phases.
+void finish_block(mmd_engine *engine, token *block);
 /// A block over lines.
 token *new_block(mmd_engine *engine, token *lines, uint16_t type);
 /// A heading; it is remembered for labels and the contents list.
@@ -40,6 +45,8 @@ token *fenced_code_block(mmd_engine *engine, token *lines);
 token *closed_fence(token *lines, token *closing_line);
 /// A list of items, loose when a paragraph of an item but the last asks for it.
 token *list_block(mmd_engine *engine, token *items, uint16_t type);
+/// An item of one line, which stays as it is.
+token *short_list_item(mmd_engine *engine, token *line);
 token *list_item(mmd_engine *engine, token *first_line, token *more_lines, uint16_t type);
 /// A paragraph, or HTML when it begins like it.
 token *paragraph_block(mmd_engine *engine, token *lines);

@@ -97,8 +97,10 @@ struct mmd_engine
     asset_table *asset_hash; ///< what the last export stored; null before
     uint32_t random_seed_base_labels;
 
-    token_arena *arena;         ///< all tokens of the tree
-    bool seen[kMaxTokenTypes];  ///< inline token types that the source holds: a pass without openers is left out
+    token_arena *arena;                ///< all tokens of the tree
+    stack *openers;                    ///< of the pairing under way
+    uint8_t passes_of[kMaxTokenTypes]; ///< by inline token type: a bit for each pairing pass that knows it
+    uint8_t passes;                    ///< the passes that something read so far is for; the others are left out
     uint64_t random;    ///< state of the engine's own generator
 };
 

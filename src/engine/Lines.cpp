@@ -284,7 +284,7 @@ token *close_line(line_reader &reader, token *line)
 
 void append_to_line(const line_reader &reader, token *line, uint16_t type, size_t start, size_t end)
 {
-    reader.engine->seen[type] = true;
+    reader.engine->passes |= reader.engine->passes_of[type];
     token_append_child(line, token_new(reader.engine->arena, type, start, end - start));
 }
 

@@ -83,7 +83,12 @@ void strip_row(token *block, token *row)
 // A definition that stands in a paragraph after all, since no term stood above it: text again, with its colon.
 void dissolve_definition(mmd_engine *engine, token *block, token *definition)
 {
-    if (definition->child) definition->child->type = LINE_PLAIN;
+    if (token *first_line = definition->child) {
+        const token *last = first_line->child ? first_line->child->tail : nullptr;
+        if (last && first_line->next) // the line end that the paragraph has lost
+            token_append_child(first_line, token_new(engine->arena, TEXT_NL, token_end(last), 1));
+        first_line->type = LINE_PLAIN;
+    }
     strip_line_tokens_from_block(engine, definition);
     const char *source = engine->dstr->str;
     if (const token *first = definition->child) {
@@ -140,6 +145,7 @@ void strip_all(mmd_engine *engine, token *block)
         else token_append_child(block, line);
         line = next;
     }
+    if (!verbatim) drop_last_line_end(block);
     block->len = len;
 }
 
@@ -166,6 +172,11 @@ void remove_trailing_empty_lines(token *block)
 
 } // namespace
 
+void drop_last_line_end(token *parent)
+{
+    if (parent->child && parent->child->tail->type == TEXT_NL) token_remove_last_child(parent);
+}
+
 void strip_line_tokens_from_block(mmd_engine *engine, token *block)
 {
     switch (block->type) {
@@ -178,8 +189,10 @@ void strip_line_tokens_from_block(mmd_engine *engine, token *block)
     case BLOCK_TABLE:
         strip_table(engine, block);
         break;
-    case BLOCK_EMPTY:
+    case BLOCK_EMPTY: // nobody looks into these
     case BLOCK_HR:
+        token_tree_free(block->child);
+        block->child = nullptr;
         break;
     case BLOCK_CODE_INDENTED:
         remove_trailing_empty_lines(block);
