@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// bench_engine [FILE...]: how fast the engine converts beside other libraries, how its time and memory grow with the
-// text, and what two threads give. Time is the thread's processor time, so that a busy machine disturbs it little;
-// without files the text is made up.
+// bench_engine [FILE...]: how fast the engine converts beside other libraries, how its time and memory grow
+// with the text, and what two threads give. Time is the thread's processor time, so that a busy machine
+// disturbs it little; without files the text is made up.
 #include "Peers.h"
 
 #include <malloc.h>
@@ -38,15 +38,18 @@ double threadSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-const char *const sample =
-    "Heading\n=======\n\nA paragraph with *emphasis*, **strong** words, `code` and a [link](http://example.org/a?b=c "
-    "\"title\").\nIts second line has an ![image](a.png) and an <http://example.org>.\n\n* one\n* two\n    * nested\n\n"
-    "> a quote\n> of two lines\n\n```c\nint x = 1 < 2;\n```\n\n| a | b |\n|---|---|\n| 1 | 2 |\n\n1. first\n\n2. second\n\n";
+const char *const sample = "Heading\n=======\n\nA paragraph with *emphasis*, **strong** words, `code` and a "
+                           "[link](http://example.org/a?b=c "
+                           "\"title\").\nIts second line has an ![image](a.png) and an "
+                           "<http://example.org>.\n\n* one\n* two\n    * nested\n\n"
+                           "> a quote\n> of two lines\n\n```c\nint x = 1 < 2;\n```\n\n| a | b "
+                           "|\n|---|---|\n| 1 | 2 |\n\n1. first\n\n2. second\n\n";
 
 std::string sampleOf(size_t bytes)
 {
     std::string text;
-    while (text.size() < bytes) text += sample;
+    while (text.size() < bytes)
+        text += sample;
     return text;
 }
 
@@ -64,7 +67,8 @@ std::vector<std::string> textsOf(int count, char **names)
 double megabytes(const std::vector<std::string> &texts)
 {
     size_t bytes = 0;
-    for (const std::string &text : texts) bytes += text.size();
+    for (const std::string &text : texts)
+        bytes += text.size();
     return static_cast<double>(bytes) / 1e6;
 }
 
@@ -72,7 +76,8 @@ double secondsFor(Convert convert, const std::vector<std::string> &texts)
 {
     const double start = threadSeconds();
     size_t written = 0;
-    for (const std::string &text : texts) written += convert(text);
+    for (const std::string &text : texts)
+        written += convert(text);
     return written == 0 ? 0 : threadSeconds() - start;
 }
 
@@ -81,7 +86,8 @@ void compare(const std::vector<std::string> &texts)
 {
     constexpr int rounds = 5;
     double best[std::size(peers)];
-    for (double &seconds : best) seconds = 1e9;
+    for (double &seconds : best)
+        seconds = 1e9;
     for (int round = 0; round < rounds; ++round)
         for (size_t i = 0; i < std::size(peers); ++i) {
             const double seconds = secondsFor(peers[i].convert, texts);
@@ -115,17 +121,21 @@ double peakMegabytes(const std::string &text)
 void grow(const std::vector<std::string> &texts)
 {
     std::string all;
-    for (const std::string &text : texts) all += text + "\n\n";
+    for (const std::string &text : texts)
+        all += text + "\n\n";
     std::printf("growth: bytes, MB/s, memory as a multiple of the text\n");
     for (size_t size = 10000; size <= 100000000; size *= 10) {
         std::string text;
-        while (text.size() < size) text += all.substr(0, size - text.size());
+        while (text.size() < size)
+            text += all.substr(0, size - text.size());
         const double rounds = size < 1000000 ? 100 : 1;
         const double start = threadSeconds();
-        for (int i = 0; i < static_cast<int>(rounds); ++i) convertWithEngine(text);
+        for (int i = 0; i < static_cast<int>(rounds); ++i)
+            convertWithEngine(text);
         const double seconds = (threadSeconds() - start) / rounds;
         const double bytes = static_cast<double>(text.size());
-        std::printf("  %9zu %8.1f   %.1f\n", text.size(), bytes / 1e6 / seconds, peakMegabytes(text) * 1e6 / bytes);
+        std::printf("  %9zu %8.1f   %.1f\n", text.size(), bytes / 1e6 / seconds,
+                    peakMegabytes(text) * 1e6 / bytes);
     }
 }
 
@@ -133,8 +143,10 @@ double wallSecondsWithThreads(int count, const std::vector<std::string> &texts)
 {
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
-    for (std::thread &thread : threads) thread.join();
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
+    for (std::thread &thread : threads)
+        thread.join();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

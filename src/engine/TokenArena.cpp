@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the arena of a token
-// is found from its address, and tokens can be freed and copied without naming the arena.
+// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the
+// arena of a token is found from its address, and tokens can be freed and copied without naming the arena.
 #include "engine/Token.h"
 
 #include <sys/mman.h>
@@ -16,9 +16,11 @@ namespace {
 /// A chunk lies at a multiple of this and begins with its head.
 constexpr size_t chunk_size = 65536;
 constexpr size_t head_size = 64;
-/// Chunks are allocated in slabs. The first holds one, and each twice as many as the one before it up to this.
+/// Chunks are allocated in slabs. The first holds one, and each twice as many as the one before it up to
+/// this.
 constexpr size_t largest_slab = 64;
-/// From the slab with this number on the memory may come in large pages; before, what a slab leaves unused would weigh.
+/// From the slab with this number on the memory may come in large pages; before, what a slab leaves unused
+/// would weigh.
 constexpr size_t first_large_pages = 14;
 constexpr size_t large_page = size_t{2} << 20;
 
@@ -67,8 +69,10 @@ static void add_slab(token_arena *arena)
 
 void token_arena_grow(token_arena *arena)
 {
-    if (arena->newest && arena->chunk_end < arena->slab_end) start_on_chunk(arena, arena->chunk_end);
-    else add_slab(arena);
+    if (arena->newest && arena->chunk_end < arena->slab_end)
+        start_on_chunk(arena, arena->chunk_end);
+    else
+        add_slab(arena);
 }
 
 static token_arena *arena_of(const token *t)
