@@ -130,6 +130,7 @@ std::string convert(const Example &example)
     d_string_append_c_array(source, text.data(), text.size());
     d_string *html = mmd_d_string_convert(source, extensions, FORMAT_HTML, language, "");
     std::string result(html->str, html->currentStringLength);
+    for (size_t at; (at = result.find('\0')) != std::string::npos;) result.replace(at, 1, "\\0");
     d_string_free(html, true);
     d_string_free(source, true);
     return result;

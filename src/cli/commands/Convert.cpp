@@ -114,7 +114,8 @@ std::optional<QByteArray> convert(const Job &job, const QByteArray &text, const 
     const QByteArray folder =
         QFile::encodeName(path.isEmpty() ? QDir::currentPath() : QFileInfo(path).absolutePath());
     d_string *source = d_string_new("");
-    d_string_append_c_array(source, text.constData(), static_cast<size_t>(text.size()));
+    const qsizetype mark = text.startsWith("\xEF\xBB\xBF") ? 3 : 0; // a byte order mark is no text
+    d_string_append_c_array(source, text.constData() + mark, static_cast<size_t>(text.size() - mark));
     if (job.extensions & EXT_TRANSCLUDE) {
         const QByteArray file =
             path.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(path).absoluteFilePath());
