@@ -14,14 +14,14 @@ namespace tomelet::engine {
 namespace {
 
 /// A chunk lies at a multiple of this and begins with its head.
-constexpr size_t chunk_size = 65536;
+constexpr size_t chunk_size = 16384;
 constexpr size_t head_size = 64;
 /// Chunks are allocated in slabs. The first holds one, and each twice as many as the one before it up to
 /// this.
-constexpr size_t largest_slab = 64;
+constexpr size_t largest_slab = 256;
 /// From the slab with this number on the memory may come in large pages; before, what a slab leaves unused
 /// would weigh.
-constexpr size_t first_large_pages = 14;
+constexpr size_t first_large_pages = 16;
 constexpr size_t large_page = size_t{2} << 20;
 
 struct chunk
