@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// bench_engine [FILE...]: how fast the engine converts beside other libraries, how its time and memory grow with the
-// text, and what two threads give. Time is the thread's processor time, so that a busy machine disturbs it little;
-// without files the text is made up.
+// bench_engine [FILE...]: how fast the engine converts beside other libraries, how its time and memory grow
+// with the text, and what two threads give. Time is the thread's processor time, so that a busy machine
+// disturbs it little; without files the text is made up.
 #include "Peers.h"
 
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
+#include <malloc.h>
 
 #include <chrono>
 #include <cstdio>
@@ -40,15 +38,18 @@ double threadSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-const char *const sample =
-    "Heading\n=======\n\nA paragraph with *emphasis*, **strong** words, `code` and a [link](http://example.org/a?b=c "
-    "\"title\").\nIts second line has an ![image](a.png) and an <http://example.org>.\n\n* one\n* two\n    * nested\n\n"
-    "> a quote\n> of two lines\n\n```c\nint x = 1 < 2;\n```\n\n| a | b |\n|---|---|\n| 1 | 2 |\n\n1. first\n\n2. second\n\n";
+const char *const sample = "Heading\n=======\n\nA paragraph with *emphasis*, **strong** words, `code` and a "
+                           "[link](http://example.org/a?b=c "
+                           "\"title\").\nIts second line has an ![image](a.png) and an "
+                           "<http://example.org>.\n\n* one\n* two\n    * nested\n\n"
+                           "> a quote\n> of two lines\n\n```c\nint x = 1 < 2;\n```\n\n| a | b "
+                           "|\n|---|---|\n| 1 | 2 |\n\n1. first\n\n2. second\n\n";
 
 std::string sampleOf(size_t bytes)
 {
     std::string text;
-    while (text.size() < bytes) text += sample;
+    while (text.size() < bytes)
+        text += sample;
     return text;
 }
 
@@ -66,7 +67,8 @@ std::vector<std::string> textsOf(int count, char **names)
 double megabytes(const std::vector<std::string> &texts)
 {
     size_t bytes = 0;
-    for (const std::string &text : texts) bytes += text.size();
+    for (const std::string &text : texts)
+        bytes += text.size();
     return static_cast<double>(bytes) / 1e6;
 }
 
@@ -74,7 +76,8 @@ double secondsFor(Convert convert, const std::vector<std::string> &texts)
 {
     const double start = threadSeconds();
     size_t written = 0;
-    for (const std::string &text : texts) written += convert(text);
+    for (const std::string &text : texts)
+        written += convert(text);
     return written == 0 ? 0 : threadSeconds() - start;
 }
 
@@ -83,7 +86,8 @@ void compare(const std::vector<std::string> &texts)
 {
     constexpr int rounds = 5;
     double best[std::size(peers)];
-    for (double &seconds : best) seconds = 1e9;
+    for (double &seconds : best)
+        seconds = 1e9;
     for (int round = 0; round < rounds; ++round)
         for (size_t i = 0; i < std::size(peers); ++i) {
             const double seconds = secondsFor(peers[i].convert, texts);
@@ -95,43 +99,43 @@ void compare(const std::vector<std::string> &texts)
                     megabytes(texts) / best[i], best[i] / best[0]);
 }
 
-// The peak of memory in a process of its own, less what it held before the conversion.
+// What /proc says of this process, in megabytes.
+double statusMegabytes(const std::string &key)
+{
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(key)) return std::stod(line.substr(key.size() + 1)) * 1024 / 1e6;
+    return 0;
+}
+
+// The peak of memory during a conversion, less what the process held before it.
 double peakMegabytes(const std::string &text)
 {
-    int ends[2];
-    if (pipe(ends) != 0) return 0;
-    const pid_t child = fork();
-    if (child == 0) {
-        rusage before{}, after{};
-        getrusage(RUSAGE_SELF, &before);
-        convertWithEngine(text);
-        getrusage(RUSAGE_SELF, &after);
-        const double peak = static_cast<double>(after.ru_maxrss - before.ru_maxrss) * 1024 / 1e6;
-        const bool told = write(ends[1], &peak, sizeof peak) == sizeof peak;
-        _exit(told ? 0 : 1);
-    }
-    double peak = 0;
-    const bool heard = read(ends[0], &peak, sizeof peak) == sizeof peak;
-    close(ends[0]);
-    close(ends[1]);
-    waitpid(child, nullptr, 0);
-    return heard ? peak : 0;
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5; // the peak starts anew
+    const double before = statusMegabytes("VmRSS");
+    convertWithEngine(text);
+    return statusMegabytes("VmHWM") - before;
 }
 
 void grow(const std::vector<std::string> &texts)
 {
     std::string all;
-    for (const std::string &text : texts) all += text + "\n\n";
+    for (const std::string &text : texts)
+        all += text + "\n\n";
     std::printf("growth: bytes, MB/s, memory as a multiple of the text\n");
     for (size_t size = 10000; size <= 100000000; size *= 10) {
         std::string text;
-        while (text.size() < size) text += all.substr(0, size - text.size());
+        while (text.size() < size)
+            text += all.substr(0, size - text.size());
         const double rounds = size < 1000000 ? 100 : 1;
         const double start = threadSeconds();
-        for (int i = 0; i < static_cast<int>(rounds); ++i) convertWithEngine(text);
+        for (int i = 0; i < static_cast<int>(rounds); ++i)
+            convertWithEngine(text);
         const double seconds = (threadSeconds() - start) / rounds;
         const double bytes = static_cast<double>(text.size());
-        std::printf("  %9zu %8.1f   %.1f\n", text.size(), bytes / 1e6 / seconds, peakMegabytes(text) * 1e6 / bytes);
+        std::printf("  %9zu %8.1f   %.1f\n", text.size(), bytes / 1e6 / seconds,
+                    peakMegabytes(text) * 1e6 / bytes);
     }
 }
 
@@ -139,8 +143,10 @@ double wallSecondsWithThreads(int count, const std::vector<std::string> &texts)
 {
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
-    for (std::thread &thread : threads) thread.join();
+    for (int i = 0; i < count; ++i)
+        threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
+    for (std::thread &thread : threads)
+        thread.join();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -2,6 +2,7 @@
 #include "engine/Blocks.h"
 
 #include "engine/Engine.h"
+#include "engine/Inlines.h"
 #include "engine/Limits.h"
 #include "engine/Lines.h"
 #include "engine/Scanners.h"
@@ -13,7 +14,8 @@ namespace {
 void remove_leading_blank(token *line, const char *source)
 {
     const token *first = line->child;
-    if (first && (first->type == NON_INDENT_SPACE || token_is_one_blank(first, source))) token_remove_first_child(line);
+    if (first && (first->type == NON_INDENT_SPACE || token_is_one_blank(first, source)))
+        token_remove_first_child(line);
 }
 
 void deindent_block(mmd_engine *engine, token *block)
@@ -45,7 +47,8 @@ void recurse_blockquote(mmd_engine *engine, token *quote)
     mmd_parse_token_chain(engine, quote);
 }
 
-// Parses the lines of a note or a definition as a document of their own. The first line is text whatever it looks like.
+// Parses the lines of a note or a definition as a document of their own. The first line is text whatever it
+// looks like.
 void recurse_indented(mmd_engine *engine, token *block)
 {
     deindent_block(engine, block);
@@ -81,8 +84,10 @@ bool is_loose(const token *list)
     bool loose = false;
     for (token *item = list->child; item->next; item = item->next) {
         if (item->type != BLOCK_LIST_ITEM) continue;
-        if (item->child->type == BLOCK_PARA) loose = true;
-        else item->type = BLOCK_LIST_ITEM_TIGHT;
+        if (item->child->type == BLOCK_PARA)
+            loose = true;
+        else
+            item->type = BLOCK_LIST_ITEM_TIGHT;
     }
     return loose;
 }
@@ -144,6 +149,13 @@ token *chain(token *first, token *second)
     return first;
 }
 
+void finish_block(mmd_engine *engine, token *block)
+{
+    strip_line_tokens_from_block(engine, block);
+    if (engine->recurse_depth == 1)
+        parse_inlines(engine, block); // nested blocks go with the one they stand in
+}
+
 token *new_block(mmd_engine *engine, token *lines, uint16_t type)
 {
     return token_new_parent(engine->arena, lines, type);
@@ -186,7 +198,8 @@ token *long_definition(mmd_engine *engine, token *first_line, token *tail)
 
 token *terms_and_definitions(token *terms, token *definitions)
 {
-    for (token *line = terms; line; line = line->next) line->type = BLOCK_TERM;
+    for (token *line = terms; line; line = line->next)
+        line->type = BLOCK_TERM;
     return chain(terms, definitions);
 }
 
@@ -207,6 +220,12 @@ token *list_block(mmd_engine *engine, token *items, uint16_t type)
     token *list = new_block(engine, items, type);
     if (is_loose(list)) ++list->type;
     return list;
+}
+
+token *short_list_item(mmd_engine *engine, token *line)
+{
+    drop_last_line_end(line);
+    return new_block(engine, line, BLOCK_LIST_ITEM_TIGHT);
 }
 
 token *list_item(mmd_engine *engine, token *first_line, token *more_lines, uint16_t type)
@@ -232,15 +251,45 @@ token *table_block(mmd_engine *engine, token *parts)
 
 const char *line_type_name(int type)
 {
-    static constexpr const char *names[] = {
-        "LINE_HR", "LINE_SETEXT_1", "LINE_SETEXT_2", "LINE_YAML", "LINE_CONTINUATION", "LINE_PLAIN",
-        "LINE_INDENTED_TAB", "LINE_INDENTED_SPACE", "LINE_TABLE", "LINE_TABLE_SEPARATOR", "LINE_FALLBACK",
-        "LINE_HTML", "LINE_ATX_1", "LINE_ATX_2", "LINE_ATX_3", "LINE_ATX_4", "LINE_ATX_5", "LINE_ATX_6",
-        "LINE_BLOCKQUOTE", "LINE_LIST_BULLETED", "LINE_LIST_ENUMERATED", "LINE_DEF_ABBREVIATION",
-        "LINE_DEF_CITATION", "LINE_DEF_FOOTNOTE", "LINE_DEF_GLOSSARY", "LINE_DEF_LINK", "LINE_TOC",
-        "LINE_DEFINITION", "LINE_META", "LINE_BACKTICK", "LINE_FENCE_BACKTICK_3", "LINE_FENCE_BACKTICK_4",
-        "LINE_FENCE_BACKTICK_5", "LINE_FENCE_BACKTICK_START_3", "LINE_FENCE_BACKTICK_START_4",
-        "LINE_FENCE_BACKTICK_START_5", "LINE_STOP_COMMENT", "LINE_EMPTY", "LINE_START_COMMENT"};
+    static constexpr const char *names[] = {"LINE_HR",
+                                            "LINE_SETEXT_1",
+                                            "LINE_SETEXT_2",
+                                            "LINE_YAML",
+                                            "LINE_CONTINUATION",
+                                            "LINE_PLAIN",
+                                            "LINE_INDENTED_TAB",
+                                            "LINE_INDENTED_SPACE",
+                                            "LINE_TABLE",
+                                            "LINE_TABLE_SEPARATOR",
+                                            "LINE_FALLBACK",
+                                            "LINE_HTML",
+                                            "LINE_ATX_1",
+                                            "LINE_ATX_2",
+                                            "LINE_ATX_3",
+                                            "LINE_ATX_4",
+                                            "LINE_ATX_5",
+                                            "LINE_ATX_6",
+                                            "LINE_BLOCKQUOTE",
+                                            "LINE_LIST_BULLETED",
+                                            "LINE_LIST_ENUMERATED",
+                                            "LINE_DEF_ABBREVIATION",
+                                            "LINE_DEF_CITATION",
+                                            "LINE_DEF_FOOTNOTE",
+                                            "LINE_DEF_GLOSSARY",
+                                            "LINE_DEF_LINK",
+                                            "LINE_TOC",
+                                            "LINE_DEFINITION",
+                                            "LINE_META",
+                                            "LINE_BACKTICK",
+                                            "LINE_FENCE_BACKTICK_3",
+                                            "LINE_FENCE_BACKTICK_4",
+                                            "LINE_FENCE_BACKTICK_5",
+                                            "LINE_FENCE_BACKTICK_START_3",
+                                            "LINE_FENCE_BACKTICK_START_4",
+                                            "LINE_FENCE_BACKTICK_START_5",
+                                            "LINE_STOP_COMMENT",
+                                            "LINE_EMPTY",
+                                            "LINE_START_COMMENT"};
     return type >= LINE_HR && type <= LINE_START_COMMENT ? names[type - 1] : "?";
 }
 

@@ -45,7 +45,8 @@ d_string *d_string_new(const char *text)
 {
     const size_t length = text ? std::strlen(text) : 0;
     size_t capacity = first_capacity;
-    while (capacity < length + 1) capacity *= 2;
+    while (capacity < length + 1)
+        capacity *= 2;
     auto *string = static_cast<d_string *>(std::malloc(sizeof(d_string)));
     char *buffer = static_cast<char *>(std::malloc(capacity));
     if (!string || !buffer) out_of_memory(capacity);
@@ -69,7 +70,8 @@ void d_string_ensure(d_string *string, size_t n)
 {
     if (n + 1 <= string->currentStringBufferSize) return;
     size_t capacity = string->currentStringBufferSize;
-    while (n + 1 > capacity) capacity += capacity > largest_step ? largest_step : capacity;
+    while (n + 1 > capacity)
+        capacity += capacity > largest_step ? largest_step : capacity;
     char *buffer = static_cast<char *>(std::realloc(string->str, capacity));
     if (!buffer) out_of_memory(string->currentStringBufferSize);
     string->str = buffer;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// d_string: a growing byte string that always ends in a NUL which its length does not count. Bytes may be any, NUL
-// included. Lengths and positions are in bytes.
+// d_string: a growing byte string that always ends in a NUL which its length does not count. Bytes may be
+// any, NUL included. Lengths and positions are in bytes.
 #pragma once
 
 #include <cstddef>
@@ -20,8 +20,8 @@ struct d_string
 
 /// A new string with the text up to its NUL; null counts as the empty text.
 [[nodiscard]] d_string *d_string_new(const char *text);
-/// Frees the record. With free_buffer the buffer goes too and the answer is null; otherwise the caller owns it now
-/// and frees it with std::free.
+/// Frees the record. With free_buffer the buffer goes too and the answer is null; otherwise the caller owns
+/// it now and frees it with std::free.
 char *d_string_free(d_string *string, bool free_buffer);
 
 /// Appends a text; null on either side is ignored.

@@ -19,9 +19,12 @@ token *first_inline(token *block)
 {
     token *t = block->child;
     while (t) {
-        if (is_block(t) || t->type <= LINE_START_COMMENT) t = t->child;
-        else if (t->type == MARKER_LIST_BULLET || t->type == MARKER_LIST_ENUMERATOR || token_is_indent(t)) t = t->next;
-        else return t;
+        if (is_block(t) || t->type <= LINE_START_COMMENT)
+            t = t->child;
+        else if (t->type == MARKER_LIST_BULLET || t->type == MARKER_LIST_ENUMERATOR || token_is_indent(t))
+            t = t->next;
+        else
+            return t;
     }
     return nullptr;
 }
@@ -34,7 +37,8 @@ size_t drop_label(const char *source, token *label)
     label->type = TEXT_EMPTY;
     colon->type = TEXT_EMPTY;
     token *t = colon->next;
-    for (; t && token_is_indent(t); t = t->next) t->type = TEXT_EMPTY;
+    for (; t && token_is_indent(t); t = t->next)
+        t->type = TEXT_EMPTY;
     if (t && t->type == TEXT_PLAIN) token_trim_leading_whitespace(t, source);
     return behind;
 }
@@ -58,7 +62,8 @@ footnote *new_note(const char *source, token *block, const token *label, bool lo
 
 void remove_trailing_line_ends(token *block)
 {
-    while (block->child && (block->child->tail->type == TEXT_NL || block->child->tail->type == TEXT_LINEBREAK))
+    while (block->child &&
+           (block->child->tail->type == TEXT_NL || block->child->tail->type == TEXT_LINEBREAK))
         token_remove_last_child(block);
 }
 
@@ -89,6 +94,20 @@ void define_abbreviation(mmd_engine *engine, token *block, token *label)
     stack_push(engine->abbreviation_stack, note);
 }
 
+// Takes out what stands before a place in the source; a token that reaches over it is cut.
+void drop_text_before(token *block, size_t place)
+{
+    for (token *t = block->child; t && t->start < place; t = t->next) {
+        if (t->type == TEXT_PLAIN && token_end(t) > place) {
+            t->len = token_end(t) - place;
+            t->start = place;
+            return;
+        }
+        t->type = TEXT_EMPTY;
+    }
+}
+
+// Text that goes on behind the link is a paragraph: no text is lost.
 void define_link(mmd_engine *engine, token *block, token *label)
 {
     const char *source = engine->dstr->str;
@@ -97,16 +116,21 @@ void define_link(mmd_engine *engine, token *block, token *label)
     entry->label_text = label_from_string(text_inside_pair(source, label));
     entry->clean_text = clean_inside_pair(source, label, true);
     entry->flags = LINK_REFERENCE;
-    const size_t behind = drop_label(source, label);
-    static_cast<void>(parse_link_target({source + behind, token_end(block) - behind}, *entry));
     stack_push(engine->link_stack, entry);
+    const size_t behind = drop_label(source, label);
+    const size_t end = token_end(block);
+    const size_t read = parse_link_target({source + behind, end - behind}, *entry);
+    if (read >= end - behind) return;
+    drop_text_before(block, behind + read);
+    block->type = BLOCK_PARA;
 }
 
 bool is_label(const token *t)
 {
     if (!t || !t->next || t->next->type != COLON || token_end(t) != t->next->start) return false;
-    return t->type == PAIR_BRACKET || t->type == PAIR_BRACKET_ABBREVIATION || t->type == PAIR_BRACKET_CITATION ||
-           t->type == PAIR_BRACKET_FOOTNOTE || t->type == PAIR_BRACKET_GLOSSARY;
+    return t->type == PAIR_BRACKET || t->type == PAIR_BRACKET_ABBREVIATION ||
+           t->type == PAIR_BRACKET_CITATION || t->type == PAIR_BRACKET_FOOTNOTE ||
+           t->type == PAIR_BRACKET_GLOSSARY;
 }
 
 void process_definition(mmd_engine *engine, token *block)
@@ -116,7 +140,9 @@ void process_definition(mmd_engine *engine, token *block)
         keep_as_text(block);
         return;
     }
-    switch (block->type) {
+    const uint16_t kind = block->type;
+    block->type = BLOCK_EMPTY;
+    switch (kind) {
     case BLOCK_DEF_ABBREVIATION:
         define_abbreviation(engine, block, label);
         break;
@@ -132,7 +158,6 @@ void process_definition(mmd_engine *engine, token *block)
     default:
         define_link(engine, block, label);
     }
-    block->type = BLOCK_EMPTY;
 }
 
 void store_label(mmd_engine *engine, const token *label, std::string_view text, const std::string &anchor)
@@ -184,11 +209,13 @@ void store_table_labels(mmd_engine *engine)
 token *table_caption(const token *table, token **label)
 {
     const token *para = table->next;
-    if (!para || para->type != BLOCK_PARA || !para->child || para->child->type != PAIR_BRACKET) return nullptr;
+    if (!para || para->type != BLOCK_PARA || !para->child || para->child->type != PAIR_BRACKET)
+        return nullptr;
     token *caption = para->child;
     token *last = caption->next && caption->next->type == PAIR_BRACKET ? caption->next : caption;
     const token *behind = last->next;
-    if (behind && (behind->next || (behind->type != TEXT_NL && behind->type != TEXT_LINEBREAK))) return nullptr;
+    if (behind && (behind->next || (behind->type != TEXT_NL && behind->type != TEXT_LINEBREAK)))
+        return nullptr;
     *label = last;
     return caption;
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a star, an underscore, a quote, a dollar may be: an opener, a closer, both or neither. The bytes before and behind
-// a token decide. A run of stars and underscores is looked at once, and the answer kept for the other tokens of the run:
-// tokens come in the order of the text.
+// What a star, an underscore, a quote, a dollar may be: an opener, a closer, both or neither. The bytes
+// before and behind a token decide. A run of stars and underscores is looked at once, and the answer kept for
+// the other tokens of the run: tokens come in the order of the text.
 #include "engine/Chars.h"
 #include "engine/Engine.h"
 #include "engine/Inlines.h"
@@ -61,22 +61,26 @@ void find_marks(direction_pass &pass, const token *t)
     if (t->start >= pass.marks.start && t->start < pass.marks.end) return;
     size_t start = t->start;
     size_t end = token_end(t);
-    while (is_emphasis_mark(pass.before(start))) --start;
-    while (is_emphasis_mark(pass.at(end))) ++end;
+    while (is_emphasis_mark(pass.before(start)))
+        --start;
+    while (is_emphasis_mark(pass.at(end)))
+        ++end;
     pass.marks = {start, end};
 }
 
 size_t stars_before(const direction_pass &pass, size_t place)
 {
     size_t count = 0;
-    while (pass.before(place - count) == '*') ++count;
+    while (pass.before(place - count) == '*')
+        ++count;
     return count;
 }
 
 size_t stars_behind(const direction_pass &pass, size_t place)
 {
     size_t count = 0;
-    while (pass.at(place + count) == '*') ++count;
+    while (pass.at(place + count) == '*')
+        ++count;
     return count;
 }
 
@@ -86,9 +90,11 @@ void count_stars(direction_pass &pass, const token *t)
     if (t->start >= pass.stars.start && t->start < pass.stars.end) return;
     star_run run{t->start - stars_before(pass, t->start), t->start + stars_behind(pass, t->start)};
     size_t left = run.start;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.before(left))) --left;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.before(left)))
+        --left;
     size_t right = run.end;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(right))) ++right;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(right)))
+        ++right;
     const size_t h = run.end - run.start;
     const size_t l = stars_before(pass, left);
     const size_t r = stars_behind(pass, right);
@@ -138,11 +144,15 @@ void direct_dollar(const direction_pass &pass, token *t)
 {
     if (pass.has(EXT_COMPATIBILITY)) return;
     const char before = pass.before(t->start);
-    if (t->start == 0 || char_is_whitespace_or_line_ending(before)) t->can_close = 0;
-    else clear_open_if(t, !char_is_punctuation(before));
+    if (t->start == 0 || char_is_whitespace_or_line_ending(before))
+        t->can_close = 0;
+    else
+        clear_open_if(t, !char_is_punctuation(before));
     const char behind = pass.at(token_end(t));
-    if (char_is_whitespace_or_line_ending(behind)) t->can_open = 0;
-    else clear_close_if(t, !char_is_punctuation(behind));
+    if (char_is_whitespace_or_line_ending(behind))
+        t->can_open = 0;
+    else
+        clear_close_if(t, !char_is_punctuation(behind));
 }
 
 bool stands_earlier(const direction_pass &pass, size_t place, char mark)
@@ -162,7 +172,8 @@ bool stands_later(const direction_pass &pass, size_t place, char mark)
 // Lets go of the tokens behind t that lie before `end`; one that reaches beyond is cut short.
 void swallow(token *t, size_t end)
 {
-    while (t->next && token_end(t->next) <= end) tokens_prune(t->next, t->next);
+    while (t->next && token_end(t->next) <= end)
+        tokens_prune(t->next, t->next);
     token *reaches = t->next;
     if (!reaches || reaches->start >= end) return;
     reaches->len = token_end(reaches) - end;
@@ -174,7 +185,8 @@ void extend_script(const direction_pass &pass, token *t)
 {
     const size_t start = token_end(t);
     size_t end = start;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(end))) ++end;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(end)))
+        ++end;
     if (end == start) return;
     swallow(t, end);
     t->len = end - t->start;
@@ -285,8 +297,10 @@ void direct(direction_pass &pass, token *t, int depth)
         direct_script(pass, t);
         break;
     case QUOTE_SINGLE:
-        if (is_apostrophe(pass, t)) t->type = APOSTROPHE;
-        else direct_quote(pass, t);
+        if (is_apostrophe(pass, t))
+            t->type = APOSTROPHE;
+        else
+            direct_quote(pass, t);
         break;
     case QUOTE_DOUBLE:
         direct_quote(pass, t);

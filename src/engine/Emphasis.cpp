@@ -11,8 +11,8 @@ bool is_matched_mark(const token *t)
     return t && (t->type == STAR || t->type == UL) && t->mate;
 }
 
-// The second opener of a strong pair, null when the mark is plain emphasis: the next mark is of the same kind, and the two
-// closers touch as the two openers do.
+// The second opener of a strong pair, null when the mark is plain emphasis: the next mark is of the same
+// kind, and the two closers touch as the two openers do.
 token *second_opener(const token *t)
 {
     token *next = t->next;
@@ -49,8 +49,10 @@ void pair_chain(token *t, int depth)
     if (depth >= kMaxDepth) return;
     for (; t; t = t->next) {
         if (is_matched_mark(t)) {
-            if (token *second = second_opener(t)) make_strong(t, second);
-            else make_emphasis(t);
+            if (token *second = second_opener(t))
+                make_strong(t, second);
+            else
+                make_emphasis(t);
         }
         if (t->child && t->type != PAIR_BACKTICK && t->type != PAIR_MATH) pair_chain(t->child, depth + 1);
     }

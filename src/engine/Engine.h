@@ -5,8 +5,9 @@
 //     d_string *html = mmd_d_string_convert(source, EXT_NOTES, FORMAT_HTML, LANG_EN, "");
 //     // html->str is "<p>Hello <em>world</em></p>\n"
 //
-// The text is UTF-8; positions and lengths are in bytes. No text is an error: every byte string gives a document. An
-// engine and all that hangs on it is used by one thread at a time; engines share nothing that changes.
+// The text is UTF-8; positions and lengths are in bytes. No text is an error: every byte string gives a
+// document. An engine and all that hangs on it is used by one thread at a time; engines share nothing that
+// changes.
 #pragma once
 
 #include "engine/DString.h"
@@ -22,23 +23,23 @@ struct asset_table;
 
 /// Extensions, the bits of one set.
 enum parser_extensions : uint32_t {
-    EXT_COMPATIBILITY = 1,      ///< plain Markdown: no metadata, tables, fences, math and so on
-    EXT_COMPLETE = 2,           ///< write a complete document, with a head
-    EXT_SNIPPET = 4,            ///< write a snippet whatever the metadata
-    EXT_SMART = 8,              ///< smart typography
-    EXT_NOTES = 16,             ///< footnotes, citations, glossary, abbreviations
-    EXT_NO_LABELS = 32,         ///< no ids on headings
-    EXT_PROCESS_HTML = 64,      ///< accepted; without effect
-    EXT_NO_METADATA = 128,      ///< metadata is text
-    EXT_OBFUSCATE = 256,        ///< mask the addresses of mailto: links (bare addresses are masked always)
-    EXT_CRITIC = 512,           ///< CriticMarkup
-    EXT_CRITIC_ACCEPT = 1024,   ///< write it with all changes accepted
-    EXT_CRITIC_REJECT = 2048,   ///< write it with all changes rejected
-    EXT_RANDOM_FOOT = 4096,     ///< random numbers in the anchors of footnotes
-    EXT_TRANSCLUDE = 8192,      ///< for callers: transclude the source before it is parsed (Transclude.h)
-    EXT_PARSE_OPML = 16384,     ///< the source is OPML
-    EXT_PARSE_ITMZ = 32768,     ///< the source is ITMZ
-    EXT_RANDOM_LABELS = 65536,  ///< random labels of headings
+    EXT_COMPATIBILITY = 1,     ///< plain Markdown: no metadata, tables, fences, math and so on
+    EXT_COMPLETE = 2,          ///< write a complete document, with a head
+    EXT_SNIPPET = 4,           ///< write a snippet whatever the metadata
+    EXT_SMART = 8,             ///< smart typography
+    EXT_NOTES = 16,            ///< footnotes, citations, glossary, abbreviations
+    EXT_NO_LABELS = 32,        ///< no ids on headings
+    EXT_PROCESS_HTML = 64,     ///< accepted; without effect
+    EXT_NO_METADATA = 128,     ///< metadata is text
+    EXT_OBFUSCATE = 256,       ///< mask the addresses of mailto: links (bare addresses are masked always)
+    EXT_CRITIC = 512,          ///< CriticMarkup
+    EXT_CRITIC_ACCEPT = 1024,  ///< write it with all changes accepted
+    EXT_CRITIC_REJECT = 2048,  ///< write it with all changes rejected
+    EXT_RANDOM_FOOT = 4096,    ///< random numbers in the anchors of footnotes
+    EXT_TRANSCLUDE = 8192,     ///< for callers: transclude the source before it is parsed (Transclude.h)
+    EXT_PARSE_OPML = 16384,    ///< the source is OPML
+    EXT_PARSE_ITMZ = 32768,    ///< the source is ITMZ
+    EXT_RANDOM_LABELS = 65536, ///< random labels of headings
 };
 
 enum output_format : uint16_t {
@@ -97,9 +98,11 @@ struct mmd_engine
     asset_table *asset_hash; ///< what the last export stored; null before
     uint32_t random_seed_base_labels;
 
-    token_arena *arena;         ///< all tokens of the tree
-    bool seen[kMaxTokenTypes];  ///< inline token types that the source holds: a pass without openers is left out
-    uint64_t random;    ///< state of the engine's own generator
+    token_arena *arena;                ///< all tokens of the tree
+    stack *openers;                    ///< of the pairing under way
+    uint8_t passes_of[kMaxTokenTypes]; ///< by inline token type: a bit for each pairing pass that knows it
+    uint8_t passes;  ///< the passes that something read so far is for; the others are left out
+    uint64_t random; ///< state of the engine's own generator
 };
 
 /// A new engine. The source is taken over, and freed with the engine only on request.
@@ -110,12 +113,13 @@ void mmd_engine_set_language(mmd_engine *engine, uint16_t language);
 void mmd_engine_reset(mmd_engine *engine);
 void mmd_engine_free(mmd_engine *engine, bool free_source);
 
-/// Parses a range of the source; a length of to_the_end means all from the start on. The tree belongs to the engine.
+/// Parses a range of the source; a length of to_the_end means all from the start on. The tree belongs to the
+/// engine.
 token *mmd_engine_parse_substring(mmd_engine *engine, size_t start, size_t len);
 /// Appends the parsed document in the format. False when there is no writer for it.
 bool mmd_engine_export(d_string *output, mmd_engine *engine, uint16_t format);
-/// Parses, exports and packs; the caller owns the result. `directory` is where a package's files are looked for. Null
-/// when there is no writer for the format.
+/// Parses, exports and packs; the caller owns the result. `directory` is where a package's files are looked
+/// for. Null when there is no writer for the format.
 [[nodiscard]] d_string *mmd_engine_convert(mmd_engine *engine, uint16_t format, const char *directory);
 /// The whole way in one call. The source stays the caller's.
 [[nodiscard]] d_string *mmd_d_string_convert(d_string *source, uint32_t extensions, uint16_t format,
@@ -127,8 +131,8 @@ bool mmd_engine_export(d_string *output, mmd_engine *engine, uint16_t format);
 /// True when the source begins with metadata; `end` (may be null) is where they end, 0 without.
 bool mmd_engine_has_metadata(mmd_engine *engine, size_t *end);
 bool mmd_d_string_has_metadata(d_string *source, size_t *end);
-/// The value of a key, or null; of equal keys the first. The key may stand in any spelling that has the same label form.
-/// The text belongs to the engine.
+/// The value of a key, or null; of equal keys the first. The key may stand in any spelling that has the same
+/// label form. The text belongs to the engine.
 [[nodiscard]] const char *mmd_engine_metavalue_for_key(mmd_engine *engine, const char *key);
 /// The same; the caller owns the text and frees it with std::free.
 [[nodiscard]] char *mmd_d_string_metavalue_for_key(d_string *source, const char *key);

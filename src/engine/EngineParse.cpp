@@ -11,8 +11,6 @@
 #include "engine/Assets.h"
 
 #include <chrono>
-#include <cstring>
-#include <vector>
 
 namespace tomelet::engine {
 
@@ -28,7 +26,8 @@ uint64_t fresh_seed(const mmd_engine *engine)
 template <typename Record>
 void free_records(stack *s)
 {
-    while (s->size > 0) delete static_cast<Record *>(stack_pop(s));
+    while (s->size > 0)
+        delete static_cast<Record *>(stack_pop(s));
 }
 
 } // namespace
@@ -43,10 +42,11 @@ mmd_engine *mmd_engine_create(d_string *source, uint32_t extensions)
         *pairings = token_pair_engine_new();
     register_pairings(engine);
     for (stack **s : {&engine->abbreviation_stack, &engine->citation_stack, &engine->definition_stack,
-                      &engine->footnote_stack, &engine->glossary_stack, &engine->header_stack, &engine->link_stack,
-                      &engine->metadata_stack, &engine->table_stack})
+                      &engine->footnote_stack, &engine->glossary_stack, &engine->header_stack,
+                      &engine->link_stack, &engine->metadata_stack, &engine->table_stack})
         *s = stack_new(0);
     engine->arena = token_arena_new();
+    engine->openers = stack_new(0);
     engine->random = fresh_seed(engine);
     if (extensions & EXT_RANDOM_LABELS)
         engine->random_seed_base_labels = static_cast<uint32_t>(next_random(engine->random) % 32000);
@@ -70,7 +70,8 @@ void mmd_engine_reset(mmd_engine *engine)
         free_records<footnote>(notes);
     free_records<link>(engine->link_stack);
     free_records<meta>(engine->metadata_stack);
-    for (stack *blocks : {engine->definition_stack, engine->header_stack, engine->table_stack}) blocks->size = 0;
+    for (stack *blocks : {engine->definition_stack, engine->header_stack, engine->table_stack})
+        blocks->size = 0;
 }
 
 void mmd_engine_free(mmd_engine *engine, bool free_source)
@@ -84,33 +85,11 @@ void mmd_engine_free(mmd_engine *engine, bool free_source)
                      engine->footnote_stack, engine->glossary_stack, engine->header_stack, engine->link_stack,
                      engine->metadata_stack, engine->table_stack})
         stack_free(s);
+    stack_free(engine->openers);
     token_arena_free(engine->arena);
     asset_table_free(engine->asset_hash);
     if (free_source) d_string_free(engine->dstr, true);
     delete engine;
-}
-
-static bool is_needed(const token_pair_engine *pairings, const bool *seen)
-{
-    for (int type = 0; type < kMaxTokenTypes; ++type)
-        if (pairings->involved[type] && seen[type]) return true;
-    return false;
-}
-
-// Block by block, so that a block's tokens go through all phases while they are at hand: none looks beyond its block.
-static void parse_inlines(mmd_engine *engine)
-{
-    std::vector<const token_pair_engine *> passes;
-    for (const token_pair_engine *pairings :
-         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4})
-        if (is_needed(pairings, engine->seen)) passes.push_back(pairings);
-    stack *openers = stack_new(0);
-    for (token *block = engine->root->child; block; block = block->next) {
-        mmd_assign_ambidextrous_tokens_in_block(engine, block, 0);
-        for (const token_pair_engine *pairings : passes) mmd_pair_tokens_in_block(block, pairings, openers);
-        pair_emphasis_tokens(block->child);
-    }
-    stack_free(openers);
 }
 
 token *mmd_engine_parse_substring(mmd_engine *engine, size_t start, size_t len)
@@ -122,12 +101,10 @@ token *mmd_engine_parse_substring(mmd_engine *engine, size_t start, size_t len)
     if (len > length - start) len = length - start;
     if (start != 0) engine->extensions |= EXT_NO_METADATA;
     engine->recurse_depth = 0;
-    std::memset(engine->seen, 0, sizeof engine->seen);
-    token *document = parse_document(engine, start, len);
-    engine->root = document;
-    parse_inlines(engine);
+    engine->passes = 0;
+    engine->root = parse_document(engine, start, len);
     engine->extensions = extensions;
-    return document;
+    return engine->root;
 }
 
 } // namespace tomelet::engine

@@ -52,6 +52,7 @@ bool mmd_engine_export(d_string *output, mmd_engine *engine, uint16_t format)
 d_string *mmd_engine_convert(mmd_engine *engine, uint16_t format, const char *)
 {
     d_string *output = d_string_new("");
+    d_string_ensure(output, engine->dstr->currentStringLength + engine->dstr->currentStringLength / 4);
     if (format == FORMAT_MMD) {
         d_string_append_c_array(output, engine->dstr->str, engine->dstr->currentStringLength);
         return output;

@@ -48,8 +48,8 @@ using namespace tomelet::engine;
 
 doc ::= blocks(B).                      { engine->root = B; }
 
-blocks(A) ::= blocks(B) block(C).       { strip_line_tokens_from_block(engine, C); A = chain(B, C); }
-blocks(A) ::= block(B).                 { engine->root = B; strip_line_tokens_from_block(engine, B); A = B; }
+blocks(A) ::= blocks(B) block(C).       { finish_block(engine, C); A = chain(B, C); }
+blocks(A) ::= block(B).                 { engine->root = B; finish_block(engine, B); A = B; }
 
 block(A) ::= LINE_ATX_1(B).             { A = heading_block(engine, B, BLOCK_H1); }
 block(A) ::= LINE_ATX_2(B).             { A = heading_block(engine, B, BLOCK_H2); }
@@ -180,7 +180,7 @@ list_bullet(A) ::= item_bullet(B).      { A = B; }
 item_bullet(A) ::= LINE_LIST_BULLETED(B) ext_chunk(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM); }
 item_bullet(A) ::= LINE_LIST_BULLETED(B) chunk(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM_TIGHT); }
 item_bullet(A) ::= LINE_LIST_BULLETED(B) nested_chunks(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM); }
-item_bullet(A) ::= LINE_LIST_BULLETED(B). { A = new_block(engine, B, BLOCK_LIST_ITEM_TIGHT); }
+item_bullet(A) ::= LINE_LIST_BULLETED(B). { A = short_list_item(engine, B); }
 
 list_enum(A) ::= list_enum(B) item_enum(C). { A = chain(B, C); }
 list_enum(A) ::= item_enum(B).          { A = B; }
@@ -188,7 +188,7 @@ list_enum(A) ::= item_enum(B).          { A = B; }
 item_enum(A) ::= LINE_LIST_ENUMERATED(B) ext_chunk(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM); }
 item_enum(A) ::= LINE_LIST_ENUMERATED(B) chunk(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM_TIGHT); }
 item_enum(A) ::= LINE_LIST_ENUMERATED(B) nested_chunks(C). { A = list_item(engine, B, C, BLOCK_LIST_ITEM); }
-item_enum(A) ::= LINE_LIST_ENUMERATED(B). { A = new_block(engine, B, BLOCK_LIST_ITEM_TIGHT); }
+item_enum(A) ::= LINE_LIST_ENUMERATED(B). { A = short_list_item(engine, B); }
 
 // Metadata, paragraphs, headings, tables.
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The forms of text under which definitions are found and headings are linked to. All are made from the source, never
-// from the rendered text.
+// The forms of text under which definitions are found and headings are linked to. All are made from the
+// source, never from the rendered text.
 #pragma once
 
 #include "engine/Token.h"
@@ -13,12 +13,12 @@ namespace tomelet::engine {
 struct mmd_engine;
 struct scratch_pad;
 
-/// The label form: ASCII letters in lower case, digits, "-", ".", ":", "_" and whole multi-byte characters; all else
-/// goes. label_from_string("Über uns: 1.") is "Überuns:1.".
+/// The label form: ASCII letters in lower case, digits, "-", ".", ":", "_" and whole multi-byte characters;
+/// all else goes. label_from_string("Über uns: 1.") is "Überuns:1.".
 [[nodiscard]] std::string label_from_string(std::string_view text);
 
-/// Runs of white space become one blank, those at the ends go; a backslash before a line end becomes a newline. With
-/// lowercase, ASCII letters are lowered.
+/// Runs of white space become one blank, those at the ends go; a backslash before a line end becomes a
+/// newline. With lowercase, ASCII letters are lowered.
 [[nodiscard]] std::string clean_string(std::string_view text, bool lowercase);
 
 /// The bytes of a token; they point into the source.
@@ -31,12 +31,13 @@ struct scratch_pad;
 
 /// The bytes of a heading's text: without markers, underline and what a list put before it.
 [[nodiscard]] std::string_view header_text(const char *source, const token *header);
-/// The bracket behind a heading's text that gives its label, null without. It becomes a MANUAL_LABEL, which is not written.
+/// The bracket behind a heading's text that gives its label, null without. It becomes a MANUAL_LABEL, which
+/// is not written.
 token *manual_label_from_header(token *header, const char *source);
-/// The label of heading number `index` of the document: the manual one, a random one (from the seed and the index, with
-/// EXT_RANDOM_LABELS), or the label form of its text.
-[[nodiscard]] std::string label_from_header(const char *source, token *header, uint32_t extensions, uint32_t seed,
-                                            size_t index);
+/// The label of heading number `index` of the document: the manual one, a random one (from the seed and the
+/// index, with EXT_RANDOM_LABELS), or the label form of its text.
+[[nodiscard]] std::string label_from_header(const char *source, token *header, uint32_t extensions,
+                                            uint32_t seed, size_t index);
 /// 1 to 6; 0 for what is no heading.
 [[nodiscard]] int header_level(const token *header);
 

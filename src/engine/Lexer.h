@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The lexer: cuts a range of the source into inline tokens. It knows nothing of lines or blocks, only the bytes from
-// the cursor on; what it skips before a token is plain text.
+// The lexer: cuts a range of the source into inline tokens. It knows nothing of lines or blocks, only the
+// bytes from the cursor on; what it skips before a token is plain text.
 #pragma once
 
 #include <cstddef>
@@ -13,7 +13,8 @@ struct lexer
     const char *start; ///< first byte of the token found last
     const char *cur;   ///< the first byte behind it
     const char *limit; ///< end of the range; the byte there can be read
-    /// Blanks before this place are known not to run to a line's end, so that a long run is looked through once.
+    /// Blanks before this place are known not to run to a line's end, so that a long run is looked through
+    /// once.
     const char *no_break_before;
 };
 

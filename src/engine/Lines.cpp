@@ -34,7 +34,8 @@ uint16_t plain_or_table(const line_view &v, uint16_t type)
 {
     if (type != LINE_PLAIN || v.has(EXT_COMPATIBILITY)) return type;
     for (const token *t = v.line->child; t; t = t->next)
-        if (t->type == PIPE) return scan_table_separator(v.text(), v.len()) ? LINE_TABLE_SEPARATOR : LINE_TABLE;
+        if (t->type == PIPE)
+            return scan_table_separator(v.text(), v.len()) ? LINE_TABLE_SEPARATOR : LINE_TABLE;
     return LINE_PLAIN;
 }
 
@@ -42,7 +43,8 @@ uint16_t plain_or_table(const line_view &v, uint16_t type)
 bool is_blank_line(const line_view &v)
 {
     const token *t = v.line->child->tail;
-    while (t && (token_is_indent(t) || is_line_end(t))) t = t->prev;
+    while (t && (token_is_indent(t) || is_line_end(t)))
+        t = t->prev;
     return !t;
 }
 
@@ -63,7 +65,8 @@ uint16_t heading_line(const line_view &v)
     if (!scan_atx(v.text(), v.len())) return LINE_PLAIN;
     v.first->type = static_cast<uint16_t>(MARKER_H1 + level);
     token *t = v.line->child->tail;
-    while (t && (token_is_indent(t) || is_line_end(t))) t = t->prev;
+    while (t && (token_is_indent(t) || is_line_end(t)))
+        t = t->prev;
     if (t && t->type >= HASH1 && t->type <= HASH6) t->type = static_cast<uint16_t>(t->type + 7);
     return static_cast<uint16_t>(LINE_ATX_1 + level);
 }
@@ -73,7 +76,8 @@ uint16_t fence_line(const line_view &v)
     if (v.has(EXT_COMPATIBILITY)) return LINE_PLAIN;
     const size_t longer = v.first->len < 5 ? v.first->len - 3 : 2;
     if (scan_fence_end(v.text(), v.len())) return static_cast<uint16_t>(LINE_FENCE_BACKTICK_3 + longer);
-    if (scan_fence_start(v.text(), v.len())) return static_cast<uint16_t>(LINE_FENCE_BACKTICK_START_3 + longer);
+    if (scan_fence_start(v.text(), v.len()))
+        return static_cast<uint16_t>(LINE_FENCE_BACKTICK_START_3 + longer);
     return LINE_PLAIN;
 }
 
@@ -103,8 +107,10 @@ size_t count_rule_marks(const line_view &v)
     const uint16_t mark = v.first->type;
     size_t count = v.first->len;
     for (const token *t = v.first->next; t && !is_line_end(t); t = t->next) {
-        if (t->type == mark) count += t->len;
-        else if (!token_is_indent(t) && !token_is_one_blank(t, v.source)) return 0;
+        if (t->type == mark)
+            count += t->len;
+        else if (!token_is_indent(t) && !token_is_one_blank(t, v.source))
+            return 0;
     }
     return count;
 }
@@ -257,8 +263,8 @@ uint16_t line_type(const line_view &v)
     }
 }
 
-// Whether metadata may go on behind this line: they begin on the first line, perhaps with dashes above them, and end
-// with the first line that neither is metadata nor goes on with a value.
+// Whether metadata may go on behind this line: they begin on the first line, perhaps with dashes above them,
+// and end with the first line that neither is metadata nor goes on with a value.
 void follow_metadata(const line_reader &reader, token *line)
 {
     bool &allowed = reader.engine->allow_meta;
@@ -268,8 +274,9 @@ void follow_metadata(const line_reader &reader, token *line)
         return;
     }
     const bool begun = !reader.is_first && reader.previous_type != LINE_YAML;
-    const bool goes_on = line->type == LINE_PLAIN || line->type == LINE_TABLE || line->type == LINE_TABLE_SEPARATOR ||
-                         line->type == LINE_INDENTED_TAB || line->type == LINE_INDENTED_SPACE;
+    const bool goes_on = line->type == LINE_PLAIN || line->type == LINE_TABLE ||
+                         line->type == LINE_TABLE_SEPARATOR || line->type == LINE_INDENTED_TAB ||
+                         line->type == LINE_INDENTED_SPACE;
     allowed = line->type == LINE_META || (begun && goes_on);
 }
 
@@ -284,13 +291,14 @@ token *close_line(line_reader &reader, token *line)
 
 void append_to_line(const line_reader &reader, token *line, uint16_t type, size_t start, size_t end)
 {
-    reader.engine->seen[type] = true;
+    reader.engine->passes |= reader.engine->passes_of[type];
     token_append_child(line, token_new(reader.engine->arena, type, start, end - start));
 }
 
-// Some tokens matter only where nothing but blanks and marks stands before them on the line. Behind visible text they are
-// written as they stand, whatever follows: there they stay part of the plain text round them, which saves a record for
-// each. What stands from `last`, where the last token ended, to `at` is text already.
+// Some tokens matter only where nothing but blanks and marks stands before them on the line. Behind visible
+// text they are written as they stand, whatever follows: there they stay part of the plain text round them,
+// which saves a record for each. What stands from `last`, where the last token ended, to `at` is text
+// already.
 bool stays_text(const mmd_engine *engine, uint16_t type, size_t last, size_t at)
 {
     if (at == last || char_is_whitespace(engine->dstr->str[at - 1])) return false;

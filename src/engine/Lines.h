@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// From the source to line tokens: each line holds its inline tokens as children, its end included, and has one of the
-// LINE_ types, which are all that the block grammar sees.
+// From the source to line tokens: each line holds its inline tokens as children, its end included, and has
+// one of the LINE_ types, which are all that the block grammar sees.
 #pragma once
 
 #include "engine/Lexer.h"
@@ -27,11 +27,13 @@ struct line_reader
 /// The next line, classified and belonging to the caller; null at the end.
 [[nodiscard]] token *read_line(line_reader &reader);
 
-/// Cuts a range of the source into lines. The result is a DOC_START_TOKEN over them. With stop_on_empty_line the first
-/// empty line is the last.
-[[nodiscard]] token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len, bool stop_on_empty_line);
+/// Cuts a range of the source into lines. The result is a DOC_START_TOKEN over them. With stop_on_empty_line
+/// the first empty line is the last.
+[[nodiscard]] token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len,
+                                         bool stop_on_empty_line);
 
-/// Gives a line its type by its first tokens; turns these into markers, and cuts blanks behind a list's marker.
+/// Gives a line its type by its first tokens; turns these into markers, and cuts blanks behind a list's
+/// marker.
 void mmd_assign_line_type(mmd_engine *engine, token *line);
 
 /// True for a token of blanks at a line's beginning or end: an indent, or plain text that is one blank.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The metadata at a document's beginning: lines of "key: value", perhaps between dashes. Keys are kept in label form, so
-// that "Base Header Level" and "baseheaderlevel" are one key; white space within a value folds to one blank, except that
-// a line that ends in a backslash keeps its end.
+// The metadata at a document's beginning: lines of "key: value", perhaps between dashes. Keys are kept in
+// label form, so that "Base Header Level" and "baseheaderlevel" are one key; white space within a value folds
+// to one blank, except that a line that ends in a backslash keeps its end.
 #pragma once
 
 #include "engine/Token.h"

@@ -17,11 +17,16 @@ bool is_latex(uint16_t format)
 // True when the key sets the level of headings for one format; `applies` tells whether it is this one.
 bool is_level_key(std::string_view key, uint16_t format, bool &applies)
 {
-    if (key == "epubheaderlevel") applies = format == FORMAT_EPUB;
-    else if (key == "htmlheaderlevel" || key == "xhtmlheaderlevel") applies = format == FORMAT_HTML;
-    else if (key == "latexheaderlevel") applies = is_latex(format);
-    else if (key == "odfheaderlevel") applies = format == FORMAT_FODT || format == FORMAT_ODT;
-    else return false;
+    if (key == "epubheaderlevel")
+        applies = format == FORMAT_EPUB;
+    else if (key == "htmlheaderlevel" || key == "xhtmlheaderlevel")
+        applies = format == FORMAT_HTML;
+    else if (key == "latexheaderlevel")
+        applies = is_latex(format);
+    else if (key == "odfheaderlevel")
+        applies = format == FORMAT_FODT || format == FORMAT_ODT;
+    else
+        return false;
     return true;
 }
 
@@ -54,13 +59,17 @@ struct quotes_name
 
 void set_quotes(scratch_pad &scratch, std::string_view value)
 {
-    static constexpr quotes_name names[] = {
-        {"dutch", QUOTES_DUTCH},     {"nl", QUOTES_DUTCH},
-        {"french", QUOTES_FRENCH},   {"fr", QUOTES_FRENCH},
-        {"german", QUOTES_GERMAN},   {"de", QUOTES_GERMAN},
-        {"spanish", QUOTES_SPANISH}, {"es", QUOTES_SPANISH},
-        {"swedish", QUOTES_SWEDISH}, {"sv", QUOTES_SWEDISH},
-        {"germanguillemets", QUOTES_GERMAN_GUILLEMETS}};
+    static constexpr quotes_name names[] = {{"dutch", QUOTES_DUTCH},
+                                            {"nl", QUOTES_DUTCH},
+                                            {"french", QUOTES_FRENCH},
+                                            {"fr", QUOTES_FRENCH},
+                                            {"german", QUOTES_GERMAN},
+                                            {"de", QUOTES_GERMAN},
+                                            {"spanish", QUOTES_SPANISH},
+                                            {"es", QUOTES_SPANISH},
+                                            {"swedish", QUOTES_SWEDISH},
+                                            {"sv", QUOTES_SWEDISH},
+                                            {"germanguillemets", QUOTES_GERMAN_GUILLEMETS}};
     scratch.quotes_lang = QUOTES_ENGLISH;
     for (const quotes_name &n : names)
         if (value == n.name) scratch.quotes_lang = n.quotes;
@@ -69,8 +78,10 @@ void set_quotes(scratch_pad &scratch, std::string_view value)
 void set_latex_mode(scratch_pad &scratch, std::string_view value)
 {
     if (scratch.output_format != FORMAT_LATEX) return;
-    if (value == "beamer") scratch.output_format = FORMAT_BEAMER;
-    else if (value == "memoir") scratch.output_format = FORMAT_MEMOIR;
+    if (value == "beamer")
+        scratch.output_format = FORMAT_BEAMER;
+    else if (value == "memoir")
+        scratch.output_format = FORMAT_MEMOIR;
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 #include "engine/Limits.h"
 #include "engine/Pairs.h"
 
+#include <initializer_list>
+
 namespace tomelet::engine {
 
 namespace {
@@ -71,12 +73,22 @@ constexpr pairing scripts_and_braces[] = {
 template <size_t N>
 void add(token_pair_engine *engine, const pairing (&pairings)[N])
 {
-    for (const pairing &p : pairings) token_pair_engine_add_pairing(engine, p.opener, p.closer, p.pair, p.options);
+    for (const pairing &p : pairings)
+        token_pair_engine_add_pairing(engine, p.opener, p.closer, p.pair, p.options);
 }
 
-} // namespace
+void note_passes(mmd_engine *engine)
+{
+    uint8_t bit = 1;
+    for (const token_pair_engine *pass :
+         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
+        for (int type = 0; type < kMaxTokenTypes; ++type)
+            if (pass->involved[type]) engine->passes_of[type] |= bit;
+        bit = static_cast<uint8_t>(bit << 1);
+    }
+}
 
-void register_pairings(mmd_engine *engine)
+void add_pairings(mmd_engine *engine)
 {
     if (engine->extensions & EXT_CRITIC) add(engine->pairings1, critic);
     add(engine->pairings2, comments);
@@ -89,6 +101,14 @@ void register_pairings(mmd_engine *engine)
     if (engine->extensions & EXT_COMPATIBILITY) return;
     add(engine->pairings3, math);
     add(engine->pairings4, scripts_and_braces);
+}
+
+} // namespace
+
+void register_pairings(mmd_engine *engine)
+{
+    add_pairings(engine);
+    note_passes(engine);
 }
 
 static void pair_tokens(token *block, const token_pair_engine *engine, stack *s, int depth)
@@ -141,6 +161,18 @@ static void pair_tokens(token *block, const token_pair_engine *engine, stack *s,
 void mmd_pair_tokens_in_block(token *block, const token_pair_engine *engine, stack *s)
 {
     pair_tokens(block, engine, s, 0);
+}
+
+void parse_inlines(mmd_engine *engine, token *block)
+{
+    mmd_assign_ambidextrous_tokens_in_block(engine, block, 0);
+    uint8_t passes = engine->passes;
+    for (const token_pair_engine *pass :
+         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
+        if (passes & 1) mmd_pair_tokens_in_block(block, pass, engine->openers);
+        passes >>= 1;
+    }
+    pair_emphasis_tokens(block->child);
 }
 
 } // namespace tomelet::engine

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A closer takes the newest opener on the stack that pairs with it, and everything above that opener is popped and
-// lost. So that text of many unmatched openers costs no more than any other, the openers of one type are linked among
-// themselves: a closer looks only at those that pair with it. While an opener is on the stack its `mate`, of no other
-// use then, is the next older opener of its type.
+// A closer takes the newest opener on the stack that pairs with it, and everything above that opener is
+// popped and lost. So that text of many unmatched openers costs no more than any other, the openers of one
+// type are linked among themselves: a closer looks only at those that pair with it. While an opener is on the
+// stack its `mate`, of no other use then, is the next older opener of its type.
 #include "engine/Pairs.h"
 
 #include "engine/Limits.h"
@@ -49,8 +49,8 @@ struct level
 {
     const token_pair_engine *engine;
     stack *openers;
-    size_t base;                       ///< what lies below on the stack belongs to other levels
-    uint32_t open = 0;               ///< a bit for each opener's slot that is on the stack
+    size_t base;                      ///< what lies below on the stack belongs to other levels
+    uint32_t open = 0;                ///< a bit for each opener's slot that is on the stack
     token *newest[kMaxPairSlots + 1]; ///< by opener's slot: the newest on the stack, where its bit is set
 };
 
@@ -102,12 +102,14 @@ token *find_opener(const level &l, const token *closer)
     return nullptr;
 }
 
-// Makes the two mates and returns the token that stands in the closer's place: itself, or the container of the pair.
+// Makes the two mates and returns the token that stands in the closer's place: itself, or the container of
+// the pair.
 token *match(level &l, token *parent, token *opener, token *closer)
 {
     const uint16_t pair =
         l.engine->pair_type[l.engine->can_open_pair[opener->type]][l.engine->can_close_pair[closer->type]];
-    while (pop(l) != opener) {}
+    while (pop(l) != opener) {
+    }
     opener->mate = closer;
     closer->mate = opener;
     opener->unmatched = 0;
@@ -135,7 +137,8 @@ void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine
             if (token *opener = find_opener(l, child)) child = match(l, parent, opener, child);
         if (child->can_open && child->unmatched && engine->can_open_pair[child->type]) push(l, child);
     }
-    while (s->size > l.base) pop(l);
+    while (s->size > l.base)
+        pop(l);
 }
 
 } // namespace tomelet::engine

@@ -47,19 +47,20 @@ struct footnote
     bool free_para = false;       ///< `content` is a paragraph made for this note
 };
 
-/// Reads "destination "title" key=value" into the link. `text` is what stands between the parentheses of a link, or
-/// behind the colon of a definition. Returns how much of it was read, with the blanks behind it; npos when this is no
-/// destination.
+/// Reads "destination "title" key=value" into the link. `text` is what stands between the parentheses of a
+/// link, or behind the colon of a definition. Returns how much of it was read, with the blanks behind it;
+/// npos when this is no destination.
 [[nodiscard]] size_t parse_link_target(std::string_view text, link &result);
 
-/// Turns the collected definition blocks into records on the engine's stacks and takes them out of the document.
+/// Turns the collected definition blocks into records on the engine's stacks and takes them out of the
+/// document.
 void process_definitions(mmd_engine *engine);
 /// Adds a link for each heading, and for each table with a caption.
 void store_header_labels(mmd_engine *engine);
 void store_table_labels(mmd_engine *engine);
 
-/// The caption of a table: the bracket that is all of the paragraph behind it. Null without. `label` becomes the second
-/// bracket, or the caption itself.
+/// The caption of a table: the bracket that is all of the paragraph behind it. Null without. `label` becomes
+/// the second bracket, or the caption itself.
 [[nodiscard]] token *table_caption(const token *table, token **label);
 
 } // namespace tomelet::engine

@@ -30,9 +30,9 @@ struct scratch_pad
 
     int padded = 2; ///< how many newlines stand at the end of the output, as the writer left them
     bool list_is_tight = false;
-    bool close_para = true;             ///< the paragraph's closing tag is due
-    int skip_token = 0;                 ///< how many of the next siblings to leave out
-    const token *open_para = nullptr;   ///< the paragraph that is being written
+    bool close_para = true;                ///< the paragraph's closing tag is due
+    int skip_token = 0;                    ///< how many of the next siblings to leave out
+    const token *open_para = nullptr;      ///< the paragraph that is being written
     const token *back_link_para = nullptr; ///< the last paragraph of the note that is being written
 
     string_table<link> link_hash;
@@ -66,7 +66,8 @@ struct scratch_pad
 
 /// A pad filled with what the engine collected.
 [[nodiscard]] scratch_pad scratch_pad_for(mmd_engine *engine, uint16_t format);
-/// Carries out what metadata say of the output: heading levels, language, quotes, format, a complete document.
+/// Carries out what metadata say of the output: heading levels, language, quotes, format, a complete
+/// document.
 void apply_metadata_settings(scratch_pad &scratch);
 /// The value of a metadata key in label form, null without; of equal keys the first.
 [[nodiscard]] const char *extract_metadata(const scratch_pad &scratch, std::string_view key);
@@ -77,12 +78,13 @@ void pad(d_string *out, int count, scratch_pad &scratch);
 /// The link that a bracket, or an image's bracket, stands for.
 struct link_use
 {
-    const link *target = nullptr;   ///< null: an ordinary bracket
+    const link *target = nullptr;    ///< null: an ordinary bracket
     std::unique_ptr<link> temporary; ///< holds an inline link
-    int skip = 0;                   ///< 1: the next token belongs to it
+    int skip = 0;                    ///< 1: the next token belongs to it
 };
 
-[[nodiscard]] link_use mmd_parse_brackets(const char *source, const scratch_pad &scratch, const token *bracket);
+[[nodiscard]] link_use mmd_parse_brackets(const char *source, const scratch_pad &scratch,
+                                          const token *bracket);
 [[nodiscard]] const link *extract_link_from_stack(const scratch_pad &scratch, std::string_view text);
 
 /// What the use of a note comes to.

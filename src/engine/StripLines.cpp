@@ -36,8 +36,10 @@ void move_children_up(token *block, token *line)
 void append_verbatim(mmd_engine *engine, token *block, size_t start, size_t end)
 {
     token *last = block->child ? block->child->tail : nullptr;
-    if (last && last->type == TEXT_PLAIN && token_end(last) == start) last->len = end - last->start;
-    else if (end > start) token_append_child(block, token_new(engine->arena, TEXT_PLAIN, start, end - start));
+    if (last && last->type == TEXT_PLAIN && token_end(last) == start)
+        last->len = end - last->start;
+    else if (end > start)
+        token_append_child(block, token_new(engine->arena, TEXT_PLAIN, start, end - start));
 }
 
 void strip_code_or_html_line(mmd_engine *engine, token *block, token *line)
@@ -50,7 +52,8 @@ void strip_code_or_html_line(mmd_engine *engine, token *block, token *line)
     const size_t end = token_end(line);
     if (first && first->type == CODE_FENCE)
         token_append_child(block, token_new(engine->arena, CODE_FENCE, first->start, end - first->start));
-    else if (first) append_verbatim(engine, block, first->start, end);
+    else if (first)
+        append_verbatim(engine, block, first->start, end);
     line->next = nullptr;
     token_tree_free(line);
 }
@@ -80,15 +83,22 @@ void strip_row(token *block, token *row)
     token_append_child(block, row);
 }
 
-// A definition that stands in a paragraph after all, since no term stood above it: text again, with its colon.
+// A definition that stands in a paragraph after all, since no term stood above it: text again, with its
+// colon.
 void dissolve_definition(mmd_engine *engine, token *block, token *definition)
 {
-    if (definition->child) definition->child->type = LINE_PLAIN;
+    if (token *first_line = definition->child) {
+        const token *last = first_line->child ? first_line->child->tail : nullptr;
+        if (last && first_line->next) // the line end that the paragraph has lost
+            token_append_child(first_line, token_new(engine->arena, TEXT_NL, token_end(last), 1));
+        first_line->type = LINE_PLAIN;
+    }
     strip_line_tokens_from_block(engine, definition);
     const char *source = engine->dstr->str;
     if (const token *first = definition->child) {
         size_t colon = first->start;
-        while (colon > 0 && char_is_whitespace(source[colon - 1])) --colon; // blanks were cut with the colon
+        while (colon > 0 && char_is_whitespace(source[colon - 1]))
+            --colon; // blanks were cut with the colon
         if (colon > 0 && source[colon - 1] == ':')
             token_append_child(block, token_new(engine->arena, COLON, colon - 1, first->start - colon + 1));
     }
@@ -97,7 +107,8 @@ void dissolve_definition(mmd_engine *engine, token *block, token *definition)
 
 void strip_text_line(token *block, token *line)
 {
-    while (line->child && is_indent(line->child)) token_remove_first_child(line);
+    while (line->child && is_indent(line->child))
+        token_remove_first_child(line);
     move_children_up(block, line);
 }
 
@@ -126,45 +137,60 @@ void strip_line(const char *source, token *block, token *line)
 
 void strip_all(mmd_engine *engine, token *block)
 {
-    const bool verbatim = block->type == BLOCK_CODE_FENCED || block->type == BLOCK_CODE_INDENTED ||
-                          block->type == BLOCK_HTML;
+    const bool verbatim =
+        block->type == BLOCK_CODE_FENCED || block->type == BLOCK_CODE_INDENTED || block->type == BLOCK_HTML;
     token *line = block->child;
     const size_t len = block->len;
     block->child = nullptr;
     while (line) {
         token *next = line->next;
         token_pop_link_from_chain(line);
-        if (verbatim) strip_code_or_html_line(engine, block, line);
-        else if (line->type == BLOCK_DEFINITION) dissolve_definition(engine, block, line);
-        else if (is_line(line)) strip_line(engine->dstr->str, block, line);
-        else token_append_child(block, line);
+        if (verbatim)
+            strip_code_or_html_line(engine, block, line);
+        else if (line->type == BLOCK_DEFINITION)
+            dissolve_definition(engine, block, line);
+        else if (is_line(line))
+            strip_line(engine->dstr->str, block, line);
+        else
+            token_append_child(block, line);
         line = next;
     }
+    if (!verbatim) drop_last_line_end(block);
     block->len = len;
 }
 
 void strip_definition_list(mmd_engine *engine, token *block)
 {
     for (token *t = block->child; t; t = t->next) {
-        if (t->type == LINE_EMPTY) t->type = TEXT_EMPTY;
-        else if (t->type == BLOCK_DEFINITION) strip_line_tokens_from_block(engine, t);
+        if (t->type == LINE_EMPTY)
+            t->type = TEXT_EMPTY;
+        else if (t->type == BLOCK_DEFINITION)
+            strip_line_tokens_from_block(engine, t);
     }
 }
 
 void strip_table(mmd_engine *engine, token *block)
 {
     for (token *t = block->child; t; t = t->next) {
-        if (t->type == LINE_EMPTY) t->type = TEXT_EMPTY;
-        else strip_line_tokens_from_block(engine, t);
+        if (t->type == LINE_EMPTY)
+            t->type = TEXT_EMPTY;
+        else
+            strip_line_tokens_from_block(engine, t);
     }
 }
 
 void remove_trailing_empty_lines(token *block)
 {
-    while (block->child && block->child->tail->type == LINE_EMPTY) token_remove_last_child(block);
+    while (block->child && block->child->tail->type == LINE_EMPTY)
+        token_remove_last_child(block);
 }
 
 } // namespace
+
+void drop_last_line_end(token *parent)
+{
+    if (parent->child && parent->child->tail->type == TEXT_NL) token_remove_last_child(parent);
+}
 
 void strip_line_tokens_from_block(mmd_engine *engine, token *block)
 {
@@ -178,8 +204,10 @@ void strip_line_tokens_from_block(mmd_engine *engine, token *block)
     case BLOCK_TABLE:
         strip_table(engine, block);
         break;
-    case BLOCK_EMPTY:
+    case BLOCK_EMPTY: // nobody looks into these
     case BLOCK_HR:
+        token_tree_free(block->child);
+        block->child = nullptr;
         break;
     case BLOCK_CODE_INDENTED:
         remove_trailing_empty_lines(block);

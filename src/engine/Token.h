@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// token: a type and a range of bytes of the source. A token owns no text, so the source must outlive the tree and
-// must not change while a tree stands over it. Tokens form chains (next, prev) and trees (child).
+// token: a type and a range of bytes of the source. A token owns no text, so the source must outlive the tree
+// and must not change while a tree stands over it. Tokens form chains (next, prev) and trees (child).
 //
-// Tokens come from an arena, which belongs to the engine. A token's address stays its own until it is freed; freeing a
-// token or a tree gives the records back to their arena, and freeing the arena frees all that is left.
+// Tokens come from an arena, which belongs to the engine. A token's address stays its own until it is freed;
+// freeing a token or a tree gives the records back to their arena, and freeing the arena frees all that is
+// left.
 #pragma once
 
 #include "engine/TokenTypes.h"
@@ -91,8 +92,10 @@ inline void token_chain_append(token *chain, token *appended)
 inline void token_append_child(token *parent, token *appended)
 {
     if (!parent || !appended) return;
-    if (parent->child) token_chain_append(parent->child, appended);
-    else parent->child = appended;
+    if (parent->child)
+        token_chain_append(parent->child, appended);
+    else
+        parent->child = appended;
     parent->len = token_end(appended->tail) - parent->start;
 }
 
@@ -109,11 +112,11 @@ void token_tree_free(token *t);
 /// Frees the token alone.
 void token_free(token *t);
 
-/// Folds a range into one token. `first` keeps its place in the chain and becomes the container; a copy of it becomes
-/// the container's first child and takes over its mate.
+/// Folds a range into one token. `first` keeps its place in the chain and becomes the container; a copy of it
+/// becomes the container's first child and takes over its mate.
 void token_prune_graft(token *first, token *last, uint16_t container_type);
-/// Cuts a range out of a token as a token of its own; nothing happens unless the range lies inside the token. The tail
-/// that the chain's first token knows is left to the caller, who may have many cuts to make.
+/// Cuts a range out of a token as a token of its own; nothing happens unless the range lies inside the token.
+/// The tail that the chain's first token knows is left to the caller, who may have many cuts to make.
 void token_split(token *t, size_t start, size_t len, uint16_t new_type);
 /// Cuts a token at each occurrence of a byte. The later pieces' lengths count from the first token's start.
 void token_split_on_char(token *t, const char *source, char byte);

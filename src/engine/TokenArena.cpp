@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the arena of a token
-// is found from its address, and tokens can be freed and copied without naming the arena.
+// The memory of tokens: chunks that are cut into records. A chunk lies at a multiple of its size, so the
+// arena of a token is found from its address, and tokens can be freed and copied without naming the arena.
 #include "engine/Token.h"
 
 #include <sys/mman.h>
@@ -14,11 +14,15 @@ namespace tomelet::engine {
 namespace {
 
 /// A chunk lies at a multiple of this and begins with its head.
-constexpr size_t chunk_size = 65536;
+constexpr size_t chunk_size = 16384;
 constexpr size_t head_size = 64;
-/// Chunks are allocated in slabs. The first holds one, and each as many as all before it together up to this, which the
-/// kernel can map as large pages.
-constexpr size_t largest_slab = 64;
+/// Chunks are allocated in slabs. The first holds one, and each twice as many as the one before it up to
+/// this.
+constexpr size_t largest_slab = 256;
+/// From the slab with this number on the memory may come in large pages; before, what a slab leaves unused
+/// would weigh.
+constexpr size_t first_large_pages = 16;
+constexpr size_t large_page = size_t{2} << 20;
 
 struct chunk
 {
@@ -31,6 +35,7 @@ struct slab
 {
     char *memory;
     size_t chunks;
+    size_t number;
     slab *older;
 };
 
@@ -51,19 +56,23 @@ static void start_on_slab(token_arena *arena, slab *s)
 static void add_slab(token_arena *arena)
 {
     const size_t chunks = arena->newest ? std::min(arena->newest->chunks * 2, largest_slab) : 1;
+    const size_t number = arena->newest ? arena->newest->number + 1 : 0;
+    const bool large = number >= first_large_pages;
     void *memory = nullptr;
-    if (posix_memalign(&memory, chunk_size, chunks * chunk_size) != 0) {
+    if (posix_memalign(&memory, large ? large_page : chunk_size, chunks * chunk_size) != 0) {
         std::fputs("Error allocating memory for tokens.\n", stderr);
         std::exit(1);
     }
-    if (chunks == largest_slab) madvise(memory, chunks * chunk_size, MADV_HUGEPAGE); // a hint, welcome to fail
-    start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, arena->newest});
+    if (large) madvise(memory, chunks * chunk_size, MADV_HUGEPAGE); // a hint, welcome to fail
+    start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, number, arena->newest});
 }
 
 void token_arena_grow(token_arena *arena)
 {
-    if (arena->newest && arena->chunk_end < arena->slab_end) start_on_chunk(arena, arena->chunk_end);
-    else add_slab(arena);
+    if (arena->newest && arena->chunk_end < arena->slab_end)
+        start_on_chunk(arena, arena->chunk_end);
+    else
+        add_slab(arena);
 }
 
 static token_arena *arena_of(const token *t)
@@ -102,6 +111,7 @@ void token_arena_reset(token_arena *arena)
     if (!kept) return;
     free_slabs(kept->older);
     kept->older = nullptr;
+    kept->number = 0;
     arena->given_back = nullptr;
     start_on_slab(arena, kept);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The types of tokens. The codes 1 to 39 are the terminals of the block grammar (Grammar.y lists them in the same
-// order); blocks and inline tokens are numbered behind them, so that lines and blocks can live in one field.
+// The types of tokens. The codes 1 to 39 are the terminals of the block grammar (Grammar.y lists them in the
+// same order); blocks and inline tokens are numbered behind them, so that lines and blocks can live in one
+// field.
 #pragma once
 
 #include <cstdint>

@@ -134,7 +134,8 @@ owned_string included_text(std::string &path, const std::string &folder, uint16_
     return text;
 }
 
-// The name of the marker that begins at `at`; `behind` becomes where the marker ends. Empty when there is no marker.
+// The name of the marker that begins at `at`; `behind` becomes where the marker ends. Empty when there is no
+// marker.
 std::string_view marker_name(std::string_view text, size_t at, size_t &behind)
 {
     const std::string_view reach = text.substr(at + 2, longest_name + 2);
@@ -144,8 +145,8 @@ std::string_view marker_name(std::string_view text, size_t at, size_t &behind)
     return reach.substr(0, stop);
 }
 
-std::string transcluded(std::string_view text, size_t from, const std::string &folder, uint16_t format, stack *parsed,
-                        stack *manifest)
+std::string transcluded(std::string_view text, size_t from, const std::string &folder, uint16_t format,
+                        stack *parsed, stack *manifest)
 {
     std::string result(text.substr(0, from));
     size_t done = from;
@@ -171,8 +172,8 @@ std::string transcluded(std::string_view text, size_t from, const std::string &f
 
 } // namespace
 
-void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path, uint16_t format,
-                           stack *parsed, stack *manifest)
+void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path,
+                           uint16_t format, stack *parsed, stack *manifest)
 {
     const std::string_view text(source->str, source->currentStringLength);
     if (text.find("{{") == std::string_view::npos) return;
@@ -197,7 +198,8 @@ d_string *scan_file(const char *path)
     while (const size_t count = std::fread(block, 1, sizeof block, file))
         d_string_append_c_array(text, block, count);
     std::fclose(file);
-    if (std::string_view(text->str, text->currentStringLength).starts_with("\xEF\xBB\xBF")) d_string_erase(text, 0, 3);
+    if (std::string_view(text->str, text->currentStringLength).starts_with("\xEF\xBB\xBF"))
+        d_string_erase(text, 0, 3);
     return text;
 }
 

@@ -37,7 +37,8 @@ struct match
 /// A new trie; a capacity below 2 gives 256 nodes.
 [[nodiscard]] trie *trie_new(size_t capacity);
 void trie_free(trie *t);
-/// Adds a key (its bytes up to the NUL); a key added twice keeps the last match type. An empty key is ignored.
+/// Adds a key (its bytes up to the NUL); a key added twice keeps the last match type. An empty key is
+/// ignored.
 void trie_insert(trie *t, const char *key, uint16_t match_type);
 /// Computes the failure links; needed once between the last insertion and the first search.
 void ac_trie_prepare(trie *t);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The writers, one row a format. A writer appends the document to the output from the tree and the scratch pad; a format
-// that comes in a package has a packer behind it, which turns that text into the package's bytes.
+// The writers, one row a format. A writer appends the document to the output from the tree and the scratch
+// pad; a format that comes in a package has a packer behind it, which turns that text into the package's
+// bytes.
 #pragma once
 
 #include "engine/Engine.h"

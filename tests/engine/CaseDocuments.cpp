@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Runs the documents in cases/: prose with examples of Markdown and the exact HTML that it becomes. Each section of a
-// document is a test, so that one runs alone: engine_test --gtest_filter='Cases.emphasis/*'. An example looks like this:
+// Runs the documents in cases/: prose with examples of Markdown and the exact HTML that it becomes. Each
+// section of a document is a test, so that one runs alone: engine_test --gtest_filter='Cases.emphasis/*'. An
+// example looks like this:
 //
 //     >>> flags
 //     Markdown
@@ -8,9 +9,10 @@
 //     HTML
 //     ===
 //
-// The flags are names as of `tomelet convert`; without any the extensions are the application's. "language=de" sets the
-// language. The last newline of the Markdown is left out with the flag "no-newline", and "\0" with "nul" is that byte. With
-// TOMELET_ACCEPT=1 in the environment the documents are rewritten with what the engine gives: look at the difference.
+// The flags are names as of `tomelet convert`; without any the extensions are the application's.
+// "language=de" sets the language. The last newline of the Markdown is left out with the flag "no-newline",
+// and "\0" with "nul" is that byte. With TOMELET_ACCEPT=1 in the environment the documents are rewritten with
+// what the engine gives: look at the difference.
 #include "engine/Engine.h"
 
 #include <gtest/gtest.h>
@@ -28,11 +30,16 @@ using namespace tomelet::engine;
 
 namespace {
 
-const std::map<std::string, uint32_t> flagBits = {
-    {"compatibility", EXT_COMPATIBILITY}, {"complete", EXT_COMPLETE},     {"snippet", EXT_SNIPPET},
-    {"smart", EXT_SMART},                 {"notes", EXT_NOTES},           {"no-labels", EXT_NO_LABELS},
-    {"no-metadata", EXT_NO_METADATA},     {"critic", EXT_CRITIC},         {"accept", EXT_CRITIC_ACCEPT},
-    {"reject", EXT_CRITIC_REJECT}};
+const std::map<std::string, uint32_t> flagBits = {{"compatibility", EXT_COMPATIBILITY},
+                                                  {"complete", EXT_COMPLETE},
+                                                  {"snippet", EXT_SNIPPET},
+                                                  {"smart", EXT_SMART},
+                                                  {"notes", EXT_NOTES},
+                                                  {"no-labels", EXT_NO_LABELS},
+                                                  {"no-metadata", EXT_NO_METADATA},
+                                                  {"critic", EXT_CRITIC},
+                                                  {"accept", EXT_CRITIC_ACCEPT},
+                                                  {"reject", EXT_CRITIC_REJECT}};
 const std::map<std::string, uint16_t> languages = {{"language=es", LANG_ES}, {"language=de", LANG_DE},
                                                    {"language=fr", LANG_FR}, {"language=nl", LANG_NL},
                                                    {"language=sv", LANG_SV}, {"language=he", LANG_HE}};
@@ -60,14 +67,16 @@ std::vector<std::string> wordsOf(const std::string &line)
 {
     std::istringstream words(line);
     std::vector<std::string> all;
-    for (std::string word; words >> word;) all.push_back(word);
+    for (std::string word; words >> word;)
+        all.push_back(word);
     return all;
 }
 
 std::string testName(const std::string &title)
 {
     std::string name;
-    for (const char c : title) name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+    for (const char c : title)
+        name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
     return name;
 }
 
@@ -80,7 +89,8 @@ std::vector<Section> readDocument(const std::filesystem::path &path)
     size_t number = 0;
     for (std::string line; std::getline(file, line);) {
         ++number;
-        if (!part && line.starts_with("## ")) sections.push_back({testName(line.substr(3)), {}});
+        if (!part && line.starts_with("## "))
+            sections.push_back({testName(line.substr(3)), {}});
         else if (!part && line.starts_with(">>>")) {
             sections.back().examples.push_back({number, wordsOf(line.substr(3)), "", ""});
             part = &sections.back().examples.back().input;
@@ -88,8 +98,10 @@ std::vector<Section> readDocument(const std::filesystem::path &path)
         } else if (part && line == "<<<") {
             part = &sections.back().examples.back().output;
             inOutput = true;
-        } else if (part && inOutput && line == "===") part = nullptr;
-        else if (part) *part += line + '\n';
+        } else if (part && inOutput && line == "===")
+            part = nullptr;
+        else if (part)
+            *part += line + '\n';
     }
     return sections;
 }
@@ -99,7 +111,8 @@ std::string sourceOf(const Example &example)
     std::string source = example.input;
     if (example.has("no-newline")) source.pop_back();
     if (example.has("nul"))
-        for (size_t at; (at = source.find("\\0")) != std::string::npos;) source.replace(at, 2, 1, '\0');
+        for (size_t at; (at = source.find("\\0")) != std::string::npos;)
+            source.replace(at, 2, 1, '\0');
     return source;
 }
 
@@ -117,6 +130,7 @@ std::string convert(const Example &example)
     d_string_append_c_array(source, text.data(), text.size());
     d_string *html = mmd_d_string_convert(source, extensions, FORMAT_HTML, language, "");
     std::string result(html->str, html->currentStringLength);
+    for (size_t at; (at = result.find('\0')) != std::string::npos;) result.replace(at, 1, "\\0");
     d_string_free(html, true);
     d_string_free(source, true);
     return result;
@@ -125,12 +139,16 @@ std::string convert(const Example &example)
 class SectionTest : public testing::Test
 {
 public:
-    SectionTest(std::string file, Section section) : m_file(std::move(file)), m_section(std::move(section)) {}
+    SectionTest(std::string file, Section section)
+        : m_file(std::move(file))
+        , m_section(std::move(section))
+    {}
     void TestBody() override
     {
         ASSERT_FALSE(m_section.examples.empty());
         for (const Example &example : m_section.examples)
-            EXPECT_EQ(convert(example), example.output) << m_file << ":" << example.line << "\n" << example.input;
+            EXPECT_EQ(convert(example), example.output) << m_file << ":" << example.line << "\n"
+                                                        << example.input;
     }
 
 private:
@@ -175,9 +193,9 @@ bool registerAll()
         }
         for (const Section &section : readDocument(path)) {
             const std::string file = path.filename().string();
-            testing::RegisterTest(("Cases." + path.stem().string()).c_str(), section.name.c_str(), nullptr, nullptr,
-                                  __FILE__, __LINE__,
-                                  [file, section]() -> testing::Test * { return new SectionTest(file, section); });
+            testing::RegisterTest(
+                ("Cases." + path.stem().string()).c_str(), section.name.c_str(), nullptr, nullptr, __FILE__,
+                __LINE__, [file, section]() -> testing::Test * { return new SectionTest(file, section); });
         }
     }
     return true;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Documents that are made to hurt. They are long enough to overflow a stack or to run for minutes where something is
-// recursive or quadratic that should not be; ctest's time limit is the judge of the latter.
+// Documents that are made to hurt. They are long enough to overflow a stack or to run for minutes where
+// something is recursive or quadratic that should not be; ctest's time limit is the judge of the latter.
 #include "engine/Engine.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +24,8 @@ std::string repeated(const std::string &part, size_t count)
 {
     std::string text;
     text.reserve(part.size() * count);
-    for (size_t i = 0; i < count; ++i) text += part;
+    for (size_t i = 0; i < count; ++i)
+        text += part;
     return text;
 }
 
@@ -44,9 +45,11 @@ const Hostile documents[] = {
     {"openers under code", repeated("[", 50000) + repeated("` `` ` ", 50000)},
     {"nested quotes", repeated("> ", 10000) + "a"},
     {"lazy quotes", repeated(">", 1000) + "a\n" + repeated("b\n", 500)},
-    {"nested items", [] {
+    {"nested items",
+     [] {
          std::string text;
-         for (size_t i = 0; i < 1200; ++i) text += repeated("\t", i) + "* a\n";
+         for (size_t i = 0; i < 1200; ++i)
+             text += repeated("\t", i) + "* a\n";
          return text;
      }()},
     {"open fence", "```\n" + repeated("a\n", 100000)},

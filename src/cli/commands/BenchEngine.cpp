@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `tomelet bench-engine [--repeat N] [--extensions N] FILE...`: how long the engine takes for the files, in memory.
+// `tomelet bench-engine [--repeat N] [--extensions N] FILE...`: how long the engine takes for the files, in
+// memory.
 #include "cli/Invocation.h"
 #include "cli/commands/AllCommands.h"
 #include "cli/commands/EngineOptions.h"
@@ -29,7 +30,8 @@ double secondsFor(const QList<QByteArray> &texts, int repeat, uint32_t extension
 {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < repeat; ++i)
-        for (const QByteArray &text : texts) convertOnce(text, extensions);
+        for (const QByteArray &text : texts)
+            convertOnce(text, extensions);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
@@ -39,7 +41,8 @@ int runBenchEngine(const Invocation &call)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Converts files in memory and prints the time it took."));
-    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."), QStringLiteral("FILE..."));
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."),
+                                 QStringLiteral("FILE..."));
     parser.addOption({QStringLiteral("repeat"), QStringLiteral("How many times."), QStringLiteral("N"),
                       QStringLiteral("1")});
     addExtensionsOption(parser);

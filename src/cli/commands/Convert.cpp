@@ -28,9 +28,9 @@ struct Named
 };
 
 constexpr Named outputFormats[] = {
-    {"html", FORMAT_HTML, ".html"},     {"epub", FORMAT_EPUB, ".epub"},     {"latex", FORMAT_LATEX, ".tex"},
-    {"beamer", FORMAT_BEAMER, ".tex"},  {"memoir", FORMAT_MEMOIR, ".tex"},  {"opml", FORMAT_OPML, ".opml"},
-    {"itmz", FORMAT_ITMZ, ".itmz"},     {"markdown", FORMAT_MMD, ".md"},
+    {"html", FORMAT_HTML, ".html"},    {"epub", FORMAT_EPUB, ".epub"},    {"latex", FORMAT_LATEX, ".tex"},
+    {"beamer", FORMAT_BEAMER, ".tex"}, {"memoir", FORMAT_MEMOIR, ".tex"}, {"opml", FORMAT_OPML, ".opml"},
+    {"itmz", FORMAT_ITMZ, ".itmz"},    {"markdown", FORMAT_MMD, ".md"},
 };
 
 // By the extension that makes the engine read the format.
@@ -39,15 +39,21 @@ constexpr Named inputFormats[] = {{"markdown", 0}, {"opml", EXT_PARSE_OPML}, {"i
 constexpr Named languages[] = {{"en", LANG_EN}, {"es", LANG_ES}, {"de", LANG_DE}, {"fr", LANG_FR},
                                {"nl", LANG_NL}, {"sv", LANG_SV}, {"he", LANG_HE}};
 
-constexpr Named flags[] = {
-    {"compatibility", EXT_COMPATIBILITY}, {"complete", EXT_COMPLETE},
-    {"snippet", EXT_SNIPPET},             {"smart", EXT_SMART},
-    {"notes", EXT_NOTES},                 {"no-labels", EXT_NO_LABELS},
-    {"process-html", EXT_PROCESS_HTML},   {"no-metadata", EXT_NO_METADATA},
-    {"obfuscate", EXT_OBFUSCATE},         {"critic", EXT_CRITIC},
-    {"accept", EXT_CRITIC_ACCEPT},        {"reject", EXT_CRITIC_REJECT},
-    {"random-foot", EXT_RANDOM_FOOT},     {"random-labels", EXT_RANDOM_LABELS},
-    {"transclude", EXT_TRANSCLUDE}};
+constexpr Named flags[] = {{"compatibility", EXT_COMPATIBILITY},
+                           {"complete", EXT_COMPLETE},
+                           {"snippet", EXT_SNIPPET},
+                           {"smart", EXT_SMART},
+                           {"notes", EXT_NOTES},
+                           {"no-labels", EXT_NO_LABELS},
+                           {"process-html", EXT_PROCESS_HTML},
+                           {"no-metadata", EXT_NO_METADATA},
+                           {"obfuscate", EXT_OBFUSCATE},
+                           {"critic", EXT_CRITIC},
+                           {"accept", EXT_CRITIC_ACCEPT},
+                           {"reject", EXT_CRITIC_REJECT},
+                           {"random-foot", EXT_RANDOM_FOOT},
+                           {"random-labels", EXT_RANDOM_LABELS},
+                           {"transclude", EXT_TRANSCLUDE}};
 
 const Named *find(std::span<const Named> table, const QString &name)
 {
@@ -59,7 +65,8 @@ const Named *find(std::span<const Named> table, const QString &name)
 QString namesOf(std::span<const Named> table)
 {
     QStringList names;
-    for (const Named &entry : table) names << QLatin1StringView(entry.name);
+    for (const Named &entry : table)
+        names << QLatin1StringView(entry.name);
     return names.join(QStringLiteral(", "));
 }
 
@@ -73,20 +80,23 @@ struct Job
 
 void describe(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(
-        QStringLiteral("Converts Markdown with the engine alone. Without FILE, or for \"-\", it reads standard "
-                       "input. With any of the single flags the extensions start from none."));
+    parser.setApplicationDescription(QStringLiteral(
+        "Converts Markdown with the engine alone. Without FILE, or for \"-\", it reads standard "
+        "input. With any of the single flags the extensions start from none."));
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."),
                                  QStringLiteral("[FILE...]"));
-    parser.addOption({QStringLiteral("to"), namesOf(outputFormats), QStringLiteral("FORMAT"), QStringLiteral("html")});
     parser.addOption(
-        {QStringLiteral("from"), namesOf(inputFormats), QStringLiteral("FORMAT"), QStringLiteral("markdown")});
-    parser.addOption({QStringLiteral("language"), namesOf(languages), QStringLiteral("L"), QStringLiteral("en")});
+        {QStringLiteral("to"), namesOf(outputFormats), QStringLiteral("FORMAT"), QStringLiteral("html")});
+    parser.addOption({QStringLiteral("from"), namesOf(inputFormats), QStringLiteral("FORMAT"),
+                      QStringLiteral("markdown")});
+    parser.addOption(
+        {QStringLiteral("language"), namesOf(languages), QStringLiteral("L"), QStringLiteral("en")});
     parser.addOption({QStringLiteral("o"), QStringLiteral("The result's file; with several inputs a folder."),
                       QStringLiteral("FILE")});
     addExtensionsOption(parser);
     for (const Named &flag : flags)
-        parser.addOption({QLatin1StringView(flag.name), QStringLiteral("Adds %1 to the extensions.").arg(flag.value)});
+        parser.addOption(
+            {QLatin1StringView(flag.name), QStringLiteral("Adds %1 to the extensions.").arg(flag.value)});
 }
 
 std::optional<uint32_t> extensions(const QCommandLineParser &parser)
@@ -101,11 +111,14 @@ std::optional<uint32_t> extensions(const QCommandLineParser &parser)
 // Converts bytes that stand in a file of the folder; `path` is empty for standard input.
 std::optional<QByteArray> convert(const Job &job, const QByteArray &text, const QString &path)
 {
-    const QByteArray folder = QFile::encodeName(path.isEmpty() ? QDir::currentPath() : QFileInfo(path).absolutePath());
+    const QByteArray folder =
+        QFile::encodeName(path.isEmpty() ? QDir::currentPath() : QFileInfo(path).absolutePath());
     d_string *source = d_string_new("");
-    d_string_append_c_array(source, text.constData(), static_cast<size_t>(text.size()));
+    const qsizetype mark = text.startsWith("\xEF\xBB\xBF") ? 3 : 0; // a byte order mark is no text
+    d_string_append_c_array(source, text.constData() + mark, static_cast<size_t>(text.size() - mark));
     if (job.extensions & EXT_TRANSCLUDE) {
-        const QByteArray file = path.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(path).absoluteFilePath());
+        const QByteArray file =
+            path.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(path).absoluteFilePath());
         mmd_transclude_source(source, folder.constData(), file.isEmpty() ? nullptr : file.constData(),
                               static_cast<uint16_t>(job.to->value), nullptr, nullptr);
     }
@@ -130,7 +143,8 @@ bool writeFile(const QString &path, const QByteArray &bytes, QString &error)
 QString resultPath(const QString &output, const QString &input, qsizetype inputs, const Named &format)
 {
     if (output.isEmpty() || inputs < 2) return output;
-    const QString name = input == QLatin1StringView("-") ? QStringLiteral("stdin") : QFileInfo(input).completeBaseName();
+    const QString name =
+        input == QLatin1StringView("-") ? QStringLiteral("stdin") : QFileInfo(input).completeBaseName();
     return output + u'/' + name + QLatin1StringView(format.suffix);
 }
 
@@ -141,10 +155,14 @@ int convertAll(const Job &job, const QStringList &inputs, const QString &output)
         const auto text = readInput(input, error);
         if (!text) return fail(error);
         const auto result = convert(job, *text, input == QLatin1StringView("-") ? QString() : input);
-        if (!result) return fail(QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(job.to->name)));
+        if (!result)
+            return fail(
+                QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(job.to->name)));
         const QString path = resultPath(output, input, inputs.size(), *job.to);
-        if (path.isEmpty()) writeBytes(*result);
-        else if (!writeFile(path, *result, error)) return fail(error);
+        if (path.isEmpty())
+            writeBytes(*result);
+        else if (!writeFile(path, *result, error))
+            return fail(error);
     }
     return Done;
 }
@@ -168,7 +186,8 @@ int runConvert(const Invocation &call)
     if (!mmd_format_is_available(static_cast<uint16_t>(to->value)))
         return fail(QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(to->name)));
     if (from->value != 0)
-        return fail(QStringLiteral("reading the format \"%1\" is not available").arg(QLatin1StringView(from->name)));
+        return fail(
+            QStringLiteral("reading the format \"%1\" is not available").arg(QLatin1StringView(from->name)));
 
     QStringList inputs = parser.positionalArguments();
     if (inputs.isEmpty()) inputs << QStringLiteral("-");

@@ -18,7 +18,8 @@ void addExtensionsOption(QCommandLineParser &parser);
 /// The mask of --extensions, the fallback without it; nothing when it is no number.
 [[nodiscard]] std::optional<uint32_t> extensionsOption(const QCommandLineParser &parser, uint32_t fallback);
 
-/// A file's bytes, or all of standard input for "-"; nothing when the file cannot be read, with `error` saying why.
+/// A file's bytes, or all of standard input for "-"; nothing when the file cannot be read, with `error`
+/// saying why.
 [[nodiscard]] std::optional<QByteArray> readInput(const QString &name, QString &error);
 
 } // namespace tomelet::cli

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The HTML writer. Its text is exact: style sheets and what works on the result rely on it. `padded` of the scratch pad
-// says how many newlines the writer last left at the end; a block asks for two before it and sets it to none behind it,
-// so that blocks stand one blank line apart without doubling.
+// The HTML writer. Its text is exact: style sheets and what works on the result rely on it. `padded` of the
+// scratch pad says how many newlines the writer last left at the end; a block asks for two before it and sets
+// it to none behind it, so that blocks stand one blank line apart without doubling.
 #pragma once
 
 #include "engine/DString.h"
@@ -40,9 +40,10 @@ void export_table_html(d_string *out, const char *source, token *table, scratch_
 void export_table_row_html(d_string *out, const char *source, token *row, scratch_pad &scratch);
 void export_table_cell_html(d_string *out, const char *source, token *cell, scratch_pad &scratch);
 void export_toc_html(d_string *out, const char *source, const token *block, scratch_pad &scratch);
-/// A list of the headings from number `counter` on that lie between min and max, as long as they are not above `level`.
-void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter, int level,
-                               int min, int max);
+/// A list of the headings from number `counter` on that lie between min and max, as long as they are not
+/// above `level`.
+void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter,
+                               int level, int min, int max);
 
 // Links and images. `bracket` is the token of the bracket.
 void export_bracket_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
@@ -58,7 +59,8 @@ void empty_delimiters(token *pair);
 // Notes: where they are used, the link back from their last paragraph, their lists.
 void export_footnote_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 /// With a locator when there is one: "[p. 3][#key]".
-void export_citation_html(d_string *out, const char *source, token *bracket, token *locator, scratch_pad &scratch);
+void export_citation_html(d_string *out, const char *source, token *bracket, token *locator,
+                          scratch_pad &scratch);
 void export_glossary_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_abbreviation_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_back_link_html(d_string *out, const scratch_pad &scratch);
@@ -70,7 +72,8 @@ void mmd_export_citation_list_html(d_string *out, const char *source, scratch_pa
 bool export_critic_html(d_string *out, const char *source, token *t, scratch_pad &scratch);
 
 // Text.
-/// A byte, escaped; a line end as a break with line_breaks; ASCII as a random reference when `random` is a generator.
+/// A byte, escaped; a line end as a break with line_breaks; ASCII as a random reference when `random` is a
+/// generator.
 void mmd_print_char_html(d_string *out, char byte, uint64_t *obfuscate, bool line_breaks);
 void mmd_print_string_html(d_string *out, std::string_view text, uint64_t *obfuscate, bool line_breaks);
 /// A dash, an ellipsis, an apostrophe or a quote in the style of the language.

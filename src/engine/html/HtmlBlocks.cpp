@@ -44,7 +44,8 @@ void export_paragraph(d_string *out, const char *source, const token *t, scratch
 void trim_trailing_whitespace(d_string *out)
 {
     size_t length = out->currentStringLength;
-    while (length > 0 && char_is_whitespace_or_line_ending(out->str[length - 1])) --length;
+    while (length > 0 && char_is_whitespace_or_line_ending(out->str[length - 1]))
+        --length;
     d_string_erase(out, length, to_the_end);
 }
 
@@ -86,7 +87,8 @@ void export_list(d_string *out, const char *source, const token *t, scratch_pad 
 // An item of one line keeps that line; one of more lines holds blocks, which write their own paragraphs.
 bool holds_a_line(const token *item)
 {
-    return item->child && (item->child->type == LINE_LIST_BULLETED || item->child->type == LINE_LIST_ENUMERATED);
+    return item->child &&
+           (item->child->type == LINE_LIST_BULLETED || item->child->type == LINE_LIST_ENUMERATED);
 }
 
 void export_list_item(d_string *out, const char *source, const token *t, scratch_pad &scratch)
@@ -105,7 +107,8 @@ void export_list_item(d_string *out, const char *source, const token *t, scratch
 void export_indented_code(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     const token *first = t->child;
-    while (first && first->type != TEXT_PLAIN) first = first->next; // a list's marker
+    while (first && first->type != TEXT_PLAIN)
+        first = first->next; // a list's marker
     pad(out, 2, scratch);
     print(out, "<pre><code>");
     mmd_export_token_tree_html_raw(out, source, first, scratch);
@@ -113,7 +116,8 @@ void export_indented_code(d_string *out, const char *source, const token *t, scr
     scratch.padded = 0;
 }
 
-void export_raw_fence(d_string *out, const char *source, const token *t, std::string_view filter, scratch_pad &scratch)
+void export_raw_fence(d_string *out, const char *source, const token *t, std::string_view filter,
+                      scratch_pad &scratch)
 {
     if (!raw_filter_text_matches(filter, scratch.output_format)) return;
     pad(out, 2, scratch);

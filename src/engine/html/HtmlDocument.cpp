@@ -21,9 +21,9 @@ std::string_view language_code(uint16_t language)
 bool is_silent_key(std::string_view key)
 {
     static constexpr std::string_view keys[] = {
-        "baseheaderlevel",  "bibliostyle", "bibtex",      "htmlfooter",  "htmlheaderlevel",
-        "language",         "latexbegin",  "latexconfig", "latexfooter", "latexheader",
-        "latexheaderlevel", "latexinput",  "latexleader", "latexmode",   "mmdfooter",
+        "baseheaderlevel",  "bibliostyle", "bibtex",         "htmlfooter",     "htmlheaderlevel",
+        "language",         "latexbegin",  "latexconfig",    "latexfooter",    "latexheader",
+        "latexheaderlevel", "latexinput",  "latexleader",    "latexmode",      "mmdfooter",
         "mmdheader",        "odfheader",   "quoteslanguage", "transcludebase", "xhtmlheaderlevel"};
     return std::find(std::begin(keys), std::end(keys), key) != std::end(keys);
 }

@@ -19,13 +19,14 @@ bool opens(const token *t)
 
 bool is_blank_token(const token *t)
 {
-    return t->type == TEXT_NL || t->type == TEXT_LINEBREAK || t->type == INDENT_TAB || t->type == INDENT_SPACE ||
-           t->type == NON_INDENT_SPACE;
+    return t->type == TEXT_NL || t->type == TEXT_LINEBREAK || t->type == INDENT_TAB ||
+           t->type == INDENT_SPACE || t->type == NON_INDENT_SPACE;
 }
 
 void trim_trailing_whitespace(const char *source, token *t)
 {
-    while (t->len > 0 && char_is_whitespace(source[token_end(t) - 1])) --t->len;
+    while (t->len > 0 && char_is_whitespace(source[token_end(t) - 1]))
+        --t->len;
 }
 
 // Cuts the blanks inside the delimiters of a code span.
@@ -34,10 +35,14 @@ void trim_code_span(const char *source, token *span)
     token *first = span->child->next;
     token *last = span->child->tail->prev;
     if (!first || first == span->child->tail) return;
-    if (is_blank_token(first)) first->type = TEXT_EMPTY;
-    else if (first->type == TEXT_PLAIN) token_trim_leading_whitespace(first, source);
-    if (is_blank_token(last)) last->type = TEXT_EMPTY;
-    else if (last->type == TEXT_PLAIN) trim_trailing_whitespace(source, last);
+    if (is_blank_token(first))
+        first->type = TEXT_EMPTY;
+    else if (first->type == TEXT_PLAIN)
+        token_trim_leading_whitespace(first, source);
+    if (is_blank_token(last))
+        last->type = TEXT_EMPTY;
+    else if (last->type == TEXT_PLAIN)
+        trim_trailing_whitespace(source, last);
 }
 
 void export_code_span(d_string *out, const char *source, token *t, scratch_pad &scratch)
@@ -59,8 +64,10 @@ void export_code_span(d_string *out, const char *source, token *t, scratch_pad &
 
 void export_backtick(d_string *out, const char *source, const token *t, const scratch_pad &scratch)
 {
-    if (t->mate && scratch.has(EXT_SMART)) mmd_print_localized_char_html(out, QUOTE_LEFT_DOUBLE, scratch);
-    else print(out, token_text(source, t));
+    if (t->mate && scratch.has(EXT_SMART))
+        mmd_print_localized_char_html(out, QUOTE_LEFT_DOUBLE, scratch);
+    else
+        print(out, token_text(source, t));
 }
 
 struct quote_forms
@@ -73,20 +80,25 @@ void export_quote(d_string *out, const token *t, const quote_forms &forms, const
 {
     if (t->mate && scratch.has(EXT_SMART))
         mmd_print_localized_char_html(out, opens(t) ? forms.left : forms.right, scratch);
-    else print(out, forms.plain);
+    else
+        print(out, forms.plain);
 }
 
 void export_smart(d_string *out, const char *source, const token *t, const scratch_pad &scratch)
 {
-    if (scratch.has(EXT_SMART)) mmd_print_localized_char_html(out, t->type, scratch);
-    else print(out, token_text(source, t));
+    if (scratch.has(EXT_SMART))
+        mmd_print_localized_char_html(out, t->type, scratch);
+    else
+        print(out, token_text(source, t));
 }
 
 void export_escaped(d_string *out, const char *source, const token *t, const scratch_pad &scratch)
 {
     const char byte = source[t->start + 1];
-    if (byte == ' ' && !scratch.is_compatible()) print(out, "&nbsp;");
-    else mmd_print_char_html(out, byte, nullptr, false);
+    if (byte == ' ' && !scratch.is_compatible())
+        print(out, "&nbsp;");
+    else
+        mmd_print_char_html(out, byte, nullptr, false);
 }
 
 void export_math(d_string *out, const char *source, const token *t, scratch_pad &scratch)
@@ -115,8 +127,10 @@ void export_script(d_string *out, const char *source, const token *t, scratch_pa
 void export_variable(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     const char *value = extract_metadata(scratch, label_from_string(text_inside_pair(source, t)));
-    if (value) mmd_print_string_html(out, value, nullptr, true);
-    else mmd_export_token_tree_html(out, source, t->child, scratch);
+    if (value)
+        mmd_print_string_html(out, value, nullptr, true);
+    else
+        mmd_export_token_tree_html(out, source, t->child, scratch);
 }
 
 void export_line_break(d_string *out, const token *t, scratch_pad &scratch)
@@ -270,8 +284,10 @@ void mmd_export_token_html(d_string *out, const char *source, token *t, scratch_
     if (export_inline_html(out, source, t, scratch) || export_block_html(out, source, t, scratch) ||
         export_critic_html(out, source, t, scratch))
         return;
-    if (t->child) mmd_export_token_tree_html(out, source, t->child, scratch);
-    else if (t->type > BLOCK_TOC) print(out, token_text(source, t));
+    if (t->child)
+        mmd_export_token_tree_html(out, source, t->child, scratch);
+    else if (t->type > BLOCK_TOC)
+        print(out, token_text(source, t));
 }
 
 void mmd_export_token_tree_html(d_string *out, const char *source, token *t, scratch_pad &scratch)
@@ -279,8 +295,10 @@ void mmd_export_token_tree_html(d_string *out, const char *source, token *t, scr
     if (scratch.recurse_depth >= kMaxDepth) return;
     ++scratch.recurse_depth;
     for (; t; t = t->next) {
-        if (scratch.skip_token > 0) --scratch.skip_token;
-        else mmd_export_token_html(out, source, t, scratch);
+        if (scratch.skip_token > 0)
+            --scratch.skip_token;
+        else
+            mmd_export_token_html(out, source, t, scratch);
     }
     --scratch.recurse_depth;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Footnotes, citations, glossary entries and abbreviations: their marks in the text and their lists at its end.
+// Footnotes, citations, glossary entries and abbreviations: their marks in the text and their lists at its
+// end.
 #include "engine/html/Html.h"
 
 #include "engine/Labels.h"
@@ -123,7 +124,8 @@ void export_footnote_html(d_string *out, const char *source, token *bracket, scr
     print(out, "</sup></a>");
 }
 
-void export_citation_html(d_string *out, const char *source, token *bracket, token *locator, scratch_pad &scratch)
+void export_citation_html(d_string *out, const char *source, token *bracket, token *locator,
+                          scratch_pad &scratch)
 {
     const note_use use = citation_from_bracket(source, scratch, bracket);
     if (locator) scratch.skip_token = 0;
@@ -167,8 +169,10 @@ void export_back_link_html(d_string *out, const scratch_pad &scratch)
 {
     if (const int number = scratch.footnotes.being_printed)
         print_back_link(out, "fn", footnote_anchor(scratch, number), "reversefootnote");
-    if (const int number = scratch.glossary.being_printed) print_back_link(out, "gn", number, "reverseglossary");
-    if (const int number = scratch.citations.being_printed) print_back_link(out, "cn", number, "reversecitation");
+    if (const int number = scratch.glossary.being_printed)
+        print_back_link(out, "gn", number, "reverseglossary");
+    if (const int number = scratch.citations.being_printed)
+        print_back_link(out, "cn", number, "reversecitation");
 }
 
 void mmd_export_footnote_list_html(d_string *out, const char *source, scratch_pad &scratch)
@@ -179,12 +183,14 @@ void mmd_export_footnote_list_html(d_string *out, const char *source, scratch_pa
 
 void mmd_export_glossary_list_html(d_string *out, const char *source, scratch_pad &scratch)
 {
-    export_note_list(out, source, scratch, scratch.glossary, {"<div class=\"glossary\">\n<hr />\n<ol>", "gn", true});
+    export_note_list(out, source, scratch, scratch.glossary,
+                     {"<div class=\"glossary\">\n<hr />\n<ol>", "gn", true});
 }
 
 void mmd_export_citation_list_html(d_string *out, const char *source, scratch_pad &scratch)
 {
-    export_note_list(out, source, scratch, scratch.citations, {"<div class=\"citations\">\n<hr />\n<ol>", "cn", false});
+    export_note_list(out, source, scratch, scratch.citations,
+                     {"<div class=\"citations\">\n<hr />\n<ol>", "cn", false});
 }
 
 } // namespace tomelet::engine

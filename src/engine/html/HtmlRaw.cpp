@@ -16,7 +16,8 @@ std::string_view marker_and_blanks(const char *source, const token *t)
 {
     size_t end = token_end(t);
     const size_t limit = t->next ? t->next->start : end;
-    while (end < limit && char_is_whitespace(source[end])) ++end;
+    while (end < limit && char_is_whitespace(source[end]))
+        ++end;
     return {source + t->start, end - t->start};
 }
 
@@ -68,8 +69,10 @@ void mmd_export_token_html_raw(d_string *out, const char *source, const token *t
         mmd_print_string_html(out, token_text(source, t), nullptr, false); // its text too, if it has any
         break;
     default:
-        if (t->child) mmd_export_token_tree_html_raw(out, source, t->child, scratch);
-        else mmd_print_string_html(out, token_text(source, t), nullptr, false);
+        if (t->child)
+            mmd_export_token_tree_html_raw(out, source, t->child, scratch);
+        else
+            mmd_print_string_html(out, token_text(source, t), nullptr, false);
     }
 }
 
@@ -77,20 +80,24 @@ void mmd_export_token_tree_html_raw(d_string *out, const char *source, const tok
 {
     if (scratch.recurse_depth >= kMaxDepth) return;
     ++scratch.recurse_depth;
-    for (; t; t = t->next) mmd_export_token_html_raw(out, source, t, scratch);
+    for (; t; t = t->next)
+        mmd_export_token_html_raw(out, source, t, scratch);
     --scratch.recurse_depth;
 }
 
 void mmd_export_token_html_math(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     const std::string_view delimiter = math_delimiter(t);
-    if (!delimiter.empty()) print(out, delimiter);
-    else mmd_export_token_html_raw(out, source, t, scratch);
+    if (!delimiter.empty())
+        print(out, delimiter);
+    else
+        mmd_export_token_html_raw(out, source, t, scratch);
 }
 
 void mmd_export_token_tree_html_math(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
-    for (; t; t = t->next) mmd_export_token_html_math(out, source, t, scratch);
+    for (; t; t = t->next)
+        mmd_export_token_html_math(out, source, t, scratch);
 }
 
 } // namespace tomelet::engine

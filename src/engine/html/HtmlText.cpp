@@ -31,7 +31,8 @@ std::string_view entity_for(char byte)
 constexpr std::array<bool, 256> make_escaped()
 {
     std::array<bool, 256> table{};
-    for (const char c : {'"', '&', '<', '>'}) table[static_cast<unsigned char>(c)] = true;
+    for (const char c : {'"', '&', '<', '>'})
+        table[static_cast<unsigned char>(c)] = true;
     return table;
 }
 
@@ -50,11 +51,14 @@ void print_escaped(d_string *out, std::string_view text)
 }
 
 // By quotes_style.
-constexpr std::string_view left_single[] = {"&#8216;", "&#8216;", "&#39;", "&#8218;", "&#8250;", "&#8216;", "&#8217;"};
+constexpr std::string_view left_single[] = {"&#8216;", "&#8216;", "&#39;",  "&#8218;",
+                                            "&#8250;", "&#8216;", "&#8217;"};
 constexpr std::string_view right_single[] = {"&#8217;", "&#8217;", "&#8217;", "&#8216;",
                                              "&#8249;", "&#8217;", "&#8217;"};
-constexpr std::string_view left_double[] = {"&#8220;", "&#8222;", "&#171;", "&#8222;", "&#187;", "&#171;", "&#8221;"};
-constexpr std::string_view right_double[] = {"&#8221;", "&#8221;", "&#187;", "&#8220;", "&#171;", "&#187;", "&#8221;"};
+constexpr std::string_view left_double[] = {"&#8220;", "&#8222;", "&#171;", "&#8222;",
+                                            "&#187;",  "&#171;",  "&#8221;"};
+constexpr std::string_view right_double[] = {"&#8221;", "&#8221;", "&#187;", "&#8220;",
+                                             "&#171;",  "&#187;",  "&#8221;"};
 
 } // namespace
 
@@ -69,11 +73,14 @@ static void print_reference(d_string *out, unsigned char byte, bool hexadecimal)
 
 void mmd_print_char_html(d_string *out, char byte, uint64_t *obfuscate, bool line_breaks)
 {
-    if (line_breaks && (byte == '\n' || byte == '\r')) print(out, "<br/>\n");
-    else if (const std::string_view entity = entity_for(byte); !entity.empty()) print(out, entity);
+    if (line_breaks && (byte == '\n' || byte == '\r'))
+        print(out, "<br/>\n");
+    else if (const std::string_view entity = entity_for(byte); !entity.empty())
+        print(out, entity);
     else if (obfuscate && static_cast<unsigned char>(byte) < 0x80)
         print_reference(out, static_cast<unsigned char>(byte), next_random(*obfuscate) % 2);
-    else print(out, {&byte, 1});
+    else
+        print(out, {&byte, 1});
 }
 
 void mmd_print_string_html(d_string *out, std::string_view text, uint64_t *obfuscate, bool line_breaks)
@@ -82,7 +89,8 @@ void mmd_print_string_html(d_string *out, std::string_view text, uint64_t *obfus
         print_escaped(out, text);
         return;
     }
-    for (const char byte : text) mmd_print_char_html(out, byte, obfuscate, line_breaks);
+    for (const char byte : text)
+        mmd_print_char_html(out, byte, obfuscate, line_breaks);
 }
 
 void mmd_print_localized_char_html(d_string *out, uint16_t type, const scratch_pad &scratch)
@@ -140,18 +148,24 @@ static void print_plain_token(d_string *out, const char *source, const token *t,
 {
     const std::string_view text = token_text(source, t);
     if (is_mark_of_markup(t)) return;
-    if (t->child) print_plain_text_html(out, source, t->child, scratch);
-    else if (t->type == ESCAPED_CHARACTER) mmd_print_string_html(out, text.substr(1), nullptr, false);
-    else if (t->type == HTML_ENTITY || t->type == AMPERSAND_LONG) print(out, text);
-    else if (t->type == TEXT_NL || t->type == TEXT_LINEBREAK) print(out, t->next ? "\n" : "");
-    else mmd_print_string_html(out, text, nullptr, false);
+    if (t->child)
+        print_plain_text_html(out, source, t->child, scratch);
+    else if (t->type == ESCAPED_CHARACTER)
+        mmd_print_string_html(out, text.substr(1), nullptr, false);
+    else if (t->type == HTML_ENTITY || t->type == AMPERSAND_LONG)
+        print(out, text);
+    else if (t->type == TEXT_NL || t->type == TEXT_LINEBREAK)
+        print(out, t->next ? "\n" : "");
+    else
+        mmd_print_string_html(out, text, nullptr, false);
 }
 
 void print_plain_text_html(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     if (scratch.recurse_depth >= kMaxDepth) return;
     ++scratch.recurse_depth;
-    for (; t; t = t->next) print_plain_token(out, source, t, scratch);
+    for (; t; t = t->next)
+        print_plain_token(out, source, t, scratch);
     --scratch.recurse_depth;
 }
 
