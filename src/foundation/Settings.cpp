@@ -4,9 +4,12 @@
 #include "foundation/Conversions.h"
 #include "foundation/Log.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
+
+#include <mutex>
 
 namespace tomelet {
 
@@ -37,32 +40,53 @@ QStringList Settings::stringList(const QString &key) const
 
 namespace {
 
+// The store holds the server's password, so only its owner reads it.
+void makePrivate(const QString &path)
+{
+    QFile file(path);
+    if (!file.exists() && (!QDir().mkpath(QFileInfo(path).path()) || !file.open(QIODevice::WriteOnly))) return;
+    file.setPermissions(QFile::ReadOwner | QFile::WriteOwner);
+}
+
+// Read by the main thread and by the queues; QSettings by itself is for one thread at a time.
 class IniSettings final : public Settings
 {
 public:
-    explicit IniSettings(const QString &path) : m_store(path, QSettings::IniFormat) {}
+    explicit IniSettings(const QString &path) : m_path(path), m_store(path, QSettings::IniFormat) {}
 
     QVariant object(const QString &key) const override
     {
+        const std::lock_guard lock(m_mutex);
         if (!m_store.contains(key)) return {};
         return variantFromJsonText(m_store.value(key).toString());
     }
 
     void setObject(const QString &key, const QVariant &value) override
     {
+        const std::lock_guard lock(m_mutex);
+        if (!m_isPrivate) makePrivate(m_path);
+        m_isPrivate = true;
         if (!value.isValid()) m_store.remove(key);
         else m_store.setValue(key, jsonTextFromVariant(value));
     }
 
-    QStringList keys() const override { return m_store.allKeys(); }
+    QStringList keys() const override
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_store.allKeys();
+    }
     bool synchronize() override
     {
+        const std::lock_guard lock(m_mutex);
         m_store.sync();
         return m_store.status() == QSettings::NoError;
     }
 
 private:
+    mutable std::mutex m_mutex;
+    QString m_path;
     QSettings m_store;
+    bool m_isPrivate = false;
 };
 
 class MemorySettings final : public Settings
