@@ -28,6 +28,8 @@ std::span<const Command> commands()
         {"pin", "pins an item to the top of its book, or unpins it", runPin},
         {"favorite", "makes an item a favorite, or no longer one", runFavorite},
         {"label", "labels an item with a colour", runLabel},
+        {"contexts", "all contexts with the numbers of their items", runContexts},
+        {"context", "changes contexts", runContext},
         {"serve", "serves the notebook over HTTP and WebDAV", runServe},
         {"watch", "follows the notebook and prints each change", runWatch},
         {"op", "calls one operation by its name", runOp},

@@ -8,6 +8,7 @@
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/SetUp.h"
+#include "organising/NotebookOrganiser.h"
 
 #include <QDir>
 #include <QFile>
@@ -62,6 +63,7 @@ void takeOptions(const Invocation &call)
         };
     else now.ask = askAtTerminal;
     startDiagnosticLog(false);
+    installNotebookOrganiser();
 }
 
 std::optional<int> openNotebook(const Invocation &call)

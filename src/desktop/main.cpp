@@ -5,6 +5,7 @@
 #include "foundation/Folder.h"
 #include "foundation/Resources.h"
 #include "foundation/Signals.h"
+#include "organising/NotebookOrganiser.h"
 
 #include <QApplication>
 #include <QDir>
@@ -50,6 +51,7 @@ int main(int argc, char *argv[])
     desktop::SingleInstance instance;
     if (instance.handedOverTo(path)) return 0;
 
+    installNotebookOrganiser();
     desktop::DesktopShell shell;
     QObject::connect(&instance, &desktop::SingleInstance::handedOver, &shell, &desktop::DesktopShell::handOver);
     const QuitOnSignals quitter;

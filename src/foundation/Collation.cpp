@@ -3,7 +3,7 @@
 
 #include <unicode/ucol.h>
 
-#include <cstdlib>
+#include <algorithm>
 #include <memory>
 
 namespace tomelet {
@@ -111,12 +111,20 @@ QByteArray standardSortKey(const QString &name)
     return sortKey(tertiaryNumeric(), name);
 }
 
+static bool isPlainAscii(const QString &text)
+{
+    return std::all_of(text.begin(), text.end(),
+                       [](QChar unit) { return unit.unicode() >= 0x20 && unit.unicode() < 0x7f; });
+}
+
 std::optional<qsizetype> tm_localizedIndexOfObject(const QStringList &list, const QString &text)
 {
     if (text.isNull()) return std::nullopt;
     if (const qsizetype exact = list.indexOf(text); exact >= 0) return exact;
+    // Two different texts of plain ASCII are never equal, so most lists need no collation at all.
+    const bool isPlain = isPlainAscii(text);
     for (qsizetype i = 0; i < list.size(); ++i)
-        if (localizedCompare(list[i], text) == 0) return i;
+        if (!(isPlain && isPlainAscii(list[i])) && localizedCompare(list[i], text) == 0) return i;
     return std::nullopt;
 }
 

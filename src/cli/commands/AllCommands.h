@@ -8,6 +8,8 @@ struct Invocation;
 
 int runBenchEngine(const Invocation &call);
 int runBook(const Invocation &call);
+int runContext(const Invocation &call);
+int runContexts(const Invocation &call);
 int runConvert(const Invocation &call);
 int runCp(const Invocation &call);
 int runDuplicate(const Invocation &call);

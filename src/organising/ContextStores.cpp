@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/ContextStores.h"
+
+#include "foundation/Clock.h"
+#include "foundation/Collation.h"
+#include "foundation/Folder.h"
+#include "foundation/Platform.h"
+#include "foundation/PropertyStore.h"
+#include "foundation/SafeWriter.h"
+#include "library/ItemPath.h"
+#include "organising/Contexts.h"
+
+#include <QLocale>
+
+#include <algorithm>
+
+namespace tomelet {
+
+namespace {
+
+QString listFile()
+{
+    return miscFile(QStringLiteral("AvailableTags.txt"));
+}
+
+QString indexFile()
+{
+    return joinPath(rootStateFolder(), QStringLiteral("TagDB.plist"));
+}
+
+QString infoFile()
+{
+    return joinPath(rootStateFolder(), QStringLiteral("Info.plist"));
+}
+
+} // namespace
+
+ContextStores::ContextStores()
+{
+    const QVariantMap stored = readDictionary(indexFile());
+    for (auto it = stored.begin(); it != stored.end(); ++it) index.insert(it.key(), it.value().toStringList());
+    list = readStringArray(listFile());
+    m_savedIndex = index;
+    m_savedList = list;
+}
+
+QString ContextStores::keyFor(const QString &word) const
+{
+    if (index.contains(word)) return word;
+    for (auto it = index.begin(); it != index.end(); ++it)
+        if (localizedCompare(it.key(), word) == 0) return it.key();
+    return word;
+}
+
+void ContextStores::dropIfUnused(const QString &word)
+{
+    if (managesContextsAutomatically() && !word.isEmpty() && tm_tagIsManagedAutomatically(word)) list.removeAll(word);
+}
+
+bool ContextStores::save()
+{
+    if (list != m_savedList && makeMiscFolder()) {
+        writeStore(listFile(), QVariantList(list.begin(), list.end()));
+        m_savedList = list;
+    }
+    if (index == m_savedIndex || !makeFolder(rootStateFolder())) return false;
+    QVariantMap stored;
+    for (auto it = index.begin(); it != index.end(); ++it)
+        stored.insert(it.key(), QVariantList(it.value().begin(), it.value().end()));
+    writeStore(indexFile(), stored);
+    m_savedIndex = index;
+    return true;
+}
+
+void announceContexts()
+{
+    notifications().post(QStringLiteral("TMLTReloadContextSmartBook"));
+    notifications().post(QStringLiteral("BookViewShouldUpdateFavoritesNotification"));
+}
+
+// -- excluded words ---------------------------------------------------------------------------------------------------
+
+QString excludedContextsFile()
+{
+    return miscFile(QStringLiteral("ExcludedTags.txt"));
+}
+
+QStringList excludedContexts()
+{
+    QString text = QString::fromUtf8(readFile(excludedContextsFile()).value_or(QByteArray()));
+    return text.replace(u',', u' ').simplified().split(u' ', Qt::SkipEmptyParts);
+}
+
+void writeExcludedContexts(QStringList words)
+{
+    words.removeDuplicates();
+    std::ranges::stable_sort(words, [](const QString &a, const QString &b) { return compareNames(a, b, false) < 0; });
+    if (makeMiscFolder()) (void)writeFile(excludedContextsFile(), words.join(u'\n').toUtf8());
+}
+
+// -- settings and dates -----------------------------------------------------------------------------------------------
+
+QString contextMarkers()
+{
+    const QString markers = settings().string(QStringLiteral("contextMarkers"));
+    return markers.isEmpty() ? QStringLiteral("@#") : markers;
+}
+
+bool managesContextsAutomatically()
+{
+    return settings().boolean(QStringLiteral("contextsEnabled")) &&
+           settings().boolean(QStringLiteral("extractContextsAutomatically"));
+}
+
+QDateTime autocollectDate()
+{
+    const QVariant date = readDictionary(infoFile()).value(QStringLiteral("autocollectDate"));
+    return date.typeId() == QMetaType::QDateTime ? date.toDateTime() : farPast();
+}
+
+void setAutocollectDate(const QDateTime &date)
+{
+    if (!makeFolder(rootStateFolder())) return;
+    changeDictionary(infoFile(), [&](QVariantMap &info) {
+        info.insert(QStringLiteral("TMRoot"), tomeletRoot());
+        info.insert(QStringLiteral("autocollectDate"), date);
+        return true;
+    });
+}
+
+QString indexPathOf(const QString &path)
+{
+    return tm_normalizedPath(path).normalized(QString::NormalizationForm_C);
+}
+
+} // namespace tomelet
