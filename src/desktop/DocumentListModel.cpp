@@ -14,6 +14,8 @@
 #include <QLocale>
 #include <QMimeData>
 
+#include <utility>
+
 namespace tomelet::desktop {
 
 DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
@@ -30,18 +32,76 @@ void DocumentListModel::show(const ListSource &source)
     endResetModel();
 }
 
+static QString pathOf(const QVariantMap &row)
+{
+    return row.value(QStringLiteral("path")).toString();
+}
+
+static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
+{
+    QSet<QString> paths;
+    for (const QVariantMap &row : rows) paths.insert(pathOf(row));
+    return paths;
+}
+
 void DocumentListModel::reload()
 {
-    Q_EMIT layoutAboutToBeChanged();
-    const QModelIndexList before = persistentIndexList();
-    QStringList paths;
-    for (const QModelIndex &index : before) paths.append(pathAt(index));
+    changeRows([] {});
+}
+
+// The change may already move rows about; the views hear of all of it here, in steps that they can follow.
+void DocumentListModel::changeRows(const std::function<void()> &change)
+{
+    const QList<QVariantMap> before = m_controller.documentsList;
+    change();
     m_controller.loadDisplayParameters();
     m_controller.getDocumentsInFolder();
-    QModelIndexList after;
-    for (const QString &path : paths) after.append(indexOfPath(path));
-    changePersistentIndexList(before, after);
+    const QList<QVariantMap> after = std::exchange(m_controller.documentsList, before);
+    // What went goes first, what came stands at the end, and then all take their places.
+    removeAllBut(pathsOf(after));
+    appendNew(after);
+    takeOrder(after);
+}
+
+void DocumentListModel::removeAllBut(const QSet<QString> &kept)
+{
+    QList<QVariantMap> &rows = m_controller.documentsList;
+    for (qsizetype last = rows.size(); last-- > 0;) {
+        if (kept.contains(pathOf(rows[last]))) continue;
+        qsizetype first = last;
+        while (first > 0 && !kept.contains(pathOf(rows[first - 1]))) --first;
+        beginRemoveRows({}, int(first), int(last));
+        rows.remove(first, last - first + 1);
+        endRemoveRows();
+        last = first;
+    }
+}
+
+void DocumentListModel::appendNew(const QList<QVariantMap> &after)
+{
+    QList<QVariantMap> &rows = m_controller.documentsList;
+    const QSet<QString> known = pathsOf(rows);
+    QList<QVariantMap> added;
+    for (const QVariantMap &row : after)
+        if (!known.contains(pathOf(row))) added.append(row);
+    if (added.isEmpty()) return;
+    beginInsertRows({}, int(rows.size()), int(rows.size() + added.size() - 1));
+    rows.append(added);
+    endInsertRows();
+}
+
+void DocumentListModel::takeOrder(const QList<QVariantMap> &after)
+{
+    Q_EMIT layoutAboutToBeChanged();
+    const QModelIndexList held = persistentIndexList();
+    QStringList paths;
+    for (const QModelIndex &index : held) paths.append(pathAt(index));
+    m_controller.documentsList = after;
+    QModelIndexList moved;
+    for (const QString &path : paths) moved.append(indexOfPath(path));
+    changePersistentIndexList(held, moved);
     Q_EMIT layoutChanged();
+    if (!after.isEmpty()) Q_EMIT dataChanged(index(0, 0), index(int(after.size()) - 1, 0));
 }
 
 void DocumentListModel::setFilter(const QString &text)
@@ -52,8 +112,7 @@ void DocumentListModel::setFilter(const QString &text)
 
 void DocumentListModel::selectSortOrder(int index)
 {
-    m_controller.selectSortOrder(index);
-    reload();
+    changeRows([&] { m_controller.selectSortOrder(index); });
 }
 
 QString DocumentListModel::pathAt(const QModelIndex &index) const
@@ -166,8 +225,10 @@ bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction actio
         return false;
     }
     // Documents of this very list, dropped between others, stand there from now on.
-    m_controller.moveDocuments(positions, row < 0 ? rowCount() : row);
-    selectSortOrder(3);
+    changeRows([&] {
+        m_controller.moveDocuments(positions, row < 0 ? rowCount() : row);
+        m_controller.selectSortOrder(3);
+    });
     return false;
 }
 

@@ -5,6 +5,9 @@
 #include "organising/DocumentList.h"
 
 #include <QAbstractListModel>
+#include <QSet>
+
+#include <functional>
 
 namespace tomelet::desktop {
 
@@ -40,6 +43,10 @@ public:
                       const QModelIndex &parent) override;
 
 private:
+    void changeRows(const std::function<void()> &change);
+    void removeAllBut(const QSet<QString> &kept);
+    void appendNew(const QList<QVariantMap> &after);
+    void takeOrder(const QList<QVariantMap> &after);
     [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
     [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
     [[nodiscard]] QString description(const QVariantMap &row) const;

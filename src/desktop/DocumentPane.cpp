@@ -2,6 +2,7 @@
 #include "desktop/DocumentPane.h"
 
 #include "conversion/Page.h"
+#include "conversion/Patterns.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -12,6 +13,7 @@
 
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QEvent>
 #include <QLabel>
 #include <QStackedWidget>
 #include <QUrl>
@@ -82,6 +84,28 @@ protected:
 private:
     std::function<void(const QUrl &)> m_follow;
 };
+
+bool isDark(const QPalette &palette)
+{
+    return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
+}
+
+// The engine takes its scheme from the desktop at start and cannot be told another one per page, so the question for
+// it is answered in the style sheets of the page's own head.
+QString pageInScheme(const QString &html, bool dark)
+{
+    const qsizetype end = html.indexOf(u"</head>");
+    if (end < 0) return html;
+    QString head = html.left(end);
+    const QString yes = QStringLiteral("all");
+    const QString no = QStringLiteral("not all");
+    const QString question = QStringLiteral("\\(\\s*prefers-color-scheme\\s*:\\s*%1\\s*\\)");
+    head = regexSweep(head, question.arg(QStringLiteral("dark")), dark ? yes : no);
+    head = regexSweep(head, question.arg(QStringLiteral("light")), dark ? no : yes);
+    head = regexSweep(head, QStringLiteral("color-scheme\\s*:\\s*light\\s+dark"),
+                      dark ? QStringLiteral("color-scheme: dark") : QStringLiteral("color-scheme: light"));
+    return head + html.mid(end);
+}
 
 QString displayPlace(const QString &path)
 {
@@ -157,13 +181,21 @@ void DocumentPane::showDocument(const QString &path)
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
 static constexpr qsizetype longestTextPage = 500 * 1024;
 
+void DocumentPane::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
+    m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
+    if (!m_path.isEmpty()) reload();
+}
+
 void DocumentPane::load()
 {
     const QString extension = lowerExtension(m_path);
     static const QStringList shownAsTheyAre{QStringLiteral("html"), QStringLiteral("htm"), QStringLiteral("pdf")};
     if (shownAsTheyAre.contains(extension)) return m_view->load(QUrl::fromLocalFile(m_path));
 
-    QString html = pageForItem(m_path);
+    QString html = pageInScheme(pageForItem(m_path), isDark(palette()));
     const QUrl base = QUrl::fromLocalFile(parentPath(m_path) + u'/');
     const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(base.toEncoded()));
     const qsizetype head = html.indexOf(u"<head>");
@@ -178,7 +210,11 @@ void DocumentPane::load()
 
 void DocumentPane::documentChanged(const QString &path)
 {
-    if (path != m_path || m_path.isEmpty()) return;
+    if (path == m_path && !m_path.isEmpty()) reload();
+}
+
+void DocumentPane::reload()
+{
     const QPointF position = m_view->page()->scrollPosition();
     load();
     if (!position.isNull()) {

@@ -28,11 +28,16 @@ public:
     [[nodiscard]] const QString &path() const { return m_path; }
     [[nodiscard]] QWebEngineView *view() { return m_view; }
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 Q_SIGNALS:
     void titleChanged(const QString &title);
 
 private:
     void load();
+    /// Loads the page anew and scrolls to where it was.
+    void reload();
     void followLink(const QUrl &url);
     void documentChanged(const QString &path);
     void documentMoved(const QString &from, const QString &to);

@@ -5,6 +5,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/Deletion.h"
+#include "library/Extensions.h"
 #include "library/ItemOperations.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
@@ -110,11 +111,14 @@ private:
     QList<DeletionRecord> m_records;
 };
 
+// The document's own extension stays unless another known one was typed: "Version 1.2" has none.
 QString withKeptExtension(const QString &path, const QString &name)
 {
     const QString extension = isFolder(path) ? QString() : pathExtension(path);
-    if (extension.isEmpty() || !pathExtension(name).isEmpty()) return name;
-    return name + u'.' + extension;
+    const QString typed = pathExtension(name);
+    const bool known = typed == extension || recognisedExtensions().contains(typed.toLower()) ||
+                       hasPlainTextExtension(name) || hasImageExtension(name);
+    return extension.isEmpty() || (known && !typed.isEmpty()) ? name : name + u'.' + extension;
 }
 
 } // namespace
@@ -138,8 +142,9 @@ bool ItemActions::move(const QString &path, const QString &target, const QString
 
 bool ItemActions::rename(const QString &path, const QString &name)
 {
+    if (name.trimmed().isEmpty()) return false;
     const QString safe = withKeptExtension(path, tm_escapeIllegalCharacters(name.trimmed()));
-    if (safe.isEmpty() || safe == lastPathComponent(path)) return false;
+    if (safe == lastPathComponent(path)) return false;
     const QString target = joinPath(parentPath(path), safe);
     const bool onlyCase = target.compare(path, Qt::CaseInsensitive) == 0;
     if (!onlyCase && tm_fileExistsAtPathIsDirectory(target).exists) {
@@ -153,10 +158,13 @@ bool ItemActions::rename(const QString &path, const QString &name)
 void ItemActions::drop(const QStringList &paths, const QString &book, bool copy)
 {
     const QString root = tomeletRoot();
+    const auto isOwn = [&](const QString &path) { return path.startsWith(root + u'/'); };
+    QStringList dropped = paths;
+    if (!copy) dropped.removeIf([&](const QString &path) { return isOwn(path) && parentPath(path) == book; });
+    if (dropped.isEmpty()) return;
     m_undoStack.beginMacro(localized(TOMELET_TEXT("Move")));
-    for (const QString &path : paths) {
-        const bool ownItem = path.startsWith(root + u'/');
-        if (ownItem && !copy && parentPath(path) == book) continue;
+    for (const QString &path : dropped) {
+        const bool ownItem = isOwn(path);
         const QString target = tm_uniqueNameForFileatPath(lastPathComponent(path), book);
         if (ownItem && !copy) {
             move(path, target, {});
@@ -175,7 +183,11 @@ void ItemActions::duplicate(const QStringList &paths)
 {
     for (const QString &path : paths) {
         const QString copy = pathForDuplicate(path);
-        if (!tm_duplicateItemAtPath(path)) continue;
+        if (!tm_duplicateItemAtPath(path)) {
+            Q_EMIT failed(localized(TOMELET_TEXT("The item could not be copied.")),
+                          localized(TOMELET_TEXT("\"%1\" is not in the book.")).arg(lastPathComponent(copy)));
+            continue;
+        }
         m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("Duplicate")), copy));
         announce(copy);
     }

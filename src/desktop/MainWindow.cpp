@@ -14,6 +14,7 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
+#include "library/Root.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -114,9 +115,7 @@ void MainWindow::makePanes()
 
     connect(m_outline, &OutlinePane::sourceSelected, this, &MainWindow::showSource);
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
-    connect(m_outline, &OutlinePane::rootVanished, this, [this] {
-        statusBar()->showMessage(localized(TOMELET_TEXT("The notebook's folder is not there any more.")));
-    });
+    connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
     connect(m_list, &QListView::doubleClicked, this,
             [this](const QModelIndex &index) { Q_EMIT extraWindowWanted(m_listModel->pathAt(index)); });
@@ -258,6 +257,23 @@ void MainWindow::observe()
         updateListTexts();
     });
     onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
+}
+
+// A disk may be put in again: then the notebook goes on where it was.
+void MainWindow::waitForRoot()
+{
+    statusBar()->showMessage(localized(TOMELET_TEXT("The notebook's folder is not there any more.")));
+    m_listModel->reload();
+    updateListTexts();
+    if (m_rootTimer) return;
+    m_rootTimer = new QTimer(this);
+    connect(m_rootTimer, &QTimer::timeout, this, [this] {
+        if (!rootIsInForce() || rootLooksUnmounted()) return;
+        m_rootTimer->deleteLater();
+        statusBar()->clearMessage();
+        newRoot();
+    });
+    m_rootTimer->start(1s);
 }
 
 void MainWindow::newRoot()

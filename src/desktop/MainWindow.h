@@ -9,6 +9,8 @@
 #include "organising/DocumentList.h"
 
 #include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
 
 #include <vector>
 
@@ -69,6 +71,7 @@ private:
     void updateListTexts();
     void documentSelected();
     void reloadListFor(const QString &path);
+    void waitForRoot();
     void newRoot();
     void newBook();
     void renameSelection();
@@ -91,6 +94,7 @@ private:
     QSplitter *m_splitter;
     QStackedWidget *m_pages;
     QWidget *m_listSide;
+    QPointer<QTimer> m_rootTimer; // runs while the root is away
     QActionGroup *m_sortActions = nullptr;
     QAction *m_descending = nullptr;
     AppDelegate *m_application = nullptr;

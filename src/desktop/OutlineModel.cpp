@@ -29,6 +29,14 @@ OutlineModel::~OutlineModel()
     TMLTOutlineItem::setObserver(nullptr);
 }
 
+void OutlineModel::setRootAvailable(bool available)
+{
+    if (available == m_rootAvailable) return;
+    beginResetModel();
+    m_rootAvailable = available;
+    endResetModel();
+}
+
 TMLTOutlineItem *OutlineModel::itemAt(const QModelIndex &index)
 {
     return index.isValid() ? static_cast<TMLTOutlineItem *>(index.internalPointer()) : TMLTOutlineItem::rootItem();
@@ -36,7 +44,7 @@ TMLTOutlineItem *OutlineModel::itemAt(const QModelIndex &index)
 
 QModelIndex OutlineModel::indexOf(const TMLTOutlineItem *item) const
 {
-    if (!item || !item->parent()) return {};
+    if (!m_rootAvailable || !item || !item->parent()) return {};
     const auto row = item->parent()->indexOfChild(item);
     return row ? createIndex(int(*row), 0, const_cast<TMLTOutlineItem *>(item)) : QModelIndex();
 }
@@ -44,7 +52,7 @@ QModelIndex OutlineModel::indexOf(const TMLTOutlineItem *item) const
 QModelIndex OutlineModel::index(int row, int column, const QModelIndex &parent) const
 {
     TMLTOutlineItem *item = itemAt(parent);
-    if (column != 0 || row < 0 || row >= item->numberOfChildren()) return {};
+    if (!m_rootAvailable || column != 0 || row < 0 || row >= item->numberOfChildren()) return {};
     return createIndex(row, 0, item->childAtIndex(row));
 }
 
@@ -55,7 +63,7 @@ QModelIndex OutlineModel::parent(const QModelIndex &child) const
 
 int OutlineModel::rowCount(const QModelIndex &parent) const
 {
-    return int(itemAt(parent)->numberOfChildren());
+    return m_rootAvailable ? int(itemAt(parent)->numberOfChildren()) : 0;
 }
 
 int OutlineModel::columnCount(const QModelIndex &) const
@@ -65,12 +73,12 @@ int OutlineModel::columnCount(const QModelIndex &) const
 
 bool OutlineModel::hasChildren(const QModelIndex &parent) const
 {
-    return itemAt(parent)->mayHaveChildren();
+    return m_rootAvailable && itemAt(parent)->mayHaveChildren();
 }
 
 bool OutlineModel::canFetchMore(const QModelIndex &parent) const
 {
-    return !itemAt(parent)->isLoaded();
+    return m_rootAvailable && !itemAt(parent)->isLoaded();
 }
 
 void OutlineModel::fetchMore(const QModelIndex &parent)
@@ -186,26 +194,27 @@ bool OutlineModel::reorderBooks(const QStringList &paths, TMLTOutlineItem *book,
 
 void OutlineModel::aboutToInsert(TMLTOutlineItem *parent, qsizetype first, qsizetype last)
 {
-    beginInsertRows(indexOf(parent), int(first), int(last));
+    if (m_rootAvailable) beginInsertRows(indexOf(parent), int(first), int(last));
 }
 
 void OutlineModel::inserted()
 {
-    endInsertRows();
+    if (m_rootAvailable) endInsertRows();
 }
 
 void OutlineModel::aboutToRemove(TMLTOutlineItem *parent, qsizetype first, qsizetype last)
 {
-    beginRemoveRows(indexOf(parent), int(first), int(last));
+    if (m_rootAvailable) beginRemoveRows(indexOf(parent), int(first), int(last));
 }
 
 void OutlineModel::removed()
 {
-    endRemoveRows();
+    if (m_rootAvailable) endRemoveRows();
 }
 
 void OutlineModel::aboutToReorder()
 {
+    if (!m_rootAvailable) return;
     Q_EMIT layoutAboutToBeChanged();
     m_persistentItems.clear();
     for (const QModelIndex &index : persistentIndexList()) m_persistentItems.append(itemAt(index));
@@ -213,6 +222,7 @@ void OutlineModel::aboutToReorder()
 
 void OutlineModel::reordered()
 {
+    if (!m_rootAvailable) return;
     const QModelIndexList before = persistentIndexList();
     QModelIndexList after;
     for (const TMLTOutlineItem *item : m_persistentItems) after.append(indexOf(item));

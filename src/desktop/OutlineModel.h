@@ -20,6 +20,8 @@ public:
 
     [[nodiscard]] static TMLTOutlineItem *itemAt(const QModelIndex &index);
     [[nodiscard]] QModelIndex indexOf(const TMLTOutlineItem *item) const;
+    /// Without a root there is no row at all, whatever the tree still holds.
+    void setRootAvailable(bool available);
 
     // QAbstractItemModel
     [[nodiscard]] QModelIndex index(int row, int column, const QModelIndex &parent) const override;
@@ -53,6 +55,7 @@ private:
     bool reorderBooks(const QStringList &paths, TMLTOutlineItem *book, int row);
 
     ItemActions &m_actions;
+    bool m_rootAvailable = true;
     QList<TMLTOutlineItem *> m_persistentItems; // what the view holds on to while the tree is put in order
 };
 

@@ -4,6 +4,7 @@
 #include "desktop/ItemActions.h"
 #include "desktop/OutlineModel.h"
 #include "foundation/Localization.h"
+#include "library/Root.h"
 
 #include <QDropEvent>
 
@@ -96,7 +97,8 @@ QList<TMLTOutlineItem *> OutlinePane::expandedItems()
 
 void OutlinePane::rootAvailabilityChanged(bool available)
 {
-    if (!available) Q_EMIT rootVanished();
+    m_model->setRootAvailable(available);
+    if (!available && !tomeletRoot().isEmpty()) Q_EMIT rootVanished();
 }
 
 // -- selection and drops ----------------------------------------------------------------------------------------------

@@ -40,6 +40,7 @@ TMLTOutlineController::~TMLTOutlineController() = default;
 void TMLTOutlineController::initFileCoordinationAndTaskLists()
 {
     const QString root = tomeletRoot();
+    m_view.rootAvailabilityChanged(isFolder(root));
     m_presenter = makeFilePresenter({
         [this](const QString &path) { presentedSubitemDidChangeAtURL(path); },
         [this](const QString &path, const QString &newPath) { presentedSubitemAtURL(path, newPath); },
@@ -118,6 +119,8 @@ QString TMLTOutlineController::newRootSelected()
 
 void TMLTOutlineController::tm_saveExpandedPaths()
 {
+    // A root that is away for now has no rows, and its books are to be open again when it is back.
+    if (!rootIsInForce() || rootLooksUnmounted()) return;
     QStringList paths;
     if (!m_view.isExpanded(TMLTOutlineItem::smartBooksItem())) paths.append(collapsedMark);
     for (const TMLTOutlineItem *item : m_view.expandedItems())

@@ -45,7 +45,9 @@ QString miscFile(const QString &name)
 
 bool makeMiscFolder()
 {
-    return rootIsInForce() && makeFolder(miscFolder());
+    // A folder that was set up and is empty now waits for its disk; what is written here would lie under it.
+    const bool waitsForDisk = rootLooksUnmounted() && isFolder(rootStateFolder());
+    return rootIsInForce() && !waitsForDisk && makeFolder(miscFolder());
 }
 
 QString rootKey()

@@ -54,10 +54,11 @@ QVariant valueFrom(const QString &key, const QString &word)
     return propertyFromText(key, isJson ? variantFromJsonText(word) : QVariant(word));
 }
 
-int finish()
+// Writing tells of its failure only by a log line; whether it worked is seen in what is stored.
+int finish(bool stored, const QString &path)
 {
     drainPendingWork();
-    return Done;
+    return stored ? Done : fail(QStringLiteral("the properties of %1 could not be stored").arg(path));
 }
 
 } // namespace
@@ -89,7 +90,7 @@ int runSet(const Invocation &call)
     tm_setProperty(path, value, key);
     if (tm_propertyForKey(path, key) != propertyFrom({{key, value}}, key))
         return fail(QStringLiteral("the property %1 of %2 could not be stored").arg(key, path));
-    return finish();
+    return finish(true, path);
 }
 
 int runUnset(const Invocation &call)
@@ -98,8 +99,9 @@ int runUnset(const Invocation &call)
     parser.setApplicationDescription(QStringLiteral("Removes a property of an item."));
     QString path;
     if (const auto status = takeItem(call, parser, 2, 2, "ITEM KEY", path)) return *status;
-    tm_removePropertyForKey(path, parser.positionalArguments()[1]);
-    return finish();
+    const QString key = parser.positionalArguments()[1];
+    tm_removePropertyForKey(path, key);
+    return finish(!storedProperties(path).contains(key), path);
 }
 
 int runPin(const Invocation &call)
@@ -108,9 +110,11 @@ int runPin(const Invocation &call)
     parser.setApplicationDescription(QStringLiteral("Pins an item to the top of its book, or unpins it."));
     QString path;
     if (const auto status = takeItem(call, parser, 1, 1, "ITEM", path)) return *status;
+    const bool wanted = !tm_isPinned(path);
     tm_pinToTop(path);
-    writeLine(tm_isPinned(path) ? QStringLiteral("pinned") : QStringLiteral("not pinned"));
-    return finish();
+    const int status = finish(tm_isPinned(path) == wanted, path);
+    if (status == Done) writeLine(wanted ? QStringLiteral("pinned") : QStringLiteral("not pinned"));
+    return status;
 }
 
 int runFavorite(const Invocation &call)
@@ -119,9 +123,11 @@ int runFavorite(const Invocation &call)
     parser.setApplicationDescription(QStringLiteral("Makes an item a favorite, or no longer one."));
     QString path;
     if (const auto status = takeItem(call, parser, 1, 1, "ITEM", path)) return *status;
+    const bool wanted = !tm_isFavorite(path);
     tm_toggleFavorite(path);
-    writeLine(tm_isFavorite(path) ? QStringLiteral("favorite") : QStringLiteral("not a favorite"));
-    return finish();
+    const int status = finish(tm_isFavorite(path) == wanted, path);
+    if (status == Done) writeLine(wanted ? QStringLiteral("favorite") : QStringLiteral("not a favorite"));
+    return status;
 }
 
 int runLabel(const Invocation &call)
@@ -138,7 +144,8 @@ int runLabel(const Invocation &call)
     if (!colors.contains(color))
         return wrongUsage(call, QStringLiteral("a label is one of %1").arg(colors.join(QStringLiteral(", "))));
     tm_setColorLabel(path, color);
-    return finish();
+    const QString stored = storedProperties(path).value(QStringLiteral("cellColor")).toString();
+    return finish(stored == (color == u"Auto" ? QString() : color), path);
 }
 
 } // namespace tomelet::cli

@@ -1,0 +1,324 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tree and the list as item models under Qt's own model tester, while items come, go, move and are sorted; and
+// what a person does to items, undone and done again. Both views look on, so that a wrong index would crash here.
+#include "tests/support/Notebook.h"
+
+#include "desktop/DocumentListModel.h"
+#include "desktop/DragData.h"
+#include "desktop/ItemActions.h"
+#include "desktop/OutlineModel.h"
+#include "desktop/OutlinePane.h"
+#include "foundation/FileOperations.h"
+#include "foundation/Platform.h"
+#include "library/ItemOperations.h"
+#include "library/OutlineController.h"
+#include "library/Properties.h"
+
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QDir>
+#include <QListView>
+#include <QMimeData>
+
+using namespace tomelet;
+using namespace tomelet::desktop;
+
+namespace {
+
+class Desktop : public tomelet::test::Notebook
+{
+protected:
+    void SetUp() override
+    {
+        for (const char *book : {"/A/Inner/Deep", "/B", "/C"}) makeBook(QString::fromLatin1(book));
+        for (const char *document : {"/A/one.md", "/A/two.md", "/A/three.txt", "/B/other.md"})
+            write(QString::fromLatin1(document));
+        outline = std::make_unique<OutlinePane>(actions);
+        controller = std::make_unique<TMLTOutlineController>(*outline);
+        tree = static_cast<OutlineModel *>(outline->model());
+        list = std::make_unique<DocumentListModel>(actions, nullptr);
+        view.setModel(list.get());
+        list->show({at(QStringLiteral("/A")), 0, {}});
+        const auto mode = QAbstractItemModelTester::FailureReportingMode::Fatal;
+        m_treeTester = std::make_unique<QAbstractItemModelTester>(tree, mode);
+        // The tester would load rows in the middle of a change, which no view does.
+        m_treeTester->setUseFetchMore(false);
+        m_listTester = std::make_unique<QAbstractItemModelTester>(list.get(), mode);
+        controller->initFileCoordinationAndTaskLists();
+        controller->settle();
+        outline->show();
+        view.show();
+        outline->expandAll();
+        QObject::connect(&actions, &ItemActions::failed, [this](const QString &title, const QString &) { told = title; });
+    }
+    void TearDown() override
+    {
+        m_listTester.reset();
+        m_treeTester.reset();
+        view.setModel(nullptr);
+        controller.reset();
+        outline.reset();
+        list.reset();
+    }
+
+    /// What happened on disk reaches tree and list.
+    void settle()
+    {
+        controller->settle();
+        drainPendingWork();
+        list->reload();
+        QCoreApplication::processEvents();
+    }
+    [[nodiscard]] QString documents() const
+    {
+        QStringList names;
+        for (int row = 0; row < list->rowCount(); ++row) names.append(list->index(row).data(Qt::DisplayRole).toString());
+        return names.join(u' ');
+    }
+    [[nodiscard]] static QString books(const QString &path)
+    {
+        TMLTOutlineItem *item = TMLTOutlineItem::childAtPath(path);
+        return item ? item->titlesOfChildren().join(u' ') : QStringLiteral("(no such book)");
+    }
+    [[nodiscard]] QModelIndex rowOf(const QString &path) const
+    {
+        return tree->indexOf(TMLTOutlineItem::childAtPath(path));
+    }
+    void undo()
+    {
+        actions.undoStack().undo();
+        settle();
+    }
+    void redo()
+    {
+        actions.undoStack().redo();
+        settle();
+    }
+    bool dropOnTree(const QStringList &paths, int row, const QModelIndex &parent, Qt::DropAction action = Qt::MoveAction)
+    {
+        const std::unique_ptr<QMimeData> data(dragDataFor(paths));
+        const bool allowed = tree->canDropMimeData(data.get(), action, row, 0, parent);
+        if (allowed) tree->dropMimeData(data.get(), action, row, 0, parent);
+        settle();
+        return allowed;
+    }
+
+    ItemActions actions;
+    std::unique_ptr<OutlinePane> outline;
+    std::unique_ptr<TMLTOutlineController> controller;
+    OutlineModel *tree = nullptr;
+    std::unique_ptr<DocumentListModel> list;
+    QListView view;
+    QString told;
+
+private:
+    std::unique_ptr<QAbstractItemModelTester> m_treeTester;
+    std::unique_ptr<QAbstractItemModelTester> m_listTester;
+};
+
+} // namespace
+
+TEST_F(Desktop, booksComeGoMoveAndAreSorted)
+{
+    makeBook(QStringLiteral("/A/New/Below"));
+    makeBook(QStringLiteral("/D"));
+    settle();
+    EXPECT_EQ(books({}), QStringLiteral("A B C D"));
+    outline->expandAll();
+    const QPersistentModelIndex deep = rowOf(QStringLiteral("/A/Inner/Deep"));
+    outline->setCurrentIndex(deep);
+    ASSERT_TRUE(QDir().rename(at(QStringLiteral("/A")), at(QStringLiteral("/Z"))));
+    settle();
+    EXPECT_EQ(books({}), QStringLiteral("B C D Z"));
+    EXPECT_TRUE(deep.isValid()) << "a renamed book keeps what is known of the rows below it";
+    ASSERT_TRUE(QDir().rename(at(QStringLiteral("/Z/Inner")), at(QStringLiteral("/B/Inner"))));
+    settle();
+    EXPECT_EQ(books(QStringLiteral("/B")), QStringLiteral("Inner"));
+    actions.setBookOrder(root, {QStringLiteral("D"), QStringLiteral("Z"), QStringLiteral("B"), QStringLiteral("C")});
+    settle();
+    EXPECT_EQ(books({}), QStringLiteral("D Z B C"));
+    for (const char *book : {"/B", "/D", "/Z"}) ASSERT_TRUE(removeItem(at(QString::fromLatin1(book))));
+    settle();
+    EXPECT_EQ(books({}), QStringLiteral("C"));
+    EXPECT_FALSE(deep.isValid());
+}
+
+TEST_F(Desktop, theTreeIsResetUnderExpandedRows)
+{
+    outline->setCurrentIndex(rowOf(QStringLiteral("/A/Inner/Deep")));
+    for (int i = 0; i < 3; ++i) {
+        (void)controller->newRootSelected();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(books({}), QStringLiteral("A B C"));
+        outline->expandAll();
+    }
+    QDir().rename(root, root + QStringLiteral("-away"));
+    (void)controller->newRootSelected();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(tree->rowCount({}), 0) << "a root that is no folder shows no row at all";
+    QDir().rename(root + QStringLiteral("-away"), root);
+    (void)controller->newRootSelected();
+    EXPECT_EQ(books({}), QStringLiteral("A B C"));
+}
+
+TEST_F(Desktop, documentsComeGoAndKeepTheSelection)
+{
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+    const QPersistentModelIndex two = list->indexOfPath(at(QStringLiteral("/A/two.md")));
+    view.setCurrentIndex(two);
+    write(QStringLiteral("/A/five.md"));
+    ASSERT_TRUE(removeItem(at(QStringLiteral("/A/three.txt"))));
+    ASSERT_TRUE(removeItem(at(QStringLiteral("/A/one.md"))));
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("five two"));
+    EXPECT_EQ(two.row(), 1);
+    EXPECT_EQ(view.currentIndex(), QModelIndex(two));
+    list->selectSortOrder(4);
+    EXPECT_EQ(documents(), QStringLiteral("two five"));
+    EXPECT_EQ(two.row(), 0);
+    list->setFilter(QStringLiteral("FIV"));
+    EXPECT_EQ(documents(), QStringLiteral("five"));
+    EXPECT_FALSE(two.isValid());
+    list->setFilter({});
+    ASSERT_TRUE(removeItem(at(QStringLiteral("/A"))));
+    settle();
+    EXPECT_EQ(list->rowCount(), 0);
+}
+
+TEST_F(Desktop, renamingKeepsTheExtensionUnlessAnotherIsTyped)
+{
+    const auto rename = [this](const char *from, const char *name) {
+        list->setData(list->indexOfPath(at(QString::fromUtf8(from))), QString::fromUtf8(name), Qt::EditRole);
+        settle();
+        return names(QStringLiteral("/A")).join(u' ');
+    };
+    EXPECT_EQ(rename("/A/one.md", "first"), QStringLiteral("Inner first.md three.txt two.md"));
+    EXPECT_EQ(rename("/A/first.md", "first.txt"), QStringLiteral("Inner first.txt three.txt two.md"));
+    EXPECT_EQ(rename("/A/first.txt", "Version 1.2"), QStringLiteral("Inner Version 1.2.txt three.txt two.md"));
+    EXPECT_EQ(rename("/A/Version 1.2.txt", "a/b"), QStringLiteral("Inner a-b.txt three.txt two.md"));
+    EXPECT_EQ(rename("/A/two.md", "Two"), QStringLiteral("Inner Two.md a-b.txt three.txt"));
+    EXPECT_EQ(actions.undoStack().count(), 5);
+    EXPECT_EQ(rename("/A/Two.md", "three.txt"), QStringLiteral("Inner Two.md a-b.txt three.txt"));
+    EXPECT_EQ(told, QStringLiteral("An item with name \"three.txt\" already exists."));
+    EXPECT_EQ(rename("/A/Two.md", "  "), QStringLiteral("Inner Two.md a-b.txt three.txt"));
+    EXPECT_EQ(actions.undoStack().count(), 5) << "what failed is no step";
+    for (int i = 0; i < 5; ++i) undo();
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+    redo();
+    EXPECT_EQ(documents(), QStringLiteral("first three two"));
+}
+
+TEST_F(Desktop, booksAreRenamedInTheTree)
+{
+    write(QStringLiteral("/B/n v1.md"));
+    EXPECT_TRUE(tree->setData(rowOf(QStringLiteral("/B")), QStringLiteral("Book 1.5"), Qt::EditRole));
+    settle();
+    EXPECT_EQ(books({}), QStringLiteral("A Book 1.5 C"));
+    EXPECT_FALSE(tree->setData(rowOf(QStringLiteral("/C")), QStringLiteral("A"), Qt::EditRole));
+    undo();
+    EXPECT_EQ(books({}), QStringLiteral("A B C"));
+}
+
+TEST_F(Desktop, dropsMoveAndUndoBringsBack)
+{
+    tm_setProperty(at(QStringLiteral("/A/one.md")), QStringLiteral("u"), QStringLiteral("URL"));
+    EXPECT_TRUE(dropOnTree({at(QStringLiteral("/A/one.md")), at(QStringLiteral("/A/Inner"))}, -1,
+                           rowOf(QStringLiteral("/B"))));
+    EXPECT_EQ(names(QStringLiteral("/B")).join(u' '), QStringLiteral("Inner one.md one.md.plist other.md"));
+    EXPECT_EQ(documents(), QStringLiteral("three two"));
+    EXPECT_EQ(books(QStringLiteral("/B/Inner")), QStringLiteral("Deep"));
+    undo();
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+    EXPECT_EQ(books(QStringLiteral("/A")), QStringLiteral("Inner"));
+    EXPECT_EQ(tm_propertyForKey(at(QStringLiteral("/A/one.md")), QStringLiteral("URL")), QStringLiteral("u"));
+    redo();
+    EXPECT_EQ(names(QStringLiteral("/B")).join(u' '), QStringLiteral("Inner one.md one.md.plist other.md"));
+    undo();
+
+    EXPECT_TRUE(dropOnTree({at(QStringLiteral("/A/one.md"))}, -1, rowOf(QStringLiteral("/B")), Qt::CopyAction));
+    EXPECT_TRUE(exists(QStringLiteral("/A/one.md")) && exists(QStringLiteral("/B/one.md")));
+    undo();
+    EXPECT_FALSE(exists(QStringLiteral("/B/one.md")));
+
+    const int steps = actions.undoStack().count();
+    dropOnTree({at(QStringLiteral("/B/other.md"))}, -1, rowOf(QStringLiteral("/B")));
+    EXPECT_EQ(actions.undoStack().index(), steps - 1) << "a drop that changes nothing is no step";
+    EXPECT_FALSE(dropOnTree({at(QStringLiteral("/A"))}, -1, rowOf(QStringLiteral("/A/Inner/Deep")))) << "into itself";
+    EXPECT_FALSE(dropOnTree({at(QStringLiteral("/B"))}, -1, tree->index(0, 0, {}))) << "onto the smart books";
+}
+
+TEST_F(Desktop, aDropWhereTheNameIsTakenOverwritesNothing)
+{
+    write(QStringLiteral("/B/one.md"), "theirs");
+    EXPECT_TRUE(dropOnTree({at(QStringLiteral("/A/one.md"))}, -1, rowOf(QStringLiteral("/B"))));
+    EXPECT_EQ(read(QStringLiteral("/B/one.md")), "theirs");
+    EXPECT_EQ(read(QStringLiteral("/B/one 1.md")), "text\n");
+    undo();
+    EXPECT_TRUE(exists(QStringLiteral("/A/one.md")));
+}
+
+TEST_F(Desktop, reorderingByDropStoresTheCustomOrder)
+{
+    EXPECT_TRUE(dropOnTree({at(QStringLiteral("/C"))}, 0, tree->indexOf(TMLTOutlineItem::booksItem())));
+    EXPECT_EQ(books({}), QStringLiteral("C A B"));
+    const std::unique_ptr<QMimeData> data(dragDataFor({at(QStringLiteral("/A/two.md"))}));
+    list->dropMimeData(data.get(), Qt::MoveAction, 0, 0, {});
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("two one three"));
+    const QVariantMap stored = plist(QStringLiteral("/A/BookProperties.plist"));
+    EXPECT_EQ(stored.value(QStringLiteral("Notes")).toStringList().join(u' '), QStringLiteral("two.md one.md three.txt"));
+    EXPECT_EQ(stored.value(QStringLiteral("sortOrderForNotes")), QStringLiteral("custom"));
+}
+
+TEST_F(Desktop, deletingUndoneAndDoneAgain)
+{
+    actions.moveToTrash({at(QStringLiteral("/A/one.md")), at(QStringLiteral("/A/two.md"))});
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("three"));
+    undo();
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+    redo();
+    EXPECT_EQ(documents(), QStringLiteral("three"));
+    undo();
+    actions.moveToTrash({at(QStringLiteral("/A/Inner"))});
+    settle();
+    EXPECT_EQ(books(QStringLiteral("/A")), QString());
+    undo();
+    EXPECT_EQ(books(QStringLiteral("/A/Inner")), QStringLiteral("Deep"));
+    const QString made = actions.newBook(at(QStringLiteral("/B")));
+    settle();
+    EXPECT_EQ(books(QStringLiteral("/B")), QStringLiteral("Untitled"));
+    undo();
+    EXPECT_EQ(books(QStringLiteral("/B")), QString());
+    actions.duplicate({at(QStringLiteral("/A/one.md"))});
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("one copy one three two"));
+    undo();
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+}
+
+TEST_F(Desktop, nothingIsDeletedForGoodWithoutAYes)
+{
+    trashWorks = false;
+    actions.moveToTrash({at(QStringLiteral("/A/one.md"))});
+    actions.deletePermanently({at(QStringLiteral("/A/two.md"))});
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("one three two"));
+    EXPECT_FALSE(actions.undoStack().canUndo());
+    platform().ask = [](const Question &) { return 0; };
+    actions.moveToTrash({at(QStringLiteral("/A/one.md"))});
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("three two"));
+    EXPECT_FALSE(actions.undoStack().canUndo());
+}
+
+int main(int argc, char *argv[])
+{
+    qputenv("TZ", "Europe/Berlin");
+    qputenv("LC_ALL", "en_US.UTF-8");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    QApplication application(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
