@@ -1,9 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "conversion/NestedRewrites.h"
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace tomelet {
+
+// A "<" near the end of the text could become an opener together with what follows.
+static bool endsInsideOpener(QStringView text, qsizetype openerSize)
+{
+    return text.last(std::min(text.size(), openerSize - 1)).contains(u'<');
+}
 
 QString replaceFirstMatches(QString text, const QString &pattern, int options, const QString &opener,
                             const QString &closer, const MatchReplacement &replacement)
@@ -16,14 +24,16 @@ QString replaceFirstMatches(QString text, const QString &pattern, int options, c
         const Range range = found[0].range();
         const QString made = replacement(found[0], text);
         result.append(QStringView(text).sliced(from, range.location - from));
-        if (made.contains(opener)) {
-            // The replacement begins to match in its turn, perhaps together with what follows.
-            text.replace(0, range.end(), made);
-            from = 0;
-        } else {
-            result.append(made);
-            from = range.end();
-        }
+        const bool joins = endsInsideOpener(result, opener.size());
+        const qsizetype madeAt = result.size();
+        result.append(made);
+        from = range.end();
+        if (!joins && !made.contains(opener) && !endsInsideOpener(made, opener.size())) continue;
+        // The replacement begins to match in its turn, perhaps together with what stands around it.
+        const qsizetype again = std::max(qsizetype(0), madeAt - opener.size());
+        text.replace(0, from, result.sliced(again));
+        result.truncate(again);
+        from = 0;
     }
     result.append(QStringView(text).sliced(from));
     return result;
@@ -57,14 +67,22 @@ private:
         QString name;      // empty for a tag that is never closed but hides the ones in front of it
     };
 
+    // What a replacement leaves to be read again comes in front of what is still unread.
     void read(const QString &text)
     {
-        qsizetype from = 0;
-        for (qsizetype at = text.indexOf(u'<'); at >= 0; at = text.indexOf(u'<', from)) {
-            m_result.append(QStringView(text).sliced(from, at - from));
-            from = at + readTag(QStringView(text).sliced(at));
+        m_unread.push_back({text, 0});
+        while (!m_unread.empty()) {
+            const auto [part, from] = m_unread.back();
+            const qsizetype at = part.indexOf(u'<', from);
+            m_result.append(QStringView(part).sliced(from, (at < 0 ? part.size() : at) - from));
+            if (at < 0) {
+                m_unread.pop_back();
+                continue;
+            }
+            const size_t own = m_unread.size() - 1;
+            const qsizetype length = readTag(QStringView(part).sliced(at));
+            m_unread[own].second = at + length;
         }
-        m_result.append(QStringView(text).sliced(from));
     }
 
     // Takes a tag over, or the "<" alone; gives how much was read.
@@ -100,7 +118,7 @@ private:
         m_result.truncate(tag.begin);
         const QString made = m_replacement(tag.name, content);
         // Closing tags that nobody took inside may close what now is the innermost.
-        if (made.contains(u"</")) read(made);
+        if (made.contains(u"</")) m_unread.push_back({made, 0});
         else m_result.append(made);
     }
 
@@ -108,6 +126,7 @@ private:
     const Replacement &m_replacement;
     QString m_result;
     std::vector<OpenTag> m_open;
+    std::vector<std::pair<QString, qsizetype>> m_unread; // texts, each with the position to go on from
 };
 
 } // namespace
