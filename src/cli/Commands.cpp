@@ -16,6 +16,7 @@ std::span<const Command> commands()
         {"show", "the complete page of a document", runShow},
         {"convert", "converts Markdown with the engine alone", runConvert},
         {"bench-engine", "times the Markdown engine", runBenchEngine},
+        {"new", "makes a document from standard input", runNew},
         {"book", "makes a book", runBook},
         {"mv", "moves or renames an item with all that belongs to it", runMv},
         {"cp", "copies an item with all that belongs to it", runCp},

@@ -7,7 +7,8 @@
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
-#include "library/Root.h"
+#include "library/ItemPath.h"
+#include "library/PathForms.h"
 #include "server/Core/Log.h"
 
 #include <QAbstractButton>
@@ -100,7 +101,12 @@ void DesktopShell::handOver(const QString &path)
     m_window.show();
     m_window.raise();
     m_window.activateWindow();
-    if (!path.isEmpty()) m_application.applicationOpenFile(path, false);
+    if (path.startsWith(u"tomelet://")) {
+        const QString item = tm_pathFromTomeletURLScheme(path);
+        m_window.showItem(itemExists(fullPathOf(item)) ? item : percentDecoded(item));
+    } else if (!path.isEmpty()) {
+        m_application.applicationOpenFile(path, false);
+    }
 }
 
 void DesktopShell::showWelcome(const WelcomeChoices &choices)

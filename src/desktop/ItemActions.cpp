@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/ItemActions.h"
 
+#include "editor/NewDocument.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -220,6 +221,19 @@ QString ItemActions::newBook(const QString &parent)
         return {};
     }
     m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("New Book")), path));
+    announce(path);
+    return path;
+}
+
+QString ItemActions::newDocument(const QString &book)
+{
+    const QString path = makeEmptyDocument(book);
+    if (path.isEmpty()) {
+        Q_EMIT failed(localized(TOMELET_TEXT("The document could not be made.")),
+                      localized(TOMELET_TEXT("Nothing can be written in \"%1\".")).arg(lastPathComponent(book)));
+        return {};
+    }
+    m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("New Document")), path));
     announce(path);
     return path;
 }

@@ -27,6 +27,8 @@ public:
     void deletePermanently(const QStringList &paths);
     /// The path of the new book, "" when it could not be made.
     QString newBook(const QString &parent);
+    /// The same for a document.
+    QString newDocument(const QString &book);
     void setBookOrder(const QString &book, const QStringList &names);
 
 Q_SIGNALS:

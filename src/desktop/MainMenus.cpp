@@ -43,6 +43,7 @@ void MainWindow::makeActions()
 void MainWindow::makeBookMenu()
 {
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
+    add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { newDocument(); });
     add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); })
         ->setIcon(bundledIcon(QStringLiteral("new-book")));
     add(menu, TOMELET_TEXT("Open in E&xtra Window"), QKeySequence(QStringLiteral("Ctrl+Return")), [this] {

@@ -74,6 +74,7 @@ private:
     void waitForRoot();
     void newRoot();
     void newBook();
+    void newDocument();
     void renameSelection();
     void forSelection(const std::function<void(const QStringList &)> &action);
     [[nodiscard]] QStringList selectedDocuments() const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file is opened.
+// The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file or a tomelet URL is opened.
 #include "desktop/DesktopShell.h"
 #include "desktop/SingleInstance.h"
 #include "foundation/Folder.h"
@@ -47,7 +47,8 @@ int main(int argc, char *argv[])
     installTranslations(application);
 
     const QString argument = QApplication::arguments().value(1);
-    const QString path = argument.isEmpty() ? QString() : QDir(argument).absolutePath();
+    const bool isUrl = argument.startsWith(u"tomelet://");
+    const QString path = argument.isEmpty() || isUrl ? argument : QDir(argument).absolutePath();
     desktop::SingleInstance instance;
     if (instance.handedOverTo(path)) return 0;
 
@@ -55,8 +56,8 @@ int main(int argc, char *argv[])
     desktop::DesktopShell shell;
     QObject::connect(&instance, &desktop::SingleInstance::handedOver, &shell, &desktop::DesktopShell::handOver);
     const QuitOnSignals quitter;
-    const bool isFile = itemExists(path) && !isFolder(path);
-    shell.launch(isFile ? QString() : path);
-    if (isFile) shell.handOver(path);
+    const bool opensLater = isUrl || (itemExists(path) && !isFolder(path));
+    shell.launch(opensLater ? QString() : path);
+    if (opensLater) shell.handOver(path);
     return QApplication::exec();
 }

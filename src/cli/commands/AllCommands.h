@@ -18,6 +18,7 @@ int runGet(const Invocation &call);
 int runLabel(const Invocation &call);
 int runList(const Invocation &call);
 int runMv(const Invocation &call);
+int runNew(const Invocation &call);
 int runOp(const Invocation &call);
 int runOps(const Invocation &call);
 int runPin(const Invocation &call);
