@@ -34,6 +34,12 @@ QString propertyFileOf(const QString &path)
     return isFolder(path) ? bookPropertiesPath(path) : tm_plistPath(path);
 }
 
+QString ownerOfPropertyFile(const QString &path)
+{
+    if (lastPathComponent(path) == u"BookProperties.plist") return parentPath(path);
+    return path.endsWith(u".plist") ? path.chopped(6) : path;
+}
+
 QVariantMap storedProperties(const QString &path)
 {
     return path.isEmpty() ? QVariantMap() : readDictionary(propertyFileOf(path));

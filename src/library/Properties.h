@@ -19,6 +19,8 @@ inline constexpr qlonglong notFoundIndex = std::numeric_limits<qlonglong>::max()
 [[nodiscard]] QString bookPropertiesPath(const QString &book);
 /// The property file of an item: the book's own for a folder, the one beside it for everything else.
 [[nodiscard]] QString propertyFileOf(const QString &path);
+/// The item that a property file belongs to; another path is its own item.
+[[nodiscard]] QString ownerOfPropertyFile(const QString &path);
 /// All stored properties of an item in one read.
 [[nodiscard]] QVariantMap storedProperties(const QString &path);
 

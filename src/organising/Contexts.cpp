@@ -57,13 +57,6 @@ bool removeItem(ContextStores &stores, const QString &word, const QString &path)
     return true;
 }
 
-// Which item a path means: itself, or the one that the property file belongs to.
-QString ownerOf(const QString &path)
-{
-    if (lastPathComponent(path) == u"BookProperties.plist") return parentPath(path);
-    return path.endsWith(u".plist") ? path.chopped(6) : path;
-}
-
 void collectInto(ContextStores &stores, const QString &item)
 {
     const QString path = indexPathOf(item);
@@ -248,7 +241,7 @@ void tm_collectTagsFromText(const QString &path, const QString &text)
 
 void tm_collectTagsInPlist(const QString &path)
 {
-    const QString item = ownerOf(path);
+    const QString item = ownerOfPropertyFile(path);
     if (!itemExists(item)) return;
     ContextStores stores;
     collectInto(stores, item);
@@ -340,7 +333,7 @@ qsizetype collectSince(ContextStores &stores, const QDateTime &since)
     QStringList plists;
     findChangedPropertyFiles(tomeletRoot(), since, plists);
     for (const QString &plist : plists)
-        if (const QString item = ownerOf(plist); itemExists(item)) collectInto(stores, item);
+        if (const QString item = ownerOfPropertyFile(plist); itemExists(item)) collectInto(stores, item);
     setAutocollectDate(platform().clock.now());
     if (stores.save()) announceContexts();
     return plists.size();

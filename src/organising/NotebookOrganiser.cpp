@@ -3,12 +3,17 @@
 
 #include "conversion/Patterns.h"
 #include "foundation/Folder.h"
+#include "foundation/Log.h"
+#include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
+#include "library/ItemPath.h"
 #include "library/Organiser.h"
 #include "library/Properties.h"
 #include "library/Root.h"
+#include "organising/Backlinks.h"
 #include "organising/ContextStores.h"
 #include "organising/Contexts.h"
+#include "organising/LinkRewriting.h"
 
 #include <QFile>
 
@@ -31,7 +36,16 @@ public:
     {
         tm_changePathInTagDBToPath(path, target);
     }
-    void propertyFileChanged(const QString &path) override { tm_collectTagsInPlist(path); }
+    void linksFollow(const QString &path, const QString &target) override
+    {
+        if (pathIsPlainBook(target)) tm_renameAllLinksFrom(tomeletRoot(), path, target);
+        tm_adjustLinksAndBacklinksAfterRenameFrom(target, path);
+    }
+    void propertyFileChanged(const QString &path) override
+    {
+        tm_collectTagsInPlist(path);
+        repairIfMoved(path);
+    }
     void contextListChanged() override { mergeLeftoverList(); }
 
     QString withContextsMarked(const QString &path, const QString &html) override
@@ -46,6 +60,17 @@ public:
     }
 
 private:
+    // An item that another program moved still tells its former path.
+    static void repairIfMoved(const QString &plist)
+    {
+        if (!settings().boolean(QStringLiteral("manageLinks"))) return;
+        const QString item = ownerOfPropertyFile(plist);
+        const QString stored = storedProperties(item).value(QStringLiteral("ReferencedPath")).toString();
+        if (!itemExists(item) || stored.isEmpty() || stored == tm_normalizedPath(item)) return;
+        logLine(QStringLiteral("collectTags: backlinkref mismatch for %1: %2").arg(item, stored));
+        tm_repairBrokenBacklink(item);
+    }
+
     // An older program may still write its list beside the index.
     static void mergeLeftoverList()
     {

@@ -180,10 +180,33 @@ TEST_F(FilePresenterTest, waysOfSaving)
     EXPECT_THAT(settled(), ElementsAre("a > c", "~ a")) << "a folder is no document";
 }
 
+// Root reads every folder, so the test runs as nobody for a while; the folders are nobody's then.
+class AsNobody
+{
+public:
+    explicit AsNobody(const fs::path &folder)
+        : m_wasRoot(geteuid() == 0)
+    {
+        if (!m_wasRoot) return;
+        EXPECT_EQ(chown(folder.c_str(), nobody, nobody), 0);
+        for (const auto &entry : fs::recursive_directory_iterator(folder))
+            EXPECT_EQ(chown(entry.path().c_str(), nobody, nobody), 0);
+        EXPECT_EQ(seteuid(nobody), 0);
+    }
+    ~AsNobody()
+    {
+        EXPECT_TRUE(!m_wasRoot || seteuid(0) == 0);
+    }
+
+private:
+    static constexpr uid_t nobody = 65534;
+    bool m_wasRoot;
+};
+
 TEST_F(FilePresenterTest, unreadableFoldersAreReadLater)
 {
-    if (geteuid() == 0) GTEST_SKIP() << "root can read every folder";
     fs::create_directory(m_root / "locked", m_root);
+    const AsNobody reduced(m_root.parent_path());
     fs::permissions(m_root / "locked", fs::perms::none);
     present();
     write(m_root / "a/old.md", "changed");
@@ -388,7 +411,8 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
     EXPECT_THAT(events, Not(Contains("kept/same")));
     write(root / "kept/moved/deep/x", "watched again");
     settle(3);
-    EXPECT_THAT(events, ElementsAre("kept/moved/deep/x"));
+    // Making it longer and closing it are two events, which may arrive apart.
+    EXPECT_THAT(events, testing::AllOf(Not(IsEmpty()), testing::Each("kept/moved/deep/x")));
 }
 
 TEST(FileReportQueue, mergesWhatTheReceiverWillSeeAnyway)

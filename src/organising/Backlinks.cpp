@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/Backlinks.h"
+
+#include "foundation/Collation.h"
+#include "foundation/Folder.h"
+#include "foundation/Log.h"
+#include "foundation/Platform.h"
+#include "foundation/PropertyStore.h"
+#include "library/ItemPath.h"
+#include "library/Properties.h"
+#include "organising/DocumentReferences.h"
+#include "organising/LinkRewriting.h"
+
+namespace tomelet {
+
+namespace {
+
+const QString backlinksKey = QStringLiteral("Backlinks");
+const QString referencedKey = QStringLiteral("ReferencedPath");
+
+QVariantList listFrom(const QStringList &paths)
+{
+    return {paths.begin(), paths.end()};
+}
+
+void logMismatch(const QString &path, const QString &stored)
+{
+    logLine(QStringLiteral("### MISMATCH: should be %1, but is %2").arg(path, stored));
+}
+
+} // namespace
+
+void tm_addBacklink(const QString &item, const QString &referrer)
+{
+    const QString root = tomeletRoot();
+    const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
+    if (!itemExists(full)) return;
+    const QString path = tm_normalizedPath(full, root);
+    changeDictionary(propertyFileOf(full), [&](QVariantMap &properties) {
+        const QVariantMap before = properties;
+        QStringList backlinks = properties.value(backlinksKey).toStringList();
+        const QString stored = properties.value(referencedKey).toString();
+        if (backlinks.isEmpty() || stored.isEmpty()) properties.insert(referencedKey, path);
+        else if (stored != path) logMismatch(path, stored);
+        const QString normalized = tm_normalizedPath(referrer, root);
+        if (!tm_localizedIndexOfObject(backlinks, normalized)) backlinks.append(normalized);
+        properties.insert(backlinksKey, listFrom(backlinks));
+        if (properties != before) logLine(QStringLiteral("backlinks changed for %1").arg(full));
+        return properties != before;
+    });
+}
+
+void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, const QString &newReferrer)
+{
+    const QString root = tomeletRoot();
+    const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
+    if (!itemExists(full)) return;
+    changeDictionary(propertyFileOf(full), [&](QVariantMap &properties) {
+        const QVariantMap before = properties;
+        QStringList backlinks = properties.value(backlinksKey).toStringList();
+        backlinks.removeAll(tm_normalizedPath(oldReferrer, root));
+        if (!newReferrer.isEmpty()) backlinks.append(tm_normalizedPath(newReferrer, root));
+        backlinks.removeIf([&](const QString &path) { return !itemExists(fullPathOf(path, root)); });
+        backlinks.removeDuplicates();
+        if (backlinks.isEmpty()) {
+            // The two keys stand and go together.
+            properties.remove(backlinksKey);
+            properties.remove(referencedKey);
+        } else {
+            properties.insert(backlinksKey, listFrom(backlinks));
+        }
+        return properties != before;
+    });
+}
+
+bool tm_removeBacklinks(const QString &item)
+{
+    bool removed = false;
+    changeDictionary(propertyFileOf(item), [&](QVariantMap &properties) {
+        removed = properties.remove(backlinksKey) + properties.remove(referencedKey) > 0;
+        return removed;
+    });
+    return removed;
+}
+
+QStringList tm_refreshBacklinksForReferencedDocuments(const QString &document)
+{
+    if (!settings().boolean(QStringLiteral("manageLinks")) || document.contains(u"TMResources")) return {};
+    const QString root = tomeletRoot();
+    const QString path = tm_normalizedPath(document, root);
+    const QString stored = tm_propertyForKey(document, referencedKey).toString();
+    if (!stored.isEmpty() && stored != path) {
+        logLine(QStringLiteral("Resolving link mismatch for %1").arg(document));
+        tm_adjustLinksAndBacklinksAfterRenameFrom(document, fullPathOf(stored, root));
+        return {};
+    }
+    const QStringList targets = tm_verifiedArrayOfReferencedDocuments(document);
+    for (const QString &target : targets) tm_addBacklink(target, document);
+    if (!targets.isEmpty() && stored != path) {
+        logLine(QStringLiteral("setting backlinkRef for %1").arg(document));
+        tm_setProperty(document, path, referencedKey);
+    }
+    return targets;
+}
+
+// -- repair -----------------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The topmost folders in which two paths of one moved item differ.
+std::pair<QString, QString> changedFolders(QString a, QString b)
+{
+    while (!a.isEmpty() && !b.isEmpty() && a != u"/" && b != u"/" &&
+           localizedCompare(lastPathComponent(a), lastPathComponent(b)) == 0) {
+        a = parentPath(a);
+        b = parentPath(b);
+    }
+    return {a, b};
+}
+
+} // namespace
+
+void tm_repairBrokenBacklink(const QString &item)
+{
+    const QString root = tomeletRoot();
+    const QString path = tm_normalizedPath(item, root);
+    const QString stored = tm_propertyForKey(item, referencedKey).toString();
+    if (stored.isEmpty() || stored == path) return;
+    const QString former = fullPathOf(stored, root);
+    if (itemExists(former)) {
+        logLine(QStringLiteral("### MISMATCH, but referencedPath still exists, removing pops %1 (%2)").arg(path, stored));
+        tm_removeBacklinks(item);
+        return;
+    }
+    logMismatch(path, stored);
+    if (!pathIsPlainBook(item)) return tm_adjustLinksAndBacklinksAfterRenameFrom(item, former);
+    const auto [oldFolder, newFolder] = changedFolders(former, item);
+    if (oldFolder.size() > root.size() && newFolder.size() > root.size())
+        tm_renameAllLinksFrom(root, oldFolder, newFolder);
+    tm_setProperty(item, path, referencedKey);
+}
+
+} // namespace tomelet

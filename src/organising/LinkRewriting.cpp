@@ -1,0 +1,313 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/LinkRewriting.h"
+
+#include "conversion/Edits.h"
+#include "foundation/Collation.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+#include "library/TextFile.h"
+#include "organising/Backlinks.h"
+#include "organising/DocumentReferences.h"
+
+#include <QFileInfo>
+
+namespace tomelet {
+
+namespace {
+
+QString composed(const QString &text)
+{
+    return text.normalized(QString::NormalizationForm_C);
+}
+
+// "/Book/b.md" is meant by itself, by what lies below it and by its anchors, but not by "/Book/b.md2".
+bool beginsWithPath(const QString &text, const QString &path)
+{
+    if (path.isEmpty() || !text.startsWith(path, Qt::CaseInsensitive)) return false;
+    return text.size() == path.size() || QStringView(u"/#?").contains(text[path.size()]);
+}
+
+bool endsWithPath(const QString &text, const QString &ending)
+{
+    if (ending.isEmpty() || !text.endsWith(ending)) return false;
+    const qsizetype before = text.size() - ending.size() - 1;
+    return before < 0 || text[before] == u'/';
+}
+
+// Marks of accents do not count, as long as the two have the same number of units.
+bool beginsWithPathIgnoringMarks(const QString &text, const QString &path)
+{
+    if (text.size() < path.size()) return false;
+    return beginsWithPath(text, path) ||
+           beginsWithPath(withoutMarks(text.left(path.size())) + text.mid(path.size()), withoutMarks(path));
+}
+
+/// One move as it looks from one document.
+class DocumentRewrite
+{
+public:
+    DocumentRewrite(const QString &document, const QString &oldPath, const QString &newPath)
+        : m_root(tomeletRoot())
+        , m_document(composed(tm_normalizedPath(document, m_root)))
+        , m_book(parentPath(m_document))
+        , m_old(composed(tm_normalizedPath(oldPath, m_root)))
+        , m_new(composed(tm_normalizedPath(newPath, m_root)))
+        , m_oldBeginsWithNew(m_old.startsWith(m_new))
+        , m_relativeOld(relative(m_old))
+        , m_relativeNew(relative(m_new))
+    {
+    }
+
+    /// What takes the reference's place; the reference itself where nothing changes.
+    [[nodiscard]] QString rewritten(const QString &reference) const
+    {
+        const QString path = withoutTomeletScheme(composed(reference.trimmed()));
+        if (path.isEmpty()) return reference;
+        if (beginsWithPath(path, m_old) && (m_oldBeginsWithNew || !beginsWithPath(path, m_new)))
+            return withOldReplaced(composed(reference));
+        const QString decoded = percentDecoded(path);
+        if (beginsWithPathIgnoringMarks(decoded, m_old) && (m_oldBeginsWithNew || !beginsWithPath(decoded, m_new)))
+            return withFront(reference, encoded(m_new + decoded.mid(m_old.size())));
+        if (path.startsWith(u'/') || reference.contains(u"://")) return reference;
+        return m_document == m_new ? seenFromNewPlace(reference, path) : relativeInOtherDocument(reference, path);
+    }
+
+private:
+    [[nodiscard]] QString relative(const QString &path) const { return tm_makeRelativeToPath(path, m_book); }
+    [[nodiscard]] bool exists(const QString &normalized) const
+    {
+        return !normalized.isEmpty() && normalized != u"/" && itemExists(fullPathOf(normalized, m_root));
+    }
+
+    // The anchor is no part of the path that is encoded.
+    static QString encoded(const QString &path)
+    {
+        return tm_pathByAppendingAnchor(percentEncodedPath(tm_pathWithoutAnchor(path)), tm_pathAnchor(path));
+    }
+
+    [[nodiscard]] QString withOldReplaced(QString reference) const
+    {
+        const qsizetype at = reference.indexOf(m_old, 0, Qt::CaseInsensitive);
+        return at < 0 ? reference : reference.replace(at, m_old.size(), m_new);
+    }
+
+    // Keeps what stands in front of the path: the scheme of a tomelet URL.
+    static QString withFront(const QString &reference, const QString &path)
+    {
+        static const QString show = QStringLiteral("tomelet://show");
+        static const QString plain = QStringLiteral("tomelet:/");
+        if (reference.startsWith(show, Qt::CaseInsensitive)) return show + path;
+        return reference.startsWith(plain, Qt::CaseInsensitive) ? plain + path : path;
+    }
+
+    [[nodiscard]] QString seenFromNewPlace(const QString &reference, const QString &path) const
+    {
+        const QString anchor = tm_pathAnchor(path);
+        const QString target = tm_pathWithoutAnchor(path);
+        const QString decoded = percentDecoded(target);
+        for (const QString &form : {target, decoded})
+            if (exists(resolvedAgainst(form, m_book))) return reference;
+        const QString oldBook = parentPath(m_old);
+        if (const QString there = resolvedAgainst(target, oldBook); exists(there))
+            return tm_pathByAppendingAnchor(relative(there), anchor);
+        if (const QString there = resolvedAgainst(decoded, oldBook); exists(there))
+            return tm_pathByAppendingAnchor(percentEncodedPath(relative(there)), anchor);
+        return reference;
+    }
+
+    [[nodiscard]] QString relativeInOtherDocument(const QString &reference, const QString &path) const
+    {
+        const QString anchor = tm_pathAnchor(path);
+        const QString target = tm_pathWithoutAnchor(path);
+        const QString decoded = percentDecoded(target);
+        for (const QString &form : {target, decoded}) {
+            const QString meant = resolvedAgainst(form, m_book);
+            if (!meant.startsWith(m_old + u'/')) continue;
+            const QString now = relative(m_new + meant.mid(m_old.size()));
+            return tm_pathByAppendingAnchor(form == target ? now : percentEncodedPath(now), anchor);
+        }
+        for (const QString &form : {target, decoded}) {
+            const QString now = form == target ? m_relativeNew : percentEncodedPath(m_relativeNew);
+            const bool shortened = endsWithPath(m_old, form) || endsWithPath(m_relativeOld, form);
+            if (shortened && !exists(resolvedAgainst(form, m_book))) return tm_pathByAppendingAnchor(now, anchor);
+            const bool done = !m_oldBeginsWithNew && beginsWithPath(form, m_relativeNew);
+            if (beginsWithPath(form, m_relativeOld) && !done && !exists(resolvedAgainst(form, m_book)))
+                return tm_pathByAppendingAnchor(now + form.mid(m_relativeOld.size()), anchor);
+        }
+        return reference;
+    }
+
+    QString m_root;
+    QString m_document;
+    QString m_book;
+    QString m_old;
+    QString m_new;
+    bool m_oldBeginsWithNew;
+    QString m_relativeOld;
+    QString m_relativeNew;
+};
+
+} // namespace
+
+bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPath, const QString &newPath)
+{
+    if (!canHoldReferences(document)) return false;
+    const auto decoded = readTextFile(document);
+    if (!decoded) {
+        logLine(QStringLiteral("have no text for %1").arg(document));
+        return false;
+    }
+    const DocumentRewrite rewrite(document, oldPath, newPath);
+    const QList<Reference> references = referencesInText(decoded->text);
+    Edits edits;
+    for (qsizetype i = references.size(); i-- > 0;) {
+        const QString now = rewrite.rewritten(references[i].path);
+        if (now != references[i].path) edits.replace(references[i].range, now);
+    }
+    const QString text = edits.appliedTo(decoded->text);
+    if (text == decoded->text) {
+        logLine(QStringLiteral("Not renaming links in: %1").arg(document));
+        return false;
+    }
+    const auto bytes = encodeText(text, decoded->encoding, decoded->byteOrderMark);
+    if (!bytes || !writeFile(document, *bytes)) return false;
+    logLine(QStringLiteral("renamed Links in %1 from %2 to %3").arg(document, oldPath, newPath));
+    return true;
+}
+
+// -- one item ---------------------------------------------------------------------------------------------------------
+
+namespace {
+
+const QString referencedKey = QStringLiteral("ReferencedPath");
+
+QStringList backlinksOf(const QString &item)
+{
+    return tm_propertyForKey(item, QStringLiteral("Backlinks")).toStringList();
+}
+
+// The item may have moved on before its turn came: then there is nothing at this place to work on.
+void adjustAfterRename(const QString &newPath, const QString &oldPath)
+{
+    if (!itemExists(newPath)) return;
+    const QString root = tomeletRoot();
+    const QStringList backlinks = backlinksOf(newPath);
+    if (!backlinks.isEmpty()) tm_setProperty(newPath, tm_normalizedPath(newPath, root), referencedKey);
+    tm_renameLinksInDocumentFrom(newPath, oldPath, newPath);
+    for (const QString &referrer : backlinks) tm_renameLinksInDocumentFrom(fullPathOf(referrer, root), oldPath, newPath);
+    if (!canHoldReferences(newPath)) return;
+    for (const QString &target : tm_verifiedArrayOfReferencedDocuments(newPath))
+        tm_changeBacklinkFrom(target, oldPath, newPath);
+}
+
+} // namespace
+
+void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath)
+{
+    if (itemExists(oldPath) && oldPath.compare(newPath, Qt::CaseInsensitive) != 0)
+        return logLine(QStringLiteral("not changing links & backlinks because old path still exists\n%1\n%2")
+                           .arg(oldPath, newPath));
+    platform().serialQueue.add([newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
+}
+
+// -- a book -----------------------------------------------------------------------------------------------------------
+
+namespace {
+
+bool isPassedOver(const QString &path)
+{
+    const QString name = lastPathComponent(path);
+    return tm_pathIsExcludedFromDisplay(path) || path.contains(u"TMResources") || name == u"TMMacLog.txt" ||
+           name == u"Dropbox Log.txt" || name.startsWith(localized(TOMELET_TEXT("Sync Report")));
+}
+
+/// What one walk below a folder found of use for links.
+struct LinkedItems
+{
+    QStringList documents;  ///< that can hold references
+    QStringList referenced; ///< whose stored path is not their own
+};
+
+void findLinkedItems(const QString &folder, const QString &root, LinkedItems &found)
+{
+    for (const FolderEntry &entry : listFolder(folder).value_or(std::vector<FolderEntry>())) {
+        const QString path = joinPath(folder, entry.name);
+        if (isPassedOver(path)) continue;
+        const bool isBook = entry.isFolder && !hasPackageExtension(path);
+        const QString stored = storedProperties(path).value(referencedKey).toString();
+        if (!stored.isEmpty() && stored != tm_normalizedPath(path, root)) found.referenced.append(path);
+        if (isBook && !QFileInfo(path).isSymLink()) findLinkedItems(path, root, found);
+        else if (!entry.isFolder && canHoldReferences(path)) found.documents.append(path);
+    }
+}
+
+/// The move of a book, with its paths full.
+struct BookMove
+{
+    QString root;
+    QString from;
+    QString to;
+
+    [[nodiscard]] bool covers(const QString &path) const { return path == from || path.startsWith(from + u'/'); }
+    [[nodiscard]] QString moved(const QString &path) const { return covers(path) ? to + path.mid(from.size()) : path; }
+    [[nodiscard]] QString former(const QString &path) const
+    {
+        return path == to || path.startsWith(to + u'/') ? from + path.mid(to.size()) : path;
+    }
+};
+
+// The documents that refer to an item of the moved book, wherever they now are.
+void followReferrers(const QString &item, const BookMove &move)
+{
+    const QString former = move.former(item);
+    QStringList referrers;
+    for (const QString &backlink : backlinksOf(item)) {
+        const QString before = fullPathOf(backlink, move.root);
+        const QString referrer = move.moved(before);
+        if (move.covers(before)) tm_renameLinksInDocumentFrom(referrer, move.from, move.to);
+        else if (!itemExists(former)) tm_renameLinksInDocumentFrom(referrer, former, item);
+        if (itemExists(referrer)) referrers.append(tm_normalizedPath(referrer, move.root));
+    }
+    referrers.removeDuplicates();
+    if (referrers.isEmpty()) {
+        tm_removeBacklinks(item);
+        return;
+    }
+    tm_setProperty(item, QVariantList(referrers.begin(), referrers.end()), QStringLiteral("Backlinks"));
+    tm_setProperty(item, tm_normalizedPath(item, move.root), referencedKey);
+}
+
+void followReferences(const QString &document, const BookMove &move)
+{
+    const QString former = move.former(document);
+    if (former == document) return;
+    tm_renameLinksInDocumentFrom(document, former, document);
+    for (const QString &target : tm_verifiedArrayOfReferencedDocuments(document)) {
+        if (!itemExists(former)) tm_changeBacklinkFrom(target, former, document);
+        else tm_addBacklink(target, document);
+    }
+}
+
+void renameAllLinks(const QString &folder, const BookMove &move)
+{
+    LinkedItems found;
+    findLinkedItems(folder, move.root, found);
+    for (const QString &item : found.referenced) followReferrers(item, move);
+    for (const QString &document : found.documents) followReferences(document, move);
+}
+
+} // namespace
+
+void tm_renameAllLinksFrom(const QString &folder, const QString &oldPath, const QString &newPath)
+{
+    platform().serialQueue.add([folder, move = BookMove{tomeletRoot(), oldPath, newPath}] { renameAllLinks(folder, move); });
+}
+
+} // namespace tomelet
