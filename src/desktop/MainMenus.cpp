@@ -142,7 +142,7 @@ void MainWindow::makeViewMenu()
         [this] { m_listSide->setVisible(!m_listSide->isVisible()); });
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Go to B&ooks"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { m_outline->setFocus(); });
-    add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { m_list->setFocus(); });
+    add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { focusList(); });
     add(menu, TOMELET_TEXT("Go to Docu&ment"), QKeySequence(QStringLiteral("Ctrl+3")),
         [this] { m_document->view()->setFocus(); });
     add(menu, TOMELET_TEXT("&Next Pane"), QKeySequence(Qt::Key_F6), [this] { focusNextPane(1); });
