@@ -24,6 +24,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -50,7 +51,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_listSide(new QWidget)
 {
     setWindowTitle(QStringLiteral("Tomelet"));
-    resize(1360, 700);
+    resize(QSize(1360, 700).boundedTo(screen()->availableSize()));
     makePanes();
     makeActions();
     observe();
