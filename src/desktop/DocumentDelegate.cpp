@@ -52,7 +52,9 @@ QSize DocumentDelegate::sizeHint(const QStyleOptionViewItem &option, const QMode
 void DocumentDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
                                             const QModelIndex &) const
 {
-    QRect area = option.rect.adjusted(margin + iconSize + 4, 2, -4, 0);
+    constexpr int beside = margin + iconSize + 4;
+    QRect area = option.direction == Qt::RightToLeft ? option.rect.adjusted(4, 2, -beside, 0)
+                                                     : option.rect.adjusted(beside, 2, -4, 0);
     area.setHeight(editor->sizeHint().height());
     editor->setGeometry(area);
 }
@@ -95,7 +97,7 @@ void DocumentDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
 
     const int reserved = signs * (iconSize + 2);
     const QRect titleArea = rightToLeft ? textArea.adjusted(reserved, 0, 0, 0) : textArea.adjusted(0, 0, -reserved, 0);
-    const Qt::Alignment alignment = Qt::AlignTop | (rightToLeft ? Qt::AlignRight : Qt::AlignLeft);
+    const Qt::Alignment alignment = Qt::AlignTop | Qt::AlignAbsolute | (rightToLeft ? Qt::AlignRight : Qt::AlignLeft);
     painter->setPen(option.palette.color(selected ? QPalette::HighlightedText : QPalette::Text));
     painter->setFont(option.font);
     const QFontMetrics metrics(option.font);

@@ -96,12 +96,26 @@ void DocumentListModel::takeOrder(const QList<QVariantMap> &after)
     const QModelIndexList held = persistentIndexList();
     QStringList paths;
     for (const QModelIndex &index : held) paths.append(pathAt(index));
-    m_controller.documentsList = after;
+    const QList<QVariantMap> before = std::exchange(m_controller.documentsList, after);
     QModelIndexList moved;
     for (const QString &path : paths) moved.append(indexOfPath(path));
     changePersistentIndexList(held, moved);
     Q_EMIT layoutChanged();
-    if (!after.isEmpty()) Q_EMIT dataChanged(index(0, 0), index(int(after.size()) - 1, 0));
+    // Only what differs is told: a name that is being edited would begin anew.
+    QHash<QString, QVariantMap> known;
+    for (const QVariantMap &row : before) known.insert(pathOf(row), row);
+    for (int row = 0; row < after.size(); ++row)
+        if (known.value(pathOf(after[row])) != after[row]) Q_EMIT dataChanged(index(row), index(row));
+}
+
+void DocumentListModel::follow(const QString &from, const QString &to)
+{
+    const QModelIndex index = indexOfPath(from);
+    if (!index.isValid() || parentPath(from) != parentPath(to) || indexOfPath(to).isValid()) return;
+    QVariantMap &row = m_controller.documentsList[index.row()];
+    row.insert(QStringLiteral("path"), to);
+    row.insert(QStringLiteral("title"), lastPathComponent(to));
+    Q_EMIT dataChanged(index, index);
 }
 
 void DocumentListModel::setFilter(const QString &text)

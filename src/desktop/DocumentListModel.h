@@ -27,6 +27,8 @@ public:
     void show(const ListSource &source);
     /// Reads the rows anew; rows that stay keep their selection.
     void reload();
+    /// Keeps the row of an item that got another name in its book.
+    void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
     void selectSortOrder(int index);
     [[nodiscard]] QModelIndex indexOfPath(const QString &path) const;

@@ -92,10 +92,11 @@ bool isDark(const QPalette &palette)
 
 // The engine takes its scheme from the desktop at start and cannot be told another one per page, so the question for
 // it is answered in the style sheets of the page's own head.
-QString pageInScheme(const QString &html, bool dark)
+QString pageInScheme(const QString &html, const QPalette &palette)
 {
+    const bool dark = isDark(palette);
     const qsizetype end = html.indexOf(u"</head>");
-    if (end < 0) return html;
+    if (end < 0 || html.left(end).indexOf(u"<head>") < 0) return html;
     QString head = html.left(end);
     const QString yes = QStringLiteral("all");
     const QString no = QStringLiteral("not all");
@@ -104,6 +105,10 @@ QString pageInScheme(const QString &html, bool dark)
     head = regexSweep(head, question.arg(QStringLiteral("light")), dark ? no : yes);
     head = regexSweep(head, QStringLiteral("color-scheme\\s*:\\s*light\\s+dark"),
                       dark ? QStringLiteral("color-scheme: dark") : QStringLiteral("color-scheme: light"));
+    // The canvas of a dark page has a colour of its own otherwise; a sheet of the document's goes before this.
+    const QString canvas = QStringLiteral("<head>\n<style>:root { background-color: %1; }</style>")
+                               .arg(palette.color(QPalette::Base).name());
+    head.replace(head.indexOf(u"<head>"), 6, canvas);
     return head + html.mid(end);
 }
 
@@ -195,7 +200,7 @@ void DocumentPane::load()
     static const QStringList shownAsTheyAre{QStringLiteral("html"), QStringLiteral("htm"), QStringLiteral("pdf")};
     if (shownAsTheyAre.contains(extension)) return m_view->load(QUrl::fromLocalFile(m_path));
 
-    QString html = pageInScheme(pageForItem(m_path), isDark(palette()));
+    QString html = pageInScheme(pageForItem(m_path), palette());
     const QUrl base = QUrl::fromLocalFile(parentPath(m_path) + u'/');
     const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(base.toEncoded()));
     const qsizetype head = html.indexOf(u"<head>");

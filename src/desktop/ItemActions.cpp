@@ -26,6 +26,13 @@ void announce(const QString &path)
     notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), path);
 }
 
+// A move is told as one, so that whoever shows the item goes along with it.
+void announceMove(const QString &from, const QString &to)
+{
+    notifications().post(QStringLiteral("TMLTHandleFileMoveInstantly"),
+                         {{QStringLiteral("originalPath"), from}, {QStringLiteral("newPath"), to}});
+}
+
 // A step that was carried out already when it is pushed, so that a failure never reaches the stack.
 class Step : public QUndoCommand
 {
@@ -58,8 +65,7 @@ private:
     void carryOut(const QString &from, const QString &to)
     {
         if (!tm_moveItemToPath(from, to)) return setObsolete(true);
-        announce(from);
-        announce(to);
+        announceMove(from, to);
     }
 
     QString m_from;
@@ -136,8 +142,7 @@ bool ItemActions::move(const QString &path, const QString &target, const QString
         return false;
     }
     m_undoStack.push(new MoveStep(stepName, path, target));
-    announce(path);
-    announce(target);
+    announceMove(path, target);
     return true;
 }
 

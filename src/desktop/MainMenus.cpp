@@ -5,7 +5,6 @@
 #include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
 #include "desktop/DocumentPane.h"
-#include "desktop/Icons.h"
 #include "desktop/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -44,8 +43,7 @@ void MainWindow::makeBookMenu()
 {
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
     add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { newDocument(); });
-    add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); })
-        ->setIcon(bundledIcon(QStringLiteral("new-book")));
+    add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); });
     add(menu, TOMELET_TEXT("Open in E&xtra Window"), QKeySequence(QStringLiteral("Ctrl+Return")), [this] {
         for (const QString &path : selectedDocuments()) Q_EMIT extraWindowWanted(path);
     });
@@ -59,8 +57,7 @@ void MainWindow::makeBookMenu()
     add(menu, TOMELET_TEXT("D&uplicate"), QKeySequence(QStringLiteral("Ctrl+D")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.duplicate(paths); }); });
     add(menu, TOMELET_TEXT("&Delete"), QKeySequence::Delete,
-        [this] { forSelection([this](const QStringList &paths) { m_actions.moveToTrash(paths); }); })
-        ->setIcon(bundledIcon(QStringLiteral("trash")));
+        [this] { forSelection([this](const QStringList &paths) { m_actions.moveToTrash(paths); }); });
     add(menu, TOMELET_TEXT("Delete &Permanently..."), QKeySequence(QStringLiteral("Shift+Del")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.deletePermanently(paths); }); });
     menu->addSeparator();
@@ -146,7 +143,7 @@ void MainWindow::makeViewMenu()
         [this] { m_listSide->setVisible(!m_listSide->isVisible()); });
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Go to B&ooks"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { m_outline->setFocus(); });
-    add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { m_list->setFocus(); });
+    add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { focusList(); });
     add(menu, TOMELET_TEXT("Go to Docu&ment"), QKeySequence(QStringLiteral("Ctrl+3")),
         [this] { m_document->view()->setFocus(); });
     add(menu, TOMELET_TEXT("&Next Pane"), QKeySequence(Qt::Key_F6), [this] { focusNextPane(1); });

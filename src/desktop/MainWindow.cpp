@@ -24,6 +24,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -50,7 +51,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_listSide(new QWidget)
 {
     setWindowTitle(QStringLiteral("Tomelet"));
-    resize(1360, 700);
+    resize(QSize(1360, 700).boundedTo(screen()->availableSize()));
     makePanes();
     makeActions();
     observe();
@@ -247,6 +248,15 @@ void MainWindow::observe()
     onPath("TMLTFileDeletedFromDiskNotification", "path", reload);
     onPath("TMLTFileMovedNotification", "newPath", reload);
     onPath("TMLTFileMovedNotification", "originalPath", reload);
+    onPath("TMLTFileDeletedFromDiskNotification", "path", [this](const QString &path) {
+        const QString book = m_listModel->controller().source().book;
+        if (book == path || book.startsWith(path + u'/')) m_outline->showSelection();
+    });
+    m_subscriptions.push_back(
+        notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &payload) {
+            m_listModel->follow(payload.value(QStringLiteral("originalPath")).toString(),
+                                payload.value(QStringLiteral("newPath")).toString());
+        }));
     onPath("TMLTShowItemAtPathNotification", "path", [this](const QString &path) { showItem(path); });
     onPath("TMLTNewBookSelectedNotification", "path", [this](const QString &path) {
         showSource({path, OrdinaryBook, {}});
@@ -331,13 +341,22 @@ void MainWindow::renameSelection()
     else if (m_list->currentIndex().isValid()) m_list->edit(m_list->currentIndex());
 }
 
+// Who comes by the keyboard finds a document selected, so that every further key has something to work on.
+void MainWindow::focusList()
+{
+    m_list->setFocus(Qt::TabFocusReason);
+    if (!m_list->selectionModel()->hasSelection()) m_list->setCurrentIndex(m_listModel->index(0));
+}
+
 void MainWindow::focusNextPane(int step)
 {
     const QList<QWidget *> panes{m_outline, m_list, m_document->view()};
     qsizetype at = 0;
     for (qsizetype i = 0; i < panes.size(); ++i)
         if (panes[i]->hasFocus() || panes[i]->isAncestorOf(focusWidget())) at = i;
-    panes[(at + step + panes.size()) % panes.size()]->setFocus(Qt::TabFocusReason);
+    QWidget *next = panes[(at + step + panes.size()) % panes.size()];
+    if (next == m_list) focusList();
+    else next->setFocus(Qt::TabFocusReason);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

@@ -78,6 +78,7 @@ private:
     void renameSelection();
     void forSelection(const std::function<void(const QStringList &)> &action);
     [[nodiscard]] QStringList selectedDocuments() const;
+    void focusList();
     void focusNextPane(int step);
     void showListMenu(const QPoint &position);
     void showOutlineMenu(const QPoint &position);

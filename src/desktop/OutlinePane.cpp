@@ -106,8 +106,28 @@ void OutlinePane::rootAvailabilityChanged(bool available)
 void OutlinePane::selectionChanged(const QItemSelection &selected, const QItemSelection &deselected)
 {
     QTreeView::selectionChanged(selected, deselected);
+    if (!m_selectRowSilently) showSelection();
+}
+
+// A row that goes hands its selection to a neighbour, which nobody asked for: the list follows the item, if it moved.
+void OutlinePane::rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last)
+{
+    m_selectRowSilently = true;
+    QTreeView::rowsAboutToBeRemoved(parent, first, last);
+    m_selectRowSilently = false;
+}
+
+// While a name is being edited its editor keeps what was typed.
+void OutlinePane::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles)
+{
+    if (state() == EditingState) viewport()->update();
+    else QTreeView::dataChanged(topLeft, bottomRight, roles);
+}
+
+void OutlinePane::showSelection()
+{
     const TMLTOutlineItem *item = selectedItem();
-    if (m_selectRowSilently || !item || item->groupItemType() == SmartBooksGroup) return;
+    if (!item || item->groupItemType() == SmartBooksGroup) return;
     ListSource source;
     source.smartType = item->smartBookType();
     if (source.smartType == OrdinaryBook) source.book = item->fullPath();

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] QStringList selectedPaths() const;
     /// Starts the editing of a book's name.
     void editName(const QString &path);
+    /// Shows what is selected as if it had been selected just now.
+    void showSelection();
     void setBookOnDisplay(const QString &path) { m_bookOnDisplay = path; }
 
     // OutlineView
@@ -40,6 +42,8 @@ Q_SIGNALS:
 
 protected:
     void selectionChanged(const QItemSelection &selected, const QItemSelection &deselected) override;
+    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight, const QList<int> &roles) override;
+    void rowsAboutToBeRemoved(const QModelIndex &parent, int first, int last) override;
     void dropEvent(QDropEvent *event) override;
 
 private:

@@ -93,7 +93,9 @@ void AppDelegate::showWhatLastSessionShowed(HeldKeys keys)
     }
     const QString last = values.string(lastDocumentKey);
     if (!last.isEmpty() && last.startsWith(tomeletRoot()) && itemExists(last)) showItem(last);
-    else showMostRecentDocument();
+    else if (!storedRecentItems().isEmpty()) showMostRecentDocument();
+    // Nothing was opened yet: the window shows at least what there is.
+    else notifications().postPath(QStringLiteral("TMLTNewBookSelectedNotification"), tomeletRoot());
 }
 
 void AppDelegate::initAppSettings(bool chosenByPerson)

@@ -25,6 +25,11 @@ TMLTOutlineController::TMLTOutlineController(OutlineView &view) : m_view(view)
         }));
     };
     onPath(QStringLiteral("TMLTHandleFileModificationInstantly"), &TMLTOutlineController::subItemDidChange);
+    m_subscriptions.push_back(
+        notifications().observe(QStringLiteral("TMLTHandleFileMoveInstantly"), [this](const QVariantMap &payload) {
+            presentedSubitemAtURL(payload.value(QStringLiteral("originalPath")).toString(),
+                                  payload.value(QStringLiteral("newPath")).toString());
+        }));
     const auto onSmartBook = [this](const QString &name, int type) {
         m_subscriptions.push_back(
             notifications().observe(name, [this, type](const QVariantMap &) { updateSmartBookOfType(type); }));

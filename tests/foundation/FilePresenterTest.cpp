@@ -206,7 +206,7 @@ private:
 TEST_F(FilePresenterTest, unreadableFoldersAreReadLater)
 {
     fs::create_directory(m_root / "locked", m_root);
-    const AsNobody reduced(m_root.parent_path());
+    const AsNobody reduced(m_base);
     fs::permissions(m_root / "locked", fs::perms::none);
     present();
     write(m_root / "a/old.md", "changed");
