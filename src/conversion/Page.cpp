@@ -6,11 +6,11 @@
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "library/Extensions.h"
+#include "library/PathForms.h"
 #include "library/TextFile.h"
 
 #include <QFileInfo>
 #include <QLocale>
-#include <QUrl>
 
 namespace tomelet {
 
@@ -25,10 +25,10 @@ static QString pageOfText(const QString &path)
 
 static QString pageOfImage(const QString &path)
 {
-    const QString url = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
-    return tm_createFormattedDocWithBody(
-        path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
-                  .arg(url, lastPathComponent(path).toHtmlEscaped()));
+    // Beside the page, as all references of pages are: they are resolved by the document's folder.
+    const QString name = lastPathComponent(path);
+    return tm_createFormattedDocWithBody(path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
+                                                   .arg(percentEncodedPath(name), name.toHtmlEscaped()));
 }
 
 static QString pageOfUnknown(const QString &path)

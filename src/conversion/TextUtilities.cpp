@@ -155,13 +155,18 @@ QString tm_convertMarkdownToPlainText(const QString &text)
     return regexSweep(result.trimmed(), QStringLiteral("\n{2,}"), QStringLiteral("\n\n")).trimmed();
 }
 
+static bool isLineEnd(QChar c)
+{
+    return c == u'\n' || c == u'\r' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator || c == u'\x85';
+}
+
 // The lines that the range touches, with the last one's line end.
 static Range lineRange(const QString &text, Range range)
 {
     qsizetype begin = range.location;
-    while (begin > 0 && text[begin - 1] != u'\n' && text[begin - 1] != u'\r') --begin;
+    while (begin > 0 && !isLineEnd(text[begin - 1])) --begin;
     qsizetype end = std::max(range.end(), begin);
-    while (end < text.size() && text[end] != u'\n' && text[end] != u'\r') ++end;
+    while (end < text.size() && !isLineEnd(text[end])) ++end;
     if (end + 1 < text.size() && text[end] == u'\r' && text[end + 1] == u'\n') ++end;
     if (end < text.size()) ++end;
     return {begin, end - begin};
@@ -240,9 +245,7 @@ QString tm_firstLineOfText(const QString &text)
     else if (rest.startsWith(u'%')) rest = rest.sliced(1);
     if (rest.startsWith(u"Title:") || rest.startsWith(u"title:")) rest = rest.sliced(6);
     rest = rest.trimmed();
-    const auto lineEnd = std::find_if(rest.begin(), rest.end(), [](QChar c) {
-        return c == u'\n' || c == u'\r' || c == QChar::LineSeparator || c == QChar::ParagraphSeparator || c == u'\x85';
-    });
+    const auto lineEnd = std::find_if(rest.begin(), rest.end(), isLineEnd);
     QString line = shortened(rest.first(lineEnd - rest.begin()).trimmed().toString());
     line.replace(u'/', u'-');
     const QString trimmed = trimmedOf(line, u"-_+#& ");
