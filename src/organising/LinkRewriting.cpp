@@ -129,7 +129,9 @@ private:
         const QString decoded = percentDecoded(target);
         for (const QString &form : {target, decoded}) {
             const QString meant = resolvedAgainst(form, m_book);
-            if (!meant.startsWith(m_old + u'/')) continue;
+            // A roundabout form ("../Book/b.md" inside Book) means the moved item too.
+            const bool isMoved = meant == m_old && !exists(meant);
+            if (!isMoved && !meant.startsWith(m_old + u'/')) continue;
             const QString now = relative(m_new + meant.mid(m_old.size()));
             return tm_pathByAppendingAnchor(form == target ? now : percentEncodedPath(now), anchor);
         }

@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/Notebook.h"
+
+#include "foundation/Platform.h"
+#include "library/ItemOperations.h"
+#include "library/Properties.h"
+#include "organising/Backlinks.h"
+#include "organising/DocumentReferences.h"
+#include "organising/LinkRewriting.h"
+#include "organising/NotebookOrganiser.h"
+
+using namespace tomelet;
+
+class Links : public tomelet::test::Notebook
+{
+protected:
+    Links()
+    {
+        installNotebookOrganiser();
+        settings().setObject(QStringLiteral("manageLinks"), true);
+    }
+    void refresh(std::initializer_list<const char *> documents) const
+    {
+        for (const char *document : documents)
+            tm_refreshBacklinksForReferencedDocuments(at(QString::fromUtf8(document)));
+    }
+    void move(const char *from, const char *to) const
+    {
+        ASSERT_TRUE(tm_moveItemToPath(at(QString::fromUtf8(from)), at(QString::fromUtf8(to))));
+        drainPendingWork();
+    }
+    QString backlinks(const char *item) const
+    {
+        return tm_propertyForKey(at(QString::fromUtf8(item)), QStringLiteral("Backlinks")).toStringList().join(u' ');
+    }
+    QByteArray text(const char *path) const { return read(QString::fromUtf8(path)); }
+};
+
+TEST_F(Links, formsOfReferences)
+{
+    const struct
+    {
+        const char *text;
+        const char *references;
+    } rows[] = {
+        {"<img alt=\"\" src=\"TMImages/a.png\"> <a class=\"x\" href=\"b.md\">b</a>", "TMImages/a.png b.md"},
+        {"[[Note]] [[Sub/b.md | shown]]", "Note Sub/b.md "},
+        {"![](a.png) [x](#here) [y](http://x.org) [z](../c.md#p)", "a.png ../c.md#p"},
+        {"see tomelet://show/A/b.md and [x](tomelet://show/c.md)", "tomelet://show/A/b.md tomelet://show/c.md"},
+        {"x\n[ref]: d.md\n", "d.md"},
+        {"\xF0\x9F\x98\x80 [e](\xF0\x9F\x98\x80.md)", "\xF0\x9F\x98\x80.md"},
+    };
+    for (const auto &row : rows) {
+        const QString source = QString::fromUtf8(row.text);
+        QStringList found;
+        for (const Reference &reference : referencesInText(source)) {
+            found.append(reference.path);
+            EXPECT_EQ(substring(source, reference.range), reference.path);
+        }
+        EXPECT_EQ(found.join(u' '), QString::fromUtf8(row.references)) << row.text;
+    }
+}
+
+TEST_F(Links, whatReferencesMean)
+{
+    for (const char *path : {"/Book/a.md", "/Book/my file.md", "/b.md", "/Book/R&D.md"}) write(QString::fromUtf8(path));
+    const QString document = write(QStringLiteral("/Book/d.md"),
+                                   "[](a.md#x) [](my%20file.md) [](/b.md) [](../b.md) <a href=\"R&amp;D.md\"> [](none.md) "
+                                   "[](../../out.md) [](..) tomelet://search/a tomelet://Book/a.md");
+    EXPECT_EQ(tm_verifiedArrayOfReferencedDocuments(document).join(u' '),
+              QStringLiteral("/Book/a.md /Book/my file.md /b.md /Book/R&D.md"));
+}
+
+TEST_F(Links, aRenameReachesEveryFormAndNothingElse)
+{
+    write(QStringLiteral("/A/b.md"));
+    write(QStringLiteral("/A/b.md2"));
+    write(QStringLiteral("/C/b.md"), "another");
+    write(QStringLiteral("/A/r.md"), "[1](b.md) [2](/A/b.md#p) [3](tomelet://show/A/b.md) [[b.md]] [4](b.md2) [5](../A/b.md)");
+    write(QStringLiteral("/C/r.md"), "[1](../A/b.md) [2](b.md) <a href=\"/A/b.md\">");
+    refresh({"/A/r.md", "/C/r.md"});
+    EXPECT_EQ(backlinks("/A/b.md"), QStringLiteral("/A/r.md /C/r.md"));
+    move("/A/b.md", "/A/new (1).md");
+    EXPECT_EQ(text("/A/r.md"), "[1](new (1).md) [2](/A/new (1).md#p) [3](tomelet://show/A/new (1).md) [[new (1).md]] "
+                               "[4](b.md2) [5](new (1).md)");
+    EXPECT_EQ(text("/C/r.md"), "[1](../A/new (1).md) [2](b.md) <a href=\"/A/new (1).md\">");
+}
+
+TEST_F(Links, encodedAndComposedForms)
+{
+    write(QStringLiteral("/A/M\u00fcll #1.md"));
+    write(QStringLiteral("/r.md"), "[1](/A/M%C3%BCll%20%231.md) [2](A/Mu\xCC\x88ll #1.md)");
+    refresh({"/r.md"});
+    move("/A/M\u00fcll #1.md", "/A/neu.md");
+    EXPECT_EQ(text("/r.md"), "[1](/A/neu.md) [2](A/neu.md)");
+}
+
+TEST_F(Links, theMovedDocumentKeepsItsOwnLinks)
+{
+    write(QStringLiteral("/A/t.md"));
+    write(QStringLiteral("/A/d.md"), "[t](t.md#x) [u](my%20u.md) [gone](none.md)");
+    write(QStringLiteral("/A/my u.md"));
+    makeBook(QStringLiteral("/B/C"));
+    refresh({"/A/d.md"});
+    move("/A/d.md", "/B/C/d.md");
+    EXPECT_EQ(text("/B/C/d.md"), "[t](../../A/t.md#x) [u](../../A/my%20u.md) [gone](none.md)");
+    EXPECT_EQ(backlinks("/A/t.md"), QStringLiteral("/B/C/d.md"));
+}
+
+TEST_F(Links, aMovedBook)
+{
+    write(QStringLiteral("/A/Sub/t.md"), "[back](../../r.md)");
+    write(QStringLiteral("/A/d.md"), "[t](Sub/t.md) [abs](/A/Sub/t.md)");
+    write(QStringLiteral("/r.md"), "[t](A/Sub/t.md) [[/A/d.md]] [x](A2/t.md)");
+    refresh({"/A/Sub/t.md", "/A/d.md", "/r.md"});
+    move("/A", "/New Book");
+    EXPECT_EQ(text("/r.md"), "[t](New Book/Sub/t.md) [[/New Book/d.md]] [x](A2/t.md)");
+    EXPECT_EQ(text("/New Book/d.md"), "[t](Sub/t.md) [abs](/New Book/Sub/t.md)");
+    EXPECT_EQ(text("/New Book/Sub/t.md"), "[back](../../r.md)");
+    EXPECT_EQ(backlinks("/New Book/Sub/t.md"), QStringLiteral("/New Book/d.md /r.md"));
+    EXPECT_EQ(backlinks("/r.md"), QStringLiteral("/New Book/Sub/t.md"));
+}
+
+TEST_F(Links, otherEncodingsAndCopies)
+{
+    write(QStringLiteral("/t.md"));
+    write(QStringLiteral("/mac.txt"), "caf\x8e [t](t.md)");
+    refresh({"/mac.txt"});
+    ASSERT_TRUE(tm_copyItemToPath(at(QStringLiteral("/t.md")), at(QStringLiteral("/copy.md"))));
+    tm_repairBrokenBacklink(at(QStringLiteral("/copy.md")));
+    EXPECT_EQ(backlinks("/copy.md"), QString()) << "a copy has no referrers of its own";
+    move("/t.md", "/u.md");
+    EXPECT_EQ(text("/mac.txt"), "caf\x8e [t](u.md)");
+    EXPECT_EQ(backlinks("/u.md"), QStringLiteral("/mac.txt"));
+}
+
+TEST_F(Links, nothingMovesWhileTheOldPathStands)
+{
+    write(QStringLiteral("/a.md"));
+    write(QStringLiteral("/b.md"));
+    write(QStringLiteral("/r.md"), "[a](a.md)");
+    refresh({"/r.md"});
+    tm_adjustLinksAndBacklinksAfterRenameFrom(at(QStringLiteral("/b.md")), at(QStringLiteral("/a.md")));
+    drainPendingWork();
+    EXPECT_EQ(text("/r.md"), "[a](a.md)");
+    settings().remove(QStringLiteral("manageLinks"));
+    move("/a.md", "/c.md");
+    EXPECT_EQ(text("/r.md"), "[a](a.md)");
+}
