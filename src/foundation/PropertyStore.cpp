@@ -14,7 +14,9 @@ static constexpr qint64 largestStore = 256 * 1024 * 1024;
 
 static QVariant readStore(const QString &path, QMetaType::Type type)
 {
-    if (QFileInfo(path).size() > largestStore) return {};
+    // Most items have no store: one look tells.
+    const QFileInfo file(path);
+    if (!file.isFile() || file.size() > largestStore) return {};
     const auto bytes = readFile(path);
     if (!bytes) return {};
     const auto value = parsePropertyList(*bytes);

@@ -9,8 +9,6 @@
 #include "library/Organiser.h"
 #include "library/Properties.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 #include <numeric>
 
@@ -26,11 +24,10 @@ QString customPosition(const QString &name, const LocalizedIndex &order)
     return settings().boolean(QStringLiteral("manualSortNewAtTop")) ? QStringLiteral("-0001") : QStringLiteral("9000");
 }
 
-QDateTime rowCreationDate(const QString &path, const QVariantMap &properties)
+QDateTime rowCreationDate(const QString &path, const QVariantMap &properties, const QDateTime &date)
 {
     const QVariant stored = properties.value(QStringLiteral("CreationDate"));
     if (stored.typeId() == QMetaType::QDateTime) return stored.toDateTime();
-    const QDateTime date = fileCreationDate(path);
     if (date.isValid() && settings().boolean(QStringLiteral("alwaysSaveCreationDate")))
         tm_setCreationDate(path, date);
     return date;
@@ -60,14 +57,15 @@ QVariantMap itemRow(const QString &path, bool asTask, const QVariant &details, c
     const QVariantMap properties = isBook ? parentProperties : readDictionary(tm_plistPath(path));
 
     const TaskRow task = asTask ? organiser().taskRow(path, details) : TaskRow{farFuture(), {}, false};
+    const FileDates dates = fileDates(path);
     const auto pin = pinned.find(name);
     QVariantMap row{
         {QStringLiteral("title"), name},
         {QStringLiteral("path"), path},
         {QStringLiteral("parent"), parent},
-        {QStringLiteral("modDate"), QFileInfo(path).lastModified().toUTC()},
+        {QStringLiteral("modDate"), dates.modified},
         {QStringLiteral("DueDate"), task.sortDate},
-        {QStringLiteral("creationDate"), rowCreationDate(path, properties)},
+        {QStringLiteral("creationDate"), rowCreationDate(path, properties, dates.created)},
         {QStringLiteral("custom"), customPosition(name, order)},
         {QStringLiteral("taskIcon"), task.icon},
         {QStringLiteral("taskIsRepeating"), flag(task.repeats)},

@@ -196,12 +196,19 @@ QVariant tm_inheritedPropertyForKey(const QString &path, const QString &key)
 
 // -- dates ------------------------------------------------------------------------------------------------------------
 
-QDateTime fileCreationDate(const QString &path)
+FileDates fileDates(const QString &path)
 {
     struct statx status{};
     if (::statx(AT_FDCWD, QFile::encodeName(path).constData(), 0, STATX_BTIME | STATX_MTIME, &status) != 0) return {};
-    const auto &stamp = status.stx_mask & STATX_BTIME ? status.stx_btime : status.stx_mtime;
-    return QDateTime::fromMSecsSinceEpoch(stamp.tv_sec * 1000 + stamp.tv_nsec / 1000000, Qt::UTC);
+    const auto date = [](const statx_timestamp &stamp) {
+        return QDateTime::fromMSecsSinceEpoch(stamp.tv_sec * 1000 + stamp.tv_nsec / 1000000, Qt::UTC);
+    };
+    return {date(status.stx_mask & STATX_BTIME ? status.stx_btime : status.stx_mtime), date(status.stx_mtime)};
+}
+
+QDateTime fileCreationDate(const QString &path)
+{
+    return fileDates(path).created;
 }
 
 QDateTime tm_creationDate(const QString &path)

@@ -45,6 +45,14 @@ void tm_removePropertyForKey(const QString &path, const QString &key);
 /// Stamps now when no date is stored.
 void tm_setCreationDate(const QString &path);
 void tm_setCreationDate(const QString &path, const QDateTime &date);
+/// Both dates of a file in UTC, read at once; invalid where there is none. A file system that keeps no date of creation
+/// gives the one of the last change in its place.
+struct FileDates
+{
+    QDateTime created;
+    QDateTime modified;
+};
+[[nodiscard]] FileDates fileDates(const QString &path);
 /// The file system's birth time, or the earlier of the dates it has where it keeps none. Invalid for no file.
 [[nodiscard]] QDateTime fileCreationDate(const QString &path);
 
