@@ -112,20 +112,49 @@ bool managesContextsAutomatically()
            settings().boolean(QStringLiteral("extractContextsAutomatically"));
 }
 
-QDateTime autocollectDate()
+namespace {
+
+QDateTime dateInInfo(const QString &key)
 {
-    const QVariant date = readDictionary(infoFile()).value(QStringLiteral("autocollectDate"));
+    const QVariant date = readDictionary(infoFile()).value(key);
     return date.typeId() == QMetaType::QDateTime ? date.toDateTime() : farPast();
 }
 
-void setAutocollectDate(const QDateTime &date)
+void setInInfo(const QString &key, const QVariant &value)
 {
     if (!makeFolder(rootStateFolder())) return;
     changeDictionary(infoFile(), [&](QVariantMap &info) {
         info.insert(QStringLiteral("TMRoot"), tomeletRoot());
-        info.insert(QStringLiteral("autocollectDate"), date);
+        info.insert(key, value);
         return true;
     });
+}
+
+} // namespace
+
+QDateTime autocollectDate()
+{
+    return dateInInfo(QStringLiteral("autocollectDate"));
+}
+
+void setAutocollectDate(const QDateTime &date)
+{
+    setInInfo(QStringLiteral("autocollectDate"), date);
+}
+
+QDateTime lastRefreshOfBacklinks()
+{
+    return dateInInfo(QStringLiteral("autocollectDateBacklinks"));
+}
+
+void setLastRefreshOfBacklinks(const QDateTime &date)
+{
+    setInInfo(QStringLiteral("autocollectDateBacklinks"), date);
+}
+
+void setNumberOfDocumentsWithBacklinks(qsizetype number)
+{
+    setInInfo(QStringLiteral("numberOfDocumentsWithBacklinks"), static_cast<qlonglong>(number));
 }
 
 QString indexPathOf(const QString &path)

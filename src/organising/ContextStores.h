@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The stores of contexts: the list that travels with the library, the words that are excluded from extraction, and
-// the reverse index, which lies outside the library because it can always be made again.
+// the reverse index and the notes on the root's last walks, which lie outside the library because they can always be
+// made again.
 #pragma once
 
 #include <QDateTime>
@@ -53,6 +54,11 @@ void writeExcludedContexts(QStringList words);
 /// The moment of the last collection; the far past before the first.
 [[nodiscard]] QDateTime autocollectDate();
 void setAutocollectDate(const QDateTime &date);
+
+/// The moment of the last refresh of all backlinks of the root; the far past before the first.
+[[nodiscard]] QDateTime lastRefreshOfBacklinks();
+void setLastRefreshOfBacklinks(const QDateTime &date);
+void setNumberOfDocumentsWithBacklinks(qsizetype number);
 
 /// An item's normalised path in composed form, as the index holds it.
 [[nodiscard]] QString indexPathOf(const QString &path);

@@ -4,19 +4,16 @@
 #include "conversion/Edits.h"
 #include "foundation/Collation.h"
 #include "foundation/Folder.h"
-#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
-#include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/TextFile.h"
 #include "organising/Backlinks.h"
 #include "organising/DocumentReferences.h"
-
-#include <QFileInfo>
+#include "organising/LinkWalks.h"
 
 namespace tomelet {
 
@@ -223,13 +220,6 @@ void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QSt
 
 namespace {
 
-bool isPassedOver(const QString &path)
-{
-    const QString name = lastPathComponent(path);
-    return tm_pathIsExcludedFromDisplay(path) || path.contains(u"TMResources") || name == u"TMMacLog.txt" ||
-           name == u"Dropbox Log.txt" || name.startsWith(localized(TOMELET_TEXT("Sync Report")));
-}
-
 /// What one walk below a folder found of use for links.
 struct LinkedItems
 {
@@ -237,17 +227,15 @@ struct LinkedItems
     QStringList referenced; ///< whose stored path is not their own
 };
 
-void findLinkedItems(const QString &folder, const QString &root, LinkedItems &found)
+LinkedItems findLinkedItems(const QString &folder, const QString &root)
 {
-    for (const FolderEntry &entry : listFolder(folder).value_or(std::vector<FolderEntry>())) {
-        const QString path = joinPath(folder, entry.name);
-        if (isPassedOver(path)) continue;
-        const bool isBook = entry.isFolder && !hasPackageExtension(path);
+    LinkedItems found;
+    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
         const QString stored = storedProperties(path).value(referencedKey).toString();
         if (!stored.isEmpty() && stored != tm_normalizedPath(path, root)) found.referenced.append(path);
-        if (isBook && !QFileInfo(path).isSymLink()) findLinkedItems(path, root, found);
-        else if (!entry.isFolder && canHoldReferences(path)) found.documents.append(path);
-    }
+        if (!isBook && canHoldReferences(path)) found.documents.append(path);
+    });
+    return found;
 }
 
 /// The move of a book, with its paths full.
@@ -299,8 +287,7 @@ void followReferences(const QString &document, const BookMove &move)
 
 void renameAllLinks(const QString &folder, const BookMove &move)
 {
-    LinkedItems found;
-    findLinkedItems(folder, move.root, found);
+    const LinkedItems found = findLinkedItems(folder, move.root);
     for (const QString &item : found.referenced) followReferrers(item, move);
     for (const QString &document : found.documents) followReferences(document, move);
 }

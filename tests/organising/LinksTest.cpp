@@ -7,7 +7,10 @@
 #include "organising/Backlinks.h"
 #include "organising/DocumentReferences.h"
 #include "organising/LinkRewriting.h"
+#include "organising/LinkWalks.h"
 #include "organising/NotebookOrganiser.h"
+
+#include <QFile>
 
 using namespace tomelet;
 
@@ -146,4 +149,34 @@ TEST_F(Links, nothingMovesWhileTheOldPathStands)
     settings().remove(QStringLiteral("manageLinks"));
     move("/a.md", "/c.md");
     EXPECT_EQ(text("/r.md"), "[a](a.md)");
+}
+
+TEST_F(Links, refreshCheckAndRepairOfAll)
+{
+    write(QStringLiteral("/A/b.md"));
+    write(QStringLiteral("/A/r.md"), "[x](b.md) [y](/C/c.md)");
+    write(QStringLiteral("/C/c.md"), "[[/A/b.md]]");
+    const RefreshedLinks found = tm_refreshAllBacklinksStartingAtReferenceDate(root, false);
+    EXPECT_EQ(found.message(), QStringLiteral("Found 3 Links in 3 Documents"));
+    EXPECT_EQ(backlinks("/A/b.md"), QStringLiteral("/A/r.md /C/c.md"));
+    EXPECT_EQ(tm_findBrokenBacklinks(root, BacklinkCheck::Find).message(), QStringLiteral("No Broken Backlinks"));
+
+    // Another program moves a document, and its property file along with it.
+    const QString from = at(QStringLiteral("/A/b.md"));
+    const QString to = at(QStringLiteral("/C/moved.md"));
+    const QString properties = propertyFileOf(from);
+    ASSERT_TRUE(QFile::rename(from, to));
+    ASSERT_TRUE(QFile::rename(properties, propertyFileOf(to)));
+    const CheckedBacklinks broken = tm_findBrokenBacklinks(root, BacklinkCheck::Find);
+    EXPECT_EQ(broken.message(), QStringLiteral("One Broken Backlink Found"));
+    EXPECT_TRUE(broken.explanation().endsWith(u"\n\n/C/moved.md\n( /A/b.md )")) << broken.explanation().toStdString();
+    EXPECT_EQ(text("/A/r.md"), "[x](b.md) [y](/C/c.md)");
+    tm_findBrokenBacklinks(root, BacklinkCheck::Repair);
+    drainPendingWork();
+    EXPECT_EQ(text("/A/r.md"), "[x](../C/moved.md) [y](/C/c.md)");
+    EXPECT_EQ(text("/C/c.md"), "[[/C/moved.md]]");
+    EXPECT_EQ(tm_findBrokenBacklinks(root, BacklinkCheck::Find).message(), QStringLiteral("No Broken Backlinks"));
+
+    EXPECT_GT(tm_findBrokenBacklinks(root, BacklinkCheck::Remove).removed, 1);
+    EXPECT_EQ(backlinks("/C/moved.md"), QString());
 }

@@ -7,7 +7,9 @@ namespace tomelet::cli {
 struct Invocation;
 
 int runBenchEngine(const Invocation &call);
+int runBacklinks(const Invocation &call);
 int runBook(const Invocation &call);
+int runCheckLinks(const Invocation &call);
 int runContext(const Invocation &call);
 int runContexts(const Invocation &call);
 int runConvert(const Invocation &call);
@@ -16,12 +18,14 @@ int runDuplicate(const Invocation &call);
 int runFavorite(const Invocation &call);
 int runGet(const Invocation &call);
 int runLabel(const Invocation &call);
+int runLinks(const Invocation &call);
 int runList(const Invocation &call);
 int runMv(const Invocation &call);
 int runNew(const Invocation &call);
 int runOp(const Invocation &call);
 int runOps(const Invocation &call);
 int runPin(const Invocation &call);
+int runRefreshLinks(const Invocation &call);
 int runRm(const Invocation &call);
 int runRoot(const Invocation &call);
 int runServe(const Invocation &call);
