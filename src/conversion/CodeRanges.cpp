@@ -7,17 +7,50 @@
 
 namespace tomelet {
 
+namespace {
+
+qsizetype pointBefore(const QString &text, qsizetype at, qsizetype from)
+{
+    const bool pair = at - 2 >= from && text[at - 1].isLowSurrogate() && text[at - 2].isHighSurrogate();
+    return at - (pair ? 2 : 1);
+}
+
+qsizetype pointBehind(const QString &text, qsizetype at)
+{
+    const bool pair = at + 1 < text.size() && text[at].isHighSurrogate() && text[at + 1].isLowSurrogate();
+    return at + (pair ? 2 : 1);
+}
+
+// The matches of "[^`]`{1}?[^`]+?`{1}?[^`]", from back tick to back tick: as a pattern it is tried at every character.
+void addInlineCode(const QString &text, QList<Range> &ranges)
+{
+    qsizetype from = 0;
+    for (qsizetype open = text.indexOf(u'`'); open >= 0;) {
+        const qsizetype close = text.indexOf(u'`', open + 1);
+        if (close < 0) return;
+        const bool opens = open > from && text[open - 1] != u'`' && close > open + 1;
+        if (!opens || close + 1 >= text.size() || text[close + 1] == u'`') {
+            open = close;
+            continue;
+        }
+        const qsizetype begin = pointBefore(text, open, from);
+        from = pointBehind(text, close + 1);
+        ranges.append({begin, from - begin});
+        open = text.indexOf(u'`', from);
+    }
+}
+
+} // namespace
+
 QList<Range> tm_rangesOfFencedCodeBlocks(const QString &text)
 {
     // In ICU's sets "\A" is the letter A, so the start of the text opens no fence.
     static const QString fenced = QStringLiteral("[\\A\n]\\s{0,3}([~|`]{3,})[^~`].*?\n\\s{0,3}\\1");
-    static const QString inlineCode = QStringLiteral("[^`]`{1}?[^`]+?`{1}?[^`]");
     QList<Range> ranges;
     if (!text.contains(u'`') && !text.contains(u"~~~") && !text.contains(u"|||")) return ranges;
     const PatternMatches blocks = matchesOfPattern(text, fenced, PatternDotAll);
     for (size_t i = 0; i < blocks.size(); ++i) ranges.append(blocks[i].range());
-    const PatternMatches pieces = matchesOfPattern(text, inlineCode);
-    for (size_t i = 0; i < pieces.size(); ++i) ranges.append(pieces[i].range());
+    addInlineCode(text, ranges);
     std::stable_sort(ranges.begin(), ranges.end(),
                      [](const Range &a, const Range &b) { return a.location < b.location; });
     return ranges;
@@ -57,10 +90,12 @@ bool CodeRanges::overlaps(const QString &text, Range range)
     return behind != m_ranges.begin() && m_farthestEnd[size_t(behind - m_ranges.begin()) - 1] > range.location;
 }
 
-// Only marks of code, line ends, and what a fence may follow directly, can open or close code elsewhere.
+// Only marks of code, line ends, and what a fence may follow directly (behind blanks), can open or close code elsewhere.
 static bool cannotTouchCode(QStringView part)
 {
-    if (part.isEmpty() || part.back().isSpace() || part.back() == u'A') return false;
+    const bool blankAtEnd = !part.isEmpty() && part.back().isSpace();
+    const QStringView solid = blankAtEnd ? part.trimmed() : part;
+    if (solid.isEmpty() || solid.back() == u'A') return false;
     return std::none_of(part.begin(), part.end(), [](QChar c) { return QStringView(u"`~|\n\r").contains(c); });
 }
 

@@ -2,12 +2,15 @@
 #include "conversion/HtmlToMarkdown.h"
 
 #include "conversion/Edits.h"
+#include "conversion/LaterLines.h"
 #include "conversion/NestedRewrites.h"
 #include "conversion/Patterns.h"
 #include "conversion/StyleSheets.h"
 #include "conversion/TextUtilities.h"
 #include "foundation/Platform.h"
 #include "library/Root.h"
+
+#include <algorithm>
 
 namespace tomelet {
 
@@ -140,11 +143,14 @@ void convertEmphasis(QString &text)
 void convertQuotes(QString &text)
 {
     text = regexSweep(text, QStringLiteral("<blockquote( .*?)?>\\n*"), QStringLiteral("\n<blockquote>"));
-    text = replaceInnermost(text, {QStringLiteral("blockquote")}, [](const QString &, const QString &content) {
+    LaterLines later(LaterLines::Quotes, text);
+    text = replaceInnermost(text, {QStringLiteral("blockquote")}, [&later](const QString &, const QString &content) {
         if (content.isEmpty()) return QString();
-        return QString(QStringLiteral("> ") +
-                       content.trimmed().replace(QStringLiteral("\n> "), QStringLiteral("\n> > ")));
+        later.mark(content);
+        return later.putAside(QStringLiteral("> ") +
+                              content.trimmed().replace(QStringLiteral("\n> "), QStringLiteral("\n> > ")));
     });
+    text = later.restored(text);
 }
 
 void convertCode(QString &text)
@@ -178,35 +184,61 @@ QString listPiece(const QString &piece, const QString &marker)
     return result;
 }
 
+QString markdownList(const QString &name, const QString &content)
+{
+    QString list;
+    const QStringList pieces = content.split(QStringLiteral("</li>"));
+    for (qsizetype i = 0; i < pieces.size(); ++i) {
+        const QString marker = name == u"ol" ? QStringLiteral("\n%1. ").arg(i + 1) : QStringLiteral("\n- ");
+        list += listPiece(pieces[i], marker);
+    }
+    return list.replace(QStringLiteral("\n\n"), QStringLiteral("\n"));
+}
+
+// Whether a list around this one does nothing more to its lines than to indent them and to drop empty ones.
+bool isSettled(const QString &list)
+{
+    static const QString touched[] = {QStringLiteral("<li>"), QStringLiteral("</li>"), QStringLiteral("<ul"),
+                                      QStringLiteral("<ol"),  QStringLiteral("</ul>"), QStringLiteral("</ol>")};
+    // A sign alone on its line takes the next line to it when it is indented.
+    if (rangeOfPattern(list, QStringLiteral("\n[ \t]*(-|\\d+\\.)([^\\S ]|\\z)")).isFound()) return false;
+    return std::none_of(std::begin(touched), std::end(touched), [&](const QString &t) { return list.contains(t); });
+}
+
 void convertLists(QString &text)
 {
+    LaterLines later(LaterLines::Lists, text);
     text = replaceInnermost(text, {QStringLiteral("ul"), QStringLiteral("ol")},
-                            [](const QString &name, const QString &content) {
-        QString list;
-        const QStringList pieces = content.split(QStringLiteral("</li>"));
-        for (qsizetype i = 0; i < pieces.size(); ++i) {
-            const QString marker = name == u"ol" ? QStringLiteral("\n%1. ").arg(i + 1) : QStringLiteral("\n- ");
-            list += listPiece(pieces[i], marker);
-        }
-        return QString(list.replace(QStringLiteral("\n\n"), QStringLiteral("\n")) + u'\n');
-    });
+                            [&later](const QString &name, const QString &content) {
+                                later.mark(content);
+                                const QString list = markdownList(name, content);
+                                return QString((isSettled(list) ? later.putAside(list) : list) + u'\n');
+                            });
+    text = later.restored(text);
     text.replace(QStringLiteral("<li>"), QStringLiteral("- "), Qt::CaseInsensitive)
         .replace(QStringLiteral("</li>"), QStringLiteral("\n"), Qt::CaseInsensitive);
 }
 
-// A heading takes the white space around it, that of a heading right in front included.
+// White space as the patterns know it.
+bool isPatternSpace(QChar c)
+{
+    return c == u'\t' || c == u'\n' || c == u'\f' || c == u'\r' || c.category() == QChar::Separator_Space ||
+           c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph;
+}
+
+// The first matches of "\s*<h([123456]).*?>\s*" again and again. The white space in front is looked for from the tag
+// backwards: deep lists have too much of it to be tried from each blank on. A heading right in front gives its own.
 void convertHeadings(QString &text)
 {
-    static const QString pattern = QStringLiteral("\\s*<h([123456]).*?>\\s*");
+    static const QString pattern = QStringLiteral("<h([123456]).*?>\\s*");
     QString result;
     qsizetype from = 0;
-    for (;;) {
-        const PatternMatches found = firstMatchOfPattern(text, pattern, PatternDotAll, {from, text.size() - from});
-        if (found.isEmpty()) break;
-        const Range range = found[0].range();
-        if (range.location == from && from > 0 && result.endsWith(u' ')) result.chop(1);
+    const PatternMatches tags = matchesOfPattern(text, pattern, PatternDotAll);
+    for (size_t i = 0; i < tags.size(); ++i) {
+        const Range range = tags[i].range();
         result.append(QStringView(text).sliced(from, range.location - from));
-        const qsizetype level = substring(text, found[0].group(1)).toInt();
+        while (!result.isEmpty() && isPatternSpace(result.back())) result.chop(1);
+        const qsizetype level = substring(text, tags[i].group(1)).toInt();
         result.append(QStringLiteral("\n\n")).append(QString(level, u'#')).append(u' ');
         from = range.end();
     }

@@ -13,6 +13,14 @@ static bool endsInsideOpener(QStringView text, qsizetype openerSize)
     return text.last(std::min(text.size(), openerSize - 1)).contains(u'<');
 }
 
+// Puts a part in front of what is still unread of a text, in the room of what was read; gives where it begins.
+static qsizetype putInFront(QString &text, qsizetype from, QStringView part)
+{
+    const qsizetype begin = std::max(qsizetype(0), from - part.size());
+    text.replace(begin, from - begin, part.data(), part.size());
+    return begin;
+}
+
 QString replaceFirstMatches(QString text, const QString &pattern, int options, const QString &opener,
                             const QString &closer, const MatchReplacement &replacement)
 {
@@ -31,9 +39,8 @@ QString replaceFirstMatches(QString text, const QString &pattern, int options, c
         if (!joins && !made.contains(opener) && !endsInsideOpener(made, opener.size())) continue;
         // The replacement begins to match in its turn, perhaps together with what stands around it.
         const qsizetype again = std::max(qsizetype(0), madeAt - opener.size());
-        text.replace(0, from, result.sliced(again));
+        from = putInFront(text, from, QStringView(result).sliced(again));
         result.truncate(again);
-        from = 0;
     }
     result.append(QStringView(text).sliced(from));
     return result;

@@ -5,6 +5,8 @@
 #include "conversion/StyleSheets.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
+#include "import/Mail.h"
+#include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/PathForms.h"
 #include "library/TextFile.h"
@@ -31,6 +33,15 @@ static QString pageOfImage(const QString &path)
                                                    .arg(percentEncodedPath(name), name.toHtmlEscaped()));
 }
 
+static QString pageOfMail(const QString &path)
+{
+    const auto decoded = readTextFile(path);
+    const Font font = tm_fontForPath(path);
+    return tm_emlToHTML(decoded ? decoded->text : QString())
+        .replace(QStringLiteral("**TomeletFont**"), font.face)
+        .replace(QStringLiteral("**TomeletFontSize**"), QString::number(qlonglong(font.size)));
+}
+
 static QString pageOfUnknown(const QString &path)
 {
     const QFileInfo file(path);
@@ -50,6 +61,7 @@ static QString pageOfAnyKind(const QString &path)
         const auto decoded = readTextFile(path);
         return decoded ? decoded->text : tm_createFormattedDocWithBody(path, {});
     }
+    if (extension == u"eml") return pageOfMail(path);
     if (hasImageExtension(path)) return pageOfImage(path);
     if (hasPlainTextExtension(path)) return pageOfText(path);
     // Files without an extension are mostly text: README, LICENSE, Makefile.

@@ -6,7 +6,7 @@
 
 namespace tomelet {
 
-/// The complete page of any document: Markdown, HTML, plain text, pictures, and a card for what cannot be shown.
+/// The complete page of any document: Markdown, HTML, mails, plain text, pictures, and a card for what cannot be shown.
 [[nodiscard]] QString pageForItem(const QString &path);
 
 } // namespace tomelet

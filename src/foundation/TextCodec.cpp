@@ -61,7 +61,8 @@ std::optional<QByteArray> encodeByIcu(const QString &text, TextEncoding encoding
 
 std::optional<QString> decodeByQt(QByteArrayView bytes, QStringConverter::Encoding encoding)
 {
-    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom);
+    // Stateless: a sequence that is cut off at the end is an error, not the beginning of what comes next.
+    QStringDecoder decoder(encoding, QStringConverter::Flag::ConvertInitialBom | QStringConverter::Flag::Stateless);
     QString text = decoder(bytes);
     if (decoder.hasError()) return std::nullopt;
     return text;

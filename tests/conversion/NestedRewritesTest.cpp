@@ -2,6 +2,8 @@
 // The rewrites that start again from the top after each replacement, beside the plain loop that they stand for.
 #include "conversion/NestedRewrites.h"
 
+#include "conversion/HtmlToMarkdown.h"
+
 #include "tests/support/Notebook.h"
 
 #include <gtest/gtest.h>
@@ -28,6 +30,8 @@ QString randomText(std::mt19937 &random, const QStringList &pieces)
     for (auto left = random() % 24; left > 0; --left) text += pieces[qsizetype(random() % size_t(pieces.size()))];
     return text;
 }
+
+using MarkdownOfNests = test::Notebook;
 
 struct Loop
 {
@@ -105,6 +109,72 @@ TEST(NestedRewrites, innermostGivesWhatThePlainLoopGives)
                 });
             ASSERT_EQ(replaceInnermost(text, row.names, row.replacement), plain) << text.toStdString();
         }
+    }
+}
+
+// -- lists and quotes whose lines are marked at the end ----------------------------------------------------------------
+
+namespace {
+
+QString indented(const QString &text)
+{
+    return regexSweep(text, u"\n([ \t]*)(-|\\d+\\.)\\s"_s, u"\n$1    $2 "_s, PatternDotAll);
+}
+
+QString plainList(const QString &name, const QString &content)
+{
+    QString list;
+    const QStringList pieces = content.split(u"</li>"_s);
+    for (qsizetype i = 0; i < pieces.size(); ++i) {
+        const QString piece = pieces[i].trimmed();
+        const qsizetype item = piece.indexOf(u"<li>"_s);
+        const QString before = item < 0 ? piece : piece.left(item);
+        const QString inside = item < 0 ? QString() : piece.mid(item).remove(u"<li>"_s).trimmed();
+        if (!before.isEmpty()) list += indented(u'\n' + before);
+        if (inside.isEmpty()) continue;
+        QString line = (name == u"ol" ? u"\n%1. "_s.arg(i + 1) : u"\n- "_s) + indented(inside);
+        list += line.replace(u"\n-  ["_s, u"\n- ["_s);
+    }
+    return list.replace(u"\n\n"_s, u"\n"_s) + u'\n';
+}
+
+} // namespace
+
+TEST_F(MarkdownOfNests, isThatOfThePlainLoops)
+{
+    const QStringList pieces{u"<ul>"_s, u"</ul>"_s, u"<ol>"_s, u"</ol>"_s, u"<li>"_s, u"</li>"_s, u"x"_s, u"\n"_s, u"\n- y"_s,
+                             u"- "_s,   u"3. "_s,   u" "_s,    u"<ul><li>"_s, u"</li></ul>"_s, u"<li> [ ] z</li>"_s};
+    std::mt19937 random(3);
+    for (int round = 0; round < 8000; ++round) {
+        const QString text = u"start"_s + randomText(random, pieces) + randomText(random, pieces);
+        // What the steps in front do to these tags.
+        QString plain = regexSweep(regexSweep(text, u"<(ul|ol)( .*?)?>\\n*"_s, u"<$1>"_s), u"\\n*<li( .*?)?>\\n*"_s, u"<li>"_s);
+        plain = loopOfFirstMatches(plain, u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s, PatternDotAll,
+                                   [](const PatternMatch &match, const QString &all) {
+                                       return plainList(substring(all, match.group(1)), substring(all, match.group(2)));
+                                   });
+        if (plain.contains(u"<ul"_s) || plain.contains(u"<ol"_s)) continue; // the steps in front would meet them again
+        plain.replace(u"<li>"_s, u"- "_s).replace(u"</li>"_s, u"\n"_s);
+        ASSERT_EQ(tm_markdownifyHTML(text), tm_markdownifyHTML(plain)) << text.toStdString();
+    }
+}
+
+TEST_F(MarkdownOfNests, quotesToo)
+{
+    const QStringList pieces{u"<blockquote>"_s, u"</blockquote>"_s, u"x"_s, u"\n"_s, u"\n> "_s, u"> "_s, u" "_s};
+    std::mt19937 random(4);
+    for (int round = 0; round < 8000; ++round) {
+        const QString text = u"start"_s + randomText(random, pieces) + randomText(random, pieces);
+        QString plain = regexSweep(text, u"<blockquote( .*?)?>\\n*"_s, u"\n<blockquote>"_s);
+        plain = loopOfFirstMatches(
+            plain, u"<blockquote>((?:(?!<blockquote)[\\s\\S])*?)</blockquote>"_s, 0,
+            [](const PatternMatch &match, const QString &all) {
+                const QString content = substring(all, match.group(1));
+                if (content.isEmpty()) return QString();
+                return QString(u"> "_s + content.trimmed().replace(u"\n> "_s, u"\n> > "_s));
+            });
+        if (plain.contains(u"<blockquote"_s)) continue;
+        ASSERT_EQ(tm_markdownifyHTML(text), tm_markdownifyHTML(plain)) << text.toStdString();
     }
 }
 

@@ -47,7 +47,7 @@ TEST_F(Page, frame)
     EXPECT_TRUE(page.startsWith(head)) << page.left(200).toStdString();
     EXPECT_TRUE(page.contains(u" -->\n  <title>A <em>b</em></title>\n  <meta http-equiv=\"Content-Type\" content=\"text/html; "
                               "charset=utf-8\">\n<style type=\"text/css\">"_s));
-    EXPECT_TRUE(page.endsWith(u"</style>\n</head>\n<body>\n<h1 id=\"ab\">A <em>b</em></h1>\n\n<p>text</p>\n</body>\n</html>"_s))
+    EXPECT_TRUE(page.endsWith(u"</style>\n</head>\n<body>\n<h1 id=\"ab\">A <em>b</em></h1>\n\n<p>text</p>\n\n</body>\n</html>"_s))
         << page.right(200).toStdString();
     EXPECT_TRUE(tm_markdownToHTML(write(u"/B/other.md"_s, "text")).contains(u"<title>other</title>"_s));
     EXPECT_EQ(bodyOf(at(u"/B/missing\n"_s)), u"<p>"_s + at(u"/B/missing"_s) + u"</p>"_s);

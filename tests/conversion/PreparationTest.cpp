@@ -67,6 +67,20 @@ TEST(CodeRanges, whatCountsAsCode)
     EXPECT_FALSE(tm_textCheckingResultsIntersectResult(ranges, {3, 5}));
 }
 
+TEST(CodeRanges, inlineCodeIsWhatItsPatternFinds)
+{
+    const QStringList pieces{u"`"_s, u"`"_s, u"a"_s, u"\n"_s, u"😀"_s, u"😀"_s.left(1), u"😀"_s.right(1)};
+    std::mt19937 random(7);
+    for (int round = 0; round < 20000; ++round) {
+        QString text;
+        for (auto left = random() % 16; left > 0; --left) text += pieces[qsizetype(random() % size_t(pieces.size()))];
+        QStringList wanted;
+        const PatternMatches matches = matchesOfPattern(text, u"[^`]`{1}?[^`]+?`{1}?[^`]"_s);
+        for (size_t i = 0; i < matches.size(); ++i) wanted << substring(text, matches[i].range());
+        ASSERT_EQ(listed(text), wanted.join(u'#')) << text.toStdString();
+    }
+}
+
 TEST_F(Preparation, commonSteps)
 {
     check({{"inline note", u"a ^[note] b"_s, u"a [^ note] b"_s},

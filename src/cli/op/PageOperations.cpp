@@ -14,6 +14,8 @@
 #include "conversion/TextUtilities.h"
 #include "conversion/WikiLinks.h"
 #include "foundation/Folder.h"
+#include "import/Mail.h"
+#include "import/MailText.h"
 
 namespace tomelet::cli {
 
@@ -83,6 +85,12 @@ void addPageOperations(Registry &add)
     add.text("tm_getInnerHTML", "html", tm_getInnerHTML);
     add.text("tm_getTitleFromHTML", "html", tm_getTitleFromHTML);
     add.text("tm_getArticleFromHTML", "html", tm_getArticleFromHTML);
+    add.text("tm_emlToHTML", "message", tm_emlToHTML);
+    add.text("stringWithEncodedWordsString", "text", stringWithEncodedWordsString);
+    add.text("stringWithQuotedPrintableString", "text", stringWithQuotedPrintableString);
+    add.text("stringWithBase64Encoding", "text", stringWithBase64Encoding);
+    add.text("convertToHTML", "text", convertToHTML);
+    add.text("wrapTextInHTML", "fragment", wrapTextInHTML);
     add.text("acceptCriticMarkup", "text", acceptCriticMarkup);
 }
 
