@@ -8,6 +8,7 @@
 #include "organising/DocumentReferences.h"
 #include "organising/LinkRewriting.h"
 #include "organising/LinkWalks.h"
+#include "organising/LostTarget.h"
 #include "organising/NotebookOrganiser.h"
 
 #include <QFile>
@@ -179,4 +180,29 @@ TEST_F(Links, refreshCheckAndRepairOfAll)
 
     EXPECT_GT(tm_findBrokenBacklinks(root, BacklinkCheck::Remove).removed, 1);
     EXPECT_EQ(backlinks("/C/moved.md"), QString());
+}
+
+TEST_F(Links, lostTargets)
+{
+    for (const char *path : {"/A/b.md", "/A/it's.md", "/A/Caf\xC3\xA9 de Flore.md", "/C/deep/Far Away.md", "/C/far away too.md",
+                             "/A/other.txt"})
+        write(QString::fromUtf8(path), path == QByteArray("/A/other.txt") ? "all about Needles" : "text");
+    const auto found = [&](const char *target, const QStringList &excluding = {}) {
+        const QString path = tm_findAlternativePathExcluding(at(QString::fromUtf8(target)), excluding);
+        return path.isEmpty() ? path : path.mid(root.size());
+    };
+    EXPECT_EQ(found("/A/b.md#part"), QStringLiteral("/A/b.md#part"));
+    EXPECT_EQ(found("/A/it\xE2\x80\x99s.md"), QStringLiteral("/A/it's.md"));
+    EXPECT_EQ(found("/A/b#part"), QStringLiteral("/A/b.md#part"));
+    EXPECT_EQ(found("/A/b.jpg"), QStringLiteral("/A/b.md"));
+    EXPECT_EQ(found("/A/b2.md"), QString());
+    EXPECT_EQ(found("/A/cafe"), QString());
+    settings().setObject(QStringLiteral("WikiSmartResolveContents"), true);
+    EXPECT_EQ(found("/A/needles"), QStringLiteral("/A/other.txt"));
+    EXPECT_EQ(found("/A/needles", {at(QStringLiteral("/A/other.txt"))}), QString());
+    settings().setObject(QStringLiteral("WikiSmartResolveGlobally"), true);
+    EXPECT_EQ(found("/A/far away"), QString()) << "asks for titles as well";
+    settings().setObject(QStringLiteral("WikiSmartResolveTitles"), true);
+    EXPECT_EQ(found("/A/cafe"), QStringLiteral("/A/Caf\u00e9 de Flore.md"));
+    EXPECT_EQ(found("/A/far away"), QStringLiteral("/C/deep/Far Away.md"));
 }

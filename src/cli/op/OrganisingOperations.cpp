@@ -2,8 +2,13 @@
 // The operations on what organises the library, one line each.
 #include "cli/op/Registry.h"
 
+#include "organising/Backlinks.h"
 #include "organising/Contexts.h"
 #include "organising/DocumentList.h"
+#include "organising/DocumentReferences.h"
+#include "organising/LinkRewriting.h"
+#include "organising/LinkWalks.h"
+#include "organising/LostTarget.h"
 
 namespace tomelet::cli {
 
@@ -36,9 +41,36 @@ static void addContexts(Registry &add)
     add.plain("tm_refreshContexts", "", [] { tm_refreshContexts(); });
 }
 
+static void addLinks(Registry &add)
+{
+    add.path("tm_arrayOfAllReferencesInDocument", "path", tm_arrayOfAllReferencesInDocument);
+    add.path("tm_verifiedArrayOfReferencedDocuments", "path", tm_verifiedArrayOfReferencedDocuments);
+    add.path("tm_addBacklink", "path, referrer", tm_addBacklink);
+    add.path("tm_changeBacklinkFrom", "path, oldReferrer, newReferrer", tm_changeBacklinkFrom);
+    add.path("tm_removeBacklinks", "path", tm_removeBacklinks);
+    add.path("tm_refreshBacklinksForReferencedDocuments", "path", tm_refreshBacklinksForReferencedDocuments);
+    add.path("tm_repairBrokenBacklink", "path", tm_repairBrokenBacklink);
+    add.path("tm_renameLinksInDocumentFrom", "path, oldPath, newPath", tm_renameLinksInDocumentFrom);
+    add.path("tm_adjustLinksAndBacklinksAfterRenameFrom", "path, oldPath", tm_adjustLinksAndBacklinksAfterRenameFrom);
+    add.path("tm_renameAllLinksFrom", "path, oldPath, newPath", tm_renameAllLinksFrom);
+    add.path("tm_refreshAllBacklinksStartingAtReferenceDate", "path, sinceReferenceDate",
+             [](const QString &path, bool since) {
+                 return tm_refreshAllBacklinksStartingAtReferenceDate(path, since).message();
+             });
+    add.path("tm_findBrokenBacklinksSilently", "path, silently, repair, remove",
+             [](const QString &path, bool, bool repair, bool remove) {
+                 return tm_findBrokenBacklinks(path, remove   ? BacklinkCheck::Remove
+                                                     : repair ? BacklinkCheck::Repair
+                                                              : BacklinkCheck::Find)
+                     .message();
+             });
+    add.path("tm_findAlternativePathExcluding", "path, excluding", tm_findAlternativePathExcluding);
+}
+
 void addOrganisingOperations(Registry &add)
 {
     addContexts(add);
+    addLinks(add);
     add.path("getDocumentsInFolder", "book", [](const QString &book) {
         TMLTDocumentListViewController list;
         list.setSource({book, 0, {}});
