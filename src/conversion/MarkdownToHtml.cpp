@@ -236,15 +236,20 @@ QString tm_createFormattedDocWithBody(const QString &pathOrText, const QString &
     if (isOn("contextsEnabled") && isOn("extractContextsAutomatically") && hasMarkdownExtension(pathOrText))
         html = organiser().withContextsMarked(pathOrText, html);
     html = tm_makeReferencesAbsoluteToTMRoot(html, pathOrText);
+    return pageFrame(pathOrText, titleOf(pathOrText, html), html);
+}
+
+QString pageFrame(const QString &path, const QString &title, const QString &body)
+{
     // The language is left open: browsers and screen readers do better by the text itself than by a wrong guess.
     return QStringLiteral("<!DOCTYPE html>\n"
                           "<html xmlns=\"http://www.w3.org/1999/xhtml\" >\n"
                           "<head>\n"
                           "  <!-- Generator: Tomelet for Mac ") +
-           shortVersion + QStringLiteral(" -->\n  <title>") + titleOf(pathOrText, html) +
+           shortVersion + QStringLiteral(" -->\n  <title>") + title +
            QStringLiteral("</title>\n"
                           "  <meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\">\n") +
-           tm_inheritedStyleSheet(pathOrText) + QStringLiteral("\n</head>\n<body>\n") + html +
+           tm_inheritedStyleSheet(path) + QStringLiteral("\n</head>\n<body>\n") + body +
            QStringLiteral("\n</body>\n</html>");
 }
 

@@ -12,5 +12,7 @@ namespace tomelet {
 [[nodiscard]] QString tm_ownMarkdownWithPath(const QString &text, const QString &path);
 /// A body in the frame of a whole page with the item's title and style sheet.
 [[nodiscard]] QString tm_createFormattedDocWithBody(const QString &pathOrText, const QString &body);
+/// The frame alone: a body as it is, with that title and the style sheet of the item.
+[[nodiscard]] QString pageFrame(const QString &path, const QString &title, const QString &body);
 
 } // namespace tomelet

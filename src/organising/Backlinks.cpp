@@ -30,7 +30,7 @@ void logMismatch(const QString &path, const QString &stored)
 
 } // namespace
 
-void tm_addBacklink(const QString &item, const QString &referrer)
+void addBacklinks(const QString &item, const QStringList &referrers)
 {
     const QString root = tomeletRoot();
     const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
@@ -42,12 +42,21 @@ void tm_addBacklink(const QString &item, const QString &referrer)
         const QString stored = properties.value(referencedKey).toString();
         if (backlinks.isEmpty() || stored.isEmpty()) properties.insert(referencedKey, path);
         else if (stored != path) logMismatch(path, stored);
-        const QString normalized = tm_normalizedPath(referrer, root);
-        if (!tm_localizedIndexOfObject(backlinks, normalized)) backlinks.append(normalized);
+        const LocalizedIndex known(backlinks);
+        for (const QString &referrer : referrers) {
+            const QString normalized = tm_normalizedPath(referrer, root);
+            if (!known.find(normalized)) backlinks.append(normalized);
+        }
+        backlinks.removeDuplicates();
         properties.insert(backlinksKey, listFrom(backlinks));
         if (properties != before) logLine(QStringLiteral("backlinks changed for %1").arg(full));
         return properties != before;
     });
+}
+
+void tm_addBacklink(const QString &item, const QString &referrer)
+{
+    addBacklinks(item, {referrer});
 }
 
 void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, const QString &newReferrer)
@@ -83,23 +92,47 @@ bool tm_removeBacklinks(const QString &item)
     return removed;
 }
 
-QStringList tm_refreshBacklinksForReferencedDocuments(const QString &document)
+namespace {
+
+// True when the document was moved by somebody else and has been put right instead.
+bool resolvesMismatch(const QString &document, const QString &stored, const QString &path, const QString &root)
+{
+    if (stored.isEmpty() || stored == path) return false;
+    logLine(QStringLiteral("Resolving link mismatch for %1").arg(document));
+    tm_adjustLinksAndBacklinksAfterRenameFrom(document, fullPathOf(stored, root));
+    return true;
+}
+
+} // namespace
+
+QStringList collectReferences(const QString &document, BacklinksToAdd &found)
 {
     if (!settings().boolean(QStringLiteral("manageLinks")) || document.contains(u"TMResources")) return {};
     const QString root = tomeletRoot();
     const QString path = tm_normalizedPath(document, root);
     const QString stored = tm_propertyForKey(document, referencedKey).toString();
-    if (!stored.isEmpty() && stored != path) {
-        logLine(QStringLiteral("Resolving link mismatch for %1").arg(document));
-        tm_adjustLinksAndBacklinksAfterRenameFrom(document, fullPathOf(stored, root));
-        return {};
-    }
+    if (resolvesMismatch(document, stored, path, root)) return {};
     const QStringList targets = tm_verifiedArrayOfReferencedDocuments(document);
-    for (const QString &target : targets) tm_addBacklink(target, document);
-    if (!targets.isEmpty() && stored != path) {
+    for (const QString &target : targets) found.referrers[target].append(document);
+    if (!targets.isEmpty() && stored != path) found.unmarked.append(document);
+    return targets;
+}
+
+void storeBacklinks(const BacklinksToAdd &found)
+{
+    for (auto target = found.referrers.begin(); target != found.referrers.end(); ++target)
+        addBacklinks(target.key(), target.value());
+    for (const QString &document : found.unmarked) {
         logLine(QStringLiteral("setting backlinkRef for %1").arg(document));
-        tm_setProperty(document, path, referencedKey);
+        tm_setProperty(document, tm_normalizedPath(document, tomeletRoot()), referencedKey);
     }
+}
+
+QStringList tm_refreshBacklinksForReferencedDocuments(const QString &document)
+{
+    BacklinksToAdd found;
+    const QStringList targets = collectReferences(document, found);
+    storeBacklinks(found);
     return targets;
 }
 

@@ -2,6 +2,7 @@
 // Backlinks: each item knows which documents refer to it, and under which path it was known to them.
 #pragma once
 
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -9,12 +10,26 @@ namespace tomelet {
 
 /// Notes that the document refers to the item, which may be given relative to the root.
 void tm_addBacklink(const QString &item, const QString &referrer);
+/// The same for many documents by one write.
+void addBacklinks(const QString &item, const QStringList &referrers);
 /// Puts another referrer in the place of one, or none for an empty text; referrers that are gone are dropped.
 void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, const QString &newReferrer);
 /// True when there was anything to remove.
 bool tm_removeBacklinks(const QString &item);
 /// Stores the document as a backlink of all it refers to; these, normalised. Does nothing while links are not managed.
 QStringList tm_refreshBacklinksForReferencedDocuments(const QString &document);
+
+/// What the references of documents make of the property files: gathered first, so that each file is written once.
+struct BacklinksToAdd
+{
+    QMap<QString, QStringList> referrers; ///< normalised paths of targets with the full paths of documents
+    QStringList unmarked;                 ///< documents that are to note where they are
+};
+
+/// Adds the references of one document; gives their targets, normalised. None while links are not managed, and none
+/// for a document that somebody else has moved: its links are put right instead.
+QStringList collectReferences(const QString &document, BacklinksToAdd &found);
+void storeBacklinks(const BacklinksToAdd &found);
 
 /// Mends an item whose `ReferencedPath` is not its path.
 void tm_repairBrokenBacklink(const QString &item);

@@ -72,6 +72,7 @@ RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &fold
     const QDateTime begin = platform().clock.now();
     const QDateTime reference = sinceReferenceDate && isRoot ? lastRefreshOfBacklinks() : farPast();
     RefreshedLinks found;
+    BacklinksToAdd backlinks;
     walkLinkedItems(folder, [&](const QString &path, bool isBook) {
         if (isBook) {
             const QString stored = storedProperties(path).value(referencedKey).toString();
@@ -82,9 +83,10 @@ RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &fold
         if (!canHoldReferences(path)) return;
         // A whole second is all that the stored date knows.
         if (QFileInfo(path).lastModified().addSecs(1) < reference) return;
-        found.links += tm_refreshBacklinksForReferencedDocuments(path).size();
+        found.links += collectReferences(path, backlinks).size();
         ++found.documents;
     });
+    storeBacklinks(backlinks);
     if (isRoot) setLastRefreshOfBacklinks(begin);
     logLine(QStringLiteral("***** %1 items, %2 refs in %3").arg(found.documents).arg(found.links).arg(seconds(timer)));
     return found;

@@ -6,10 +6,13 @@
 #include "conversion/CodeRanges.h"
 #include "conversion/CriticMarkup.h"
 #include "conversion/Discount.h"
+#include "conversion/EmbeddedStyle.h"
+#include "conversion/FontFaces.h"
 #include "conversion/HtmlToMarkdown.h"
 #include "conversion/MarkdownPreparation.h"
 #include "conversion/MarkdownToHtml.h"
 #include "conversion/PageReferences.h"
+#include "conversion/Preview.h"
 #include "conversion/StyleSheets.h"
 #include "conversion/TextUtilities.h"
 #include "conversion/WikiLinks.h"
@@ -85,6 +88,11 @@ void addPageOperations(Registry &add)
     add.text("tm_getInnerHTML", "html", tm_getInnerHTML);
     add.text("tm_getTitleFromHTML", "html", tm_getTitleFromHTML);
     add.text("tm_getArticleFromHTML", "html", tm_getArticleFromHTML);
+    add.text("tm_fontsToIncludeForFace", "face, forEpub", tm_fontsToIncludeForFace);
+    add.text("tm_removeGeneratorTomelet", "text", tm_removeGeneratorTomelet);
+    add.path("tm_applyCurrentStyle", "path", tm_applyCurrentStyle);
+    add.path("tm_updateEmbeddedStylesheet", "path", tm_updateEmbeddedStylesheet);
+    add.path("tm_previewOfNoteWithTitle", "path, title", tm_previewOfNoteWithTitle);
     add.text("tm_emlToHTML", "message", tm_emlToHTML);
     add.text("stringWithEncodedWordsString", "text", stringWithEncodedWordsString);
     add.text("stringWithQuotedPrintableString", "text", stringWithQuotedPrintableString);
