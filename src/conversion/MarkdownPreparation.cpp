@@ -175,6 +175,11 @@ QString noteText(const QString &note)
     return note.mid(begin, end - begin);
 }
 
+bool holdsMarkOfCode(QStringView text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return c == u'`' || c == u'~' || c == u'|'; });
+}
+
 void inlineNotesToReferences(Preparation &work)
 {
     QString text = work.text;
@@ -189,9 +194,11 @@ void inlineNotesToReferences(Preparation &work)
         if (code.overlaps(text, grown)) continue;
         const QString label = noteLabel(note);
         const QString definition = u'\n' + label + QStringLiteral(": ") + noteText(note);
+        // At the end of the text, only marks of code make code in front of it, and a mark there that is followed now.
+        if (holdsMarkOfCode(definition) || holdsMarkOfCode(QStringView(text).last(1))) code.invalidate();
+        code.noteChange(note, label);
         text.append(definition);
         replaceRange(text, grown, label);
-        code.invalidate();
     }
     work.set(text);
 }

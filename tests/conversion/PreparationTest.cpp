@@ -227,6 +227,30 @@ public:
         });
     }
 
+    // Notes become references, with the ranges of code found anew each time.
+    void notes()
+    {
+        const PatternMatches matches = matchesOfPattern(text, u"\\[\\^ ?[^\\]]+?\\](?!:)"_s, PatternDotAll);
+        for (size_t i = matches.size(); i-- > 0;) {
+            const QList<Range> code = tm_rangesOfFencedCodeBlocks(text);
+            Range range = matches[i].range();
+            if (tm_textCheckingResultsIntersectResult(code, range)) continue;
+            int depth = substring(text, range).mid(1).contains(u'[') ? 1 : 0;
+            for (; depth > 0 && range.end() + 1 < text.size(); ++range.length)
+                depth += text[range.end()] == u'[' ? 1 : text[range.end()] == u']' ? -1 : 0;
+            const QString note = substring(text, range);
+            const auto overlaps = [&](Range r) { return r.location < range.end() && r.end() > range.location; };
+            if (text.contains(note + u':') || std::any_of(code.begin(), code.end(), overlaps)) continue;
+            QString label = note.mid(1, note.size() - 2).replace(u'[', u'-').replace(u']', u'-');
+            label = note.left(1) + label + note.right(1);
+            QString inside = note;
+            while (!inside.isEmpty() && u"[]^"_s.contains(inside.front())) inside.remove(0, 1);
+            while (!inside.isEmpty() && u"[]^"_s.contains(inside.back())) inside.chop(1);
+            text += u'\n' + label + u": "_s + inside;
+            replaceRange(text, range, label);
+        }
+    }
+
     QString text;
 };
 
@@ -245,6 +269,10 @@ TEST_F(Preparation, theShortcutChangesNothing)
         PlainSteps plain(text);
         plain.common();
         ASSERT_EQ(tm_stringPreparedForConversionWith(text, 7), plain.text) << text.toStdString();
+        PlainSteps discount = plain;
+        discount.notes();
+        settings().setObject(u"useMMDCompatibleAnchors"_s, true);
+        ASSERT_EQ(tm_stringPreparedForConversionWith(text, DiscountConverter), discount.text) << text.toStdString();
         plain.links();
         ASSERT_EQ(tm_stringPreparedForConversionWith(text, OwnConverter), plain.text) << text.toStdString();
     }
