@@ -4,6 +4,7 @@
 #include "conversion/Patterns.h"
 #include "conversion/WikiLinks.h"
 #include "foundation/Platform.h"
+#include "library/PathForms.h"
 
 #include "tests/support/Notebook.h"
 
@@ -224,6 +225,8 @@ public:
             const QString target = substring(text, match.group(2));
             if (target.startsWith(u"id:"))
                 replaceRange(text, match.range(), u"<span id=\"%1\">%2</span>"_s.arg(target.mid(3).trimmed(), label));
+            else
+                replaceRange(text, match.group(2), tm_pathEscapedForMarkdownLink(target));
         });
     }
 
@@ -260,7 +263,8 @@ TEST_F(Preparation, theShortcutChangesNothing)
 {
     const QStringList pieces{u"`"_s, u"```"_s, u"~~~"_s, u"\n"_s, u"\n```\n"_s, u"^[a]"_s, u"==b== "_s, u"[c](id:x)"_s,
                              u"[`](id:y)"_s, u"[](id:)"_s, u"[A](id:|||)"_s, u"=="_s, u"^["_s, u"]"_s, u" "_s, u"A"_s, u"x"_s,
-                             u"\\"_s, u"[d](id: )"_s};
+                             u"\\"_s, u"[d](id: )"_s,
+                             u"[e](`)"_s, u"[f](a`b`c)"_s, u"[g]( ``` )"_s};
     std::mt19937 random(1);
     for (int round = 0; round < 20000; ++round) {
         QString text;
