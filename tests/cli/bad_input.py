@@ -262,10 +262,12 @@ class FailingDisks(World):
         randomness = random.Random(1)
         for _ in range(100):
             with subprocess.Popen([TOMELET, "--root", self.root, "ops"], env=self.env, stdin=subprocess.PIPE,
-                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as process:
+                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
                 os.set_blocking(process.stdin.fileno(), False)
-                until = time.monotonic() + randomness.uniform(0.005, 0.05)
                 view = memoryview(lines)
+                view = view[os.write(process.stdin.fileno(), view[:65536]):]
+                process.stdout.read1(1)  # a slow build is not killed before it has begun
+                until = time.monotonic() + randomness.uniform(0, 0.05)
                 while time.monotonic() < until:
                     try:
                         view = view[os.write(process.stdin.fileno(), view[:65536]):]
