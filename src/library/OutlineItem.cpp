@@ -507,8 +507,9 @@ void TMLTOutlineItem::sortList(Children &list)
         }, false);
     }
     if (parameter == u"modDate" || parameter == u"creationDate")
-        return sortByKey(list, [&](const TMLTOutlineItem &item) { return dateOf(item, parameter == u"creationDate"); },
-                         descending);
+        return sortByKey(
+            list, [created = parameter == u"creationDate"](const TMLTOutlineItem &item) { return dateOf(item, created); },
+            descending);
     byTitle(descending);
 }
 
