@@ -3,26 +3,22 @@
 #include "foundation/Platform.h"
 
 #include "tests/support/Notebook.h"
+#include "tests/support/TextCase.h"
 
 #include <gtest/gtest.h>
 
 using namespace tomelet;
+using tomelet::test::Case;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Case
-{
-    const char *name;
-    QString html, wanted;
-};
 
 class HtmlToMarkdown : public test::Notebook
 {
 protected:
     static void check(std::initializer_list<Case> cases)
     {
-        for (const Case &row : cases) EXPECT_EQ(tm_markdownifyHTML(row.html), row.wanted) << row.name;
+        for (const Case &row : cases) EXPECT_EQ(tm_markdownifyHTML(row.text), row.wanted) << row.name;
     }
 };
 
@@ -124,7 +120,7 @@ TEST_F(HtmlToMarkdown, cleanedHtml)
         {"with attributes on both", u"<div a><div b>x</div></div>"_s, u"<div a><div b>x</div></div>"_s},
         {"one paragraph in a class block", u"<div class=\"x\"><p>a</p></div>"_s, u"<div class=\"x\">a</div>"_s},
     };
-    for (const Case &row : cases) EXPECT_EQ(tm_htmlWithoutInlineStyles(row.html), row.wanted) << row.name;
+    for (const Case &row : cases) EXPECT_EQ(tm_htmlWithoutInlineStyles(row.text), row.wanted) << row.name;
     // The first opening and the last closing paragraph tag go; the seam between them stays.
     EXPECT_EQ(tm_removeParagraphsNestedInCustomClasses(u"<div class=\"x\">\n<p>a</p>\n<p>b</p>\n</div>"_s),
               u"<div class=\"x\">a</p>\n<p>b</div>"_s);

@@ -7,21 +7,17 @@
 #include "library/PathForms.h"
 
 #include "tests/support/Notebook.h"
+#include "tests/support/TextCase.h"
 
 #include <gtest/gtest.h>
 
 #include <random>
 
 using namespace tomelet;
+using tomelet::test::Case;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Case
-{
-    const char *name;
-    QString text, wanted;
-};
 
 class Preparation : public test::Notebook
 {

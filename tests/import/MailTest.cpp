@@ -9,19 +9,15 @@
 #include "import/MailText.h"
 
 #include "tests/support/Notebook.h"
+#include "tests/support/TextCase.h"
 
 #include <gtest/gtest.h>
 
 using namespace tomelet;
+using tomelet::test::Case;
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct Case
-{
-    const char *name;
-    QString text, wanted;
-};
 
 class Mail : public test::Notebook
 {
