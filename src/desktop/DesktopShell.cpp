@@ -145,7 +145,7 @@ void DesktopShell::openWindow(const WindowEntry &entry)
     if (!itemExists(entry.path)) return;
     auto *window = new QMainWindow;
     window->setAttribute(Qt::WA_DeleteOnClose);
-    auto *pane = new DocumentPane(window);
+    auto *pane = new DocumentPane(m_window.itemActions(), window);
     window->setCentralWidget(pane);
     window->setWindowTitle(lastPathComponent(entry.path));
     window->resize(820, 900);

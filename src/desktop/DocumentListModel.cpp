@@ -229,8 +229,10 @@ Qt::DropActions DocumentListModel::supportedDropActions() const
 bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int, const QModelIndex &)
 {
     const ListSource &source = m_controller.source();
-    if (source.smartType != OrdinaryBook) return false;
     const QStringList paths = pathsIn(data);
+    if (source.smartType == ContextBook)
+        for (const QString &word : source.contexts) m_actions.addContext(paths, word);
+    if (source.smartType != OrdinaryBook) return false;
     QList<qsizetype> positions;
     for (const QString &path : paths)
         if (const QModelIndex own = indexOfPath(path); own.isValid()) positions.append(own.row());

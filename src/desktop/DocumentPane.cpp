@@ -3,6 +3,8 @@
 
 #include "conversion/Page.h"
 #include "conversion/Patterns.h"
+#include "desktop/ContextsField.h"
+#include "desktop/ItemActions.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -10,12 +12,23 @@
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+#include "organising/Contexts.h"
+#include "organising/DocumentReferences.h"
+#include "organising/LostTarget.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
+#include <QDir>
 #include <QEvent>
+#include <QHBoxLayout>
+#include <QJsonArray>
+#include <QJsonDocument>
 #include <QLabel>
+#include <QMenu>
 #include <QStackedWidget>
+#include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
@@ -120,10 +133,13 @@ QString displayPlace(const QString &path)
 
 } // namespace
 
-DocumentPane::DocumentPane(QWidget *parent)
+DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     : QWidget(parent)
+    , m_actions(actions)
     , m_title(new QLabel)
     , m_place(new QLabel)
+    , m_contexts(new ContextsField)
+    , m_backlinks(new QToolButton)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
     , m_stack(new QStackedWidget)
     , m_view(new QWebEngineView)
@@ -133,25 +149,14 @@ DocumentPane::DocumentPane(QWidget *parent)
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
 
-    QFont font = m_title->font();
-    font.setWeight(QFont::DemiBold);
-    m_title->setFont(font);
-    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_place->setForegroundRole(QPalette::PlaceholderText);
     m_empty->setAlignment(Qt::AlignCenter);
     m_empty->setForegroundRole(QPalette::PlaceholderText);
-
-    auto *header = new QVBoxLayout;
-    header->setContentsMargins(20, 10, 20, 6);
-    header->setSpacing(0);
-    header->addWidget(m_title);
-    header->addWidget(m_place);
     m_stack->addWidget(m_empty);
     m_stack->addWidget(m_view);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addLayout(header);
+    layout->addLayout(makeHeader());
     layout->addWidget(m_stack, 1);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -160,6 +165,8 @@ DocumentPane::DocumentPane(QWidget *parent)
     m_subscriptions.push_back(notifications().observe(
         QStringLiteral("TMLTFileModifiedOnDiskNotification"),
         [this](const QVariantMap &payload) { documentChanged(payload.value(QStringLiteral("path")).toString()); }));
+    m_subscriptions.push_back(notifications().observe(QStringLiteral("TMLTReloadCurrentDocument"),
+                                                      [this](const QVariantMap &) { documentChanged(m_path); }));
     m_subscriptions.push_back(notifications().observe(
         QStringLiteral("TMLTFileDeletedFromDiskNotification"), [this](const QVariantMap &payload) {
             if (payload.value(QStringLiteral("path")).toString() == m_path) showDocument({});
@@ -173,14 +180,77 @@ DocumentPane::DocumentPane(QWidget *parent)
 
 DocumentPane::~DocumentPane() = default;
 
-void DocumentPane::showDocument(const QString &path)
+QLayout *DocumentPane::makeHeader()
+{
+    QFont font = m_title->font();
+    font.setWeight(QFont::DemiBold);
+    m_title->setFont(font);
+    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_place->setForegroundRole(QPalette::PlaceholderText);
+    m_backlinks->setPopupMode(QToolButton::InstantPopup);
+    m_backlinks->setAutoRaise(true);
+    m_backlinks->setMenu(new QMenu(m_backlinks));
+    connect(m_backlinks->menu(), &QMenu::aboutToShow, this, &DocumentPane::fillBacklinksMenu);
+    connect(m_contexts, &ContextsField::contextsEdited, this,
+            [this](const QStringList &words) { m_actions.setContexts(m_path, words); });
+
+    auto *below = new QHBoxLayout;
+    below->addWidget(m_contexts, 1);
+    below->addWidget(m_backlinks);
+    auto *header = new QVBoxLayout;
+    header->setContentsMargins(20, 10, 20, 6);
+    header->setSpacing(0);
+    header->addWidget(m_title);
+    header->addWidget(m_place);
+    header->addLayout(below);
+    return header;
+}
+
+void DocumentPane::showDocument(const QString &path, const QString &anchor)
 {
     m_path = path;
     m_title->setText(path.isEmpty() ? QString() : lastPathComponent(path));
     m_place->setText(path.isEmpty() ? QString() : displayPlace(path));
     m_stack->setCurrentWidget(path.isEmpty() ? static_cast<QWidget *>(m_empty) : m_view);
     Q_EMIT titleChanged(m_title->text());
-    if (!path.isEmpty()) load();
+    showProperties();
+    if (path.isEmpty()) return;
+    load();
+    if (!anchor.isEmpty()) scrollTo(anchor);
+}
+
+void DocumentPane::scrollTo(const QString &anchor)
+{
+    const QString name = percentDecoded(anchor.startsWith(u'#') ? anchor.mid(1) : anchor);
+    const QByteArray json = QJsonDocument(QJsonArray{name}).toJson(QJsonDocument::Compact);
+    const QString script = QStringLiteral("document.getElementById(%1[0])?.scrollIntoView()").arg(QString::fromUtf8(json));
+    connect(m_view->page(), &QWebEnginePage::loadFinished, this,
+            [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
+}
+
+void DocumentPane::showProperties()
+{
+    const bool own = !m_path.isEmpty() && tm_itemIsChildOfTomelet(m_path);
+    m_contexts->setVisible(own && settings().boolean(QStringLiteral("contextsEnabled")));
+    m_contexts->setContexts(own ? contextsOf(m_path) : QStringList());
+    const qsizetype links = own ? tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList().size() : 0;
+    m_backlinks->setVisible(links > 0);
+    m_backlinks->setText(links == 1 ? localized(TOMELET_TEXT("Linked from one document"))
+                                    : localized(TOMELET_TEXT("Linked from %1 documents")).arg(links));
+}
+
+void DocumentPane::fillBacklinksMenu()
+{
+    QMenu *menu = m_backlinks->menu();
+    menu->clear();
+    const QString root = tomeletRoot();
+    for (const QString &path : tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList()) {
+        const QString title = tm_pathFormattedForDisplay(path);
+        QAction *action = menu->addAction(QString(title).replace(u'&', QStringLiteral("&&")));
+        connect(action, &QAction::triggered, this, [full = fullPathOf(path, root)] {
+            notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), full);
+        });
+    }
 }
 
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
@@ -215,7 +285,9 @@ void DocumentPane::load()
 
 void DocumentPane::documentChanged(const QString &path)
 {
-    if (path == m_path && !m_path.isEmpty()) reload();
+    if (m_path.isEmpty()) return;
+    if (path == m_path) reload();
+    if (path == m_path || path == propertyFileOf(m_path)) showProperties();
 }
 
 void DocumentPane::reload()
@@ -237,12 +309,29 @@ void DocumentPane::documentMoved(const QString &from, const QString &to)
     else if (m_path.startsWith(from + u'/')) showDocument(to + m_path.mid(from.size()));
 }
 
+// The item of the notebook that an address means, with its anchor; "" for what lies outside.
+static QString itemOfLink(const QUrl &url)
+{
+    const QString fragment = url.fragment();
+    if (url.isLocalFile()) {
+        const QString path = QDir::cleanPath(url.toLocalFile());
+        return tm_itemIsChildOfTomelet(path) ? tm_pathByAppendingAnchor(path, fragment) : QString();
+    }
+    const QString text = url.toString(QUrl::FullyDecoded);
+    if (url.scheme() != u"tomelet" || tm_isTomeletURLSchemeAction(text)) return {};
+    return QDir::cleanPath(fullPathOf(withoutTomeletScheme(text)));
+}
+
 void DocumentPane::followLink(const QUrl &url)
 {
-    const QString path = url.toLocalFile();
-    if (url.isLocalFile() && tm_itemIsChildOfTomelet(path) && itemExists(path))
-        notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), path);
-    else QDesktopServices::openUrl(url);
+    QString path = itemOfLink(url);
+    if (path.isEmpty()) {
+        QDesktopServices::openUrl(url);
+        return;
+    }
+    if (!itemExists(tm_pathWithoutAnchor(path)) && !itemExists(path))
+        path = tm_findAlternativePathExcludingOrPrompt(path, {m_path}, m_path);
+    if (!path.isEmpty()) notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), path);
 }
 
 } // namespace tomelet::desktop

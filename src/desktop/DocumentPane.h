@@ -11,22 +11,28 @@
 #include <vector>
 
 class QLabel;
+class QLayout;
 class QStackedWidget;
+class QToolButton;
 
 namespace tomelet::desktop {
+
+class ContextsField;
+class ItemActions;
 
 class DocumentPane final : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit DocumentPane(QWidget *parent = nullptr);
+    explicit DocumentPane(ItemActions &actions, QWidget *parent = nullptr);
     ~DocumentPane() override;
 
-    /// Shows the document; an empty path shows what to do next.
-    void showDocument(const QString &path);
+    /// Shows the document, at the anchor if one is given ("part" or "#part"); an empty path shows what to do next.
+    void showDocument(const QString &path, const QString &anchor = {});
     [[nodiscard]] const QString &path() const { return m_path; }
     [[nodiscard]] QWebEngineView *view() { return m_view; }
+    [[nodiscard]] ContextsField *contextsField() { return m_contexts; }
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -42,8 +48,17 @@ private:
     void documentChanged(const QString &path);
     void documentMoved(const QString &from, const QString &to);
 
+    QLayout *makeHeader();
+    /// Contexts and backlinks of the document, as they are stored now.
+    void showProperties();
+    void fillBacklinksMenu();
+    void scrollTo(const QString &anchor);
+
+    ItemActions &m_actions;
     QLabel *m_title;
     QLabel *m_place;
+    ContextsField *m_contexts;
+    QToolButton *m_backlinks;
     QLabel *m_empty;
     QStackedWidget *m_stack;
     QWebEngineView *m_view;

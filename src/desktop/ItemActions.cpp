@@ -11,6 +11,7 @@
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
+#include "organising/Contexts.h"
 
 #include <QUndoCommand>
 
@@ -116,6 +117,39 @@ public:
 private:
     QString m_path;
     QList<DeletionRecord> m_records;
+};
+
+class ContextsStep final : public Step
+{
+public:
+    ContextsStep(const QString &text, QString path, QStringList before, QStringList after)
+        : Step(text)
+        , m_path(std::move(path))
+        , m_before(std::move(before))
+        , m_after(std::move(after))
+    {
+    }
+    void undo() override { carryOut(m_before); }
+    void again() override { carryOut(m_after); }
+
+    void carryOut(const QStringList &words)
+    {
+        const QStringList now = contextsOf(m_path);
+        for (const QString &word : now)
+            if (!words.contains(word)) tm_clearTag(m_path, word);
+        for (const QString &word : words) {
+            if (now.contains(word)) continue;
+            tm_setTag(m_path, word);
+            // A new word must be on the list before the next one comes, or it counts as none.
+            tm_collectTagsInPlist(m_path);
+        }
+        announce(propertyFileOf(m_path));
+    }
+
+private:
+    QString m_path;
+    QStringList m_before;
+    QStringList m_after;
 };
 
 // The document's own extension stays unless another known one was typed: "Version 1.2" has none.
@@ -249,6 +283,54 @@ void ItemActions::setBookOrder(const QString &book, const QStringList &names)
     saveCustomSortOrder(book, names, documents);
     tm_setProperty(book, QStringLiteral("custom"), QStringLiteral("sortOrderForNotes"));
     announce(bookPropertiesPath(book));
+}
+
+// -- contexts ---------------------------------------------------------------------------------------------------------
+
+void ItemActions::setContexts(const QString &path, const QStringList &words)
+{
+    const QStringList before = contextsOf(path);
+    if (before == words) return;
+    auto *step = new ContextsStep(localized(TOMELET_TEXT("Contexts")), path, before, words);
+    step->carryOut(words);
+    m_undoStack.push(step);
+}
+
+void ItemActions::addContext(const QStringList &paths, const QString &word)
+{
+    m_undoStack.beginMacro(localized(TOMELET_TEXT("Add to Context")));
+    for (const QString &path : paths) {
+        const QStringList words = contextsOf(path);
+        if (tm_itemIsChildOfTomelet(path) && !words.contains(word)) setContexts(path, words + QStringList{word});
+    }
+    m_undoStack.endMacro();
+}
+
+void ItemActions::renameContext(const QString &word, const QString &newWord)
+{
+    const QString wanted = newWord.simplified().remove(u' ');
+    if (!wanted.isEmpty() && wanted != word) tm_renameTagTo(word, wanted);
+}
+
+void ItemActions::deleteContexts(const QStringList &words)
+{
+    const int answer = askQuestion({localized(TOMELET_TEXT("Delete Contexts?")),
+                                    localized(TOMELET_TEXT("The selected contexts will be removed from all items.")),
+                                    {localized(TOMELET_TEXT("Delete")), localized(TOMELET_TEXT("Cancel"))}});
+    if (answer != 0) return;
+    for (const QString &word : words) tm_renameTagTo(word, QString());
+}
+
+void ItemActions::excludeContexts(const QStringList &words)
+{
+    const int answer = askQuestion(
+        {localized(TOMELET_TEXT("Exclude Contexts?")),
+         localized(TOMELET_TEXT("The selected contexts will be removed, and Tomelet will no longer automatically extract "
+                                "them from the contents of documents.")),
+         {localized(TOMELET_TEXT("Exclude")), localized(TOMELET_TEXT("Cancel"))}});
+    if (answer != 0) return;
+    for (const QString &word : words) tm_excludeTag(word);
+    notifications().post(QStringLiteral("TMLTReloadCurrentDocument"));
 }
 
 } // namespace tomelet::desktop

@@ -31,6 +31,14 @@ public:
     QString newDocument(const QString &book);
     void setBookOrder(const QString &book, const QStringList &names);
 
+    /// Gives the items exactly these contexts.
+    void setContexts(const QString &path, const QStringList &words);
+    void addContext(const QStringList &paths, const QString &word);
+    /// The person is asked whether the texts of the documents follow; this cannot be undone.
+    void renameContext(const QString &word, const QString &newWord);
+    void deleteContexts(const QStringList &words);
+    void excludeContexts(const QStringList &words);
+
 Q_SIGNALS:
     /// Something could not be done; a text for the person.
     void failed(const QString &title, const QString &text);

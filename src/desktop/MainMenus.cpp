@@ -5,6 +5,7 @@
 #include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
 #include "desktop/DocumentPane.h"
+#include "desktop/InfoPanel.h"
 #include "desktop/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -36,6 +37,7 @@ void MainWindow::makeActions()
     makeBookMenu();
     makeEditMenu();
     makeViewMenu();
+    makeOrganiseMenu();
     makeStorageMenu();
 }
 
@@ -56,8 +58,7 @@ void MainWindow::makeBookMenu()
     add(menu, TOMELET_TEXT("&Rename..."), QKeySequence(Qt::Key_F2), [this] { renameSelection(); });
     add(menu, TOMELET_TEXT("D&uplicate"), QKeySequence(QStringLiteral("Ctrl+D")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.duplicate(paths); }); });
-    add(menu, TOMELET_TEXT("&Delete"), QKeySequence::Delete,
-        [this] { forSelection([this](const QStringList &paths) { m_actions.moveToTrash(paths); }); });
+    add(menu, TOMELET_TEXT("&Delete"), QKeySequence::Delete, [this] { deleteSelection(); });
     add(menu, TOMELET_TEXT("Delete &Permanently..."), QKeySequence(QStringLiteral("Shift+Del")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.deletePermanently(paths); }); });
     menu->addSeparator();
@@ -148,6 +149,10 @@ void MainWindow::makeViewMenu()
         [this] { m_document->view()->setFocus(); });
     add(menu, TOMELET_TEXT("&Next Pane"), QKeySequence(Qt::Key_F6), [this] { focusNextPane(1); });
     add(menu, TOMELET_TEXT("&Previous Pane"), QKeySequence(QStringLiteral("Shift+F6")), [this] { focusNextPane(-1); });
+    menu->addSeparator();
+    QAction *info = m_info->toggleViewAction();
+    info->setShortcut(QKeySequence(QStringLiteral("Ctrl+I")));
+    menu->addAction(info);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Larger"), QKeySequence::ZoomIn,
         [this] { m_document->view()->setZoomFactor(m_document->view()->zoomFactor() * 1.1); });

@@ -4,6 +4,7 @@
 #include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
 #include "desktop/DocumentPane.h"
+#include "desktop/InfoPanel.h"
 #include "desktop/OutlinePane.h"
 #include "desktop/WelcomePane.h"
 #include "foundation/Folder.h"
@@ -45,7 +46,8 @@ MainWindow::MainWindow(QWidget *parent)
     , m_listEmpty(new QLabel)
     , m_filter(new QLineEdit)
     , m_listStack(new QStackedWidget)
-    , m_document(new DocumentPane)
+    , m_document(new DocumentPane(m_actions))
+    , m_info(new InfoPanel)
     , m_splitter(new QSplitter)
     , m_pages(new QStackedWidget)
     , m_listSide(new QWidget)
@@ -113,6 +115,8 @@ void MainWindow::makePanes()
     m_splitter->setSizes({240, 300, 820});
     m_pages->addWidget(m_splitter);
     setCentralWidget(m_pages);
+    addDockWidget(Qt::RightDockWidgetArea, m_info);
+    m_info->hide();
 
     connect(m_outline, &OutlinePane::sourceSelected, this, &MainWindow::showSource);
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
@@ -126,6 +130,7 @@ void MainWindow::makePanes()
         updateListTexts();
     });
     connect(m_document, &DocumentPane::titleChanged, this, [this](const QString &title) {
+        m_info->setDocument(m_document->path());
         setWindowTitle(title.isEmpty() ? QStringLiteral("Tomelet") : title + QStringLiteral(" — Tomelet"));
     });
 }
@@ -209,7 +214,11 @@ void MainWindow::showItem(const QString &path)
 {
     const QString root = tomeletRoot();
     QString full = tm_itemIsChildOfTomelet(path, root) ? path : fullPathOf(path, root);
-    if (!itemExists(full)) full = tm_pathWithoutAnchor(full);
+    QString anchor;
+    if (!itemExists(full)) {
+        anchor = tm_pathAnchor(full);
+        full = tm_pathWithoutAnchor(full);
+    }
     if (path.isEmpty() || !itemExists(full)) return;
     m_outlineController.expandPathToItem(full);
     const QString book = pathIsPlainBook(full) ? full : parentPath(full);
@@ -219,7 +228,7 @@ void MainWindow::showItem(const QString &path)
         m_list->setCurrentIndex(index);
         m_list->scrollTo(index);
     }
-    m_document->showDocument(full);
+    m_document->showDocument(full, anchor);
     tm_addToRecentItems(full);
 }
 

@@ -25,6 +25,7 @@ namespace tomelet::desktop {
 
 class DocumentListModel;
 class DocumentPane;
+class InfoPanel;
 class OutlinePane;
 
 class MainWindow final : public QMainWindow
@@ -43,6 +44,7 @@ public:
     void showMessage(const QString &title, const QString &text);
     [[nodiscard]] bool showsNotebook() const;
     [[nodiscard]] QString documentOnDisplay() const;
+    [[nodiscard]] ItemActions &itemActions() { return m_actions; }
     [[nodiscard]] TMLTOutlineController &outlineController() { return m_outlineController; }
 
     /// Selects the item's book and, for a document, shows it.
@@ -61,6 +63,16 @@ private:
     void makeBookMenu();
     void makeEditMenu();
     void makeViewMenu();
+    void makeOrganiseMenu();
+    void makeContextCommands(QMenu *menu);
+    void makeLinkCommands(QMenu *menu);
+    void deleteSelection();
+    void refreshContexts();
+    void extractContexts();
+    void manageExcludedContexts();
+    void findBrokenBacklinks();
+    void refreshBacklinks();
+    void removeBacklinks();
     void makeStorageMenu();
     void fillStorageMenu(QMenu *menu);
     void makeLabelMenu(QMenu *menu);
@@ -93,6 +105,7 @@ private:
     QLineEdit *m_filter;
     QStackedWidget *m_listStack;
     DocumentPane *m_document;
+    InfoPanel *m_info;
     QSplitter *m_splitter;
     QStackedWidget *m_pages;
     QWidget *m_listSide;

@@ -92,7 +92,8 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     const TMLTOutlineItem *item = itemAt(index);
     switch (role) {
     case Qt::DisplayRole: return item->title();
-    case Qt::EditRole: return lastPathComponent(item->relativePath());
+    case Qt::EditRole:
+        return item->smartBookType() == ContextBook ? item->relativePath() : lastPathComponent(item->relativePath());
     case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(*item));
     case Qt::ToolTipRole: return item->isGroupItem() ? QVariant() : QVariant(item->title());
     case Qt::AccessibleDescriptionRole:
@@ -113,7 +114,10 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
 bool OutlineModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
     if (role != Qt::EditRole || !index.isValid()) return false;
-    return m_actions.rename(itemAt(index)->fullPath(), value.toString());
+    const TMLTOutlineItem *item = itemAt(index);
+    if (item->smartBookType() != ContextBook) return m_actions.rename(item->fullPath(), value.toString());
+    m_actions.renameContext(item->relativePath(), value.toString());
+    return true;
 }
 
 static bool isBookRow(const TMLTOutlineItem *item)
@@ -127,8 +131,10 @@ Qt::ItemFlags OutlineModel::flags(const QModelIndex &index) const
     const TMLTOutlineItem *item = itemAt(index);
     if (item->groupItemType() == SmartBooksGroup) return Qt::ItemIsEnabled;
     Qt::ItemFlags flags = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
-    if (item->groupItemType() == BooksGroup || item->smartBookType() == InboxBook || isBookRow(item))
+    const bool isContext = item->smartBookType() == ContextBook;
+    if (item->groupItemType() == BooksGroup || item->smartBookType() == InboxBook || isBookRow(item) || isContext)
         flags |= Qt::ItemIsDropEnabled;
+    if (isContext) flags |= Qt::ItemIsEditable;
     if (isBookRow(item)) flags |= Qt::ItemIsDragEnabled | Qt::ItemIsEditable;
     return flags;
 }
@@ -155,8 +161,9 @@ Qt::DropActions OutlineModel::supportedDropActions() const
 bool OutlineModel::canDropMimeData(const QMimeData *data, Qt::DropAction, int, int, const QModelIndex &parent) const
 {
     if (!parent.isValid() || !(flags(parent) & Qt::ItemIsDropEnabled)) return false;
-    const QString book = itemAt(parent)->fullPath();
     const QStringList paths = pathsIn(data);
+    if (itemAt(parent)->smartBookType() == ContextBook) return !paths.isEmpty();
+    const QString book = itemAt(parent)->fullPath();
     return !paths.isEmpty() && std::ranges::none_of(paths, [&](const QString &path) {
         return book == path || book.startsWith(path + u'/');
     });
@@ -166,6 +173,10 @@ bool OutlineModel::dropMimeData(const QMimeData *data, Qt::DropAction action, in
 {
     TMLTOutlineItem *book = itemAt(parent);
     const QStringList paths = pathsIn(data);
+    if (book->smartBookType() == ContextBook) {
+        m_actions.addContext(paths, book->relativePath());
+        return false;
+    }
     if (row >= 0 && reorderBooks(paths, book, row)) return true;
     // The actions remove what moved; the view must not.
     m_actions.drop(paths, book->fullPath(), action == Qt::CopyAction);

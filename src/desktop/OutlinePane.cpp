@@ -45,6 +45,15 @@ QStringList OutlinePane::selectedPaths() const
     return paths;
 }
 
+QStringList OutlinePane::selectedContexts() const
+{
+    QStringList words;
+    for (const QModelIndex &index : selectionModel()->selectedRows())
+        if (OutlineModel::itemAt(index)->smartBookType() == ContextBook)
+            words.append(OutlineModel::itemAt(index)->relativePath());
+    return words;
+}
+
 void OutlinePane::editName(const QString &path)
 {
     TMLTOutlineItem *item = TMLTOutlineItem::childAtPath(path);

@@ -20,6 +20,7 @@ public:
     explicit OutlinePane(ItemActions &actions, QWidget *parent = nullptr);
 
     [[nodiscard]] QStringList selectedPaths() const;
+    [[nodiscard]] QStringList selectedContexts() const;
     /// Starts the editing of a book's name.
     void editName(const QString &path);
     /// Shows what is selected as if it had been selected just now.

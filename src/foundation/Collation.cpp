@@ -128,6 +128,11 @@ std::optional<qsizetype> tm_localizedIndexOfObject(const QStringList &list, cons
     return std::nullopt;
 }
 
+QByteArray localizedKey(const QString &text)
+{
+    return sortKey(tertiary(), text);
+}
+
 LocalizedIndex::LocalizedIndex(const QStringList &list)
 {
     for (qsizetype i = 0; i < list.size(); ++i)
@@ -140,12 +145,12 @@ std::optional<qsizetype> LocalizedIndex::find(const QString &text) const
     if (const auto found = m_exact.constFind(text); found != m_exact.cend()) return found.value();
     if (m_byKey.isEmpty()) {
         for (auto it = m_exact.cbegin(); it != m_exact.cend(); ++it) {
-            const QByteArray key = sortKey(tertiary(), it.key());
+            const QByteArray key = localizedKey(it.key());
             const auto known = m_byKey.constFind(key);
             if (known == m_byKey.cend() || it.value() < known.value()) m_byKey.insert(key, it.value());
         }
     }
-    const auto found = m_byKey.constFind(sortKey(tertiary(), text));
+    const auto found = m_byKey.constFind(localizedKey(text));
     if (found == m_byKey.cend()) return std::nullopt;
     return found.value();
 }

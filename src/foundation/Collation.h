@@ -21,7 +21,9 @@ namespace tomelet {
 [[nodiscard]] int compareNames(const QString &a, const QString &b, bool numeric);
 /// A key whose order by bytes is that of compareNames; for sorting many names.
 [[nodiscard]] QByteArray nameSortKey(const QString &name, bool numeric);
-/// The same for localizedStandardCompare.
+/// A key that is equal for two texts exactly when localizedCompare finds them equal.
+[[nodiscard]] QByteArray localizedKey(const QString &text);
+/// A key whose order by bytes is that of localizedStandardCompare.
 [[nodiscard]] QByteArray standardSortKey(const QString &name);
 
 /// The index of the very text, else the first whose text is equal under localizedCompare. Nothing when there is none,

@@ -3,7 +3,6 @@
 
 #include "foundation/Log.h"
 #include "foundation/PropertyList.h"
-#include "foundation/SafeWriter.h"
 
 #include <QFileInfo>
 
@@ -41,14 +40,18 @@ QStringList readStringArray(const QString &path)
     return texts;
 }
 
-// Writes in place of what stands there; `readable` tells that it was read as a value of the same type just now.
-static bool replaceStore(const QString &path, const QVariant &value, bool readable)
+// A store that was not read as a value of its type just now makes room for what is written in its place.
+static bool makeRoom(const QString &path, bool readable)
 {
     const bool exists = QFileInfo::exists(path) || QFileInfo(path).isSymLink();
-    if (exists && !readable && !setAside(path)) {
-        logWarning(QStringLiteral("%1 could not be read nor set aside, so it was not written").arg(path));
-        return false;
-    }
+    if (!exists || readable || setAside(path)) return true;
+    logWarning(QStringLiteral("%1 could not be read nor set aside, so it was not written").arg(path));
+    return false;
+}
+
+static bool replaceStore(const QString &path, const QVariant &value, bool readable)
+{
+    if (!makeRoom(path, readable)) return false;
     const WriteResult result = writeFile(path, xmlPropertyList(value));
     if (!result) logWarning(result.message);
     return result.ok;
@@ -66,6 +69,14 @@ bool changeDictionary(const QString &path, const std::function<bool(QVariantMap 
     QVariantMap values = old.toMap();
     if (!change(values)) return true;
     return replaceStore(path, values, old.isValid());
+}
+
+void StoreBatch::change(const QString &path, const std::function<bool(QVariantMap &)> &change)
+{
+    m_files.flushIfWaiting(path);
+    const QVariant old = readStore(path, QMetaType::QVariantMap);
+    QVariantMap values = old.toMap();
+    if (change(values) && makeRoom(path, old.isValid())) m_files.write(path, xmlPropertyList(values));
 }
 
 } // namespace tomelet

@@ -4,6 +4,8 @@
 // written in its place.
 #pragma once
 
+#include "foundation/SafeWriter.h"
+
 #include <QString>
 #include <QVariant>
 
@@ -25,5 +27,17 @@ bool writeStore(const QString &path, const QVariant &value);
 /// Reads the dictionary, lets `change` alter it and writes it when that returns true.
 /// True when nothing was to be written or the write succeeded.
 bool changeDictionary(const QString &path, const std::function<bool(QVariantMap &)> &change);
+
+/// Changes of many dictionaries, each read at once and written with others (see FileBatch).
+class StoreBatch
+{
+public:
+    /// The same as changeDictionary; a store that cannot be written is logged and stands as it was.
+    void change(const QString &path, const std::function<bool(QVariantMap &)> &change);
+    void flush() { m_files.flush(); }
+
+private:
+    FileBatch m_files;
+};
 
 } // namespace tomelet

@@ -12,12 +12,26 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace tomelet {
 
 namespace {
+
+// The file itself behind a symbolic link.
+QByteArray targetOf(const QString &path)
+{
+    const QString resolved = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : path;
+    return QFile::encodeName(resolved.isEmpty() ? path : resolved);
+}
+
+QByteArray folderOf(const QByteArray &target)
+{
+    return target.left(std::max<qsizetype>(1, target.lastIndexOf('/')));
+}
 
 // A file that has no name yet, or a hidden one; what was not committed disappears with it.
 class TemporaryFile
@@ -122,16 +136,64 @@ void flushFolder(const QByteArray &folder)
 
 WriteResult writeFile(const QString &path, QByteArrayView bytes)
 {
-    const QString resolved = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : path;
-    const QByteArray target = QFile::encodeName(resolved.isEmpty() ? path : resolved);
-    const QByteArray folder = target.left(std::max<qsizetype>(1, target.lastIndexOf('/')));
-
+    const QByteArray target = targetOf(path);
+    const QByteArray folder = folderOf(target);
     TemporaryFile file(folder);
     if (file.descriptor() < 0 || !file.write(bytes)) return failure(path);
     takeOver(target, file.descriptor());
     if (::fsync(file.descriptor()) != 0 || !file.renameOver(target)) return failure(path);
     flushFolder(folder);
     return {true, {}};
+}
+
+// -- many files -------------------------------------------------------------------------------------------------------
+
+// Each waiting file holds a descriptor while it is flushed.
+static constexpr qsizetype filesAtOnce = 128;
+
+void FileBatch::write(const QString &path, QByteArray bytes)
+{
+    if (m_files.size() >= filesAtOnce) flush();
+    flushIfWaiting(path);
+    m_files.append({path, std::move(bytes)});
+    m_paths.insert(path);
+}
+
+void FileBatch::flushIfWaiting(const QString &path)
+{
+    if (m_paths.contains(path)) flush();
+}
+
+void FileBatch::flush()
+{
+    struct Written
+    {
+        QString path;
+        QByteArray target;
+        std::unique_ptr<TemporaryFile> file;
+    };
+    std::vector<Written> written;
+    for (const Waiting &waiting : m_files) {
+        const QByteArray target = targetOf(waiting.path);
+        auto file = std::make_unique<TemporaryFile>(folderOf(target));
+        if (file->descriptor() < 0 || !file->write(waiting.bytes)) {
+            logWarning(failure(waiting.path).message);
+            continue;
+        }
+        takeOver(target, file->descriptor());
+        // The disk begins with all of them before any one is waited for.
+        ::sync_file_range(file->descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE);
+        written.push_back({waiting.path, target, std::move(file)});
+    }
+    QSet<QByteArray> folders;
+    for (const Written &entry : written) {
+        if (::fsync(entry.file->descriptor()) != 0 || !entry.file->renameOver(entry.target))
+            logWarning(failure(entry.path).message);
+        else folders.insert(folderOf(entry.target));
+    }
+    for (const QByteArray &folder : folders) flushFolder(folder);
+    m_files.clear();
+    m_paths.clear();
 }
 
 std::optional<QByteArray> readFile(const QString &path)

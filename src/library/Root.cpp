@@ -9,16 +9,32 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <chrono>
+
 namespace tomelet {
+
+// Every operation asks for the root, and resolving it costs ten system calls: within a blink the answer holds.
+static QString resolvedRoot(const QString &chosen)
+{
+    using Clock = std::chrono::steady_clock;
+    thread_local QString known;
+    thread_local QString resolved;
+    thread_local Clock::time_point until;
+    if (chosen != known || Clock::now() >= until) {
+        const QString canonical = QFileInfo(chosen).canonicalFilePath();
+        known = chosen;
+        resolved = canonical.isEmpty() ? QDir::cleanPath(chosen) : canonical;
+        until = Clock::now() + std::chrono::milliseconds(50);
+    }
+    return resolved;
+}
 
 QString tomeletRoot()
 {
     const Platform &now = platform();
     const QString chosen = now.rootOverride.isEmpty() ? now.settings->string(QStringLiteral("TomeletFolder"))
                                                       : now.rootOverride;
-    if (chosen.isEmpty()) return {};
-    const QString resolved = QFileInfo(chosen).canonicalFilePath();
-    return resolved.isEmpty() ? QDir::cleanPath(chosen) : resolved;
+    return chosen.isEmpty() ? QString() : resolvedRoot(chosen);
 }
 
 bool rootIsInForce()

@@ -5,7 +5,6 @@
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
-#include "foundation/PropertyStore.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
 #include "organising/DocumentReferences.h"
@@ -30,13 +29,20 @@ void logMismatch(const QString &path, const QString &stored)
 
 } // namespace
 
-void addBacklinks(const QString &item, const QStringList &referrers)
+// The full path of an item that may be given relative to the root; "" when there is none.
+static QString existingItem(const QString &item, const QString &root)
+{
+    const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
+    return itemExists(full) ? full : QString();
+}
+
+void addBacklinks(StoreBatch &stores, const QString &item, const QStringList &referrers)
 {
     const QString root = tomeletRoot();
-    const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
-    if (!itemExists(full)) return;
+    const QString full = existingItem(item, root);
+    if (full.isEmpty()) return;
     const QString path = tm_normalizedPath(full, root);
-    changeDictionary(propertyFileOf(full), [&](QVariantMap &properties) {
+    stores.change(propertyFileOf(full), [&](QVariantMap &properties) {
         const QVariantMap before = properties;
         QStringList backlinks = properties.value(backlinksKey).toStringList();
         const QString stored = properties.value(referencedKey).toString();
@@ -56,15 +62,16 @@ void addBacklinks(const QString &item, const QStringList &referrers)
 
 void tm_addBacklink(const QString &item, const QString &referrer)
 {
-    addBacklinks(item, {referrer});
+    StoreBatch stores;
+    addBacklinks(stores, item, {referrer});
 }
 
-void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, const QString &newReferrer)
+void changeBacklink(StoreBatch &stores, const QString &item, const QString &oldReferrer, const QString &newReferrer)
 {
     const QString root = tomeletRoot();
-    const QString full = tm_itemIsChildOfTomelet(item, root) ? item : fullPathOf(item, root);
-    if (!itemExists(full)) return;
-    changeDictionary(propertyFileOf(full), [&](QVariantMap &properties) {
+    const QString full = existingItem(item, root);
+    if (full.isEmpty()) return;
+    stores.change(propertyFileOf(full), [&](QVariantMap &properties) {
         const QVariantMap before = properties;
         QStringList backlinks = properties.value(backlinksKey).toStringList();
         backlinks.removeAll(tm_normalizedPath(oldReferrer, root));
@@ -80,6 +87,12 @@ void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, cons
         }
         return properties != before;
     });
+}
+
+void tm_changeBacklinkFrom(const QString &item, const QString &oldReferrer, const QString &newReferrer)
+{
+    StoreBatch stores;
+    changeBacklink(stores, item, oldReferrer, newReferrer);
 }
 
 bool tm_removeBacklinks(const QString &item)
@@ -118,14 +131,26 @@ QStringList collectReferences(const QString &document, BacklinksToAdd &found)
     return targets;
 }
 
-void storeBacklinks(const BacklinksToAdd &found)
+bool storeBacklinks(const BacklinksToAdd &found, const Progress &progress)
 {
-    for (auto target = found.referrers.begin(); target != found.referrers.end(); ++target)
-        addBacklinks(target.key(), target.value());
+    const QString root = tomeletRoot();
+    const qsizetype all = found.referrers.size() + found.unmarked.size();
+    qsizetype done = 0;
+    const auto stopped = [&] { return progress && !progress(++done, all); };
+    StoreBatch stores;
+    for (auto target = found.referrers.begin(); target != found.referrers.end(); ++target) {
+        addBacklinks(stores, target.key(), target.value());
+        if (stopped()) return false;
+    }
     for (const QString &document : found.unmarked) {
         logLine(QStringLiteral("setting backlinkRef for %1").arg(document));
-        tm_setProperty(document, tm_normalizedPath(document, tomeletRoot()), referencedKey);
+        stores.change(propertyFileOf(document), [&](QVariantMap &properties) {
+            properties.insert(referencedKey, tm_normalizedPath(document, root));
+            return true;
+        });
+        if (stopped()) return false;
     }
+    return true;
 }
 
 QStringList tm_refreshBacklinksForReferencedDocuments(const QString &document)

@@ -1,15 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/Contexts.h"
 
+#include "conversion/Patterns.h"
+#include "conversion/TextUtilities.h"
 #include "foundation/Clock.h"
 #include "foundation/Collation.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
+#include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/Organiser.h"
 #include "library/Properties.h"
+#include "library/TextFile.h"
+#include "organising/Backlinks.h"
 #include "organising/ContextStores.h"
+#include "organising/DocumentReferences.h"
+#include "organising/LinkWalks.h"
 
 #include <QFileInfo>
 
@@ -57,21 +64,49 @@ bool removeItem(ContextStores &stores, const QString &word, const QString &path)
     return true;
 }
 
-void collectInto(ContextStores &stores, const QString &item)
+/// Brings the stores in line with one item after the other.
+class Collection
 {
-    const QString path = indexPathOf(item);
-    const QStringList tags = tagsOf(item);
-    QStringList added;
-    for (const QString &word : tags) {
-        if (!stores.list.contains(word) && word != favoriteContext) added.append(word);
-        QStringList &entry = stores.index[word];
-        if (!holds(entry, path)) entry.append(path);
+public:
+    explicit Collection(ContextStores &stores) : m_stores(stores)
+    {
+        for (auto entry = stores.index.begin(); entry != stores.index.end(); ++entry)
+            for (const QString &path : entry.value()) m_keys[localizedKey(path)].append(entry.key());
     }
-    const QStringList known = stores.list + QStringList{favoriteContext};
-    for (const QString &word : known)
-        if (!tags.contains(word)) removeItem(stores, word, path);
-    stores.list += added;
-}
+
+    void collect(const QString &item)
+    {
+        const QString path = indexPathOf(item);
+        const QStringList tags = tagsOf(item);
+        QStringList &keys = m_keys[localizedKey(path)];
+        QStringList added;
+        for (const QString &word : tags) {
+            if (!m_stores.list.contains(word) && word != favoriteContext) added.append(word);
+            if (keys.contains(word)) continue;
+            m_stores.index[word].append(path);
+            keys.append(word);
+        }
+        for (const QString &key : QStringList(keys)) {
+            const QString word = knownWord(key);
+            if (word.isEmpty() || tags.contains(word)) continue;
+            removeItem(m_stores, word, path);
+            keys.removeAll(key);
+        }
+        m_stores.list += added;
+    }
+
+private:
+    // The word of the list, or the mark of a favourite, that the key of the index stands for; "" for none.
+    [[nodiscard]] QString knownWord(const QString &key) const
+    {
+        if (key == favoriteContext) return key;
+        const auto index = tm_localizedIndexOfObject(m_stores.list, key);
+        return index ? m_stores.list[*index] : QString();
+    }
+
+    ContextStores &m_stores;
+    QHash<QByteArray, QStringList> m_keys; // an item's path, as the locale compares it, with the index's keys that hold it
+};
 
 } // namespace
 
@@ -173,6 +208,13 @@ QStringList tm_verifiedTagList(const QString &path)
     return tags;
 }
 
+QStringList contextsOf(const QString &path)
+{
+    QStringList tags = tm_verifiedTagList(path);
+    tags.removeAll(favoriteContext);
+    return tags;
+}
+
 static void announceChange(const QString &word)
 {
     notifications().post(word == favoriteContext ? QStringLiteral("BookViewShouldUpdateFavoritesNotification")
@@ -221,16 +263,22 @@ void tm_clearAllTags(const QString &path)
     announceContexts();
 }
 
-void tm_updateContextsRemoving(const QString &path, const QStringList &removing, const QStringList &adding)
+// False when the item has these contexts already and nothing else is to be done.
+static bool changeTags(const QString &path, const QStringList &removing, const QStringList &adding)
 {
     QStringList tags = tagsOf(path);
     const QSet<QString> before(tags.begin(), tags.end());
-    if (before == QSet<QString>(adding.begin(), adding.end())) return;
+    if (before == QSet<QString>(adding.begin(), adding.end())) return false;
     tags.removeIf([&](const QString &word) { return removing.contains(word); });
     for (const QString &word : adding)
         if (!tags.contains(word)) tags.append(word);
     if (QSet<QString>(tags.begin(), tags.end()) != before) storeTags(path, tags);
-    tm_collectTagsInPlist(path);
+    return true;
+}
+
+void tm_updateContextsRemoving(const QString &path, const QStringList &removing, const QStringList &adding)
+{
+    if (changeTags(path, removing, adding)) tm_collectTagsInPlist(path);
 }
 
 void tm_collectTagsFromText(const QString &path, const QString &text)
@@ -244,7 +292,7 @@ void tm_collectTagsInPlist(const QString &path)
     const QString item = ownerOfPropertyFile(path);
     if (!itemExists(item)) return;
     ContextStores stores;
-    collectInto(stores, item);
+    Collection(stores).collect(item);
     if (stores.save()) announceContexts();
 }
 
@@ -328,34 +376,87 @@ void findChangedPropertyFiles(const QString &folder, const QDateTime &since, QSt
     }
 }
 
-qsizetype collectSince(ContextStores &stores, const QDateTime &since)
+// Another program may have moved items together with what they know of their links.
+void repairMovedItems(const QStringList &plists)
 {
+    for (const QString &plist : plists)
+        if (const QString item = ownerOfPropertyFile(plist); !item.contains(u"TMResources") && itemExists(item))
+            tm_repairBrokenBacklink(item);
+}
+
+qsizetype collectSince(ContextStores &stores, const QDateTime &since, const Progress &progress)
+{
+    const QDateTime begin = platform().clock.now();
     QStringList plists;
     findChangedPropertyFiles(tomeletRoot(), since, plists);
-    for (const QString &plist : plists)
-        if (const QString item = ownerOfPropertyFile(plist); itemExists(item)) collectInto(stores, item);
-    setAutocollectDate(platform().clock.now());
+    Collection collection(stores);
+    qsizetype done = 0;
+    for (const QString &plist : plists) {
+        if (const QString item = ownerOfPropertyFile(plist); itemExists(item)) collection.collect(item);
+        if (progress && !progress(++done, plists.size())) return done;
+    }
+    setAutocollectDate(begin);
     if (stores.save()) announceContexts();
+    if (settings().boolean(QStringLiteral("manageLinks"))) repairMovedItems(plists);
     return plists.size();
 }
 
 } // namespace
 
-qsizetype collectNewContexts()
+qsizetype collectNewContexts(const Progress &progress)
 {
     if (rootLooksUnmounted()) return 0;
     ContextStores stores;
-    return collectSince(stores, autocollectDate());
+    return collectSince(stores, autocollectDate(), progress);
 }
 
-qsizetype tm_refreshContexts()
+qsizetype tm_refreshContexts(const Progress &progress)
 {
     if (rootLooksUnmounted()) return 0;
     ContextStores stores;
     const QStringList favorites = stores.index.value(favoriteContext);
     stores.index.clear();
     if (!favorites.isEmpty()) stores.index.insert(favoriteContext, favorites);
-    return collectSince(stores, farPast());
+    return collectSince(stores, farPast(), progress);
+}
+
+// -- contexts out of the texts of all documents -----------------------------------------------------------------------
+
+namespace {
+
+// What a page of our own says to a reader: links, pictures and code hold no contexts. Other pages say nothing.
+QString textOfPage(QString page)
+{
+    if (!page.contains(u"Generator: Tomelet")) return {};
+    for (const char *pattern : {"<a href=.+?>", "<img .+?>", "<script .+?/script>", "<object .+?>", "<iframe .+?>",
+                                "(?s)<code>.*?</code>"})
+        page = regexSweep(page, QString::fromLatin1(pattern), {}, PatternCaseInsensitive);
+    return tm_htmlToPlainQuick(page);
+}
+
+} // namespace
+
+qsizetype extractContextsFromDocuments(const Progress &progress)
+{
+    if (rootLooksUnmounted()) return 0;
+    QStringList documents;
+    walkLinkedItems(tomeletRoot(), [&](const QString &path, bool isBook) {
+        if (!isBook && canHoldReferences(path)) documents.append(path);
+        return true;
+    });
+    ContextStores stores;
+    Collection collection(stores);
+    qsizetype done = 0;
+    for (const QString &document : documents) {
+        const auto decoded = readTextFile(document);
+        QString text = decoded ? decoded->text : QString();
+        if (lowerExtension(document) == u"html") text = textOfPage(text);
+        const QStringList words = tm_extractTagsFromString(text);
+        if (!words.isEmpty() && changeTags(document, {}, words)) collection.collect(document);
+        if (progress && !progress(++done, documents.size())) break;
+    }
+    if (stores.save()) announceContexts();
+    return done;
 }
 
 } // namespace tomelet

@@ -3,6 +3,8 @@
 // contexts follow it.
 #pragma once
 
+#include "foundation/Progress.h"
+
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -40,6 +42,8 @@ void tm_excludeTag(const QString &word);
 // -- one item
 /// The item's `Tags`, each once, as far as the verified list holds them.
 [[nodiscard]] QStringList tm_verifiedTagList(const QString &path);
+/// The same without the mark of a favourite: what a person sees as the item's contexts.
+[[nodiscard]] QStringList contextsOf(const QString &path);
 void tm_setTag(const QString &path, const QString &word);
 void tm_clearTag(const QString &path, const QString &word);
 /// Takes all contexts off the item; the mark of a favourite stays.
@@ -52,10 +56,12 @@ void tm_collectTagsInPlist(const QString &path);
 /// Moves an item, and for a book all that lies in it, in the index; an empty target takes it out.
 void tm_changePathInTagDBToPath(const QString &path, const QString &target);
 
-// -- the whole library; each gives the number of items it looked at
+// -- the whole library; each gives the number of items it looked at. Stopped half-way, the next run begins again.
 /// Collects from all property files that changed since the last time.
-qsizetype collectNewContexts();
+qsizetype collectNewContexts(const Progress &progress = {});
 /// Makes the index anew from the `Tags` of all items. The marks of favourites stay.
-qsizetype tm_refreshContexts();
+qsizetype tm_refreshContexts(const Progress &progress = {});
+/// Reads the contexts out of the texts of all documents and adds them to the items.
+qsizetype extractContextsFromDocuments(const Progress &progress = {});
 
 } // namespace tomelet

@@ -154,15 +154,21 @@ QString resolvedReference(const QString &reference, const QString &document)
     return existing(book);
 }
 
-QStringList tm_verifiedArrayOfReferencedDocuments(const QString &document)
+QStringList verifiedReferencesInText(const QString &text, const QString &document)
 {
     QStringList paths;
-    for (const Reference &reference : referencesInDocument(document)) {
+    for (const Reference &reference : referencesInText(text)) {
         const QString path = resolvedReference(reference.path, document);
         if (!path.isEmpty()) paths.append(path);
     }
     paths.removeDuplicates();
     return paths;
+}
+
+QStringList tm_verifiedArrayOfReferencedDocuments(const QString &document)
+{
+    const auto decoded = readTextFile(document);
+    return decoded ? verifiedReferencesInText(decoded->text, document) : QStringList();
 }
 
 } // namespace tomelet

@@ -28,6 +28,8 @@ struct Reference
 [[nodiscard]] QString resolvedReference(const QString &reference, const QString &document);
 /// All items that the document refers to, normalised, each once, in text order.
 [[nodiscard]] QStringList tm_verifiedArrayOfReferencedDocuments(const QString &document);
+/// The same for a text that is to be the document's.
+[[nodiscard]] QStringList verifiedReferencesInText(const QString &text, const QString &document);
 
 /// A tomelet URL that asks for an action rather than an item.
 [[nodiscard]] bool tm_isTomeletURLSchemeAction(const QString &url);

@@ -4,6 +4,7 @@
 #include "conversion/Edits.h"
 #include "foundation/Collation.h"
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
@@ -155,13 +156,26 @@ private:
 
 } // namespace
 
-bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPath, const QString &newPath)
+/// A document's text with its references as they are after a move.
+struct RenamedLinks
 {
-    if (!canHoldReferences(document)) return false;
-    const auto decoded = readTextFile(document);
+    DecodedText decoded;
+    bool changed = false;
+
+    [[nodiscard]] std::optional<QByteArray> bytes() const
+    {
+        return encodeText(decoded.text, decoded.encoding, decoded.byteOrderMark);
+    }
+};
+
+// Nothing for a document that holds no references or cannot be read.
+static std::optional<RenamedLinks> withLinksRenamed(const QString &document, const QString &oldPath, const QString &newPath)
+{
+    if (!canHoldReferences(document)) return std::nullopt;
+    auto decoded = readTextFile(document);
     if (!decoded) {
         logLine(QStringLiteral("have no text for %1").arg(document));
-        return false;
+        return std::nullopt;
     }
     const DocumentRewrite rewrite(document, oldPath, newPath);
     const QList<Reference> references = referencesInText(decoded->text);
@@ -170,26 +184,54 @@ bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPat
         const QString now = rewrite.rewritten(references[i].path);
         if (now != references[i].path) edits.replace(references[i].range, now);
     }
-    const QString text = edits.appliedTo(decoded->text);
-    if (text == decoded->text) {
-        logLine(QStringLiteral("Not renaming links in: %1").arg(document));
-        return false;
-    }
-    const auto bytes = encodeText(text, decoded->encoding, decoded->byteOrderMark);
-    if (!bytes || !writeFile(document, *bytes)) return false;
-    logLine(QStringLiteral("renamed Links in %1 from %2 to %3").arg(document, oldPath, newPath));
-    return true;
+    QString text = edits.appliedTo(decoded->text);
+    const bool changed = text != decoded->text;
+    logLine(changed ? QStringLiteral("renamed Links in %1 from %2 to %3").arg(document, oldPath, newPath)
+                    : QStringLiteral("Not renaming links in: %1").arg(document));
+    decoded->text = std::move(text);
+    return RenamedLinks{std::move(*decoded), changed};
 }
+
+bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPath, const QString &newPath)
+{
+    const auto renamed = withLinksRenamed(document, oldPath, newPath);
+    if (!renamed || !renamed->changed) return false;
+    const auto bytes = renamed->bytes();
+    return bytes && writeFile(document, *bytes);
+}
+
+namespace {
+
+/// The writes of one move: documents and property files by the hundred.
+struct MoveWrites
+{
+    FileBatch documents;
+    StoreBatch stores;
+
+    /// Gives the document's text after the move.
+    QString renameLinks(const QString &document, const QString &oldPath, const QString &newPath)
+    {
+        documents.flushIfWaiting(document);
+        const auto renamed = withLinksRenamed(document, oldPath, newPath);
+        if (!renamed) return {};
+        auto bytes = renamed->changed ? renamed->bytes() : std::nullopt;
+        if (bytes) documents.write(document, std::move(*bytes));
+        return renamed->decoded.text;
+    }
+};
+
+} // namespace
 
 // -- one item ---------------------------------------------------------------------------------------------------------
 
 namespace {
 
+const QString backlinksKey = QStringLiteral("Backlinks");
 const QString referencedKey = QStringLiteral("ReferencedPath");
 
 QStringList backlinksOf(const QString &item)
 {
-    return tm_propertyForKey(item, QStringLiteral("Backlinks")).toStringList();
+    return tm_propertyForKey(item, backlinksKey).toStringList();
 }
 
 // The item may have moved on before its turn came: then there is nothing at this place to work on.
@@ -199,11 +241,11 @@ void adjustAfterRename(const QString &newPath, const QString &oldPath)
     const QString root = tomeletRoot();
     const QStringList backlinks = backlinksOf(newPath);
     if (!backlinks.isEmpty()) tm_setProperty(newPath, tm_normalizedPath(newPath, root), referencedKey);
-    tm_renameLinksInDocumentFrom(newPath, oldPath, newPath);
-    for (const QString &referrer : backlinks) tm_renameLinksInDocumentFrom(fullPathOf(referrer, root), oldPath, newPath);
-    if (!canHoldReferences(newPath)) return;
-    for (const QString &target : tm_verifiedArrayOfReferencedDocuments(newPath))
-        tm_changeBacklinkFrom(target, oldPath, newPath);
+    MoveWrites writes;
+    const QString text = writes.renameLinks(newPath, oldPath, newPath);
+    for (const QString &referrer : backlinks) writes.renameLinks(fullPathOf(referrer, root), oldPath, newPath);
+    for (const QString &target : verifiedReferencesInText(text, newPath))
+        changeBacklink(writes.stores, target, oldPath, newPath);
 }
 
 } // namespace
@@ -214,6 +256,21 @@ void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QSt
         return logLine(QStringLiteral("not changing links & backlinks because old path still exists\n%1\n%2")
                            .arg(oldPath, newPath));
     platform().serialQueue.add([newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
+}
+
+void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath)
+{
+    const qsizetype referrers = backlinksOf(newPath).size();
+    if (referrers == 0 && tm_arrayOfAllReferencesInDocument(newPath).isEmpty()) return;
+    const QString count = referrers == 1 ? localized(TOMELET_TEXT("One document is linking to this document."))
+                                         : localized(TOMELET_TEXT("%lu documents are linking to this document."))
+                                               .replace(QLatin1String("%lu"), QString::number(referrers));
+    const int answer = askQuestion({localized(TOMELET_TEXT("Update Links")),
+                                    count + u'\n' + localized(TOMELET_TEXT("Do you want to update the links?")),
+                                    {localized(TOMELET_TEXT("Update")), localized(TOMELET_TEXT("Do not Update")),
+                                     localized(TOMELET_TEXT("Cancel"))}});
+    if (answer == 0) tm_adjustLinksAndBacklinksAfterRenameFrom(newPath, oldPath);
+    if (answer == 1) tm_removeBacklinks(newPath);
 }
 
 // -- a book -----------------------------------------------------------------------------------------------------------
@@ -234,6 +291,7 @@ LinkedItems findLinkedItems(const QString &folder, const QString &root)
         const QString stored = storedProperties(path).value(referencedKey).toString();
         if (!stored.isEmpty() && stored != tm_normalizedPath(path, root)) found.referenced.append(path);
         if (!isBook && canHoldReferences(path)) found.documents.append(path);
+        return true;
     });
     return found;
 }
@@ -254,42 +312,45 @@ struct BookMove
 };
 
 // The documents that refer to an item of the moved book, wherever they now are.
-void followReferrers(const QString &item, const BookMove &move)
+void followReferrers(MoveWrites &writes, const QString &item, const BookMove &move)
 {
     const QString former = move.former(item);
     QStringList referrers;
     for (const QString &backlink : backlinksOf(item)) {
         const QString before = fullPathOf(backlink, move.root);
         const QString referrer = move.moved(before);
-        if (move.covers(before)) tm_renameLinksInDocumentFrom(referrer, move.from, move.to);
-        else if (!itemExists(former)) tm_renameLinksInDocumentFrom(referrer, former, item);
+        if (move.covers(before)) writes.renameLinks(referrer, move.from, move.to);
+        else if (!itemExists(former)) writes.renameLinks(referrer, former, item);
         if (itemExists(referrer)) referrers.append(tm_normalizedPath(referrer, move.root));
     }
     referrers.removeDuplicates();
-    if (referrers.isEmpty()) {
-        tm_removeBacklinks(item);
-        return;
-    }
-    tm_setProperty(item, QVariantList(referrers.begin(), referrers.end()), QStringLiteral("Backlinks"));
-    tm_setProperty(item, tm_normalizedPath(item, move.root), referencedKey);
+    writes.stores.change(propertyFileOf(item), [&](QVariantMap &properties) {
+        if (referrers.isEmpty()) return properties.remove(backlinksKey) + properties.remove(referencedKey) > 0;
+        properties.insert(backlinksKey, QVariantList(referrers.begin(), referrers.end()));
+        properties.insert(referencedKey, tm_normalizedPath(item, move.root));
+        return true;
+    });
 }
 
-void followReferences(const QString &document, const BookMove &move)
+void followReferences(MoveWrites &writes, const QString &document, const BookMove &move)
 {
     const QString former = move.former(document);
     if (former == document) return;
-    tm_renameLinksInDocumentFrom(document, former, document);
-    for (const QString &target : tm_verifiedArrayOfReferencedDocuments(document)) {
-        if (!itemExists(former)) tm_changeBacklinkFrom(target, former, document);
-        else tm_addBacklink(target, document);
+    const bool formerIsGone = !itemExists(former);
+    const QString text = writes.renameLinks(document, former, document);
+    for (const QString &target : verifiedReferencesInText(text, document)) {
+        if (formerIsGone) changeBacklink(writes.stores, target, former, document);
+        else addBacklinks(writes.stores, target, {document});
     }
 }
 
 void renameAllLinks(const QString &folder, const BookMove &move)
 {
     const LinkedItems found = findLinkedItems(folder, move.root);
-    for (const QString &item : found.referenced) followReferrers(item, move);
-    for (const QString &document : found.documents) followReferences(document, move);
+    MoveWrites writes;
+    for (const QString &item : found.referenced) followReferrers(writes, item, move);
+    writes.stores.flush();
+    for (const QString &document : found.documents) followReferences(writes, document, move);
 }
 
 } // namespace

@@ -13,6 +13,9 @@ bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPat
 /// After an item has moved: its own relative references, the documents that refer to it, and the backlinks of those
 /// that it refers to. The work is queued, in the order of the moves. Nothing happens while the old path exists.
 void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath);
+/// The same after a rename that was made elsewhere: the person is asked whether the links are to follow. Nothing is
+/// asked where no links are concerned.
+void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath);
 /// After a book has moved: the same for all that lies in it, by one walk below the folder. Queued.
 void tm_renameAllLinksFrom(const QString &folder, const QString &oldPath, const QString &newPath);
 

@@ -38,16 +38,38 @@ double seconds(const QElapsedTimer &timer)
 
 } // namespace
 
-void walkLinkedItems(const QString &folder, const std::function<void(const QString &path, bool isBook)> &visit)
+bool walkLinkedItems(const QString &folder, const std::function<bool(const QString &path, bool isBook)> &visit)
 {
     for (const FolderEntry &entry : listFolder(folder).value_or(std::vector<FolderEntry>())) {
         const QString path = joinPath(folder, entry.name);
         if (isPassedOver(path)) continue;
         const bool isBook = entry.isFolder && !hasPackageExtension(path);
-        visit(path, isBook);
-        if (isBook && !QFileInfo(path).isSymLink()) walkLinkedItems(path, visit);
+        if (!visit(path, isBook)) return false;
+        if (isBook && !QFileInfo(path).isSymLink() && !walkLinkedItems(path, visit)) return false;
     }
+    return true;
 }
+
+namespace {
+
+/// Counts the items of a walk for whoever watches it.
+class WalkProgress
+{
+public:
+    WalkProgress(const QString &folder, const Progress &progress) : m_progress(progress)
+    {
+        if (progress) walkLinkedItems(folder, [this](const QString &, bool) { return ++m_all; });
+    }
+    /// One more is done; false when the work is to stop.
+    bool advance() { return !m_progress || m_progress(++m_done, m_all); }
+
+private:
+    const Progress &m_progress;
+    qsizetype m_done = 0;
+    qsizetype m_all = 0;
+};
+
+} // namespace
 
 // -- refresh ----------------------------------------------------------------------------------------------------------
 
@@ -63,7 +85,16 @@ QString RefreshedLinks::message() const
     return text;
 }
 
-RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &folder, bool sinceReferenceDate)
+// A book that refers to itself by another path would be taken for one that somebody moved.
+static void refreshBook(const QString &path, const QString &root)
+{
+    const QString stored = storedProperties(path).value(referencedKey).toString();
+    const QString own = tm_normalizedPath(path, root);
+    if (!stored.isEmpty() && stored != own) tm_setProperty(path, own, referencedKey);
+}
+
+RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &folder, bool sinceReferenceDate,
+                                                             const Progress &progress)
 {
     QElapsedTimer timer;
     timer.start();
@@ -73,21 +104,19 @@ RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &fold
     const QDateTime reference = sinceReferenceDate && isRoot ? lastRefreshOfBacklinks() : farPast();
     RefreshedLinks found;
     BacklinksToAdd backlinks;
-    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
+    WalkProgress walk(folder, progress);
+    const bool walked = walkLinkedItems(folder, [&](const QString &path, bool isBook) {
         if (isBook) {
-            const QString stored = storedProperties(path).value(referencedKey).toString();
-            const QString own = tm_normalizedPath(path, root);
-            if (!stored.isEmpty() && stored != own) tm_setProperty(path, own, referencedKey);
-            return;
+            refreshBook(path, root);
+            // A whole second is all that the stored date knows.
+        } else if (canHoldReferences(path) && QFileInfo(path).lastModified().addSecs(1) >= reference) {
+            found.links += collectReferences(path, backlinks).size();
+            ++found.documents;
         }
-        if (!canHoldReferences(path)) return;
-        // A whole second is all that the stored date knows.
-        if (QFileInfo(path).lastModified().addSecs(1) < reference) return;
-        found.links += collectReferences(path, backlinks).size();
-        ++found.documents;
+        return walk.advance();
     });
-    storeBacklinks(backlinks);
-    if (isRoot) setLastRefreshOfBacklinks(begin);
+    const bool stored = storeBacklinks(backlinks, walked ? progress : Progress());
+    if (isRoot && walked && stored) setLastRefreshOfBacklinks(begin);
     logLine(QStringLiteral("***** %1 items, %2 refs in %3").arg(found.documents).arg(found.links).arg(seconds(timer)));
     return found;
 }
@@ -150,23 +179,27 @@ void checkItem(const QString &item, const QString &root, CheckedBacklinks &check
 
 } // namespace
 
-CheckedBacklinks tm_findBrokenBacklinks(const QString &folder, BacklinkCheck check)
+CheckedBacklinks tm_findBrokenBacklinks(const QString &folder, BacklinkCheck check, const Progress &progress)
 {
     QElapsedTimer timer;
     timer.start();
     const QString root = tomeletRoot();
     CheckedBacklinks checked;
     checked.check = check;
-    walkLinkedItems(folder, [&](const QString &path, bool) {
-        if (check != BacklinkCheck::Remove) return checkItem(path, root, checked);
-        if (!tm_removeBacklinks(path)) return;
-        logLine(QStringLiteral("deleting backlink for: %1").arg(path));
-        ++checked.removed;
+    WalkProgress walk(folder, progress);
+    const bool walked = walkLinkedItems(folder, [&](const QString &path, bool) {
+        if (check != BacklinkCheck::Remove) {
+            checkItem(path, root, checked);
+        } else if (tm_removeBacklinks(path)) {
+            logLine(QStringLiteral("deleting backlink for: %1").arg(path));
+            ++checked.removed;
+        }
+        return walk.advance();
     });
     // After the walk: a repair of one item may mend the paths of others, which are looked at anew.
     if (check == BacklinkCheck::Repair)
         for (const QString &item : checked.mismatches) tm_repairBrokenBacklink(item);
-    if (folder == root) setNumberOfDocumentsWithBacklinks(checked.items);
+    if (folder == root && walked) setNumberOfDocumentsWithBacklinks(checked.items);
     logLine(QStringLiteral("***** backlink consistency check: %1 items, %2 mismatches, in %3")
                 .arg(checked.items)
                 .arg(checked.mismatches.size())

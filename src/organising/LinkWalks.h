@@ -2,6 +2,8 @@
 // Work on the links of the whole library or of one book: refresh, check, repair, remove. Paths are full.
 #pragma once
 
+#include "foundation/Progress.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -11,7 +13,8 @@ namespace tomelet {
 
 /// Visits all below a folder that takes part in links: no trash, no hidden items, no resources, no logs, nothing
 /// inside document packages or behind symbolic links. A folder comes before what it holds; a package is no book.
-void walkLinkedItems(const QString &folder, const std::function<void(const QString &path, bool isBook)> &visit);
+/// The walk ends where `visit` says false; true when it came to its end.
+bool walkLinkedItems(const QString &folder, const std::function<bool(const QString &path, bool isBook)> &visit);
 
 struct RefreshedLinks
 {
@@ -24,7 +27,9 @@ struct RefreshedLinks
 
 /// Stores the backlinks of every document below the folder. With `sinceReferenceDate` and for the root, only
 /// documents changed since the last refresh of the root are read.
-RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &folder, bool sinceReferenceDate);
+/// Stopped half-way it stores what it has found, and the next refresh reads everything again.
+RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &folder, bool sinceReferenceDate,
+                                                             const Progress &progress = {});
 
 enum class BacklinkCheck { Find, Repair, Remove };
 
@@ -42,6 +47,6 @@ struct CheckedBacklinks
 };
 
 /// Goes through all backlinks below the folder. Repairs are queued, in the order of the walk.
-CheckedBacklinks tm_findBrokenBacklinks(const QString &folder, BacklinkCheck check);
+CheckedBacklinks tm_findBrokenBacklinks(const QString &folder, BacklinkCheck check, const Progress &progress = {});
 
 } // namespace tomelet

@@ -1,13 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/LostTarget.h"
 
+#include "conversion/MarkdownToHtml.h"
 #include "foundation/Collation.h"
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
+#include "organising/Backlinks.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -161,6 +166,78 @@ QString tm_findAlternativePathExcluding(const QString &target, const QStringList
     const QString anchor = tm_pathAnchor(target);
     const QString found = LostTarget(percentDecoded(tm_pathWithoutAnchor(target))).found(excluding);
     return found.isEmpty() ? QString() : tm_pathByAppendingAnchor(found, anchor);
+}
+
+// -- making the target ------------------------------------------------------------------------------------------------
+
+namespace {
+
+// The document to make, with the extension that it gets; "" for one that cannot be made.
+QString documentToCreate(const QString &target)
+{
+    const QString path = QDir::cleanPath(percentDecoded(tm_pathWithoutAnchor(target)));
+    if (!canBeCreatedForLink(path) || lastPathComponent(path).isEmpty()) return {};
+    if (!pathExtension(path).isEmpty()) return path;
+    const QString type = settings().string(QStringLiteral("DefaultDocumentType"));
+    return type.isEmpty() ? path : path + u'.' + type;
+}
+
+QString backlinkInHtml(const QString &path, const QString &linkingDocument)
+{
+    const bool sameBook = parentPath(path) == parentPath(linkingDocument);
+    const QString address = sameBook ? lastPathComponent(linkingDocument)
+                                     : tm_makeRelativeToPath(tm_normalizedPath(linkingDocument),
+                                                             tm_normalizedPath(parentPath(path)));
+    const QString name = lastPathComponent(pathWithoutExtension(linkingDocument));
+    return QStringLiteral("<a href=\"%1\">%2</a>").arg(percentEncodedPath(address), name.toHtmlEscaped());
+}
+
+// What stands in the new document: its name and, where asked for, a way back.
+QString textOfCreated(const QString &path, const QString &linkingDocument)
+{
+    const QString name = lastPathComponent(pathWithoutExtension(path));
+    if (lowerExtension(path) != u"html") {
+        if (linkingDocument.isEmpty()) return name;
+        return name + QStringLiteral("\n\n[[%1]]").arg(tm_normalizedPath(linkingDocument));
+    }
+    const bool heading = isOn("formatFirstLineAsTitle");
+    QString body = heading ? QStringLiteral("<h1>%1</h1>").arg(name.toHtmlEscaped()) : name.toHtmlEscaped();
+    if (!linkingDocument.isEmpty())
+        body += (heading ? QStringLiteral("\n") : QStringLiteral("\n<br><br>\n")) + backlinkInHtml(path, linkingDocument);
+    return tm_createFormattedDocWithBody(path, body);
+}
+
+enum class Creation { None, Plain, WithBacklink };
+
+Creation askToCreate(const QString &path, bool offerBacklink)
+{
+    QStringList buttons{localized(TOMELET_TEXT("Create")), localized(TOMELET_TEXT("Cancel"))};
+    if (offerBacklink) buttons.insert(1, localized(TOMELET_TEXT("Create with Backlink")));
+    const MenuTitle menu = tm_pathFormattedForContextMenu(tm_normalizedPath(path));
+    const QString extension = pathExtension(path);
+    const QString title = localized(TOMELET_TEXT("The document \"%@\" does not exist"))
+                              .replace(QLatin1String("%@"), menu.folders + menu.name +
+                                                                (extension.isEmpty() ? QString() : u'.' + extension));
+    const int answer = askQuestion({title, localized(TOMELET_TEXT("Do you want to create it?")), buttons});
+    if (answer == 0) return Creation::Plain;
+    return offerBacklink && answer == 1 ? Creation::WithBacklink : Creation::None;
+}
+
+} // namespace
+
+QString tm_findAlternativePathExcludingOrPrompt(const QString &target, const QStringList &excluding,
+                                                const QString &linkingDocument)
+{
+    if (const QString found = tm_findAlternativePathExcluding(target, excluding); !found.isEmpty()) return found;
+    const QString path = documentToCreate(target);
+    if (path.isEmpty() || !tm_itemIsChildOfTomelet(path)) return {};
+    const bool managed = isOn("manageLinks");
+    const Creation creation = askToCreate(path, !managed && !linkingDocument.isEmpty());
+    if (creation == Creation::None || !makeFolder(parentPath(path))) return {};
+    const QString text = textOfCreated(path, creation == Creation::WithBacklink ? linkingDocument : QString());
+    if (!writeFile(path, text.toUtf8())) return {};
+    if (managed && !linkingDocument.isEmpty()) tm_addBacklink(path, linkingDocument);
+    return tm_pathByAppendingAnchor(path, tm_pathAnchor(target));
 }
 
 bool canBeCreatedForLink(const QString &target)

@@ -15,6 +15,11 @@ namespace tomelet {
 /// Nothing is asked and nothing created.
 [[nodiscard]] QString tm_findAlternativePathExcluding(const QString &target, const QStringList &excluding);
 
+/// The same for a person who follows a link in a document: where nothing fits, the person is asked whether the target
+/// is to be made, and it is if so. Gives its path then, "" when nothing fits and nothing is made.
+[[nodiscard]] QString tm_findAlternativePathExcludingOrPrompt(const QString &target, const QStringList &excluding,
+                                                              const QString &linkingDocument);
+
 /// A document with this extension ("" included) can be made for a link that leads nowhere.
 [[nodiscard]] bool canBeCreatedForLink(const QString &target);
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `contexts` and `context add|remove|rename|delete|exclude|refresh`.
+// `contexts` and `context add|remove|rename|delete|exclude|refresh|extract`.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
+#include "cli/TerminalProgress.h"
 #include "cli/commands/AllCommands.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
@@ -17,7 +18,7 @@ namespace tomelet::cli {
 namespace {
 
 const QString usage = QStringLiteral("context add ITEM WORD | remove ITEM WORD | rename WORD NEW | delete WORD | "
-                                     "exclude WORD | refresh");
+                                     "exclude WORD | refresh | extract");
 
 int changeItem(const QString &action, const QString &item, const QString &word)
 {
@@ -41,7 +42,11 @@ int changeContext(const Invocation &call, const QStringList &words)
     else if (action == u"delete" && words.size() == 2) tm_renameTagTo(words[1], QString());
     else if (action == u"exclude" && words.size() == 2) tm_excludeTag(words[1]);
     else if (action == u"refresh" && words.size() == 1)
-        note(call, QStringLiteral("read %1 property files").arg(tm_refreshContexts()));
+        note(call, QStringLiteral("read %1 property files")
+                       .arg(tm_refreshContexts(terminalProgress(call, QStringLiteral("Refreshing contexts")))));
+    else if (action == u"extract" && words.size() == 1)
+        note(call, QStringLiteral("read %1 documents")
+                       .arg(extractContextsFromDocuments(terminalProgress(call, QStringLiteral("Extracting contexts")))));
     else return wrongUsage(call, usage);
     return Done;
 }

@@ -2,6 +2,7 @@
 // `links`, `backlinks`, `check-links` and `refresh-links`.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
+#include "cli/TerminalProgress.h"
 #include "cli/commands/AllCommands.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
@@ -68,7 +69,7 @@ int runCheckLinks(const Invocation &call)
     const BacklinkCheck check = remove   ? BacklinkCheck::Remove
                                 : repair ? BacklinkCheck::Repair
                                          : BacklinkCheck::Find;
-    const CheckedBacklinks checked = tm_findBrokenBacklinks(tomeletRoot(), check);
+    const CheckedBacklinks checked = tm_findBrokenBacklinks(tomeletRoot(), check, terminalProgress(call, QStringLiteral("Checking links")));
     drainPendingWork();
     QJsonArray all;
     for (qsizetype i = 0; i < checked.mismatches.size(); ++i) {
@@ -90,7 +91,8 @@ int runRefreshLinks(const Invocation &call)
     if (const auto status = openNotebook(call)) return *status;
     if (!settings().boolean(QStringLiteral("manageLinks")))
         return fail(QStringLiteral("links are not managed; `tomelet settings set manageLinks true` turns it on"));
-    const RefreshedLinks found = tm_refreshAllBacklinksStartingAtReferenceDate(tomeletRoot(), false);
+    const RefreshedLinks found = tm_refreshAllBacklinksStartingAtReferenceDate(
+        tomeletRoot(), false, terminalProgress(call, QStringLiteral("Refreshing backlinks")));
     drainPendingWork();
     if (call.json)
         writeJson(QJsonObject{{QStringLiteral("links"), static_cast<qint64>(found.links)},

@@ -64,7 +64,15 @@ static void addLinks(Registry &add)
                                                               : BacklinkCheck::Find)
                      .message();
              });
+    add.path("tm_askToAdjustLinksAndBacklinksAfterRenameFrom", "path, oldPath",
+             tm_askToAdjustLinksAndBacklinksAfterRenameFrom);
+    // The second argument stands for the window to ask in: null for none.
     add.path("tm_findAlternativePathExcluding", "path, excluding", tm_findAlternativePathExcluding);
+    add.path("tm_findAlternativePathExcluding", "path, excluding, window, backLink",
+             [](const QString &path, const QStringList &excluding, const QVariant &window, const QString &backLink) {
+                 return window.isNull() ? tm_findAlternativePathExcluding(path, excluding)
+                                        : tm_findAlternativePathExcludingOrPrompt(path, excluding, backLink);
+             });
 }
 
 void addOrganisingOperations(Registry &add)
