@@ -47,6 +47,9 @@ public:
     /// All links to and from a moved book or document.
     virtual void linksFollow(const QString &, const QString &) {}
 
+    /// The notebook's folders and settings are in place; called at each start.
+    virtual void notebookSetUp() {}
+
     // What reported changes ask for
     /// The list of contexts in the library's files was changed by another program.
     virtual void contextListChanged() {}

@@ -11,6 +11,7 @@
 #include "foundation/PropertyStore.h"
 #include "foundation/Resources.h"
 #include "library/LocationSettings.h"
+#include "library/Organiser.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "library/Root.h"
@@ -159,6 +160,7 @@ SetUpResult initAppSettings(bool chosenByPerson)
     makeFolders(root);
     result.showWhatsNew = tm_initPreferences();
     installDefaultDocuments();
+    organiser().notebookSetUp();
     if (!settings().boolean(QStringLiteral("terminatedGracefully"))) {
         settings().remove(QStringLiteral("outlineIsCollapsed"));
         result.showAllPanes = true;

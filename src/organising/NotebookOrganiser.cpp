@@ -41,6 +41,12 @@ public:
         if (pathIsPlainBook(target)) tm_renameAllLinksFrom(tomeletRoot(), path, target);
         tm_adjustLinksAndBacklinksAfterRenameFrom(target, path);
     }
+    void notebookSetUp() override
+    {
+        // A list that the person has emptied stays empty: only a notebook without one gets the first contexts.
+        const bool fresh = !itemExists(miscFile(QStringLiteral("AvailableTags.txt")));
+        if (fresh && settings().boolean(QStringLiteral("contextsEnabled"))) writeDefaultContexts();
+    }
     void propertyFileChanged(const QString &path) override
     {
         tm_collectTagsInPlist(path);
