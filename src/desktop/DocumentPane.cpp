@@ -28,6 +28,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QStackedWidget>
+#include <QTimer>
 #include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -144,7 +145,8 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     , m_stack(new QStackedWidget)
     , m_view(new QWebEngineView)
 {
-    auto *page = new Page(m_view, [this](const QUrl &url) { followLink(url); });
+    // The page waits for its answer, so what may ask a question comes after it.
+    auto *page = new Page(m_view, [this](const QUrl &url) { QTimer::singleShot(0, this, [this, url] { followLink(url); }); });
     m_view->setPage(page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
@@ -315,7 +317,9 @@ static QString itemOfLink(const QUrl &url)
     const QString fragment = url.fragment();
     if (url.isLocalFile()) {
         const QString path = QDir::cleanPath(url.toLocalFile());
-        return tm_itemIsChildOfTomelet(path) ? tm_pathByAppendingAnchor(path, fragment) : QString();
+        if (tm_itemIsChildOfTomelet(path)) return tm_pathByAppendingAnchor(path, fragment);
+        // "/Book/Note.md" begins at the root, unless the disk has just that.
+        return itemExists(path) ? QString() : tm_pathByAppendingAnchor(fullPathOf(path), fragment);
     }
     const QString text = url.toString(QUrl::FullyDecoded);
     if (url.scheme() != u"tomelet" || tm_isTomeletURLSchemeAction(text)) return {};
