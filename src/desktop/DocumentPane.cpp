@@ -195,6 +195,8 @@ QLayout *DocumentPane::makeHeader()
     connect(m_backlinks->menu(), &QMenu::aboutToShow, this, &DocumentPane::fillBacklinksMenu);
     connect(m_contexts, &ContextsField::contextsEdited, this,
             [this](const QStringList &words) { m_actions.setContexts(m_path, words); });
+    // The field's own undo would stand before that of the items.
+    connect(m_contexts, &QLineEdit::returnPressed, m_view, qOverload<>(&QWidget::setFocus));
 
     auto *below = new QHBoxLayout;
     below->addWidget(m_contexts, 1);
