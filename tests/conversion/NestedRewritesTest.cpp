@@ -4,8 +4,8 @@
 #include "conversion/NestedRewrites.h"
 
 #include "conversion/HtmlSteps_p.h"
-#include "library/Root.h"
 
+#include "tests/conversion/PlainLoops.h"
 #include "tests/support/Notebook.h"
 
 #include <gtest/gtest.h>
@@ -17,16 +17,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString loopOfFirstMatches(QString text, const QString &pattern, int options,
-                           const MatchReplacement &replacement)
-{
-    for (;;) {
-        const PatternMatches found = firstMatchOfPattern(text, pattern, options);
-        if (found.isEmpty()) return text;
-        replaceRange(text, found[0].range(), replacement(found[0], text));
-    }
-}
-
 QString randomText(std::mt19937 &random, const QStringList &pieces)
 {
     QString text;
@@ -35,75 +25,22 @@ QString randomText(std::mt19937 &random, const QStringList &pieces)
     return text;
 }
 
-// What a step has to give: a loop of first matches, each match by the whole of its content.
-struct Loop
+struct Nests
 {
     const char *name;
-    void (*step)(QString &);
-    QString pattern;
-    MatchReplacement replacement;
+    const test::PlainLoop &plain;
     QStringList pieces;
 };
 
-void expectSame(const Loop &loop)
+void expectSame(const Nests &nests)
 {
     std::mt19937 random(20261121);
     for (int round = 0; round < 5000; ++round) {
-        const QString text = randomText(random, loop.pieces);
+        const QString text = randomText(random, nests.pieces);
         QString result = text;
-        loop.step(result);
-        ASSERT_EQ(result, loopOfFirstMatches(text, loop.pattern, PatternDotAll, loop.replacement))
-            << loop.name << ": " << text.toStdString();
+        nests.plain.step(result);
+        ASSERT_EQ(result, nests.plain.result(text)) << nests.name << ": " << text.toStdString();
     }
-}
-
-QString plainParagraph(const PatternMatch &match, const QString &text)
-{
-    const QString content = substring(text, match.group(1));
-    return content.isEmpty() ? QString() : QString(u'\n' + content + u'\n');
-}
-
-QString plainLink(const PatternMatch &match, const QString &text)
-{
-    const QString address = substring(text, match.group(1)).remove(tomeletRoot());
-    const QString label = substring(text, match.group(2));
-    return address.startsWith(u"x-apple") ? label : QString(u'[' + label + u"]("_s + address + u')');
-}
-
-QString plainTable(const PatternMatch &match, const QString &text)
-{
-    QString table = substring(text, match.group(1));
-    QStringList cells;
-    const PatternMatches heads = matchesOfPattern(table, u"<th(\\b[^>]*)>"_s, PatternCaseInsensitive);
-    for (size_t i = 0; i < heads.size(); ++i)
-        cells.append(substring(table, heads[i].group(1)).contains(u"right") ? u" ----------: "_s
-                                                                            : u" ----------- "_s);
-    for (const auto &[pattern, to] : {std::pair{u"(?s)<colgroup>.+?</colgroup>"_s, u""_s},
-                                      {u"\\s*</td>\\s*<td\\b[^>]*>"_s, u" | "_s},
-                                      {u"</td>\\s*</tr>"_s, u"\n"_s},
-                                      {u"<tr\\b[^>]*>\\s*<td\\b[^>]*>"_s, u""_s},
-                                      {u"<tbody\\b[^>]*>"_s, u""_s},
-                                      {u"</tbody>"_s, u""_s},
-                                      {u"</th>\\s*<th\\b[^>]*>"_s, u" | "_s},
-                                      {u"</th>\\s*</tr>"_s, u"\n"_s},
-                                      {u"<tr\\b[^>]*>\\s*<th\\b[^>]*>"_s, u""_s},
-                                      {u"<thead\\b[^>]*>"_s, u""_s},
-                                      {u"^[\\s|]*$"_s, u""_s},
-                                      {u"\\n{2,}"_s, u"\n"_s}})
-        table = regexSweep(table, pattern, to);
-    table.replace(u"</thead>"_s, cells.join(u'|') + u'\n').replace(u"\n\n"_s, u"\n"_s);
-    return u"\n\n"_s + table.trimmed() + u"\n\n"_s;
-}
-
-QString plainDefinitions(const PatternMatch &match, const QString &text)
-{
-    QString list = substring(text, match.group(1));
-    for (const auto &[pattern, to] : {std::pair{u"<dt.*?>"_s, u"\n"_s},
-                                      {u"</dt>"_s, u"\n"_s},
-                                      {u"<dd.*?>"_s, u": "_s},
-                                      {u"</dd>"_s, u"\n"_s}})
-        list = regexSweep(list, pattern, to, PatternDotAll);
-    return u'\n' + list + u'\n';
 }
 
 using NestedElements = test::Notebook;
@@ -114,43 +51,33 @@ using NestedElements = test::Notebook;
 TEST_F(NestedElements, areRewrittenAsByThePlainLoop)
 {
     const QString words = u"some words "_s.repeated(60);
-    const Loop loops[] = {
+    const Nests kinds[] = {
         {"paragraphs",
-         convertParagraphs,
-         u"<p\\b.*?>(.*?)</p>"_s,
-         plainParagraph,
+         test::plainParagraphs,
          {u"<p>"_s, u"</p>"_s, u"<p class>"_s, u"<pre>"_s, u"<p\u00e9>"_s, words, u"<"_s, u"p>"_s, u"</"_s,
           u"<p"_s, u"\n"_s}},
         {"links",
-         convertLinks,
-         u"<a [^>]*?href=\"(.+?)\".*?>(.*?)</a>"_s,
-         plainLink,
+         test::plainLinks,
          {u"<a "_s, u"href=\"u\""_s, u">"_s, u"</a>"_s, u"<a href=\"x-apple:\">"_s, u"<a x href=\"</a>\">"_s,
           u"<a name>"_s, u"<"_s, u"a "_s, u"\""_s, u"<a href=\""_s + root + u"/b\">"_s, u"</"_s, u"a>"_s,
           u"<a href=\"\"\">"_s}},
         {"tables",
-         convertTables,
-         u"<table.*?>(.*?)</table>"_s,
-         plainTable,
+         test::plainTables,
          {u"<table>"_s, u"</table>"_s, u"<table b>"_s, words,         words,           u"<tr>"_s,
           u"<td>"_s,    u"</td>"_s,    u"</tr>"_s,     u"<thead>"_s,  u"</thead>"_s,   u"<th right>"_s,
           u"<th>"_s,    u"</th>"_s,    u"<tbody>"_s,   u"</tbody>"_s, u"<colgroup>"_s, u"</colgroup>"_s,
           u"\n"_s,      u"|"_s,        u" "_s}},
         {"torn tables",
-         convertTables,
-         u"<table.*?>(.*?)</table>"_s,
-         plainTable,
+         test::plainTables,
          {u"<table>"_s, u"</table>"_s, u"</table>"_s, words, words, u"<t"_s, u"</t"_s, u"<tbody>"_s,
           u"able>"_s, u"d>"_s, u"<tr>"_s, u"<td "_s, u">"_s, u"<"_s, u"</thead>"_s, u"<th>"_s, u"x"_s}},
         {"definitions",
-         convertDefinitionLists,
-         u"<dl\\b.*?>(.*?)</dl>"_s,
-         plainDefinitions,
+         test::plainDefinitionLists,
          {u"<dl>"_s, u"</dl>"_s, u"<dl c>"_s, u"<dt>"_s, u"</dt>"_s, u"<dd>"_s, u"</dd>"_s, u"<dt"_s,
           u"<dd "_s, u">"_s, words, words, u"<dlx>"_s}},
     };
-    for (const Loop &loop : loops)
-        expectSame(loop);
+    for (const Nests &kind : kinds)
+        expectSame(kind);
 }
 
 TEST_F(NestedElements, imagesToo)
@@ -165,7 +92,7 @@ TEST_F(NestedElements, imagesToo)
     for (int round = 0; round < 4000; ++round) {
         const QString text = randomText(random, pieces);
         ASSERT_EQ(replaceFirstMatches(text, pattern, PatternDotAll, u"<img"_s, u">"_s, marked),
-                  loopOfFirstMatches(text, pattern, PatternDotAll, marked))
+                  test::loopOfFirstMatches(text, pattern, PatternDotAll, marked))
             << text.toStdString();
     }
 }
@@ -200,7 +127,7 @@ TEST(NestedRewrites, innermostGivesWhatThePlainLoopGives)
         std::mt19937 random(42);
         for (int round = 0; round < 6000; ++round) {
             const QString text = randomText(random, row.pieces);
-            const QString plain = loopOfFirstMatches(
+            const QString plain = test::loopOfFirstMatches(
                 text, row.pattern, PatternDotAll, [&](const PatternMatch &match, const QString &all) {
                     return row.replacement(substring(all, match.group(1)), substring(all, match.group(2)));
                 });
@@ -246,11 +173,11 @@ TEST_F(NestedElements, listsAreThoseOfThePlainLoop)
     std::mt19937 random(3);
     for (int round = 0; round < 8000; ++round) {
         const QString text = randomText(random, pieces) + randomText(random, pieces);
-        QString plain = loopOfFirstMatches(text, u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s,
-                                           PatternDotAll, [](const PatternMatch &match, const QString &all) {
-                                               return plainList(substring(all, match.group(1)),
-                                                                substring(all, match.group(2)));
-                                           });
+        QString plain = test::loopOfFirstMatches(
+            text, u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s, PatternDotAll,
+            [](const PatternMatch &match, const QString &all) {
+                return plainList(substring(all, match.group(1)), substring(all, match.group(2)));
+            });
         plain.replace(u"<li>"_s, u"- "_s).replace(u"</li>"_s, u"\n"_s);
         QString result = text;
         convertLists(result);
@@ -265,7 +192,7 @@ TEST_F(NestedElements, quotesAreThoseOfThePlainLoop)
     std::mt19937 random(4);
     for (int round = 0; round < 8000; ++round) {
         const QString text = randomText(random, pieces) + randomText(random, pieces);
-        const QString plain = loopOfFirstMatches(
+        const QString plain = test::loopOfFirstMatches(
             regexSweep(text, u"<blockquote( .*?)?>\\n*"_s, u"\n<blockquote>"_s),
             u"<blockquote>((?:(?!<blockquote)[\\s\\S])*?)</blockquote>"_s, 0,
             [](const PatternMatch &match, const QString &all) {
