@@ -28,10 +28,10 @@ class Pages(World):
     def test_render_to_files(self):
         self.write("/B/a.md", b"# A\n")
         self.write("/B/c.txt", b"C\nc\n")
-        target = self.base + "/a.html"
-        self.assertEqual(self.run_("render", "B/a.md", "-o", target), "")
-        with open(target, encoding="utf-8") as file:
-            self.assertEqual(file.read(), self.run_("render", "B/a.md"))
+        for target in (self.base + "/a.html", "b.html"):
+            self.assertEqual(self.run_("render", "B/a.md", "-o", target), "")
+            with open(os.path.join(self.base, target), encoding="utf-8") as file:
+                self.assertEqual(file.read(), self.run_("render", "B/a.md"))
         folder = self.base + "/pages"
         os.mkdir(folder)
         self.run_("render", "B/a.md", "B/c.txt", "-o", folder)

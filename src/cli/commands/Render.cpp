@@ -60,7 +60,8 @@ int runRender(const Invocation &call)
     parser.addOption({QStringLiteral("pdf"), QStringLiteral("Prints to PDF, in the desktop program.")});
     if (const auto status = parse(call, parser)) return *status;
     const QStringList items = parser.positionalArguments();
-    const QString output = parser.value(QStringLiteral("o"));
+    QString output = parser.value(QStringLiteral("o"));
+    if (!output.isEmpty()) output = QFileInfo(output).absoluteFilePath();
     if (items.isEmpty()) return wrongUsage(call, QStringLiteral("render takes at least one document"));
     if (parser.isSet(QStringLiteral("pdf")))
         return fail(QStringLiteral("printing to PDF needs the desktop program"));
