@@ -21,14 +21,23 @@ void removeStyleAttributes(QString &text)
     text = edits.appliedTo(text);
 }
 
-// A plain div inside another one says nothing.
+// Where the tag in front of a position begins, or earlier: only that one can be the outer of two now.
+qsizetype tagInFront(const QString &text, qsizetype at)
+{
+    const qsizetype end = at > 0 ? text.lastIndexOf(u'>', at - 1) : -1;
+    return end > 0 ? text.lastIndexOf(u'>', end - 1) + 1 : 0;
+}
+
+} // namespace
+
 void mergeDoubleContainers(QString &text)
 {
     static const QString pattern =
         QStringLiteral("(<div[^>]*?>\\s*<div[^>]*?>)((?!<div).*?)(</div>\\s*</div>)");
+    qsizetype from = 0;
     for (;;) {
-        const PatternMatches found =
-            firstMatchOfPattern(text, pattern, PatternCaseInsensitive | PatternDotAll);
+        const PatternMatches found = firstMatchOfPattern(
+            text, pattern, PatternCaseInsensitive | PatternDotAll, {from, text.size() - from});
         if (found.isEmpty()) return;
         const Range front = found[0].group(1);
         const Range back = found[0].group(3);
@@ -37,10 +46,9 @@ void mergeDoubleContainers(QString &text)
         if (opening < 0 || closing < 0) return;
         text.remove(back.location + closing, 6);
         text.remove(front.location + opening, 5);
+        from = tagInFront(text, front.location);
     }
 }
-
-} // namespace
 
 QString tm_removeParagraphsNestedInCustomClasses(const QString &html)
 {

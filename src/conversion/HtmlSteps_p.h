@@ -30,4 +30,7 @@ void convertTables(QString &text);
 void convertLinks(QString &text);
 void convertDefinitionLists(QString &text);
 
+// A plain div inside another one says nothing: of the first two in one another, the plain one goes.
+void mergeDoubleContainers(QString &text);
+
 } // namespace tomelet

@@ -80,6 +80,32 @@ TEST_F(NestedElements, areRewrittenAsByThePlainLoop)
         expectSame(kind);
 }
 
+TEST(NestedRewrites, doubleContainersGoAsByThePlainLoop)
+{
+    const auto plain = [](QString text) {
+        for (;;) {
+            const PatternMatches found =
+                firstMatchOfPattern(text, u"(<div[^>]*?>\\s*<div[^>]*?>)((?!<div).*?)(</div>\\s*</div>)"_s,
+                                    PatternCaseInsensitive | PatternDotAll);
+            if (found.isEmpty()) return text;
+            const qsizetype opening = substring(text, found[0].group(1)).indexOf(u"<div>"_s);
+            const qsizetype closing = substring(text, found[0].group(3)).lastIndexOf(u"</div>"_s);
+            if (opening < 0 || closing < 0) return text;
+            text.remove(found[0].group(3).location + closing, 6)
+                .remove(found[0].group(1).location + opening, 5);
+        }
+    };
+    const QStringList pieces{u"<div>"_s, u"<div>"_s, u"</div>"_s, u"</div>"_s, u"<div x>"_s,
+                             u" "_s,     u"a"_s,     u"<DIV>"_s,  u"<div "_s,  u">"_s};
+    std::mt19937 random(5);
+    for (int round = 0; round < 8000; ++round) {
+        const QString text = randomText(random, pieces);
+        QString result = text;
+        mergeDoubleContainers(result);
+        ASSERT_EQ(result, plain(text)) << text.toStdString();
+    }
+}
+
 TEST_F(NestedElements, imagesToo)
 {
     const QStringList pieces{u"<img"_s,          u" src=\"s\""_s, u">"_s,  u"<img alt>"_s,
