@@ -122,6 +122,10 @@ OpeningTag linkTag(QStringView text)
 void convertLinks(QString &text)
 {
     text = rewritePairedElements(text, {QStringLiteral("<a "), QStringLiteral("</a>"), linkTag});
+}
+
+void convertImages(QString &text)
+{
     text = replaceFirstMatches(
         text, QStringLiteral("<img[^>]* src=\"(.+?)\".*?>"), PatternDotAll, QStringLiteral("<img"),
         QStringLiteral(">"), [](const PatternMatch &match, const QString &all) {

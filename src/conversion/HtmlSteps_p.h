@@ -28,6 +28,7 @@ void convertLists(QString &text);
 void convertParagraphs(QString &text);
 void convertTables(QString &text);
 void convertLinks(QString &text);
+void convertImages(QString &text);
 void convertDefinitionLists(QString &text);
 
 // A plain div inside another one says nothing: of the first two in one another, the plain one goes.

@@ -201,6 +201,7 @@ QString tm_markdownifyHTML(const QString &html)
     convertHeadings(text);
     convertTables(text);
     convertLinks(text);
+    convertImages(text);
     convertDefinitionLists(text);
     return tidied(text);
 }

@@ -29,9 +29,19 @@ inline QString plainParagraph(const PatternMatch &match, const QString &text)
 
 inline QString plainLink(const PatternMatch &match, const QString &text)
 {
-    const QString address = substring(text, match.group(1)).remove(tomeletRoot());
+    const QString root = tomeletRoot();
+    QString address = substring(text, match.group(1));
+    if (!root.isEmpty()) address.remove(root);
     const QString label = substring(text, match.group(2));
     return address.startsWith(u"x-apple") ? label : QString(u'[' + label + u"]("_s + address + u')');
+}
+
+inline QString plainImage(const PatternMatch &match, const QString &text)
+{
+    const QString root = tomeletRoot();
+    QString source = substring(text, match.group(1));
+    if (!root.isEmpty()) source.remove(root);
+    return u"![]("_s + source.replace(u')', u"%29"_s) + u')';
 }
 
 inline QString plainTable(const PatternMatch &match, const QString &text)
@@ -88,6 +98,7 @@ struct PlainLoop
 
 inline const PlainLoop plainParagraphs{convertParagraphs, u"<p\\b.*?>(.*?)</p>"_s, plainParagraph};
 inline const PlainLoop plainLinks{convertLinks, u"<a [^>]*?href=\"(.+?)\".*?>(.*?)</a>"_s, plainLink};
+inline const PlainLoop plainImages{convertImages, u"<img[^>]* src=\"(.+?)\".*?>"_s, plainImage};
 inline const PlainLoop plainTables{convertTables, u"<table.*?>(.*?)</table>"_s, plainTable};
 inline const PlainLoop plainDefinitionLists{convertDefinitionLists, u"<dl\\b.*?>(.*?)</dl>"_s,
                                             plainDefinitions};
