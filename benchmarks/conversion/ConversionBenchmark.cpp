@@ -120,6 +120,7 @@ const PageKind kinds[] = {
     {"definitions", u"<dl><dt>T</dt><dd>"_s, lines, u"</dd></dl>"_s},
     {"all_kinds", u"<div><blockquote><ul><li><p><b><span>"_s, lines,
      u"</span></b></p></li></ul></blockquote></div>"_s},
+    {"lists_in_tables", u"<table><tr><td>a < b<ul><li>"_s, lines, u"</li></ul></td></tr></table>"_s},
     {"lists_on_one_line", u"<ul><li>"_s, words, u"</li></ul>"_s},
     {"quotes_on_one_line", u"<blockquote>"_s, words, u"</blockquote>"_s},
     {"italic_on_one_line", u"<i class=\"x\">"_s, words, u"</i>"_s},

@@ -56,19 +56,31 @@ QString delimiterRow(const QString &table)
     return cells.join(u'|');
 }
 
+// A sweep for texts that hold a tag: indents of deep lists have too many blanks to be tried in vain.
+struct TagSweep
+{
+    QStringView tag;
+    QString pattern, replacement;
+};
+
+const TagSweep rowSweeps[] = {
+    {u"<colgroup>", QStringLiteral("(?s)<colgroup>.+?</colgroup>"), {}},
+    {u"</td>", QStringLiteral("\\s*</td>\\s*<td\\b[^>]*>"), QStringLiteral(" | ")},
+    {u"</td>", QStringLiteral("</td>\\s*</tr>"), QStringLiteral("\n")},
+    {u"<tr", QStringLiteral("<tr\\b[^>]*>\\s*<td\\b[^>]*>"), {}},
+    {u"<tbody", QStringLiteral("<tbody\\b[^>]*>"), {}},
+    {u"</tbody>", QStringLiteral("</tbody>"), {}},
+    {u"</th>", QStringLiteral("</th>\\s*<th\\b[^>]*>"), QStringLiteral(" | ")},
+    {u"</th>", QStringLiteral("</th>\\s*</tr>"), QStringLiteral("\n")},
+    {u"<tr", QStringLiteral("<tr\\b[^>]*>\\s*<th\\b[^>]*>"), {}},
+    {u"<thead", QStringLiteral("<thead\\b[^>]*>"), {}},
+};
+
 QString markdownRows(QString rows, QStringView table)
 {
     const bool isWhole = rows.size() == table.size();
-    sweepAll(rows, {{QStringLiteral("(?s)<colgroup>.+?</colgroup>"), {}},
-                    {QStringLiteral("\\s*</td>\\s*<td\\b[^>]*>"), QStringLiteral(" | ")},
-                    {QStringLiteral("</td>\\s*</tr>"), QStringLiteral("\n")},
-                    {QStringLiteral("<tr\\b[^>]*>\\s*<td\\b[^>]*>"), {}},
-                    {QStringLiteral("<tbody\\b[^>]*>"), {}},
-                    {QStringLiteral("</tbody>"), {}},
-                    {QStringLiteral("</th>\\s*<th\\b[^>]*>"), QStringLiteral(" | ")},
-                    {QStringLiteral("</th>\\s*</tr>"), QStringLiteral("\n")},
-                    {QStringLiteral("<tr\\b[^>]*>\\s*<th\\b[^>]*>"), {}},
-                    {QStringLiteral("<thead\\b[^>]*>"), {}}});
+    for (const TagSweep &sweep : rowSweeps)
+        if (rows.contains(sweep.tag)) rows = regexSweep(rows, sweep.pattern, sweep.replacement);
     if (isWhole) rows = regexSweep(rows, QStringLiteral("^[\\s|]*$"), {});
     rows = regexSweep(rows, QStringLiteral("\\n{2,}"), QStringLiteral("\n"));
     if (rows.contains(u"</thead>"))

@@ -10,6 +10,13 @@ namespace {
 
 constexpr qsizetype smallPart = 512;
 
+// A sign that stands for itself, as in "a < b", cannot become a tag by what is taken away behind it.
+bool canBeginTag(QStringView text, qsizetype at)
+{
+    const QChar next = at + 1 < text.size() ? text[at + 1] : QChar(u'<');
+    return next == u'<' || next == u'/' || next.isLetter();
+}
+
 // The end of a part: behind a letter outside of all tags, where no match can run across. Without one, the
 // text's end.
 qsizetype endOfPart(QStringView text, qsizetype from, qsizetype barrier)
@@ -17,7 +24,7 @@ qsizetype endOfPart(QStringView text, qsizetype from, qsizetype barrier)
     bool inTag = false;
     for (qsizetype i = from; i < barrier; ++i) {
         const QChar c = text[i];
-        if (c == u'<') {
+        if (c == u'<' && canBeginTag(text, i)) {
             if (inTag) break; // when tags go, what stays could become a tag
             inTag = true;
         } else if (c == u'>') {
