@@ -11,12 +11,14 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QSet>
 
 namespace tomelet::cli {
 
 static QString pageOf(const QString &path)
 {
-    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path) : pageForItem(path);
+    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path)
+                                                                     : pageForItem(path);
 }
 
 static QString whyUnreadable(const QString &path)
@@ -33,28 +35,50 @@ static QString resultPath(const QString &output, const QString &item, qsizetype 
     return joinPath(output, lastPathComponent(pathWithoutExtension(item)) + QStringLiteral(".html"));
 }
 
+// Two documents of one name would share a file in the folder.
+static QString sharedResult(const QString &output, const QStringList &items)
+{
+    QSet<QString> seen;
+    for (const QString &item : items) {
+        const QString target = resultPath(output, itemPath(item), items.size());
+        if (!target.isEmpty() && seen.contains(target)) return target;
+        seen.insert(target);
+    }
+    return {};
+}
+
 int runRender(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Renders documents as complete pages by their settings."));
-    parser.addPositionalArgument(QStringLiteral("item"), QStringLiteral("The documents."), QStringLiteral("ITEM..."));
-    parser.addOption({QStringLiteral("o"), QStringLiteral("The result's file; with several documents a folder."),
+    parser.setApplicationDescription(
+        QStringLiteral("Renders documents as complete pages by their settings."));
+    parser.addPositionalArgument(QStringLiteral("item"), QStringLiteral("The documents."),
+                                 QStringLiteral("ITEM..."));
+    parser.addOption({QStringLiteral("o"),
+                      QStringLiteral("The result's file; with several documents a folder."),
                       QStringLiteral("FILE")});
     parser.addOption({QStringLiteral("pdf"), QStringLiteral("Prints to PDF, in the desktop program.")});
     if (const auto status = parse(call, parser)) return *status;
     const QStringList items = parser.positionalArguments();
-    const QString output = parser.value(QStringLiteral("o"));
+    QString output = parser.value(QStringLiteral("o"));
+    if (!output.isEmpty()) output = QFileInfo(output).absoluteFilePath();
     if (items.isEmpty()) return wrongUsage(call, QStringLiteral("render takes at least one document"));
-    if (parser.isSet(QStringLiteral("pdf"))) return fail(QStringLiteral("printing to PDF needs the desktop program"));
-    if (items.size() > 1 && !output.isEmpty() && !isFolder(output)) return fail(QStringLiteral("%1 is no folder").arg(output));
+    if (parser.isSet(QStringLiteral("pdf")))
+        return fail(QStringLiteral("printing to PDF needs the desktop program"));
+    if (items.size() > 1 && !output.isEmpty() && !isFolder(output))
+        return fail(QStringLiteral("%1 is no folder").arg(output));
     if (const auto status = openNotebook(call)) return *status;
+    if (const QString shared = sharedResult(output, items); !shared.isEmpty())
+        return fail(QStringLiteral("two of the documents would become %1").arg(shared));
     for (const QString &item : items) {
         const QString path = itemPath(item);
         if (const QString why = whyUnreadable(path); !why.isEmpty()) return fail(why);
         const QString page = pageOf(path);
         const QString target = resultPath(output, path, items.size());
-        if (target.isEmpty()) writeText(page);
-        else if (const WriteResult result = writeFile(target, page.toUtf8()); !result) return fail(result.message);
+        if (target.isEmpty())
+            writeText(page);
+        else if (const WriteResult result = writeFile(target, page.toUtf8()); !result)
+            return fail(result.message);
     }
     return Done;
 }
