@@ -28,8 +28,7 @@ QString trimmedBlanks(const QString &text)
     return text.mid(begin, end - begin);
 }
 
-// -- the body and its classes
-// -----------------------------------------------------------------------------------------
+// -- the body and its classes -----------------------------------------------------------------------------------------
 
 QString bodyOf(const QString &html)
 {
@@ -66,8 +65,7 @@ void restoreClassBlocks(QString &text, const QString &html)
     }
 }
 
-// -- inline
-// -----------------------------------------------------------------------------------------------------------
+// -- inline -----------------------------------------------------------------------------------------------------------
 
 void dropWhatMarkdownHasNoWordFor(QString &text)
 {
@@ -133,8 +131,7 @@ void convertEmphasis(QString &text)
                     {QStringLiteral("<hr( .*?)?>\\s*"), QStringLiteral("\n----\n\n")}});
 }
 
-// -- blocks
-// -----------------------------------------------------------------------------------------------------------
+// -- blocks -----------------------------------------------------------------------------------------------------------
 
 void convertCode(QString &text)
 {

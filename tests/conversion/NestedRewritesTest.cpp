@@ -150,8 +150,7 @@ TEST(NestedRewrites, innermostGivesWhatThePlainLoopGives)
     }
 }
 
-// -- lists and quotes whose lines are marked at the end
-// ----------------------------------------------------------------
+// -- lists and quotes whose lines are marked at the end ---------------------------------------------------------------
 
 namespace {
 
