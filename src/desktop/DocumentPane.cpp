@@ -5,6 +5,7 @@
 #include "conversion/Patterns.h"
 #include "desktop/ContextsField.h"
 #include "desktop/ItemActions.h"
+#include "desktop/PageProfile.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -18,7 +19,6 @@
 #include "organising/DocumentReferences.h"
 #include "organising/LostTarget.h"
 
-#include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QEvent>
@@ -33,48 +33,12 @@
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
-#include <QWebEngineProfile>
-#include <QWebEngineSettings>
-#include <QWebEngineUrlRequestInterceptor>
 
 #include <functional>
 
 namespace tomelet::desktop {
 
 namespace {
-
-// Pages are files of the person's own; nothing on them has a reason to call home.
-class NetworkBlocker final : public QWebEngineUrlRequestInterceptor
-{
-public:
-    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
-    void interceptRequest(QWebEngineUrlRequestInfo &info) override
-    {
-        static const QStringList local{QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"),
-                                       QStringLiteral("qrc"), QStringLiteral("about"),
-                                       QStringLiteral("chrome-extension"), QStringLiteral("chrome")};
-        if (!local.contains(info.requestUrl().scheme())) info.block(true);
-    }
-};
-
-QWebEngineProfile *pageProfile()
-{
-    // Off the record: nothing that a page leaves behind is kept.
-    static auto *profile = [] {
-        auto *made = new QWebEngineProfile(QCoreApplication::instance());
-        made->setUrlRequestInterceptor(new NetworkBlocker(made));
-        QWebEngineSettings *settings = made->settings();
-        settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
-        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
-        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
-        settings->setAttribute(QWebEngineSettings::PluginsEnabled, true);
-        settings->setAttribute(QWebEngineSettings::PdfViewerEnabled, true);
-        settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
-        settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
-        return made;
-    }();
-    return profile;
-}
 
 class Page final : public QWebEnginePage
 {

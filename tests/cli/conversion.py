@@ -25,6 +25,19 @@ class Pages(World):
         self.run_("set", "B/Plan.md", "CSS", "CSS/High Contrast.css")
         self.assertNotEqual(self.run_("render", "B/Plan.md"), page)
 
+    def test_render_to_pdf(self):
+        self.write("/B/a.md", b"# A\n\n![](none.png)\n")
+        self.write("/B/b.md", b"# B\n")
+        if not os.path.exists(os.path.join(os.path.dirname(os.environ["TOMELET"]), "tomelet-print")):
+            self.skipTest("this build leaves out what has a web engine")
+        folder = self.base + "/printed"
+        os.mkdir(folder)
+        self.run_("render", "--pdf", "B/a.md", "B/b.md", "-o", folder)
+        self.assertEqual(sorted(os.listdir(folder)), ["a.pdf", "b.pdf"])
+        for name in os.listdir(folder):
+            with open(os.path.join(folder, name), "rb") as file:
+                self.assertTrue(file.read().startswith(b"%PDF-"))
+
     def test_render_to_files(self):
         self.write("/B/a.md", b"# A\n")
         self.write("/B/c.txt", b"C\nc\n")
