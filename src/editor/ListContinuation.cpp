@@ -64,9 +64,8 @@ Item itemToContinue(const EditedText &edited, Range paragraph, const EditorSetti
 QString raised(const QString &mark)
 {
     const Range digits = rangeOfPattern(mark, QStringLiteral(R"(\d+)"));
-    bool fits = false;
-    const qlonglong number = substring(mark, digits).toLongLong(&fits) + 1;
-    if (!fits) return mark;
+    if (digits.length > longestNumber) return mark;
+    const qlonglong number = substring(mark, digits).toLongLong() + 1;
     return QString(mark.left(digits.location) + QString::number(number) + mark.mid(digits.end()));
 }
 

@@ -7,6 +7,9 @@
 
 namespace tomelet {
 
+/// Numbers of more digits are text: they could not be counted on from.
+inline constexpr qsizetype longestNumber = 18;
+
 /// Goes on with the list after a new line, behind which the caret stands. With Shift the new line is only indented to
 /// the text of the item. A return on an item without text outdents it, or ends the list. False: nothing to go on with.
 bool tryToInsertListItem(EditedText &edited, const EditorSettings &settings, bool shiftKeyPressed);

@@ -15,7 +15,7 @@ struct Number
 {
     Range digits; ///< in the whole text
     qsizetype indent = 0;
-    qlonglong value = 0; ///< 0 also for one that is too large to count on from
+    qlonglong value = 0;
 };
 
 std::optional<Number> numberOf(const QString &text, Range paragraph)
@@ -24,6 +24,7 @@ std::optional<Number> numberOf(const QString &text, Range paragraph)
     const PatternMatches matches = firstMatchOfPattern(text, pattern, PatternCaseInsensitive, paragraph);
     if (matches.isEmpty()) return std::nullopt;
     const Range digits = matches[0].group(2);
+    if (digits.length > longestNumber) return std::nullopt;
     return Number{digits, matches[0].group(1).length, substring(text, digits).toLongLong()};
 }
 
