@@ -3,6 +3,7 @@
 #include "cli/op/Registry.h"
 
 #include "editor/EditorCommands.h"
+#include "editor/Highlighting.h"
 
 #include <stdexcept>
 
@@ -60,6 +61,16 @@ QVariant editorApply(const QString &text, const QVariant &selection, const QStri
                        {QStringLiteral("handled"), handled}};
 }
 
+QVariantList highlightsOf(const QString &text, const QString &extension)
+{
+    QVariantList list;
+    for (const Highlight &highlight : tm_highlightStringinRange(text, {0, text.size()}, highlightOptions(extension)))
+        list.append(QVariantMap{{QStringLiteral("range"), listOf(highlight.range)},
+                                {QStringLiteral("mark"), highlightName(highlight.row)},
+                                {QStringLiteral("row"), highlight.row}});
+    return list;
+}
+
 } // namespace
 
 void addEditorOperations(Registry &add)
@@ -77,6 +88,10 @@ void addEditorOperations(Registry &add)
     add.text("editor_apply", "text, selection, command, first, second",
              [](const QString &text, const QVariant &selection, const QString &command, const QVariant &first,
                 const QVariant &second) { return editorApply(text, selection, command, {first, second}); });
+    add.text("tm_highlightString", "text",
+             [](const QString &text) { return highlightsOf(text, QStringLiteral("md")); });
+    add.text("tm_highlightString", "text, extension",
+             [](const QString &text, const QString &extension) { return highlightsOf(text, extension.toLower()); });
 }
 
 } // namespace tomelet::cli
