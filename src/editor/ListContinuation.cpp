@@ -86,13 +86,17 @@ void continueList(EditedText &edited, const QString &mark, bool shiftKeyPressed)
     updateNumberedListAtRange(edited, edited.selection());
 }
 
-// Return on an item without text.
+// Return on an item without text. What stood behind the caret stays, without the mark.
 void endItem(EditedText &edited, Range paragraph, const EditorSettings &settings)
 {
     const qsizetype lineEnd = lineEndLength(edited.part(paragraph));
     edited.tm_replaceCharactersInRange({paragraph.end() - lineEnd, lineEnd}, {});
     if (tabButtonPressedForceIndent(edited, settings, false, true)) return;
-    edited.tm_replaceCharactersInRange(paragraphRange(edited.text(), edited.selection()), QStringLiteral("\n"));
+    const qsizetype caret = edited.selection().location;
+    const Range line = paragraphRange(edited.text(), {caret, 0});
+    const bool textFollows = caret < withoutLineEnd(edited.text(), line).end();
+    edited.tm_replaceCharactersInRange(textFollows ? Range{line.location, caret - line.location} : line,
+                                       QStringLiteral("\n"));
 }
 
 } // namespace

@@ -100,6 +100,7 @@ TEST(EditorCommands, listsGoOnAfterANewLine)
         {u"- one\n- ¦", u"newline", u"- one\n\n¦"},
         {u"- ¦\n- two", u"newline", u"\n¦- two"},
         {u"- one\n\t- ¦", u"newline", u"- one\n- ¦"},
+        {u"- ¦one\n", u"newline", u"\n¦one\n"},
         {u"1. one\n\t1. ¦", u"newline", u"1. one\n2. ¦"},
         {u"- one\r\n- ¦\r\n", u"newline", u"- one\r\n\n¦"},
     });

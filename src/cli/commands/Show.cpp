@@ -3,6 +3,7 @@
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
+#include "conversion/Page.h"
 #include "editor/FormattedPage.h"
 #include "foundation/Folder.h"
 
@@ -23,9 +24,8 @@ int runShow(const Invocation &call)
     if (!itemExists(path)) return fail(QStringLiteral("%1 does not exist").arg(path));
     if (isFolder(path)) return fail(QStringLiteral("%1 is a book, not a document").arg(path));
     if (!QFileInfo(path).isReadable()) return fail(QStringLiteral("%1 cannot be read").arg(path));
-    const FormattedPage page = formattedPageFor(path);
-    if (page.html.isEmpty() && !page.isEditable) writeLine(page.base);
-    else writeText(page.html);
+    const QString page = formattedPageFor(path).html;
+    writeText(page.isEmpty() ? pageForItem(path) : page); // an address to be loaded has no page of ours
     return Done;
 }
 
