@@ -60,6 +60,7 @@ private:
     void makeActions();
     void makeBookMenu();
     void makeEditMenu();
+    void makeTextMenu();
     void makeViewMenu();
     void makeStorageMenu();
     void fillStorageMenu(QMenu *menu);
