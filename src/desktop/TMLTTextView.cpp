@@ -24,6 +24,17 @@ TMLTTextView::TMLTTextView(QWidget *parent)
     });
 }
 
+// Looking for words to break at takes seconds in a line of a million units.
+static bool hasEndlessLine(const QString &text)
+{
+    static constexpr qsizetype longest = 50000;
+    for (qsizetype start = 0, end = 0; end >= 0; start = end + 1) {
+        end = text.indexOf(u'\n', start);
+        if ((end < 0 ? text.size() : end) - start > longest) return true;
+    }
+    return false;
+}
+
 // -- the text ---------------------------------------------------------------------------------------------------------
 
 void TMLTTextView::setDocumentText(const QString &text, bool editable, const HighlightOptions &options)
@@ -31,6 +42,8 @@ void TMLTTextView::setDocumentText(const QString &text, bool editable, const Hig
     m_loading = true;
     m_highlighter->pause(true);
     m_options = options;
+    clear();
+    setWordWrapMode(hasEndlessLine(text) ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
     setPlainText(text);
     setReadOnly(!editable);
     // A caret shows where one is, also where nothing can be typed.
