@@ -174,7 +174,8 @@ QVariantMap TMLTDocumentViewController::relevantInheritedProperties() const
     const auto takeFrom = [&](const QString &item) {
         const QVariantMap properties = storedProperties(item);
         for (const QString &key : keys)
-            if (!found.contains(key) && isNonEmptyProperty(properties.value(key))) found.insert(key, properties.value(key));
+            if (const QVariant value = properties.value(key); !found.contains(key) && isNonEmptyProperty(value))
+                found.insert(key, value);
     };
     takeFrom(m_path);
     QString book = tomelet::parentPath(m_path);

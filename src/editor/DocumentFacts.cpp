@@ -61,6 +61,14 @@ void updateBacklinks(const QString &path, QStringList &referenced)
     referenced = now;
 }
 
+void postSilentMove(const QString &from, const QString &to)
+{
+    notifications().post(QStringLiteral("TMLTFileMovedNotification"),
+                         {{QStringLiteral("originalPath"), from},
+                          {QStringLiteral("newPath"), to},
+                          {QStringLiteral("silentReload"), QStringLiteral("1")}});
+}
+
 void checkEmbeddedImagesInText(const QString &path, const QString &text)
 {
     const QString key = QStringLiteral("Embedded Photos");

@@ -19,6 +19,9 @@ void updateEmbeddedContexts(const QString &path, const QString &text, QStringLis
 /// becomes what it refers to now. Nothing while links are not managed.
 void updateBacklinks(const QString &path, QStringList &referenced);
 
+/// Tells that the document is at a new path, or was written anew at its own; nobody needs to load it again.
+void postSilentMove(const QString &from, const QString &to);
+
 /// Adds the pictures of the text to those that are known of the document.
 void checkEmbeddedImagesInText(const QString &path, const QString &text);
 

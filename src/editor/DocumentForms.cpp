@@ -7,6 +7,7 @@
 #include "editor/EditedText.h"
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
+#include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/Properties.h"
 
@@ -17,6 +18,12 @@ namespace tomelet {
 QString nameWithoutExtension(const QString &path)
 {
     return lastPathComponent(pathWithoutExtension(path));
+}
+
+QString fileNameFor(const QString &title, const QString &path)
+{
+    const QString extension = pathExtension(path);
+    return extension.isEmpty() ? title : QString(title + u'.' + extension);
 }
 
 // Half a pair has no bytes in any encoding.
@@ -39,6 +46,13 @@ QByteArray bytesOfText(const QString &text, TextForm &form)
         logLine(QStringLiteral("Converted to UTF8"));
     }
     return form.byteOrderMark + withoutLoneSurrogates(text).toUtf8();
+}
+
+// Every write is atomic here; whoever does not need it loses nothing by it.
+bool tm_writeToFile(const QString &text, const QString &path, bool, TextEncoding encoding)
+{
+    const auto bytes = encodeText(text, encoding);
+    return bytes && writeFile(path, *bytes);
 }
 
 QString md5OfBytes(const QByteArray &bytes)

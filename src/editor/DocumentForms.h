@@ -19,9 +19,15 @@ struct TextForm
 /// "Note" for "/Book/Note.md": what a document that is named after its first line bears of it.
 [[nodiscard]] QString nameWithoutExtension(const QString &path);
 
+/// The title with the extension of the path.
+[[nodiscard]] QString fileNameFor(const QString &title, const QString &path);
+
 /// The bytes of a text. Where the encoding has no place for a character the form becomes UTF-8; half of a surrogate
 /// pair, which has no bytes anywhere, becomes U+FFFD.
 [[nodiscard]] QByteArray bytesOfText(const QString &text, TextForm &form);
+/// Writes the text in the encoding of that number, through the safe writer: attributes and mode of a file that stands
+/// there are kept. False, and nothing written, when the encoding has no place for a character or the disk refuses.
+bool tm_writeToFile(const QString &text, const QString &path, bool atomically, TextEncoding encoding);
 /// MD5 in upper-case hexadecimal digits of the text in its encoding.
 [[nodiscard]] QString md5OfText(const QString &text, const TextForm &form);
 [[nodiscard]] QString md5OfBytes(const QByteArray &bytes);

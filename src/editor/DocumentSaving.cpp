@@ -17,44 +17,14 @@
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
-#include "library/ItemOperations.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
-#include "library/RecentItems.h"
 #include "organising/Contexts.h"
 
 #include <QFileInfo>
 
 namespace tomelet {
-
-namespace {
-
-// "Title" or, where that name was taken, "Title 2".
-bool nameFitsTitle(const QString &stem, const QString &text)
-{
-    if (tm_stringMatchesFirstLineOfText(stem, text)) return true;
-    qsizetype digits = stem.size();
-    while (digits > 0 && stem[digits - 1].isDigit()) --digits;
-    const bool isNumbered = digits < stem.size() && digits > 0 && stem[digits - 1] == u' ';
-    return isNumbered && tm_stringMatchesFirstLineOfText(stem.left(digits - 1), text);
-}
-
-QString fileNameFor(const QString &title, const QString &path)
-{
-    const QString extension = pathExtension(path);
-    return extension.isEmpty() ? title : QString(title + u'.' + extension);
-}
-
-void postMove(const QString &from, const QString &to)
-{
-    notifications().post(QStringLiteral("TMLTFileMovedNotification"),
-                         {{QStringLiteral("originalPath"), from},
-                          {QStringLiteral("newPath"), to},
-                          {QStringLiteral("silentReload"), QStringLiteral("1")}});
-}
-
-} // namespace
 
 QString TMLTDocumentViewController::callArgument() const
 {
@@ -197,7 +167,7 @@ void TMLTDocumentViewController::finishSave(const Content &content, const QStrin
     if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;
     updateBacklinks(m_path, m_referencedDocuments);
     const bool isPage = m_kind == DocumentViewKind::Formatted;
-    if (previousPath != m_path || isPage) postMove(previousPath, m_path);
+    if (previousPath != m_path || isPage) postSilentMove(previousPath, m_path);
     else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
     static const QString code = QStringLiteral("(?s)<code>.*?</code>");
     updateEmbeddedContexts(m_path, isPage ? tm_htmlToPlainQuick(regexSweep(content.text, code, {})) : content.text,
@@ -240,92 +210,6 @@ void TMLTDocumentViewController::saveAsNewDocument(const Content &content)
     notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), path);
     if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(path, context);
     finishSave(content, path);
-}
-
-// -- the title --------------------------------------------------------------------------------------------------------
-
-// True when the save ends here: the document was renamed and written, or emptied and deleted, or must wait.
-bool TMLTDocumentViewController::followTitle(const Content &content)
-{
-    if (!m_titleIsFirstLineOfText || nameFitsTitle(nameWithoutExtension(m_path), content.visibleText)) return false;
-    if (!setForeignVersionAside()) return true;
-    const QString title = tm_firstLineOfText(content.visibleText);
-    if (title.isEmpty()) {
-        deleteEmptiedDocument();
-        return true;
-    }
-    const QString previousPath = m_path;
-    if (!moveToTitle(title)) return false;
-    m_md5OfFile.clear(); // the move may have rewritten the document's own links
-    tm_addToRecentItems(m_path);
-    m_view.addToBackList(m_path);
-    if (writeContent(content)) finishSave(content, previousPath);
-    else postMove(previousPath, m_path);
-    return true;
-}
-
-bool TMLTDocumentViewController::moveToTitle(const QString &title)
-{
-    const QString name = fileNameFor(tm_escapeIllegalCharacters(title), m_path);
-    const QString present = lastPathComponent(m_path);
-    QString target = joinPath(m_parentPath, name);
-    if (name != present && name.compare(present, Qt::CaseInsensitive) == 0) {
-        logLine(QStringLiteral("just changing case, so rename"));
-        const QString between = joinPath(m_parentPath, QStringLiteral("._") + name);
-        if (!tm_moveItemToPath(m_path, between)) return false;
-        if (!tm_moveItemToPath(between, target)) {
-            m_path = tm_moveItemToPath(between, m_path) ? m_path : between;
-            return false;
-        }
-    } else {
-        target = tm_uniqueNameForFileatPath(name, m_parentPath);
-        if (!tm_moveItemToPath(m_path, target)) return false;
-    }
-    m_path = target;
-    return true;
-}
-
-// Into the trash, where there is one: a text that was cut out to be pasted back should not cost the properties.
-void TMLTDocumentViewController::deleteEmptiedDocument()
-{
-    const QString path = m_path;
-    const QString properties = tm_plistPath(path);
-    const bool taken = platform().trash->take(path).has_value();
-    if (!taken && !tm_deleteItemAtPath(path))
-        return tellFailure(localized(TOMELET_TEXT("%1 could not be deleted.")).arg(lastPathComponent(path)));
-    if (taken && itemExists(properties)) (void)platform().trash->take(properties);
-    m_path.clear();
-    m_isNew = true;
-    m_fileExtensionForNewDoc = pathExtension(path);
-    m_md5OfFile.clear();
-    m_shownText.clear();
-    m_md5hash = md5OfText({}, m_form);
-    m_isEdited = m_forcedSave = false;
-    m_view.setEdited(false);
-    notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), path);
-}
-
-bool TMLTDocumentViewController::tm_renameToFirstLineOfText()
-{
-    if (m_path.isEmpty()) return false;
-    writeTextToFile();
-    if (m_path.isEmpty() || m_isEdited) return false;
-    const bool isPage = m_kind == DocumentViewKind::Formatted;
-    const QString title = tm_firstLineOfText(isPage ? m_view.innerText() : m_view.text());
-    if (title.isEmpty() || tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), title)) return false;
-    const QString name = fileNameFor(tm_escapeIllegalCharacters(title), m_path);
-    const bool caseAlone = name.compare(lastPathComponent(m_path), Qt::CaseInsensitive) == 0;
-    if (!caseAlone && itemExists(joinPath(m_parentPath, name))) {
-        m_view.showAlert(localized(TOMELET_TEXT("Cannot Rename to First Line of Text")),
-                         localized(TOMELET_TEXT("The title \"%1\" is already taken.")).arg(title));
-        return false;
-    }
-    const QString previousPath = m_path;
-    if (!moveToTitle(title)) return false;
-    m_titleIsFirstLineOfText = true;
-    noteFile();
-    postMove(previousPath, m_path);
-    return true;
 }
 
 } // namespace tomelet

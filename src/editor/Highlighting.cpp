@@ -41,9 +41,9 @@ QString patternOf(const HighlightRow &row, const HighlightOptions &options)
 {
     if (!row.pattern.contains(u"%1")) return row.pattern;
     const bool isContext = row.condition == HighlightCondition::Contexts;
+    const QString &given = isContext ? options.contextMarkers : options.markTaskWithCharacter;
     QString pattern = row.pattern;
-    return pattern.replace(QLatin1StringView("%1"), tm_stringByEscapingWildcards(
-                                                        isContext ? options.contextMarkers : options.markTaskWithCharacter));
+    return pattern.replace(QLatin1StringView("%1"), tm_stringByEscapingWildcards(given));
 }
 
 // What stands at the start of a text is not looked for at the start of a line of it.

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The editor's commands and its highlighting as operations on texts.
+#include "cli/Items.h"
 #include "cli/op/Registry.h"
 
+#include "editor/DocumentForms.h"
 #include "editor/EditorCommands.h"
 #include "editor/Highlighting.h"
 
@@ -88,6 +90,11 @@ void addEditorOperations(Registry &add)
     add.text("editor_apply", "text, selection, command, first, second",
              [](const QString &text, const QVariant &selection, const QString &command, const QVariant &first,
                 const QVariant &second) { return editorApply(text, selection, command, {first, second}); });
+    add.text("tm_generatorIsTomelet", "page", tm_generatorIsTomelet);
+    add.text("tm_writeToFile", "text, path, atomically, encoding",
+             [](const QString &text, const QString &path, bool atomically, TextEncoding encoding) {
+                 return tm_writeToFile(text, itemPath(path), atomically, encoding);
+             });
     add.text("tm_highlightString", "text",
              [](const QString &text) { return highlightsOf(text, QStringLiteral("md")); });
     add.text("tm_highlightString", "text, extension",
