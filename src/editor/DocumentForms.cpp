@@ -51,7 +51,10 @@ QByteArray bytesOfText(const QString &text, TextForm &form)
 // Every write is atomic here; whoever does not need it loses nothing by it.
 bool tm_writeToFile(const QString &text, const QString &path, bool, TextEncoding encoding)
 {
-    const auto bytes = encodeText(text, encoding);
+    const QByteArray mark = encoding == TextEncoding::Utf16   ? QByteArray("\xff\xfe")
+                            : encoding == TextEncoding::Utf32 ? QByteArray("\xff\xfe\0\0", 4)
+                                                              : QByteArray();
+    const auto bytes = encodeText(text, encoding, mark);
     return bytes && writeFile(path, *bytes);
 }
 
