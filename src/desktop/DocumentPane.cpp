@@ -135,6 +135,7 @@ DocumentPane::DocumentPane(QWidget *parent)
     : QWidget(parent)
     , m_title(new QLabel)
     , m_place(new QLabel)
+    , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
     , m_stack(new QStackedWidget)
     , m_view(new QWebEngineView)
@@ -165,6 +166,14 @@ void DocumentPane::makeLayout()
     m_empty->setAlignment(Qt::AlignCenter);
     m_empty->setForegroundRole(QPalette::PlaceholderText);
 
+    m_notice->setWordWrap(true);
+    m_notice->setMargin(10);
+    m_notice->setAutoFillBackground(true);
+    m_notice->setBackgroundRole(QPalette::ToolTipBase);
+    m_notice->setForegroundRole(QPalette::ToolTipText);
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->hide();
+
     auto *header = new QVBoxLayout;
     header->setContentsMargins(20, 10, 20, 6);
     header->setSpacing(0);
@@ -177,6 +186,7 @@ void DocumentPane::makeLayout()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(header);
+    layout->addWidget(m_notice);
     layout->addWidget(m_stack, 1);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
@@ -202,6 +212,7 @@ void DocumentPane::updateTitle()
 
 void DocumentPane::bring(QWidget *shown)
 {
+    m_notice->hide();
     m_stack->setCurrentWidget(shown);
     setFocusProxy(shown == m_empty ? m_view : shown);
 }
@@ -388,6 +399,12 @@ void DocumentPane::showAlert(const QString &title, const QString &text)
     box->open();
 }
 
+void DocumentPane::showNotice(const QString &title, const QString &text)
+{
+    m_notice->setText(title + u'\n' + text);
+    m_notice->show();
+}
+
 void DocumentPane::unlock()
 {
     tm_removePropertyForKey(path(), QStringLiteral("R/O"));
@@ -403,6 +420,7 @@ void DocumentPane::tm_showUnlockAlert()
                                 QMessageBox::Cancel, this);
     QPushButton *open = box->addButton(localized(TOMELET_TEXT("Unlock")), QMessageBox::AcceptRole);
     connect(open, &QPushButton::clicked, this, &DocumentPane::unlock);
+    box->setDefaultButton(QMessageBox::Cancel); // the next key of somebody who is typing decides nothing
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

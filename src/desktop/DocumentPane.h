@@ -86,12 +86,14 @@ private:
     [[nodiscard]] bool isKeyWindow() const override;
     void tm_showUnlockAlert() override;
     void showAlert(const QString &title, const QString &text) override;
+    void showNotice(const QString &title, const QString &text) override;
     [[nodiscard]] bool isMainWindow() const override { return true; }
     void addToBackList(const QString &path) override;
     [[nodiscard]] QString contextOfList() const override { return {}; }
 
     QLabel *m_title;
     QLabel *m_place;
+    QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
     QStackedWidget *m_stack;
     QWebEngineView *m_view;

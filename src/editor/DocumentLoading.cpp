@@ -155,8 +155,8 @@ void TMLTDocumentViewController::loadPlainText()
     if (const auto bytes = readFile(m_path)) return showReadText(*bytes);
     m_form.encoding = TextEncoding::Ascii;
     m_view.showPlainText({}, false);
-    m_view.showAlert(localized(TOMELET_TEXT("The document cannot be read")),
-                     localized(TOMELET_TEXT("%1 is left as it is.")).arg(m_path));
+    m_view.showNotice(localized(TOMELET_TEXT("The document cannot be read")),
+                      localized(TOMELET_TEXT("%1 is left as it is.")).arg(m_path));
 }
 
 void TMLTDocumentViewController::showReadText(const QByteArray &bytes)
@@ -170,9 +170,9 @@ void TMLTDocumentViewController::showReadText(const QByteArray &bytes)
     m_embeddedContexts = contextsEmbeddedIn(m_path, m_shownText);
     m_view.showPlainText(m_shownText, m_isEditable && !isReadOnlyDocument(m_path));
     if (!m_isEditable)
-        m_view.showAlert(localized(TOMELET_TEXT("This is no plain text")),
-                         localized(TOMELET_TEXT("%1 holds bytes that no text has. It is shown, but cannot be edited."))
-                             .arg(lastPathComponent(m_path)));
+        m_view.showNotice(localized(TOMELET_TEXT("This is no plain text")),
+                          localized(TOMELET_TEXT("%1 holds bytes that no text has. It is shown, but cannot be edited."))
+                              .arg(lastPathComponent(m_path)));
 }
 
 // -- pages ------------------------------------------------------------------------------------------------------------

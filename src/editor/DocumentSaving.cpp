@@ -139,8 +139,8 @@ bool TMLTDocumentViewController::setForeignVersionAside()
     }
     m_md5OfFile = md5OfBytes(*bytes);
     notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), aside);
-    m_view.showAlert(localized(TOMELET_TEXT("The document was changed elsewhere")),
-                     localized(TOMELET_TEXT("The other version was kept as \"%1\".")).arg(lastPathComponent(aside)));
+    m_view.showNotice(localized(TOMELET_TEXT("The document was changed elsewhere")),
+                      localized(TOMELET_TEXT("The other version was kept as \"%1\".")).arg(lastPathComponent(aside)));
     return true;
 }
 

@@ -60,8 +60,10 @@ public:
     virtual void beginEditing() = 0;
     [[nodiscard]] virtual bool isKeyWindow() const = 0;
     virtual void tm_showUnlockAlert() = 0;
-    /// Tells something, without keeping the person from typing on.
+    /// Tells that something which was asked for could not be done.
     virtual void showAlert(const QString &title, const QString &text) = 0;
+    /// Tells something about the document on display, without getting into the person's way.
+    virtual void showNotice(const QString &title, const QString &text) = 0;
 
     // -- the window around it
     [[nodiscard]] virtual bool isMainWindow() const = 0;

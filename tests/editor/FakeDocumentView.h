@@ -60,6 +60,7 @@ public:
     bool isKeyWindow() const override { return isKey; }
     void tm_showUnlockAlert() override { ++unlockAlerts; }
     void showAlert(const QString &title, const QString &) override { alerts += title; }
+    void showNotice(const QString &title, const QString &) override { alerts += title; }
     bool isMainWindow() const override { return true; }
     void addToBackList(const QString &path) override { backList += path; }
     QString contextOfList() const override { return context; }
