@@ -7,8 +7,9 @@
 namespace tomelet {
 
 /// The edited text, which a widget gives with LF alone, with the line ends that its lines had in the text before the
-/// edits. Lines that were changed or added end as most of the text before does. A text that has other line ends in it
-/// comes from no such widget and is given back as it is.
+/// edits. A line that was changed keeps its end while no lines came or went; otherwise changed and added lines end as
+/// most of the text before does. A text that has other line ends in it comes from no such widget and is given back as
+/// it is.
 [[nodiscard]] QString withLineEndsOf(const QString &before, const QString &edited);
 
 } // namespace tomelet

@@ -58,7 +58,7 @@ TEST_F(DocumentController, typingIsSavedWhenItPauses)
     EXPECT_EQ(read(QStringLiteral("/Note.txt")), QByteArray("other title\r\nb\nc\r\n"));
     pause();
     EXPECT_FALSE(view.edited);
-    EXPECT_EQ(read(QStringLiteral("/Note.txt")), QByteArray("other title\r\nb!\r\nc\r\n"));
+    EXPECT_EQ(read(QStringLiteral("/Note.txt")), QByteArray("other title\r\nb!\nc\r\n"));
 
     settings().setObject(QStringLiteral("noAutosaveText"), true);
     type(QStringLiteral("later\n"));

@@ -20,6 +20,8 @@ TEST(LineEnds, linesKeepTheirsWhileOthersChange)
         {u"a\r\nb\nc\r\n", u"a\nx\nb\nc\n", u"a\r\nx\r\nb\nc\r\n"},
         {u"a\r\nb\nc\r\n", u"b\nc\n", u"b\nc\r\n"},
         {u"a\r\nb\r\nc", u"a\nb\nc\nd", u"a\r\nb\r\nc\r\nd"},
+        {u"a\r\nb\nc\r\nd\ne\r\n", u"A\nb\nc\nd\nE\n", u"A\r\nb\nc\r\nd\nE\r\n"},
+        {u"a\r\nb\nc\r\nd\ne\r\n", u"A\nx\nb\nc\nd\nE\n", u"A\r\nx\r\nb\nc\r\nd\nE\r\n"},
         {u"a\rb\r", u"a\nb\n\n", u"a\rb\r\r"},
         {u"a\r\nb", u"", u""},
         {u"a\r\nb", u"a\rx", u"a\rx"},
