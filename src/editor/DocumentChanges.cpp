@@ -148,6 +148,9 @@ void TMLTDocumentViewController::documentMoved(const QString &originalPath, cons
 {
     if (m_path.isEmpty() || originalPath.isEmpty() || originalPath == newPath) return;
     if (m_path != originalPath && !isBelow(m_path, originalPath)) return;
+    // Who gives the document a name of their own does not want the first line's back with the next save.
+    if (m_path == originalPath && nameWithoutExtension(newPath) != nameWithoutExtension(originalPath))
+        m_titleIsFirstLineOfText = false;
     m_path = newPath + m_path.mid(originalPath.size());
     m_parentPath = tomelet::parentPath(m_path);
     if (silentReload) return;

@@ -229,6 +229,17 @@ TEST_F(DocumentController, movedDocumentsAreFollowed)
     EXPECT_EQ(controller.path(), at(QStringLiteral("/Moved/a.txt")));
 }
 
+TEST_F(DocumentController, aNameOfOnesOwnStays)
+{
+    const QString path = document(QStringLiteral("/Title.txt"), "Title\n");
+    controller.openDocument(path);
+    type(QStringLiteral("Title\nmore\n"));
+    ASSERT_TRUE(tm_moveItemToPath(path, at(QStringLiteral("/Mine.txt"))));
+    controller.documentMoved(path, at(QStringLiteral("/Mine.txt")), false);
+    pause();
+    EXPECT_EQ(read(QStringLiteral("/Mine.txt")), QByteArray("Title\nmore\n"));
+}
+
 TEST_F(DocumentController, styleComesWithoutAReload)
 {
     const QString path = document(QStringLiteral("/Book/a.md"), "text\n");
