@@ -68,6 +68,7 @@ const Registry &registry()
         addLibraryOperations(made);
         addPageOperations(made);
         addOrganisingOperations(made);
+        addEditorOperations(made);
         return made;
     }();
     return all;
