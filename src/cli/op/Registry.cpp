@@ -68,6 +68,7 @@ const Registry &registry()
         addLibraryOperations(made);
         addPageOperations(made);
         addOrganisingOperations(made);
+        addTaskOperations(made);
         return made;
     }();
     return all;

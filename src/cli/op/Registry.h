@@ -140,5 +140,6 @@ void addConversionOperations(Registry &registry);
 void addLibraryOperations(Registry &registry);
 void addPageOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
+void addTaskOperations(Registry &registry);
 
 } // namespace tomelet::cli
