@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A year of tasks, day by day, in three time zones with summer time: tasks with random states, dates and repeats are
+// A year of tasks, every few days, in three time zones with summer time: tasks with random states, dates and repeats are
 // changed at random, and after every step counters, due list and reminders equal what a plain model of them says.
 // The model knows no code of ours: repeats are stepped by ICU's calendar, counts are counted.
 #include "tests/organising/Tasklist.h"
@@ -20,8 +20,8 @@ using tomelet::test::Tasklist;
 
 namespace {
 
-constexpr int bookCount = 4;
-constexpr int tasksOfBook = 80;
+constexpr int bookCount = 3;
+constexpr int tasksOfBook = 20;
 constexpr int changesOfDay = 3;
 
 struct ModelTask
@@ -116,7 +116,7 @@ protected:
     void toggle(const QString &path, ModelTask &task);
     void repeat(ModelTask &task, const QString &book);
     QDateTime anyDate();
-    void compareCounters(const char *after);
+    void compareCounters(const QString &book, const char *after);
     void compareRest();
 
     OracleCalendar m_calendar;
@@ -164,12 +164,12 @@ void TaskYear::change()
     const QString book = path.section(u'/', 0, -2);
     ModelTask &task = m_model[path];
     const int kind = random(10);
-    if (kind < 5) {
+    if (kind < 6) {
         const bool wasNoTask = task.state == u"no_task";
         toggle(path, task);
         // Toggling what is no task leaves a counter wrong, on purpose, until the store is recounted.
         if (wasNoTask) tm_taskPlistChangedAtPath(taskStorePath(book));
-        compareCounters("a toggle");
+        compareCounters(book, "a toggle");
         drainPendingWork();
         if (task.state == u"done" && !task.type.isEmpty()) repeat(task, book);
     } else if (kind < 8) {
@@ -177,7 +177,7 @@ void TaskYear::change()
         tm_setDueDate(path, due);
         task.hasRecord = true;
         task.due = due;
-        if (kind == 7) {
+        if (random(3) > 0) {
             task.type = random(2) ? QStringLiteral("when due") : QStringLiteral("when done");
             task.unit = QString::fromLatin1(units[random(5)]);
             task.factor = 1 + random(3);
@@ -190,23 +190,20 @@ void TaskYear::change()
         tm_toggleItemIsTask(path);
         task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"), {}, {}, {}, 0};
     }
-    compareCounters("a change");
+    compareCounters(book, "a change");
 }
 
-void TaskYear::compareCounters(const char *after)
+void TaskYear::compareCounters(const QString &book, const char *after)
 {
-    for (int index = 0; index < bookCount; ++index) {
-        const QString book = at(QStringLiteral("/B%1").arg(index));
-        qlonglong done = m_doneCopies[book], due = 0;
-        for (const auto &[path, task] : m_model) {
-            if (!path.startsWith(QString(book + u'/'))) continue;
-            if (settled(task)) ++done;
-            else if (task.due.isValid() && task.due < now()) ++due;
-        }
-        const TaskStore store(book);
-        ASSERT_EQ(store.doneCount(), done) << "after " << after << " in book " << index;
-        ASSERT_EQ(store.dueCount(), due) << "after " << after << " in book " << index;
+    qlonglong done = m_doneCopies[book], due = 0;
+    for (const auto &[path, task] : m_model) {
+        if (!path.startsWith(QString(book + u'/'))) continue;
+        if (settled(task)) ++done;
+        else if (task.due.isValid() && task.due < now()) ++due;
     }
+    const TaskStore store(book);
+    ASSERT_EQ(store.doneCount(), done) << "after " << after;
+    ASSERT_EQ(store.dueCount(), due) << "after " << after;
 }
 
 void TaskYear::compareRest()
@@ -240,17 +237,20 @@ void TaskYear::compareRest()
 TEST_P(TaskYear, everyStepEqualsAPlainRecount)
 {
     const QDateTime start = utc(QStringLiteral("2027-01-01T11:00:00Z"));
-    for (int day = 0; day < 365 && !HasFatalFailure(); ++day) {
+    for (int day = 0; day < 365 && !HasFatalFailure(); day += 1 + random(3)) {
         platform().clock.fix(start.addDays(day).addSecs(3600 * random(12)));
-        for (int book = 0; book < bookCount; ++book) tm_correctTaskCountAtPath(at(QStringLiteral("/B%1").arg(book)));
-        compareCounters("the night");
+        for (int index = 0; index < bookCount; ++index) {
+            const QString book = at(QStringLiteral("/B%1").arg(index));
+            tm_correctTaskCountAtPath(book);
+            compareCounters(book, "the night");
+        }
         for (int i = 0; i < changesOfDay && !HasFatalFailure(); ++i) change();
         drainPendingWork();
         compareRest();
     }
     int copies = 0;
     for (const auto &[book, count] : m_doneCopies) copies += count;
-    EXPECT_GT(copies, 20) << "the year was too quiet to tell anything";
+    EXPECT_GT(copies, 30) << "the year was too quiet to tell anything";
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, TaskYear,
