@@ -64,7 +64,7 @@ public:
     {
         updateListOfTasklistRemoving(removed, added);
     }
-    void verifyTasklists() override { updateListOfTasklistsQuick(); }
+    void verifyTasklists() override { booksChanged(); }
     // The collection reads every tasklist, so the window or the first line of output goes first.
     void gatherTasklists() override
     {

@@ -90,7 +90,7 @@ void makeTasklist(const QString &book, const QString &document)
     }
     if (tm_bookIsTasklist(book)) return;
     writeStore(taskStorePath(book), QVariantMap());
-    updateListOfTasklistRemoving({}, book);
+    tasklistChanged({}, book);
 }
 
 QString targetBook(const QString &path, int mode, bool inNewBook)
@@ -248,7 +248,7 @@ QStringList extractTasks(const QString &text, const QString &path, int mode, qlo
     if (!extraction.made.isEmpty())
         rebuildRemindersSoon();
     else if (inNewBook && holdsOnlyStores(book) && tm_deleteItemAtPath(book))
-        updateListOfTasklistRemoving(book, {});
+        tasklistChanged(book, {});
     return extraction.made;
 }
 

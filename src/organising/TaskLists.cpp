@@ -21,14 +21,21 @@ namespace tomelet {
 namespace {
 
 const QString listKey = QStringLiteral("allTaskLists");
+const QString rootOfListKey = QStringLiteral("allTaskListsRoot");
 const QString flagKey = QStringLiteral("rebuildingAllTasklistsFlag");
 const QString dateKey = QStringLiteral("tasklistCollectDate");
 
-// The root whose folders this process has walked: an absent list then means that there are no tasklists.
-QString &walkedRoot()
+// What the last walk of this process found, for readers without a stored list: reading stores nothing.
+struct LastWalk
 {
-    static QString root;
-    return root;
+    QString root;
+    QStringList tasklists;
+};
+
+LastWalk &lastWalk()
+{
+    static LastWalk walk;
+    return walk;
 }
 
 void storeList(const QString &key, const QStringList &list)
@@ -78,8 +85,21 @@ Walk walkBooks(const QString &root)
 {
     Walk found;
     walkBook(root, root, found);
-    walkedRoot() = root;
+    lastWalk() = {root, found.tasklists};
     return found;
+}
+
+// The list with the root that it speaks of: a call on another notebook is not to take it for its own.
+void storeTasklists(const QStringList &list, const QString &root)
+{
+    storeList(listKey, list);
+    settings().setObject(rootOfListKey, list.isEmpty() ? QVariant() : QVariant(root));
+}
+
+bool listIsStoredFor(const QString &root)
+{
+    const QString owner = settings().string(rootOfListKey);
+    return settings().contains(listKey) && (owner.isEmpty() || owner == root);
 }
 
 } // namespace
@@ -91,16 +111,29 @@ QStringList tm_listOfTasklists(const QString &root)
 {
     if (rootLooksUnmounted()) return {};
     const QStringList list = walkBooks(root).tasklists;
-    storeList(listKey, list);
+    storeTasklists(list, root);
     return list;
 }
 
 QStringList knownTasklists()
 {
     const QString root = tomeletRoot();
-    const bool absent = !settings().contains(listKey) && walkedRoot() != root;
-    if (settings().boolean(flagKey) || absent) return tm_listOfTasklists(root);
-    return settings().stringList(listKey);
+    if (settings().boolean(flagKey)) return tm_listOfTasklists(root);
+    if (listIsStoredFor(root)) return settings().stringList(listKey);
+    if (lastWalk().root == root) return lastWalk().tasklists;
+    return rootLooksUnmounted() ? QStringList() : walkBooks(root).tasklists;
+}
+
+void tasklistChanged(const QString &removing, const QString &adding)
+{
+    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistRemoving(removing, adding);
+    else lastWalk() = {};
+}
+
+void booksChanged()
+{
+    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistsQuick();
+    else lastWalk() = {};
 }
 
 void updateListOfTasklistsQuick()
@@ -137,7 +170,7 @@ void updateListOfTasklists()
     settings().setObject(flagKey, true);
     const Walk found = walkBooks(root);
     hideOrShowImages(found.books);
-    storeList(listKey, found.tasklists);
+    storeTasklists(found.tasklists, root);
     storeList(QStringLiteral("booksList"), visibleBooks(found.books, root));
     settings().remove(flagKey);
     for (const QString &book : found.tasklists)
@@ -161,13 +194,14 @@ void updateListOfTasklistRemoving(const QString &removing, const QString &adding
     };
     const QString gone = normalized(removing);
     const QString come = normalized(adding);
-    const QStringList before = knownTasklists();
+    const QStringList before = listIsStoredFor(root) ? settings().stringList(listKey) : QStringList();
     QStringList list = before;
     list.removeIf([&](const QString &entry) {
         return localizedCompare(entry, gone) == 0 || localizedCompare(entry, come) == 0;
     });
     if (!come.isEmpty()) list.append(come);
-    if (list != before) storeList(listKey, list);
+    if (list != before) storeTasklists(list, root);
+    lastWalk() = {};
 }
 
 // -- counters

@@ -16,9 +16,13 @@ namespace tomelet {
 /// Walks the folders below the root and stores the list. Links are not followed; what lies in a trash is left
 /// out.
 QStringList tm_listOfTasklists(const QString &root);
-/// The list for readers: as stored; walked for while a collection runs, and once in a process that has never
-/// collected.
+/// The list for readers: as stored; walked for while a collection runs, and once, without storing it, where none
+/// is stored for this root.
 [[nodiscard]] QStringList knownTasklists();
+/// This program made a tasklist of a book (second path), or an ordinary book of a tasklist (first path).
+void tasklistChanged(const QString &removing, const QString &adding);
+/// Books came, went or moved.
+void booksChanged();
 /// The thorough collection: all tasklists and all books (the setting `booksList`), every store recounted, new
 /// contexts collected. Does nothing within 2 seconds of the last one.
 void updateListOfTasklists();

@@ -188,7 +188,7 @@ void tm_toggleItemIsTask(const QString &path)
         record.insert(taskField::state, textOfTaskState(TaskState::NoTask));
     store.setRecord(key.isNull() ? name : key, record);
     if (!store.save()) return;
-    if (isNew) updateListOfTasklistRemoving({}, book);
+    if (isNew) tasklistChanged({}, book);
     tm_correctTaskCountAtPath(book);
     announceTask(path);
     announceFile(store.path());
@@ -234,7 +234,7 @@ void tm_toggleTasklistKeepingDetails(const QString &book, bool keep)
     announceFile(active);
     announceFile(inactive);
     const bool isTasklist = itemExists(active);
-    updateListOfTasklistRemoving(isTasklist ? QString() : book, isTasklist ? book : QString());
+    tasklistChanged(isTasklist ? QString() : book, isTasklist ? book : QString());
     rebuildRemindersSoon();
 }
 
