@@ -56,10 +56,6 @@ private:
     std::vector<NotificationCenter::Subscription> m_subscriptions;
 };
 
-} // namespace
-
-namespace {
-
 // There is no window here: whatever program of the desktop takes our addresses shows the item.
 void openInDesktop(const QVariantMap &payload)
 {
@@ -73,10 +69,13 @@ void openInDesktop(const QVariantMap &payload)
 int runWatch(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Follows the notebook; prints each change as a line and delivers reminders."));
+    parser.setApplicationDescription(
+        QStringLiteral("Follows the notebook; prints each change as a line and delivers reminders."));
     if (const auto status = parse(call, parser)) return *status;
     if (const auto status = openNotebook(call)) return *status;
 
+    // Before the first thread: one that takes the signals would end the program on the spot.
+    QuitOnSignals::hold();
     releaseWarnings();
     OutlineView nobodyLooks;
     TMLTOutlineController controller(nobodyLooks);
