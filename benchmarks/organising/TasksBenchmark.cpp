@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// 500 tasklists with 20,000 tasks in a notebook of 100,000 documents: the due list, its counts, a rebuild of all
-// reminders, a recount of everything and the walk for all tasklists; beside them, as a peer, reading and parsing the same
-// stores alone.
+// 500 tasklists with 20,000 tasks in a notebook of 100,000 documents: the due list, its counts, a rebuild of
+// all reminders, a recount of everything and the walk for all tasklists; beside them, as a peer, reading and
+// parsing the same stores alone.
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyList.h"
@@ -30,14 +30,18 @@ constexpr int documentsOfBook = 50;
 constexpr int tasklists = 500;
 constexpr int tasksOfList = 40;
 
-// One task of ten is overdue, four have a date to come, one of these comes again; the others are open or done.
+// One task of ten is overdue, four have a date to come, one of these comes again; the others are open or
+// done.
 TaskRecord recordOf(int number, const QDateTime &now)
 {
     TaskRecord record{{taskField::changed, now.addDays(-number % 300)}};
     const int kind = number % 10;
-    if (kind == 0) record.insert(taskField::dueDate, now.addDays(-1 - number % 50));
-    else if (kind < 5) record.insert(taskField::dueDate, now.addSecs(3600 + number * 613));
-    else if (kind < 8) record.insert(taskField::state, QStringLiteral("done"));
+    if (kind == 0)
+        record.insert(taskField::dueDate, now.addDays(-1 - number % 50));
+    else if (kind < 5)
+        record.insert(taskField::dueDate, now.addSecs(3600 + number * 613));
+    else if (kind < 8)
+        record.insert(taskField::state, QStringLiteral("done"));
     if (kind != 1) return record;
     record.insert(taskField::repeatType, QStringLiteral("when due"));
     record.insert(taskField::repeatUnit, QStringLiteral("week"));
@@ -58,7 +62,8 @@ public:
         setPlatform(std::move(made));
         makeFolder(m_folder.filePath(QStringLiteral("root")));
         installNotebookOrganiser();
-        for (int book = 0; book < books; ++book) fill(book);
+        for (int book = 0; book < books; ++book)
+            fill(book);
         updateListOfTasklistsQuick();
         tm_repostAllNotifications();
     }
@@ -107,20 +112,23 @@ void dueList(benchmark::State &state)
 {
     prepare();
     qsizetype rows = 0;
-    for (auto _ : state) rows = tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false).size();
+    for (auto _ : state)
+        rows = tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false).size();
     state.counters["rows"] = double(rows);
 }
 
 void dueCounts(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state) benchmark::DoNotOptimize(countDueTasks(tomeletRoot()));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(countDueTasks(tomeletRoot()));
 }
 
 void rebuildReminders(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state) tm_repostAllNotifications();
+    for (auto _ : state)
+        tm_repostAllNotifications();
     state.counters["reminders"] = double(scheduledReminders().size());
 }
 
@@ -128,13 +136,15 @@ void recountAll(benchmark::State &state)
 {
     prepare();
     for (auto _ : state)
-        for (const QString &list : knownTasklists()) tm_correctTaskCountAtPath(tomeletRoot() + list);
+        for (const QString &list : knownTasklists())
+            tm_correctTaskCountAtPath(tomeletRoot() + list);
 }
 
 void walkForTasklists(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state) updateListOfTasklistsQuick();
+    for (auto _ : state)
+        updateListOfTasklistsQuick();
 }
 
 } // namespace

@@ -57,7 +57,8 @@ void ReminderStore::save()
 {
     const QVariantMap values{
         {scheduledKey, listOf(scheduled)}, {waitingKey, listOf(waiting)}, {deliveredKey, listOf(delivered)}};
-    if (values == m_saved || !m_lock) return;
+    const bool isEmpty = scheduled.isEmpty() && waiting.isEmpty() && delivered.isEmpty();
+    if (values == m_saved || (isEmpty && m_saved.isEmpty()) || !m_lock) return;
     writeStore(m_path, values);
     m_saved = values;
 }

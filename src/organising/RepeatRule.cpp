@@ -22,15 +22,15 @@ struct Unit
 
 const Unit units[] = {
     {"hour", CalendarUnit::Hour, 32, TOMELET_TEXT("Every Hour"), TOMELET_TEXT("hour"), TOMELET_TEXT("hours"),
-     "EveryPl2"},
+     TOMELET_TEXT("EveryPl2")},
     {"day", CalendarUnit::Day, 16, TOMELET_TEXT("Every Day"), TOMELET_TEXT("day"), TOMELET_TEXT("days"),
-     "EveryPl"},
+     TOMELET_TEXT("EveryPl")},
     {"week", CalendarUnit::Week, 256, TOMELET_TEXT("Every Week"), TOMELET_TEXT("week"), TOMELET_TEXT("weeks"),
-     "EveryPl2"},
+     TOMELET_TEXT("EveryPl2")},
     {"month", CalendarUnit::Month, 8, TOMELET_TEXT("Every Month"), TOMELET_TEXT("month"),
-     TOMELET_TEXT("months"), "EveryPl"},
+     TOMELET_TEXT("months"), TOMELET_TEXT("EveryPl")},
     {"year", CalendarUnit::Year, 4, TOMELET_TEXT("Every Year"), TOMELET_TEXT("year"), TOMELET_TEXT("years"),
-     "EveryPl"},
+     TOMELET_TEXT("EveryPl")},
 };
 
 const Unit *unitOf(const QString &text)
@@ -113,7 +113,7 @@ QString tm_readableRepeatDetailsForDetails(const QStringList &details)
     const QString number = QString::number(factor);
     if (details.first().contains(u"due")) {
         if (factor < 2) return localized(unit ? unit->every : TOMELET_TEXT("Every")) + u' ';
-        return everyMany(unit ? unit->everyMany : "EveryPl") + u' ' + number + u' ' +
+        return everyMany(unit ? unit->everyMany : TOMELET_TEXT("EveryPl")) + u' ' + number + u' ' +
                repeatUnitWord(word, factor);
     }
     const QString ending = u' ' + localized(TOMELET_TEXT("after completion"));

@@ -15,6 +15,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <mutex>
 
 namespace tomelet {
 
@@ -32,10 +33,30 @@ struct LastWalk
     QStringList tasklists;
 };
 
-LastWalk &lastWalk()
+// Rows ask for counts on threads of their own.
+class WalkMemory
 {
-    static LastWalk walk;
-    return walk;
+public:
+    void keep(const LastWalk &walk)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_walk = walk;
+    }
+    [[nodiscard]] LastWalk last()
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_walk;
+    }
+
+private:
+    std::mutex m_mutex;
+    LastWalk m_walk;
+};
+
+WalkMemory &walkMemory()
+{
+    static WalkMemory memory;
+    return memory;
 }
 
 void storeList(const QString &key, const QStringList &list)
@@ -85,7 +106,7 @@ Walk walkBooks(const QString &root)
 {
     Walk found;
     walkBook(root, root, found);
-    lastWalk() = {root, found.tasklists};
+    walkMemory().keep({root, found.tasklists});
     return found;
 }
 
@@ -120,20 +141,26 @@ QStringList knownTasklists()
     const QString root = tomeletRoot();
     if (settings().boolean(flagKey)) return tm_listOfTasklists(root);
     if (listIsStoredFor(root)) return settings().stringList(listKey);
-    if (lastWalk().root == root) return lastWalk().tasklists;
+    if (const LastWalk walk = walkMemory().last(); walk.root == root) return walk.tasklists;
     return rootLooksUnmounted() ? QStringList() : walkBooks(root).tasklists;
 }
 
 void tasklistChanged(const QString &removing, const QString &adding)
 {
-    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistRemoving(removing, adding);
-    else lastWalk() = {};
+    if (listIsStoredFor(tomeletRoot()))
+        updateListOfTasklistRemoving(removing, adding);
+    else
+        walkMemory().keep({});
 }
 
 void booksChanged()
 {
-    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistsQuick();
-    else lastWalk() = {};
+    // Reminders name their items by paths.
+    rebuildRemindersSoon();
+    if (listIsStoredFor(tomeletRoot()))
+        updateListOfTasklistsQuick();
+    else
+        walkMemory().keep({});
 }
 
 void updateListOfTasklistsQuick()
@@ -201,7 +228,7 @@ void updateListOfTasklistRemoving(const QString &removing, const QString &adding
     });
     if (!come.isEmpty()) list.append(come);
     if (list != before) storeTasklists(list, root);
-    lastWalk() = {};
+    walkMemory().keep({});
 }
 
 // -- counters

@@ -154,7 +154,7 @@ QString tm_toggleTaskWithDate(const QString &path, const QDateTime &date)
     } else {
         step = stepFrom(stateOf(record));
         applyStep(store, record, step, overdue);
-        record.insert(taskField::changed, date);
+        record.insert(taskField::changed, date.isValid() ? date : now);
         store.setRecord(key, record);
     }
     if (store.isReadable()) store.save();

@@ -31,7 +31,8 @@ protected:
     QString repeating(const char *due, const char *type, const char *unit, int factor)
     {
         const QString item = task(QStringLiteral("a.md"));
-        tm_setRepeatDetails(item, {QString::fromLatin1(type), QString::fromLatin1(unit), QString::number(factor)});
+        tm_setRepeatDetails(item,
+                            {QString::fromLatin1(type), QString::fromLatin1(unit), QString::number(factor)});
         tm_setDueDate(item, utc(QString::fromLatin1(due)));
         tm_toggleTask(item);
         return item;
@@ -56,9 +57,12 @@ TEST_F(DueDates, stepsByTheCalendar)
         {"Europe/Berlin", "2026-03-28T22:00:00Z", "hour", 12, "2026-03-28T23:00:00Z", "2026-03-29T10:00:00Z"},
         {"Europe/Berlin", "2026-03-28T01:30:00Z", "day", 1, "2026-03-28T02:00:00Z", "2026-03-29T01:00:00Z"},
         {"Europe/Berlin", "2026-10-24T00:30:00Z", "day", 1, "2026-10-24T02:00:00Z", "2026-10-25T00:30:00Z"},
-        {"America/New_York", "2026-10-30T12:00:00Z", "week", 1, "2026-10-31T00:00:00Z", "2026-11-06T13:00:00Z"},
-        {"Australia/Lord_Howe", "2026-10-03T15:45:00Z", "day", 1, "2026-10-03T16:00:00Z", "2026-10-04T15:45:00Z"},
-        {"America/Sao_Paulo", "2018-11-03T03:00:00Z", "day", 1, "2018-11-03T04:00:00Z", "2018-11-04T03:00:00Z"},
+        {"America/New_York", "2026-10-30T12:00:00Z", "week", 1, "2026-10-31T00:00:00Z",
+         "2026-11-06T13:00:00Z"},
+        {"Australia/Lord_Howe", "2026-10-03T15:45:00Z", "day", 1, "2026-10-03T16:00:00Z",
+         "2026-10-04T15:45:00Z"},
+        {"America/Sao_Paulo", "2018-11-03T03:00:00Z", "day", 1, "2018-11-03T04:00:00Z",
+         "2018-11-04T03:00:00Z"},
         // Missed ones are skipped, one on the very moment as well; one that is early still moves on.
         {"Europe/Berlin", "2026-11-01T09:00:00Z", "day", 3, "2026-11-10T09:00:00Z", "2026-11-13T09:00:00Z"},
         {"Europe/Berlin", "2026-11-30T09:00:00Z", "week", 2, "2026-11-10T09:00:00Z", "2026-12-14T09:00:00Z"},
@@ -70,7 +74,8 @@ TEST_F(DueDates, stepsByTheCalendar)
         setZone(row.zone);
         const auto parsed = repeatRuleOf(rule("when due", row.unit, QString::number(row.factor)));
         ASSERT_TRUE(parsed);
-        const QDateTime next = nextOccurrence(utc(QString::fromLatin1(row.from)), *parsed, utc(QString::fromLatin1(row.now)));
+        const QDateTime next =
+            nextOccurrence(utc(QString::fromLatin1(row.from)), *parsed, utc(QString::fromLatin1(row.now)));
         EXPECT_EQ(next.isValid() ? next.toString(Qt::ISODate) : QString(), QLatin1StringView(row.wanted))
             << row.from << ' ' << row.unit;
     }
@@ -82,10 +87,11 @@ TEST_F(DueDates, stepsByTheCalendar)
 
 TEST_F(DueDates, rulesThatCannotBeFollowed)
 {
-    for (const TaskRecord &bad : {rule("when due", "day", QStringLiteral("0")), rule("when due", "day", QStringLiteral("-1")),
-                                  rule("when due", "day", QStringLiteral("x")), rule("when due", "fortnight", QStringLiteral("1")),
-                                  rule("always", "day", QStringLiteral("1")), rule("when due", "year", QStringLiteral("99999999999")),
-                                  rule("when due", "day", QVariant(QVariantList{1})), TaskRecord()})
+    for (const TaskRecord &bad :
+         {rule("when due", "day", QStringLiteral("0")), rule("when due", "day", QStringLiteral("-1")),
+          rule("when due", "day", QStringLiteral("x")), rule("when due", "fortnight", QStringLiteral("1")),
+          rule("always", "day", QStringLiteral("1")), rule("when due", "year", QStringLiteral("99999999999")),
+          rule("when due", "day", QVariant(QVariantList{1})), TaskRecord()})
         EXPECT_FALSE(repeatRuleOf(bad));
     EXPECT_EQ(repeatRuleOf(rule("when done", "day", qlonglong(2)))->factor, 2);
     const QString item = repeating("2026-11-01T09:00:00Z", "when due", "day", 0);
@@ -113,9 +119,10 @@ TEST_F(DueDates, doneTaskComesAgainAndLeavesADatedCopy)
         if (key.startsWith(u"a - ")) copyName = key;
     EXPECT_TRUE(copyName.startsWith(u"a - Nov 21, 2026, 12.00")) << copyName.toStdString();
     const QString copy = at(QStringLiteral("/List/") + copyName);
-    EXPECT_EQ(*tm_getAllTaskDetails(copy), TaskRecord({{taskField::state, QStringLiteral("done")},
-                                                       {taskField::dueDate, utc(QStringLiteral("2026-11-18T08:00:00Z"))},
-                                                       {taskField::changed, now()}}));
+    EXPECT_EQ(*tm_getAllTaskDetails(copy),
+              TaskRecord({{taskField::state, QStringLiteral("done")},
+                          {taskField::dueDate, utc(QStringLiteral("2026-11-18T08:00:00Z"))},
+                          {taskField::changed, now()}}));
     EXPECT_EQ(tm_propertyForKey(copy, QStringLiteral("cellColor")), QStringLiteral("red"));
     EXPECT_EQ(tm_repeatDetails(item)->join(u' '), u"when due day 1");
 }
@@ -128,13 +135,15 @@ TEST_F(DueDates, whenDoneCountsFromTheDayOfFinishing)
     EXPECT_EQ(tm_dueDateForTask(item), utc(QStringLiteral("2026-11-28T08:00:00Z")));
     for (const QString &key : store().keys()) {
         if (!key.startsWith(u"a - ")) continue;
-        EXPECT_EQ(dateField(store().value(key).toMap(), taskField::dueDate), utc(QStringLiteral("2026-11-21T08:00:00Z")));
+        EXPECT_EQ(dateField(store().value(key).toMap(), taskField::dueDate),
+                  utc(QStringLiteral("2026-11-21T08:00:00Z")));
     }
     setNow(QStringLiteral("2026-11-21T11:00:30Z"));
     const QString hourly = repeating("2026-11-16T08:30:00Z", "when done", "hour", 2);
     tm_toggleTask(hourly);
     drainPendingWork();
-    EXPECT_EQ(tm_dueDateForTask(hourly), utc(QStringLiteral("2026-11-21T13:00:00Z"))) << "hours count from this very minute";
+    EXPECT_EQ(tm_dueDateForTask(hourly), utc(QStringLiteral("2026-11-21T13:00:00Z")))
+        << "hours count from this very minute";
 }
 
 TEST_F(DueDates, noCopyWhenItIsNoLongerDone)
@@ -172,13 +181,17 @@ TEST_F(DueDates, readableRules)
     const struct
     {
         const char *type, *unit, *factor, *wanted;
-    } rows[] = {{"when due", "day", "1", "Every Day "},          {"when due", "hour", "0", "Every Hour "},
-                {"when due", "moon", "1", "Every "},             {"when due", "month", "3", "Every 3 months"},
-                {"when done", "week", "1", "1 week after completion"}, {"when done", "year", "2", " 2 years after completion"}};
+    } rows[] = {{"when due", "day", "1", "Every Day "},
+                {"when due", "hour", "0", "Every Hour "},
+                {"when due", "moon", "1", "Every "},
+                {"when due", "month", "3", "Every 3 months"},
+                {"when done", "week", "1", "1 week after completion"},
+                {"when done", "year", "2", " 2 years after completion"}};
     for (const auto &row : rows)
-        EXPECT_EQ(tm_readableRepeatDetailsForDetails({QString::fromLatin1(row.type), QString::fromLatin1(row.unit),
-                                                      QString::fromLatin1(row.factor)}),
-                  QLatin1StringView(row.wanted));
+        EXPECT_EQ(
+            tm_readableRepeatDetailsForDetails({QString::fromLatin1(row.type), QString::fromLatin1(row.unit),
+                                                QString::fromLatin1(row.factor)}),
+            QLatin1StringView(row.wanted));
 }
 
 TEST_F(DueDates, texts)
@@ -186,13 +199,17 @@ TEST_F(DueDates, texts)
     const QString thin = QString::fromUtf8("\u202f");
     const auto weekday = [](const char *iso) { return tm_weekdayString(utc(QString::fromLatin1(iso))); };
     EXPECT_EQ(weekday("2026-11-20T23:01:00Z"), u"Today") << "one minute past midnight is no alert";
-    EXPECT_EQ(QString(weekday("2026-11-22T08:30:00Z")).replace(thin, QStringLiteral(" ")), u"Tomorrow, 9:30 AM");
+    EXPECT_EQ(QString(weekday("2026-11-22T08:30:00Z")).replace(thin, QStringLiteral(" ")),
+              u"Tomorrow, 9:30 AM");
     EXPECT_EQ(weekday("2026-11-19T23:01:00Z"), u"Yesterday");
     EXPECT_EQ(weekday("2026-12-23T23:01:00Z"), u"Thu, Dec 24, 2026");
-    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-23T23:01:00Z"))), u"Tue, Nov 24, 2026 (3 days)");
-    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-18T23:01:00Z"))), u"Thu, Nov 19, 2026 (2 days ago)");
+    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-23T23:01:00Z"))),
+              u"Tue, Nov 24, 2026 (3 days)");
+    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-18T23:01:00Z"))),
+              u"Thu, Nov 19, 2026 (2 days ago)");
     EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-21T23:01:00Z"))), u"Tomorrow");
-    EXPECT_EQ(tm_absoluteWeekdayString(now()).replace(thin, QStringLiteral(" ")), u"Sat, Nov 21, 2026, 12:00 PM");
+    EXPECT_EQ(tm_absoluteWeekdayString(now()).replace(thin, QStringLiteral(" ")),
+              u"Sat, Nov 21, 2026, 12:00 PM");
     EXPECT_EQ(tm_sortableDateTimeString(now()), u"2026-11-21 12.00");
     EXPECT_EQ(tm_alertTimeString(now()), u"12:00");
     for (const QDateTime &none : {farPast(), farFuture()})
@@ -201,9 +218,10 @@ TEST_F(DueDates, texts)
     {
         int age;
         const char *wanted;
-    } rows[] = {{0, "just now"}, {119, "just now"}, {120, "2 minutes ago"}, {3599, "59 minutes ago"}, {3600, "1 hour ago"},
-                {7200, "2 hours ago"}, {14399, "3 hours ago"}};
-    for (const auto &row : rows) EXPECT_EQ(tm_fancyWeekdayString(now().addSecs(-row.age)), QLatin1StringView(row.wanted));
+    } rows[] = {{0, "just now"},      {119, "just now"},     {120, "2 minutes ago"}, {3599, "59 minutes ago"},
+                {3600, "1 hour ago"}, {7200, "2 hours ago"}, {14399, "3 hours ago"}};
+    for (const auto &row : rows)
+        EXPECT_EQ(tm_fancyWeekdayString(now().addSecs(-row.age)), QLatin1StringView(row.wanted));
     EXPECT_TRUE(tm_fancyWeekdayString(now().addSecs(-14400)).startsWith(u"Today, "));
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Reminders over a real session bus (dbus-run-session gives one), at whose other end stands a notification service that
-// only takes notes.
+// Reminders over a real session bus (dbus-run-session gives one), at whose other end stands a notification
+// service that only takes notes.
 #include "tests/organising/Tasklist.h"
 
 #include "organising/ReminderDBus.h"
@@ -53,7 +53,8 @@ protected:
     template <typename Condition>
     static void waitFor(const Condition &condition)
     {
-        while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        while (!condition())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
     QDBusConnection bus;

@@ -32,20 +32,23 @@ protected:
 
 TEST_F(TaskExtraction, fiveModes)
 {
-    const QString text = QStringLiteral("- one\ntwo\r\n\n• three —\n----- \n(OK) four\n\n- [ ] five\n\t- [ ]  six \n- [ ]seven");
+    const QString text = QStringLiteral(
+        "- one\ntwo\r\n\n• three —\n----- \n(OK) four\n\n- [ ] five\n\t- [ ]  six \n- [ ]seven");
     const QString document = task(QStringLiteral("Doc.md"));
     const struct
     {
         int mode;
         const char *wanted;
     } rows[] = {
-        {ExtractLines, "List/one.txt,List/two.txt,List/three.txt,List/four.txt done,List/[ ] five.txt,List/[ ]  six.txt,"
-                       "List/[ ]seven.txt"},
+        {ExtractLines,
+         "List/one.txt,List/two.txt,List/three.txt,List/four.txt done,List/[ ] five.txt,List/[ ]  six.txt,"
+         "List/[ ]seven.txt"},
         {ExtractParagraphs, "List/one 1.txt,List/three —.txt,List/[ ] five 1.txt"},
         {ExtractByRules, "List/one 2.txt,List/four 1.txt done"},
         {ExtractMarked, "List/five.txt,List/six.txt"},
     };
-    for (const auto &row : rows) EXPECT_EQ(extracted(text, document, row.mode), QString::fromUtf8(row.wanted)) << row.mode;
+    for (const auto &row : rows)
+        EXPECT_EQ(extracted(text, document, row.mode), QString::fromUtf8(row.wanted)) << row.mode;
     EXPECT_EQ(read(QStringLiteral("/List/six.txt")), "six");
 
     makeBook(QStringLiteral("/List/Doc"));
@@ -56,14 +59,18 @@ TEST_F(TaskExtraction, fiveModes)
 
 TEST_F(TaskExtraction, statesGoThroughTheRing)
 {
-    const QString text = QStringLiteral("x\n- [ ] (OK) a\n- [ ] ✔ b\n- [ ] (X) c\n- [ ] ✘ d\n- [ ] (OK)\n- [ ] List\n- [ ] Doc");
+    const QString text = QStringLiteral(
+        "x\n- [ ] (OK) a\n- [ ] ✔ b\n- [ ] (X) c\n- [ ] ✘ d\n- [ ] (OK)\n- [ ] List\n- [ ] Doc");
     EXPECT_EQ(extracted(text, task(QStringLiteral("Doc.md")), ExtractMarked),
-              QStringLiteral("List/a.txt done,List/b.txt done,List/c.txt canceled,List/d.txt canceled,List/(OK).txt"))
+              QStringLiteral(
+                  "List/a.txt done,List/b.txt done,List/c.txt canceled,List/d.txt canceled,List/(OK).txt"))
         << "names of the book and the document are no tasks";
     EXPECT_EQ(counters(), u"4 0");
-    EXPECT_EQ(extracted(text, at(QStringLiteral("/List/Doc.md")), ExtractMarked), QString()) << "nothing twice";
-    EXPECT_EQ(extracted(QStringLiteral("x\n- [ ] (OK) a"), write(QStringLiteral("/Plain/Doc.md")), ExtractMarked),
-              u"Plain/a.txt")
+    EXPECT_EQ(extracted(text, at(QStringLiteral("/List/Doc.md")), ExtractMarked), QString())
+        << "nothing twice";
+    EXPECT_EQ(
+        extracted(QStringLiteral("x\n- [ ] (OK) a"), write(QStringLiteral("/Plain/Doc.md")), ExtractMarked),
+        u"Plain/a.txt")
         << "an ordinary book gets plain documents";
 }
 
@@ -78,7 +85,8 @@ TEST_F(TaskExtraction, whatTheTasksCarry)
               u"List/a- b @home,.txt,List/second.txt");
     const QString first = at(QStringLiteral("/List/a- b @home,.txt"));
     EXPECT_EQ(tm_verifiedTagList(first).join(u' '), u"@work @home");
-    EXPECT_EQ(tm_propertyForKey(first, QStringLiteral("URL")), QStringLiteral("tomelet://show/List/My%20Doc.md"));
+    EXPECT_EQ(tm_propertyForKey(first, QStringLiteral("URL")),
+              QStringLiteral("tomelet://show/List/My%20Doc.md"));
     EXPECT_EQ(tm_creationDate(first), now());
     EXPECT_EQ(tm_creationDate(at(QStringLiteral("/List/second.txt"))), now().addSecs(1));
     EXPECT_EQ(tm_dueDateForTask(first), utc(QStringLiteral("2026-11-20T23:01:00Z")));
@@ -95,7 +103,8 @@ TEST_F(TaskExtraction, targets)
     EXPECT_EQ(extracted(text, document, ExtractMarked), u"Plain/a.txt");
     settings().setObject(QStringLiteral("defaultInbox"), QStringLiteral("/List"));
     EXPECT_EQ(extracted(text, document, ExtractMarked), u"List/a.txt");
-    EXPECT_EQ(extracted(QStringLiteral("line"), document, ExtractLines), u"Plain/line.txt") << "the inbox is for marked lines";
+    EXPECT_EQ(extracted(QStringLiteral("line"), document, ExtractLines), u"Plain/line.txt")
+        << "the inbox is for marked lines";
 
     EXPECT_EQ(extracted(QStringLiteral("none"), document, ExtractMarked, true), QString());
     EXPECT_FALSE(exists(QStringLiteral("/Plain/Doc"))) << "a book that stayed empty is gone again";

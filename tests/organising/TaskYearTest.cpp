@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A year of tasks, every few days, in three time zones with summer time: tasks with random states, dates and repeats are
-// changed at random, and after every step counters, due list and reminders equal what a plain model of them says.
-// The model knows no code of ours: repeats are stepped by ICU's calendar, counts are counted.
+// A year of tasks, every few days, in three time zones with summer time: tasks with random states, dates and
+// repeats are changed at random, and after every step counters, due list and reminders equal what a plain
+// model of them says. The model knows no code of ours: repeats are stepped by ICU's calendar, counts are
+// counted.
 #include "tests/organising/Tasklist.h"
 
 #include "organising/Reminders.h"
@@ -33,7 +34,8 @@ struct ModelTask
     int factor = 0;
 };
 
-// The calendar of the zone, whose clocks show the next valid time for one that they skip and the first of two equal ones.
+// The calendar of the zone, whose clocks show the next valid time for one that they skip and the first of two
+// equal ones.
 class OracleCalendar
 {
 public:
@@ -41,8 +43,8 @@ public:
     {
         UErrorCode status = U_ZERO_ERROR;
         const QString name = QString::fromLatin1(zone);
-        m_calendar = ucal_open(reinterpret_cast<const UChar *>(name.utf16()), int32_t(name.size()), "en_US", UCAL_GREGORIAN,
-                               &status);
+        m_calendar = ucal_open(reinterpret_cast<const UChar *>(name.utf16()), int32_t(name.size()), "en_US",
+                               UCAL_GREGORIAN, &status);
         ucal_setAttribute(m_calendar, UCAL_SKIPPED_WALL_TIME, UCAL_WALLTIME_NEXT_VALID);
         ucal_setAttribute(m_calendar, UCAL_REPEATED_WALL_TIME, UCAL_WALLTIME_FIRST);
     }
@@ -53,8 +55,11 @@ public:
     QDateTime plus(const QDateTime &date, const QString &unit, int factor)
     {
         static const std::map<QString, UCalendarDateFields> fields{
-            {QStringLiteral("hour"), UCAL_HOUR},   {QStringLiteral("day"), UCAL_DATE},  {QStringLiteral("week"), UCAL_WEEK_OF_YEAR},
-            {QStringLiteral("month"), UCAL_MONTH}, {QStringLiteral("year"), UCAL_YEAR}};
+            {QStringLiteral("hour"), UCAL_HOUR},
+            {QStringLiteral("day"), UCAL_DATE},
+            {QStringLiteral("week"), UCAL_WEEK_OF_YEAR},
+            {QStringLiteral("month"), UCAL_MONTH},
+            {QStringLiteral("year"), UCAL_YEAR}};
         UErrorCode status = U_ZERO_ERROR;
         ucal_setMillis(m_calendar, double(date.toMSecsSinceEpoch()), &status);
         ucal_add(m_calendar, fields.at(unit), factor, &status);
@@ -65,7 +70,8 @@ public:
     {
         UErrorCode status = U_ZERO_ERROR;
         ucal_setMillis(m_calendar, double(day.toMSecsSinceEpoch()), &status);
-        const int32_t year = ucal_get(m_calendar, UCAL_YEAR, &status), month = ucal_get(m_calendar, UCAL_MONTH, &status);
+        const int32_t year = ucal_get(m_calendar, UCAL_YEAR, &status),
+                      month = ucal_get(m_calendar, UCAL_MONTH, &status);
         const int32_t date = ucal_get(m_calendar, UCAL_DATE, &status);
         ucal_clear(m_calendar);
         ucal_setDateTime(m_calendar, year, month, date, hour, minute, 0, &status);
@@ -92,14 +98,17 @@ bool settled(const ModelTask &task)
 class TaskYear : public Tasklist, public ::testing::WithParamInterface<const char *>
 {
 protected:
-    TaskYear() : m_calendar(GetParam()), m_random(20260101)
+    TaskYear()
+        : m_calendar(GetParam())
+        , m_random(20260101)
     {
         qputenv("TZ", GetParam());
         tzset();
         for (int book = 0; book < bookCount; ++book) {
             makeBook(QStringLiteral("/B%1").arg(book));
             tm_toggleTasklistKeepingDetails(at(QStringLiteral("/B%1").arg(book)), false);
-            for (int i = 0; i < tasksOfBook; ++i) m_model[write(QStringLiteral("/B%1/t%2.md").arg(book).arg(i), "x")] = {};
+            for (int i = 0; i < tasksOfBook; ++i)
+                m_model[write(QStringLiteral("/B%1/t%2.md").arg(book).arg(i), "x")] = {};
         }
         drainPendingWork();
     }
@@ -136,10 +145,14 @@ QDateTime TaskYear::anyDate()
 void TaskYear::toggle(const QString &path, ModelTask &task)
 {
     tm_toggleTask(path);
-    if (!task.hasRecord || task.state.isEmpty() || task.state == u"no_task") task.state = QStringLiteral("started");
-    else if (task.state == u"started") task.state = QStringLiteral("done");
-    else if (task.state == u"done") task.state = QStringLiteral("canceled");
-    else task.state = QString();
+    if (!task.hasRecord || task.state.isEmpty() || task.state == u"no_task")
+        task.state = QStringLiteral("started");
+    else if (task.state == u"started")
+        task.state = QStringLiteral("done");
+    else if (task.state == u"done")
+        task.state = QStringLiteral("canceled");
+    else
+        task.state = QString();
     task.hasRecord = true;
 }
 
@@ -148,9 +161,11 @@ void TaskYear::repeat(ModelTask &task, const QString &book)
     QDateTime next = task.due;
     if (task.type == u"when done") {
         const QDateTime &clock = task.unit == u"hour" ? now() : task.due;
-        next = m_calendar.timeOnDay(now(), m_calendar.get(clock, UCAL_HOUR_OF_DAY), m_calendar.get(clock, UCAL_MINUTE));
+        next = m_calendar.timeOnDay(now(), m_calendar.get(clock, UCAL_HOUR_OF_DAY),
+                                    m_calendar.get(clock, UCAL_MINUTE));
     }
-    do next = m_calendar.plus(next, task.unit, task.factor);
+    do
+        next = m_calendar.plus(next, task.unit, task.factor);
     while (next <= now());
     task.due = next;
     task.state = QString();
@@ -188,7 +203,9 @@ void TaskYear::change()
         if (task.hasRecord) task = {true, task.state, {}, {}, {}, 0};
     } else {
         tm_toggleItemIsTask(path);
-        task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"), {}, {}, {}, 0};
+        task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"),
+                {},   {},
+                {},   0};
     }
     compareCounters(book, "a change");
 }
@@ -198,8 +215,10 @@ void TaskYear::compareCounters(const QString &book, const char *after)
     qlonglong done = m_doneCopies[book], due = 0;
     for (const auto &[path, task] : m_model) {
         if (!path.startsWith(QString(book + u'/'))) continue;
-        if (settled(task)) ++done;
-        else if (task.due.isValid() && task.due < now()) ++due;
+        if (settled(task))
+            ++done;
+        else if (task.due.isValid() && task.due < now())
+            ++due;
     }
     const TaskStore store(book);
     ASSERT_EQ(store.doneCount(), done) << "after " << after;
@@ -212,7 +231,8 @@ void TaskYear::compareRest()
     static constexpr int days[] = {0, 0, 1, 3, 5, 7};
     const int index = random(6);
     settings().setObject(QStringLiteral("dueTasksLookAhead"), index);
-    const int passed = m_calendar.get(now(), UCAL_HOUR_OF_DAY) * 3600 + m_calendar.get(now(), UCAL_MINUTE) * 60;
+    const int passed =
+        m_calendar.get(now(), UCAL_HOUR_OF_DAY) * 3600 + m_calendar.get(now(), UCAL_MINUTE) * 60;
     const QDateTime horizon = index == 0 ? now() : now().addSecs(86399 - passed + days[index] * 86400);
     for (const auto &[path, task] : m_model) {
         if (settled(task) || !task.due.isValid()) continue;
@@ -222,7 +242,8 @@ void TaskYear::compareRest()
     QMap<QString, QDateTime> due, reminders;
     for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(root, false)) {
         const QVariantMap values = row.toMap();
-        due.insert(values.value(QStringLiteral("path")).toString(), values.value(QStringLiteral("DueDate")).toDateTime());
+        due.insert(values.value(QStringLiteral("path")).toString(),
+                   values.value(QStringLiteral("DueDate")).toDateTime());
     }
     QDateTime last;
     for (const Reminder &reminder : scheduledReminders()) {
@@ -244,12 +265,14 @@ TEST_P(TaskYear, everyStepEqualsAPlainRecount)
             tm_correctTaskCountAtPath(book);
             compareCounters(book, "the night");
         }
-        for (int i = 0; i < changesOfDay && !HasFatalFailure(); ++i) change();
+        for (int i = 0; i < changesOfDay && !HasFatalFailure(); ++i)
+            change();
         drainPendingWork();
         compareRest();
     }
     int copies = 0;
-    for (const auto &[book, count] : m_doneCopies) copies += count;
+    for (const auto &[book, count] : m_doneCopies)
+        copies += count;
     EXPECT_GT(copies, 20) << "the year was too quiet to tell anything";
 }
 

@@ -10,8 +10,7 @@ using namespace tomelet;
 using tomelet::test::Tasklist;
 
 class Tasks : public Tasklist
-{
-};
+{};
 
 TEST_F(Tasks, existenceOfTheStoreMakesATasklist)
 {
@@ -43,8 +42,11 @@ TEST_F(Tasks, ringOfStatesMovesBothCounters)
     const struct
     {
         const char *icon, *state, *counters;
-    } steps[] = {{"task-started-due", "started", "0 1"}, {"task-done", "done", "1 0"}, {"task-canceled", "canceled", "1 0"},
-                 {"task-open-due", "", "0 1"},           {"task-started-due", "started", "0 1"}};
+    } steps[] = {{"task-started-due", "started", "0 1"},
+                 {"task-done", "done", "1 0"},
+                 {"task-canceled", "canceled", "1 0"},
+                 {"task-open-due", "", "0 1"},
+                 {"task-started-due", "started", "0 1"}};
     qint64 second = 0;
     for (const auto &step : steps) {
         const QDateTime date = now().addSecs(++second);
@@ -71,7 +73,8 @@ TEST_F(Tasks, countersNeverFallBelowZeroAndOddOnesAreRead)
     setStore({{QStringLiteral("a.md"), record("started", past)}});
     tm_toggleTask(item);
     EXPECT_EQ(counters(), u"1 0");
-    setStore({{QStringLiteral("a.md"), record("canceled", past)}, {QStringLiteral("__DueItemCount__"), qlonglong(4)}});
+    setStore({{QStringLiteral("a.md"), record("canceled", past)},
+              {QStringLiteral("__DueItemCount__"), qlonglong(4)}});
     tm_toggleTask(item);
     EXPECT_EQ(counters(), u"0 5");
     setStore({{QStringLiteral("a.md"), QStringLiteral("no dictionary")},
@@ -79,8 +82,9 @@ TEST_F(Tasks, countersNeverFallBelowZeroAndOddOnesAreRead)
     EXPECT_EQ(tm_iconForTask(item), u"task-open");
     EXPECT_EQ(tm_toggleTask(item), u"task-started");
     EXPECT_EQ(state(item), u"started");
-    setStore({{QStringLiteral("a.md"), QVariantMap{{taskField::dueDate, QStringLiteral("2026-01-01T00:00:00Z")},
-                                                   {taskField::state, qlonglong(3)}}}});
+    setStore(
+        {{QStringLiteral("a.md"), QVariantMap{{taskField::dueDate, QStringLiteral("2026-01-01T00:00:00Z")},
+                                              {taskField::state, qlonglong(3)}}}});
     EXPECT_EQ(tm_iconForTask(item), u"task-open") << "a text is no date";
 }
 
@@ -118,7 +122,8 @@ TEST_F(Tasks, keysMeetTheirDocumentsInEveryNormalForm)
 
     const QDateTime past = now().addDays(-1);
     setStore({{decomposed, record("", past)}, {composed, record("", past)}});
-    EXPECT_EQ(tm_correctTaskCountAtPathWithCleanup(list, false), 1) << "two keys of one document are one task";
+    EXPECT_EQ(tm_correctTaskCountAtPathWithCleanup(list, false), 1)
+        << "two keys of one document are one task";
     tm_toggleTask(item);
     EXPECT_EQ(store().value(decomposed).toMap(), record("", past)) << "the very name goes first";
     EXPECT_EQ(state(item), u"started");
@@ -172,14 +177,22 @@ TEST_F(Tasks, mergingKeepsTheLaterChange)
     };
     const QString composed = QString::fromUtf8("\u00e9.md");
     const QString decomposed = QString::fromUtf8("e\u0301.md");
-    const QVariantMap own{{QStringLiteral("1.md"), changed(2, "own")},    {QStringLiteral("2.md"), changed(1, "own")},
-                          {QStringLiteral("equal"), changed(1, "own")},   {QStringLiteral("none"), changed(0, "own")},
-                          {QStringLiteral("dated"), changed(1, "own")},   {QStringLiteral("undated"), changed(0, "own")},
-                          {composed, changed(1, "own")},                  {QStringLiteral("__DueItemCount__"), QStringLiteral("7")}};
-    const QVariantMap other{{QStringLiteral("1.md"), changed(1, "other")},  {QStringLiteral("2.md"), changed(2, "other")},
-                            {QStringLiteral("equal"), changed(1, "other")}, {QStringLiteral("none"), changed(0, "other")},
-                            {QStringLiteral("dated"), changed(0, "other")}, {QStringLiteral("undated"), changed(1, "other")},
-                            {QStringLiteral("01.md"), changed(1, "other")}, {decomposed, changed(2, "other")},
+    const QVariantMap own{{QStringLiteral("1.md"), changed(2, "own")},
+                          {QStringLiteral("2.md"), changed(1, "own")},
+                          {QStringLiteral("equal"), changed(1, "own")},
+                          {QStringLiteral("none"), changed(0, "own")},
+                          {QStringLiteral("dated"), changed(1, "own")},
+                          {QStringLiteral("undated"), changed(0, "own")},
+                          {composed, changed(1, "own")},
+                          {QStringLiteral("__DueItemCount__"), QStringLiteral("7")}};
+    const QVariantMap other{{QStringLiteral("1.md"), changed(1, "other")},
+                            {QStringLiteral("2.md"), changed(2, "other")},
+                            {QStringLiteral("equal"), changed(1, "other")},
+                            {QStringLiteral("none"), changed(0, "other")},
+                            {QStringLiteral("dated"), changed(0, "other")},
+                            {QStringLiteral("undated"), changed(1, "other")},
+                            {QStringLiteral("01.md"), changed(1, "other")},
+                            {decomposed, changed(2, "other")},
                             {QStringLiteral("__DueItemCount__"), QStringLiteral("9")}};
     const QVariantMap merged = tm_dictionaryByMergingWithTaskDetails(own, other);
     QStringList winners;
@@ -192,7 +205,8 @@ TEST_F(Tasks, mergingKeepsTheLaterChange)
                                     QStringLiteral("undated other")}));
 }
 
-// -- the line that a task came from -----------------------------------------------------------------------------------
+// -- the line that a task came from
+// -----------------------------------------------------------------------------------
 
 class TaskSource : public Tasklist
 {
@@ -222,8 +236,9 @@ TEST_F(TaskSource, checkBoxGoesRound)
 {
     const QString item = taskFrom(QStringLiteral("Buy milk.txt"), "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n",
                                   "tomelet://show/Source.md");
-    EXPECT_EQ(threeSteps(item), QByteArrayList({"a\n\t- [x] Buy milk \n- [ ] Buy milk\n", "a\n\t-  Buy milk \n- [ ] Buy milk\n",
-                                                "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n"}));
+    EXPECT_EQ(threeSteps(item),
+              QByteArrayList({"a\n\t- [x] Buy milk \n- [ ] Buy milk\n", "a\n\t-  Buy milk \n- [ ] Buy milk\n",
+                              "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n"}));
 }
 
 TEST_F(TaskSource, ownMarkerKeepsBlanksAndEncoding)
@@ -243,9 +258,13 @@ TEST_F(TaskSource, onlyWhatFitsIsTouched)
 {
     const QByteArray text = "- [ ] a (b\n- [ ] Call\n";
     const QString odd = taskFrom(QStringLiteral("a (b.txt"), text, "tomelet://show/Source.md");
-    EXPECT_EQ(threeSteps(odd), QByteArrayList({text, text, text})) << "a title that is no pattern finds nothing";
-    for (const char *url : {"http://Source.md", "tomelet://show/Source.MD", "tomelet://show/gone.md", "tomelet://show/List"})
-        EXPECT_EQ(threeSteps(taskFrom(QStringLiteral("Call.txt"), text, url)), QByteArrayList({text, text, text})) << url;
+    EXPECT_EQ(threeSteps(odd), QByteArrayList({text, text, text}))
+        << "a title that is no pattern finds nothing";
+    for (const char *url :
+         {"http://Source.md", "tomelet://show/Source.MD", "tomelet://show/gone.md", "tomelet://show/List"})
+        EXPECT_EQ(threeSteps(taskFrom(QStringLiteral("Call.txt"), text, url)),
+                  QByteArrayList({text, text, text}))
+            << url;
     const QString noMarker = taskFrom(QStringLiteral("Call.txt"), text, "tomelet://show/Source.md");
     settings().remove(QStringLiteral("markTaskWithCharacter"));
     EXPECT_EQ(threeSteps(noMarker), QByteArrayList({text, text, text}));
@@ -258,8 +277,8 @@ TEST_F(TaskSource, pagesAndLongTitles)
     EXPECT_EQ(threeSteps(item, QStringLiteral("/A b.html"))[0], "<p>\n - [x] Call </p>");
 
     const QByteArray title(120, 'x');
-    const QString longOne = taskFrom(QString::fromLatin1(title.first(101)) + QStringLiteral(".txt"), "- [ ] " + title + "\n",
-                                     "tomelet://show/Source.md");
+    const QString longOne = taskFrom(QString::fromLatin1(title.first(101)) + QStringLiteral(".txt"),
+                                     "- [ ] " + title + "\n", "tomelet://show/Source.md");
     write(longOne.mid(root.size()), "  " + title + " \nmore\n");
     EXPECT_EQ(threeSteps(longOne)[0], "- [x] " + title + "\n");
 }

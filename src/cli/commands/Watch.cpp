@@ -23,7 +23,8 @@ namespace {
 class ChangePrinter
 {
 public:
-    explicit ChangePrinter(bool json) : m_json(json)
+    explicit ChangePrinter(bool json)
+        : m_json(json)
     {
         follow("TMLTFileModifiedOnDiskNotification", "changed", "path");
         follow("TMLTFileDeletedFromDiskNotification", "deleted", "path");
@@ -84,7 +85,8 @@ int runWatch(const Invocation &call)
     const ChangePrinter printer(call.json);
     DesktopReminders desktop;
     const ReminderDelivery delivery(desktop);
-    const auto opener = notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), openInDesktop);
+    const auto opener =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), openInDesktop);
     note(call, QStringLiteral("following the notebook; Ctrl+C ends it"));
     const QuitOnSignals quitter;
     const int status = QCoreApplication::exec();
