@@ -29,6 +29,8 @@ void countOpenChecklistItems(const QString &path, std::function<void(qlonglong)>
     static SerialQueue queue;
     queue.add([path, taker = std::move(taker)] {
         const qlonglong count = openChecklistItems(path);
+        // Nobody is there to be told when the program is ending.
+        if (QCoreApplication::instance() == nullptr) return;
         QMetaObject::invokeMethod(
             QCoreApplication::instance(), [taker, count] { taker(count); }, Qt::QueuedConnection);
     });

@@ -2,6 +2,7 @@
 #include "organising/TaskRows.h"
 
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
@@ -73,6 +74,23 @@ QDateTime dueHorizon()
     const qlonglong days = index < 6 ? daysOfIndex[index] : std::min<qlonglong>(index, 1000000);
     const qlonglong restOfToday = 86400 - 1 - tm_todayInSecondsLocalized();
     return now.addSecs(restOfToday + days * 86400);
+}
+
+QStringList dueLookAheadTitles()
+{
+    const QString days = localized(TOMELET_TEXT("days"));
+    return {localized(TOMELET_TEXT("Don't look ahead")),
+            localized(TOMELET_TEXT("Today")),
+            localized(TOMELET_TEXT("Tomorrow")),
+            QString(u"3 " + days),
+            QString(u"5 " + days),
+            QString(u"7 " + days)};
+}
+
+void chooseDueLookAhead(int index)
+{
+    settings().setObject(QStringLiteral("dueTasksLookAhead"),
+                         index > 0 ? QVariant(qlonglong(index)) : QVariant());
 }
 
 // Calls the taker for each due task, book by book.

@@ -23,6 +23,9 @@ struct DueCounts
 /// The moment up to which tasks count as due: now, or the end of a coming day by the setting
 /// `dueTasksLookAhead`.
 [[nodiscard]] QDateTime dueHorizon();
+/// The menu "Look Ahead for Due Tasks": its titles in the order of the setting's values, and the choice of one.
+[[nodiscard]] QStringList dueLookAheadTitles();
+void chooseDueLookAhead(int index);
 [[nodiscard]] DueCounts countDueTasks(const QString &root);
 /// The rows of all tasks that are due, in the order of the stores; or, as numbers, how many these are and how
 /// many of them are overdue. Puts the counters of overdue tasks right on its way.

@@ -29,8 +29,10 @@ class Tasks(World):
             self.assertEqual([row["title"] for row in rows], ["b.md"], words)
         self.assertEqual(rows[0]["DueDate"], "2020-02-28T23:01:00Z")
         reminders = self.json("reminders")
-        self.assertEqual([(one["path"], one["fireDate"]) for one in reminders],
-                         [(self.at("/L/c.md"), "2999-01-31T08:30:00Z")])
+        self.assertEqual([(one["path"], one["fireDate"], one["informativeText"]) for one in reminders],
+                         [(self.at("/L/c.md"), "2999-01-31T08:30:00Z", "c")])
+        row = self.ops(["tm_dictionaryForItemAsTask", "/L/a.md", True, {"DueDate": "2020-01-01T00:00:00Z"}, []])
+        self.assertEqual(row[0]["result"]["taskIcon"], "task-open-due")
         self.assertIn("Due Tasks", self.run_("tree"))
         self.run_("task", "clear-due", "L/b.md")
         self.assertEqual(self.json("due"), [])

@@ -146,7 +146,7 @@ TEST_F(TaskLists, dueListLooksAhead)
     for (int index = 1; index <= 5; ++index) {
         wanted += QString::fromLatin1(added[index - 1]).split(u',', Qt::SkipEmptyParts);
         wanted.sort();
-        settings().setObject(QStringLiteral("dueTasksLookAhead"), index);
+        chooseDueLookAhead(index);
         EXPECT_EQ(dueNames(), wanted) << index;
     }
     settings().setObject(QStringLiteral("dueTasksLookAhead"), 6);

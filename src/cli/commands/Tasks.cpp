@@ -84,24 +84,42 @@ int runDue(const Invocation &call)
     return Done;
 }
 
+// The reminder with what the rebuild knows of its task.
+static QVariantMap reminderDictionary(const Reminder &reminder, const ReminderCandidate &task)
+{
+    QVariantMap values = tm_notificationForDate(reminder.path, reminder.fireDate, task.repeatInterval);
+    values.insert({{QStringLiteral("path"), reminder.path},
+                   {QStringLiteral("normPath"), tm_normalizedPath(reminder.path)},
+                   {QStringLiteral("fireDate"), reminder.fireDate},
+                   {QStringLiteral("modDate"), task.modDate},
+                   {QStringLiteral("counterIncrement"), task.countsUp ? QStringLiteral("1") : QStringLiteral("0")},
+                   {QStringLiteral("repeatInterval"), QString::number(task.repeatInterval)},
+                   {QStringLiteral("taskState"), task.taskState}});
+    return values;
+}
+
+static QJsonArray remindersAsJson()
+{
+    QHash<QString, ReminderCandidate> tasks;
+    for (const ReminderCandidate &task : reminderCandidates()) tasks.insert(task.path, task);
+    QJsonArray all;
+    for (const Reminder &reminder : scheduledReminders())
+        all.append(jsonFromVariant(reminderDictionary(reminder, tasks.value(reminder.path))));
+    return all;
+}
+
 int runReminders(const Invocation &call)
 {
     QStringList words;
     if (const auto status = begin(call, "Rebuilds the reminders and prints those to come.", "", 0, 0, words))
         return *status;
     tm_repostAllNotifications();
-    QJsonArray all;
-    for (const Reminder &reminder : scheduledReminders()) {
-        QVariantMap values = tm_notificationForDate(reminder.path, reminder.fireDate, 0);
-        values.insert(QStringLiteral("path"), reminder.path);
-        values.insert(QStringLiteral("normPath"), tm_normalizedPath(reminder.path));
-        values.insert(QStringLiteral("fireDate"), reminder.fireDate);
-        if (call.json)
-            all.append(jsonFromVariant(values));
-        else
-            writeLine(tm_absoluteWeekdayString(reminder.fireDate) + u'\t' + tm_normalizedPath(reminder.path));
+    if (call.json) {
+        writeJson(remindersAsJson());
+        return Done;
     }
-    if (call.json) writeJson(all);
+    for (const Reminder &reminder : scheduledReminders())
+        writeLine(tm_absoluteWeekdayString(reminder.fireDate) + u'\t' + tm_normalizedPath(reminder.path));
     return Done;
 }
 
