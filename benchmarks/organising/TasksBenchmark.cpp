@@ -7,7 +7,7 @@
 #include "foundation/PropertyList.h"
 #include "foundation/PropertyStore.h"
 #include "foundation/SafeWriter.h"
-#include "library/Root.h"
+#include "library/ItemPath.h"
 #include "organising/NotebookOrganiser.h"
 #include "organising/Reminders.h"
 #include "organising/TaskLists.h"
@@ -65,6 +65,8 @@ public:
         for (int book = 0; book < books; ++book)
             fill(book);
         updateListOfTasklistsQuick();
+        // Fresh stores have no counters yet; from here on only what changes is written.
+        for (const QString &list : knownTasklists()) tm_correctTaskCountAtPath(fullPathOf(list));
         tm_repostAllNotifications();
     }
     ~GeneratedNotebook() { setPlatform(nullptr); }

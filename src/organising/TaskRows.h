@@ -23,7 +23,8 @@ struct DueCounts
 /// The moment up to which tasks count as due: now, or the end of a coming day by the setting
 /// `dueTasksLookAhead`.
 [[nodiscard]] QDateTime dueHorizon();
-/// The menu "Look Ahead for Due Tasks": its titles in the order of the setting's values, and the choice of one.
+/// The menu "Look Ahead for Due Tasks": its titles in the order of the setting's values, and the choice of
+/// one.
 [[nodiscard]] QStringList dueLookAheadTitles();
 void chooseDueLookAhead(int index);
 [[nodiscard]] DueCounts countDueTasks(const QString &root);

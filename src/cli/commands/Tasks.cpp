@@ -88,20 +88,22 @@ int runDue(const Invocation &call)
 static QVariantMap reminderDictionary(const Reminder &reminder, const ReminderCandidate &task)
 {
     QVariantMap values = tm_notificationForDate(reminder.path, reminder.fireDate, task.repeatInterval);
-    values.insert({{QStringLiteral("path"), reminder.path},
-                   {QStringLiteral("normPath"), tm_normalizedPath(reminder.path)},
-                   {QStringLiteral("fireDate"), reminder.fireDate},
-                   {QStringLiteral("modDate"), task.modDate},
-                   {QStringLiteral("counterIncrement"), task.countsUp ? QStringLiteral("1") : QStringLiteral("0")},
-                   {QStringLiteral("repeatInterval"), QString::number(task.repeatInterval)},
-                   {QStringLiteral("taskState"), task.taskState}});
+    values.insert(
+        {{QStringLiteral("path"), reminder.path},
+         {QStringLiteral("normPath"), tm_normalizedPath(reminder.path)},
+         {QStringLiteral("fireDate"), reminder.fireDate},
+         {QStringLiteral("modDate"), task.modDate},
+         {QStringLiteral("counterIncrement"), task.countsUp ? QStringLiteral("1") : QStringLiteral("0")},
+         {QStringLiteral("repeatInterval"), QString::number(task.repeatInterval)},
+         {QStringLiteral("taskState"), task.taskState}});
     return values;
 }
 
 static QJsonArray remindersAsJson()
 {
     QHash<QString, ReminderCandidate> tasks;
-    for (const ReminderCandidate &task : reminderCandidates()) tasks.insert(task.path, task);
+    for (const ReminderCandidate &task : reminderCandidates())
+        tasks.insert(task.path, task);
     QJsonArray all;
     for (const Reminder &reminder : scheduledReminders())
         all.append(jsonFromVariant(reminderDictionary(reminder, tasks.value(reminder.path))));
