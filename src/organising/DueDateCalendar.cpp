@@ -44,6 +44,7 @@ bool isInRange(const QDate &day)
 
 QDateTime momentOf(const QDate &day, const QTime &time)
 {
+    if (!day.isValid()) return {};
     const qint64 wall =
         QDateTime(day, QTime(time.hour(), time.minute(), time.second()), Qt::UTC).toSecsSinceEpoch();
     return QDateTime::fromSecsSinceEpoch(momentOfWallTime(wall), Qt::UTC);
@@ -91,7 +92,7 @@ qlonglong tm_todayInSecondsLocalized()
 
 bool tm_dueDateHasAlertTime(const QDateTime &date)
 {
-    if (date == farPast() || date == farFuture()) return false;
+    if (!date.isValid() || date == farPast() || date == farFuture()) return false;
     const QTime time = date.toLocalTime().time();
     return time.hour() != 0 || time.minute() != 1 || time.second() != 0;
 }

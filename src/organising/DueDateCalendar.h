@@ -10,7 +10,7 @@ namespace tomelet {
 
 enum class CalendarUnit { Hour, Day, Week, Month, Year };
 
-/// The moment at which local clocks show the time on that day.
+/// The moment at which local clocks show the time on that day; invalid for no day.
 [[nodiscard]] QDateTime momentOf(const QDate &day, const QTime &time);
 /// The date moved on by so many units: hours as they pass, all others by the local calendar, whose shorter
 /// months end earlier (31 January and a month is 28 February). Invalid beyond the years 1 to 9999.

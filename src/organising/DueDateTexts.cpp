@@ -29,6 +29,7 @@ QByteArray dateLocale()
 QString formatted(const QDateTime &date, UDateFormatStyle timeStyle, UDateFormatStyle dateStyle,
                   const QString &pattern = {})
 {
+    if (!date.isValid()) return {};
     static const UChar utc[] = u"UTC";
     UErrorCode status = U_ZERO_ERROR;
     const auto *units = reinterpret_cast<const UChar *>(pattern.utf16());

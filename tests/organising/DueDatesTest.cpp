@@ -212,7 +212,9 @@ TEST_F(DueDates, texts)
               u"Sat, Nov 21, 2026, 12:00 PM");
     EXPECT_EQ(tm_sortableDateTimeString(now()), u"2026-11-21 12.00");
     EXPECT_EQ(tm_alertTimeString(now()), u"12:00");
-    for (const QDateTime &none : {farPast(), farFuture()})
+    EXPECT_FALSE(tm_thatDayMidnight(QDateTime()).isValid());
+    EXPECT_EQ(tm_shortDateTimeString(QDateTime()), u"");
+    for (const QDateTime &none : {farPast(), farFuture(), QDateTime()})
         EXPECT_EQ(tm_weekdayString(none) + tm_absoluteWeekdayString(none) + tm_fancyWeekdayString(none), u"");
     const struct
     {
