@@ -12,6 +12,8 @@
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
+#include "organising/TaskRows.h"
+#include "organising/TaskStore.h"
 
 #include <QDir>
 #include <QLocale>
@@ -108,9 +110,13 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         break;
     }
     case FavoritesBook: readPaths(organiser().itemsWithContext(QStringLiteral("_TMFAV"))); break;
+    case DueTasksBook:
+        for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false))
+            if (passesFilter(row.toMap().value(QStringLiteral("title")).toString())) documentsList.append(row.toMap());
+        break;
     case AllTaskListsBook: {
         QStringList paths;
-        for (const QString &path : settings().stringList(QStringLiteral("allTaskLists")))
+        for (const QString &path : organiser().tasklists())
             if (organiser().bookIsTasklist(fullPathOf(path))) paths.append(fullPathOf(path));
         readPaths(paths);
         break;
@@ -134,6 +140,7 @@ void TMLTDocumentListViewController::readBook(const QString &book)
     const RowSources documentSources{LocalizedIndex(properties.value(QStringLiteral("Notes")).toStringList()), pinned};
     const RowSources bookSources{LocalizedIndex(properties.value(QStringLiteral("Books")).toStringList()), pinned};
     const bool isTasklist = organiser().bookIsTasklist(book);
+    const TaskRecords records(book);
     const bool showsBooks = settings().boolean(QStringLiteral("outlineIsCollapsed"));
 
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>())) {
@@ -142,7 +149,7 @@ void TMLTDocumentListViewController::readBook(const QString &book)
         if (entry.isFolder && !hasPackageExtension(path)) {
             if (showsBooks) booksList.append(itemRow(path, false, {}, bookSources));
         } else {
-            documentsList.append(itemRow(path, isTasklist, {}, documentSources));
+            documentsList.append(itemRow(path, isTasklist, records.of(entry.name), documentSources));
         }
     }
     if (!showsBooks || book != tomeletRoot()) return;

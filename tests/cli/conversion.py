@@ -67,7 +67,7 @@ class Pages(World):
         message.add_alternative("<p>second <script>alert(1)</script></p>", subtype="html")
         for name, data, part in (("n.md", b"# N\n", ">N</h1>"), ("n.txt", b"a < b\n", "a &lt; b"),
                                  ("n.html", b"<html><body>as it is</body></html>", "<body>as it is</body>"),
-                                 ("n.eml", bytes(message), "second"), ("n.png", b"\x89PNG", 'src="n.png"'),
+                                 ("n.eml", bytes(message), "second"), ("n.png", b"\x89PNG", '/B/n.png?'),
                                  ("n.opml", b'<opml><body><outline text="o"/></body></opml>', "<li>o</li>"),
                                  ("n.zip", b"PK", "n.zip"), ("README", b"read\n", "read")):
             self.write("/B/" + name, data)

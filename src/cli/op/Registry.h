@@ -141,5 +141,6 @@ void addLibraryOperations(Registry &registry);
 void addPageOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
 void addEditorOperations(Registry &registry);
+void addTaskOperations(Registry &registry);
 
 } // namespace tomelet::cli
