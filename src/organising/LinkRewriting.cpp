@@ -14,6 +14,7 @@
 #include "library/TextFile.h"
 #include "organising/Backlinks.h"
 #include "organising/DocumentReferences.h"
+#include "organising/LinkJournal.h"
 #include "organising/LinkWalks.h"
 
 namespace tomelet {
@@ -229,6 +230,16 @@ namespace {
 const QString backlinksKey = QStringLiteral("Backlinks");
 const QString referencedKey = QStringLiteral("ReferencedPath");
 
+// Noted until it is done, so that nothing is lost when the program is killed meanwhile.
+void queueMove(const MoveInWork &move, std::function<void()> work)
+{
+    noteMove(move);
+    platform().serialQueue.add([move, work = std::move(work)] {
+        work();
+        forgetMove(move);
+    });
+}
+
 QStringList backlinksOf(const QString &item)
 {
     return tm_propertyForKey(item, backlinksKey).toStringList();
@@ -255,7 +266,7 @@ void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QSt
     if (itemExists(oldPath) && oldPath.compare(newPath, Qt::CaseInsensitive) != 0)
         return logLine(QStringLiteral("not changing links & backlinks because old path still exists\n%1\n%2")
                            .arg(oldPath, newPath));
-    platform().serialQueue.add([newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
+    queueMove({oldPath, newPath, false}, [newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
 }
 
 void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath)
@@ -277,25 +288,6 @@ void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, cons
 
 namespace {
 
-/// What one walk below a folder found of use for links.
-struct LinkedItems
-{
-    QStringList documents;  ///< that can hold references
-    QStringList referenced; ///< whose stored path is not their own
-};
-
-LinkedItems findLinkedItems(const QString &folder, const QString &root)
-{
-    LinkedItems found;
-    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
-        const QString stored = storedProperties(path).value(referencedKey).toString();
-        if (!stored.isEmpty() && stored != tm_normalizedPath(path, root)) found.referenced.append(path);
-        if (!isBook && canHoldReferences(path)) found.documents.append(path);
-        return true;
-    });
-    return found;
-}
-
 /// The move of a book, with its paths full.
 struct BookMove
 {
@@ -310,6 +302,27 @@ struct BookMove
         return path == to || path.startsWith(to + u'/') ? from + path.mid(to.size()) : path;
     }
 };
+
+/// What one walk below a folder found of use for links.
+struct LinkedItems
+{
+    QStringList documents;  ///< that can hold references
+    QStringList referenced; ///< that others refer to, and that have moved
+};
+
+LinkedItems findLinkedItems(const QString &folder, const BookMove &move)
+{
+    LinkedItems found;
+    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
+        const QString stored = storedProperties(path).value(referencedKey).toString();
+        // What lies in the moved book may bear its new path already, if the work was broken off once.
+        const bool hasMoved = stored != tm_normalizedPath(path, move.root) || move.former(path) != path;
+        if (!stored.isEmpty() && hasMoved) found.referenced.append(path);
+        if (!isBook && canHoldReferences(path)) found.documents.append(path);
+        return true;
+    });
+    return found;
+}
 
 // The documents that refer to an item of the moved book, wherever they now are.
 void followReferrers(MoveWrites &writes, const QString &item, const BookMove &move)
@@ -346,7 +359,7 @@ void followReferences(MoveWrites &writes, const QString &document, const BookMov
 
 void renameAllLinks(const QString &folder, const BookMove &move)
 {
-    const LinkedItems found = findLinkedItems(folder, move.root);
+    const LinkedItems found = findLinkedItems(folder, move);
     MoveWrites writes;
     for (const QString &item : found.referenced) followReferrers(writes, item, move);
     writes.stores.flush();
@@ -357,7 +370,19 @@ void renameAllLinks(const QString &folder, const BookMove &move)
 
 void tm_renameAllLinksFrom(const QString &folder, const QString &oldPath, const QString &newPath)
 {
-    platform().serialQueue.add([folder, move = BookMove{tomeletRoot(), oldPath, newPath}] { renameAllLinks(folder, move); });
+    queueMove({oldPath, newPath, true},
+              [folder, move = BookMove{tomeletRoot(), oldPath, newPath}] { renameAllLinks(folder, move); });
+}
+
+void finishAbandonedMoves()
+{
+    for (const MoveInWork &move : takeAbandonedMoves()) {
+        // Something else stands at the old place by now: what refers to it can no longer be told.
+        if (!itemExists(move.to) || itemExists(move.from)) continue;
+        logLine(QStringLiteral("finishing the move of %1 to %2").arg(move.from, move.to));
+        if (move.allBelow) tm_renameAllLinksFrom(tomeletRoot(), move.from, move.to);
+        else tm_adjustLinksAndBacklinksAfterRenameFrom(move.to, move.from);
+    }
 }
 
 } // namespace tomelet

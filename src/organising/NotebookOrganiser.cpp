@@ -54,6 +54,7 @@ public:
         // A list that the person has emptied stays empty: only a notebook without one gets the first contexts.
         const bool fresh = !itemExists(miscFile(QStringLiteral("AvailableTags.txt")));
         if (fresh && settings().boolean(QStringLiteral("contextsEnabled"))) writeDefaultContexts();
+        finishAbandonedMoves();
     }
     void propertyFileChanged(const QString &path) override
     {
