@@ -71,11 +71,13 @@ public:
         if (path.isEmpty()) return reference;
         if (beginsWithPath(path, m_old) && (m_oldBeginsWithNew || !beginsWithPath(path, m_new)))
             return withOldReplaced(composed(reference));
-        const QString decoded = percentDecoded(path);
+        const QString decoded = composed(percentDecoded(path));
         if (beginsWithPathIgnoringMarks(decoded, m_old) && (m_oldBeginsWithNew || !beginsWithPath(decoded, m_new)))
             return withFront(reference, encoded(m_new + decoded.mid(m_old.size())));
         if (path.startsWith(u'/') || reference.contains(u"://")) return reference;
-        return m_document == m_new ? seenFromNewPlace(reference, path) : relativeInOtherDocument(reference, path);
+        // On disk a name may stand in either normal form, so the reference is looked up as it is spelled.
+        const QString spelled = reference.trimmed();
+        return m_document == m_new ? seenFromNewPlace(reference, spelled) : relativeInOtherDocument(reference, spelled);
     }
 
 private:
@@ -129,18 +131,21 @@ private:
         for (const QString &form : {target, decoded}) {
             const QString meant = resolvedAgainst(form, m_book);
             // A roundabout form ("../Book/b.md" inside Book) means the moved item too.
-            const bool isMoved = meant == m_old && !exists(meant);
-            if (!isMoved && !meant.startsWith(m_old + u'/')) continue;
-            const QString now = relative(m_new + meant.mid(m_old.size()));
+            const QString comparable = composed(meant);
+            const bool isMoved = comparable == m_old && !exists(meant);
+            if (!isMoved && !comparable.startsWith(m_old + u'/')) continue;
+            const QString now = relative(m_new + comparable.mid(m_old.size()));
             return tm_pathByAppendingAnchor(form == target ? now : percentEncodedPath(now), anchor);
         }
         for (const QString &form : {target, decoded}) {
             const QString now = form == target ? m_relativeNew : percentEncodedPath(m_relativeNew);
-            const bool shortened = endsWithPath(m_old, form) || endsWithPath(m_relativeOld, form);
-            if (shortened && !exists(resolvedAgainst(form, m_book))) return tm_pathByAppendingAnchor(now, anchor);
-            const bool done = !m_oldBeginsWithNew && beginsWithPath(form, m_relativeNew);
-            if (beginsWithPath(form, m_relativeOld) && !done && !exists(resolvedAgainst(form, m_book)))
-                return tm_pathByAppendingAnchor(now + form.mid(m_relativeOld.size()), anchor);
+            const QString comparable = composed(form);
+            const bool stands = exists(resolvedAgainst(form, m_book));
+            const bool shortened = endsWithPath(m_old, comparable) || endsWithPath(m_relativeOld, comparable);
+            if (shortened && !stands) return tm_pathByAppendingAnchor(now, anchor);
+            const bool done = !m_oldBeginsWithNew && beginsWithPath(comparable, m_relativeNew);
+            if (beginsWithPath(comparable, m_relativeOld) && !done && !stands)
+                return tm_pathByAppendingAnchor(now + comparable.mid(m_relativeOld.size()), anchor);
         }
         return reference;
     }

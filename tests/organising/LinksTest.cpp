@@ -100,6 +100,17 @@ TEST_F(Links, encodedAndComposedForms)
     refresh({"/r.md"});
     move("/A/M\u00fcll #1.md", "/A/neu.md");
     EXPECT_EQ(text("/r.md"), "[1](/A/neu.md) [2](A/neu.md)");
+
+    // The name itself stands in the decomposed form on the disk.
+    write(QStringLiteral("/D/e\u0301t.md"));
+    write(QStringLiteral("/D/s.md"), "[1](e%CC%81t.md) [2](/D/e%CC%81t.md) [3](e\xCC\x81t.md)");
+    refresh({"/D/s.md"});
+    move("/D/e\u0301t.md", "/D/new.md");
+    EXPECT_EQ(text("/D/s.md"), "[1](new.md) [2](/D/new.md) [3](new.md)");
+    write(QStringLiteral("/D/e\u0301t.md"));
+    write(QStringLiteral("/D/own.md"), "[1](e%CC%81t.md) [3](e\xCC\x81t.md)");
+    move("/D/own.md", "/E.md");
+    EXPECT_EQ(text("/E.md"), "[1](D/e%CC%81t.md) [3](D/e\xCC\x81t.md)");
 }
 
 TEST_F(Links, theMovedDocumentKeepsItsOwnLinks)
