@@ -43,6 +43,7 @@ static void addContexts(Registry &add)
 
 static void addLinks(Registry &add)
 {
+    add.text("tm_isTomeletURLSchemeAction", "url", tm_isTomeletURLSchemeAction);
     add.path("tm_arrayOfAllReferencesInDocument", "path", tm_arrayOfAllReferencesInDocument);
     add.path("tm_verifiedArrayOfReferencedDocuments", "path", tm_verifiedArrayOfReferencedDocuments);
     add.path("tm_addBacklink", "path, referrer", tm_addBacklink);
