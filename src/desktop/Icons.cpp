@@ -6,6 +6,7 @@
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
+#include "organising/Tasks.h"
 
 #include <QGuiApplication>
 #include <QHash>
@@ -41,17 +42,36 @@ static void addDrawn(QIcon &icon, QByteArray svg, const QColor &color, QIcon::Mo
     }
 }
 
-QIcon bundledIcon(const QString &name)
+static QIcon drawnIcon(const QString &name, const QColor &color)
 {
-    const auto known = cache().constFind(name);
+    const QString key = name + color.name();
+    const auto known = cache().constFind(key);
     if (known != cache().cend()) return *known;
     const QByteArray svg = readFile(resourcePath(QStringLiteral("icons/%1.svg").arg(name))).value_or(QByteArray());
-    const QPalette palette = QGuiApplication::palette();
     QIcon icon;
-    addDrawn(icon, svg, palette.color(QPalette::WindowText), QIcon::Normal);
-    addDrawn(icon, svg, palette.color(QPalette::HighlightedText), QIcon::Selected);
-    cache().insert(name, icon);
+    addDrawn(icon, svg, color, QIcon::Normal);
+    addDrawn(icon, svg, QGuiApplication::palette().color(QPalette::HighlightedText), QIcon::Selected);
+    cache().insert(key, icon);
     return icon;
+}
+
+QIcon bundledIcon(const QString &name)
+{
+    return drawnIcon(name, QGuiApplication::palette().color(QPalette::WindowText));
+}
+
+QColor overdueColor(const QPalette &palette)
+{
+    const bool dark = palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
+    return QColor(dark ? 0xf08273 : 0xb9372b);
+}
+
+QIcon taskStateIcon(const QString &icon)
+{
+    const QPalette palette = QGuiApplication::palette();
+    if (tm_taskIsDoneOrCanceled(icon)) return drawnIcon(icon, palette.color(QPalette::PlaceholderText));
+    if (icon.endsWith(u"-due")) return drawnIcon(icon.chopped(4), overdueColor(palette));
+    return drawnIcon(icon, palette.color(QPalette::WindowText));
 }
 
 QIcon themedIcon(const QString &freedesktopName, const QString &bundledName)

@@ -2,8 +2,11 @@
 // Icons: the desktop's own by their freedesktop names, the bundled set behind them, drawn in the text's colour.
 #pragma once
 
+#include <QColor>
 #include <QIcon>
 #include <QString>
+
+class QPalette;
 
 namespace tomelet {
 class TMLTOutlineItem;
@@ -16,6 +19,10 @@ namespace tomelet::desktop {
 /// The theme's icon, or the bundled one where the theme has none.
 [[nodiscard]] QIcon themedIcon(const QString &freedesktopName, const QString &bundledName);
 [[nodiscard]] QIcon outlineIcon(const TMLTOutlineItem &item);
+/// The ring for a task icon ("task-open", "task-started-due"): overdue in the colour for that, finished dimmed.
+[[nodiscard]] QIcon taskStateIcon(const QString &icon);
+/// The colour of what is overdue, as text on the palette's base.
+[[nodiscard]] QColor overdueColor(const QPalette &palette);
 [[nodiscard]] QIcon documentIcon(const QString &path);
 /// Forgets what was drawn, after the palette changed.
 void clearIconCache();

@@ -4,6 +4,7 @@
 
 #include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
+#include "desktop/DocumentListView.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/InfoPanel.h"
 #include "desktop/OutlinePane.h"
@@ -17,7 +18,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenuBar>
 #include <QPixmap>
 #include <QUrl>
@@ -39,6 +39,7 @@ void MainWindow::makeActions()
     makeTextMenu();
     makeViewMenu();
     makeOrganiseMenu();
+    makeTaskMenu();
     makeStorageMenu();
 }
 

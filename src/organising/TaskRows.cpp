@@ -62,6 +62,24 @@ TaskRow taskRowOf(const QString &path, const QVariant &record)
     return {sortDateOf(values), taskIcon(stateOf(values), due), repeatRuleOf(values).has_value()};
 }
 
+QDateTime dueDateOfRow(const QVariantMap &row)
+{
+    const QString icon = row.value(QStringLiteral("taskIcon")).toString();
+    const QDateTime date = row.value(QStringLiteral("DueDate")).toDateTime();
+    const bool isOpen = !icon.isEmpty() && !tm_taskIsDoneOrCanceled(icon);
+    return isOpen && date != referenceDate().addSecs(placeOfUndated) ? date : QDateTime();
+}
+
+QDateTime finishingDateOfRow(const QVariantMap &row)
+{
+    const QString icon = row.value(QStringLiteral("taskIcon")).toString();
+    if (!tm_taskIsDoneOrCanceled(icon)) return {};
+    const qint64 place = icon.contains(u"done") ? placeOfDone : placeOfCanceled;
+    const qint64 mirrored =
+        row.value(QStringLiteral("DueDate")).toDateTime().msecsTo(referenceDate().addSecs(place));
+    return mirrored == 0 ? QDateTime() : referenceDate().addMSecs(mirrored);
+}
+
 // -- the due list
 // -----------------------------------------------------------------------------------------------------
 
@@ -93,8 +111,10 @@ void chooseDueLookAhead(int index)
                          index > 0 ? QVariant(qlonglong(index)) : QVariant());
 }
 
+enum class DueCounters { Leave, PutRight };
+
 // Calls the taker for each due task, book by book.
-static DueCounts findDueTasks(const QString &root,
+static DueCounts findDueTasks(const QString &root, DueCounters counters,
                               const std::function<void(const QString &book, const LiveTask &task)> &taker)
 {
     logLine(QStringLiteral("getting due tasks"));
@@ -118,7 +138,7 @@ static DueCounts findDueTasks(const QString &root,
             taker(book, task);
         }
         all.overdue += overdue;
-        if (overdue == store.dueCount()) continue;
+        if (counters == DueCounters::Leave || overdue == store.dueCount()) continue;
         store.setDueCount(overdue);
         store.save();
     }
@@ -127,7 +147,7 @@ static DueCounts findDueTasks(const QString &root,
 
 DueCounts countDueTasks(const QString &root)
 {
-    return findDueTasks(root, [](const QString &, const LiveTask &) {});
+    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) {});
 }
 
 QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
@@ -135,7 +155,7 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
     QVariantList rows;
     QString sourcesBook;
     RowSources sources;
-    const DueCounts counts = findDueTasks(root, [&](const QString &book, const LiveTask &task) {
+    const auto taker = [&](const QString &book, const LiveTask &task) {
         if (numbers) return;
         if (book != sourcesBook) {
             // Manual order plays no part in this list; the pins of a book are read once.
@@ -145,7 +165,8 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
             sourcesBook = book;
         }
         rows.append(itemRow(joinPath(book, task.name), true, task.record, sources));
-    });
+    };
+    const DueCounts counts = findDueTasks(root, DueCounters::PutRight, taker);
     if (numbers) return {counts.taken, counts.overdue};
     return rows;
 }
