@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
+#include <QTextCharFormat>
 #include <QTimeEdit>
 #include <QVBoxLayout>
 
@@ -75,8 +76,12 @@ void DueDateDialogBox::makeFields()
 {
     m_calendar->setAccessibleName(localized(TOMELET_TEXT("Calendar")));
     m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) m_calendar->setWeekdayTextFormat(day, {});
     m_date->setAccessibleName(localized(TOMELET_TEXT("Due date")));
     m_date->setMinimumDate(QDate(100, 1, 1));
+    // Two digits would change the century of what they show.
+    if (QString format = m_date->displayFormat(); !format.contains(u"yyyy"))
+        m_date->setDisplayFormat(format.replace(QLatin1String("yy"), QLatin1String("yyyy")));
     m_time->setAccessibleName(localized(TOMELET_TEXT("Time of the alert")));
     m_type->setAccessibleName(localized(TOMELET_TEXT("Repeat")));
     m_type->addItems(TMLTDueDatePicker::typeTitles());

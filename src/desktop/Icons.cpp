@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/Icons.h"
 
+#include "desktop/OutlineBadges.h"
 #include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
@@ -66,11 +67,16 @@ QColor overdueColor(const QPalette &palette)
     return QColor(dark ? 0xf08273 : 0xb9372b);
 }
 
+QIcon overdueIcon(const QString &name)
+{
+    return drawnIcon(name, overdueColor(QGuiApplication::palette()));
+}
+
 QIcon taskStateIcon(const QString &icon)
 {
     const QPalette palette = QGuiApplication::palette();
     if (tm_taskIsDoneOrCanceled(icon)) return drawnIcon(icon, palette.color(QPalette::PlaceholderText));
-    if (icon.endsWith(u"-due")) return drawnIcon(icon.chopped(4), overdueColor(palette));
+    if (icon.endsWith(u"-due")) return overdueIcon(icon.chopped(4));
     return drawnIcon(icon, palette.color(QPalette::WindowText));
 }
 
@@ -79,15 +85,22 @@ QIcon themedIcon(const QString &freedesktopName, const QString &bundledName)
     return QIcon::hasThemeIcon(freedesktopName) ? QIcon::fromTheme(freedesktopName) : bundledIcon(bundledName);
 }
 
-QIcon outlineIcon(const TMLTOutlineItem &item)
+static QIcon tasklistIcon(const Badge &badge)
 {
+    const QString name = QStringLiteral("tasklist");
+    return badge.due > 0 ? overdueIcon(name) : bundledIcon(name);
+}
+
+QIcon outlineIcon(const TMLTOutlineItem &item, const Badge &badge)
+{
+    if (badge.isTasklist && item.smartBookType() == OrdinaryBook) return tasklistIcon(badge);
     switch (item.smartBookType()) {
     case ContextBook:
     case ContextsBook: return bundledIcon(QStringLiteral("tag"));
     case SearchResultsBook: return bundledIcon(QStringLiteral("search"));
     case DueTasksBook: return bundledIcon(QStringLiteral("due"));
     case FavoritesBook: return bundledIcon(QStringLiteral("star"));
-    case InboxBook: return bundledIcon(QStringLiteral("inbox"));
+    case InboxBook: return bundledIcon(badge.total > 0 ? QStringLiteral("inbox-filled") : QStringLiteral("inbox"));
     case AllTaskListsBook: return bundledIcon(QStringLiteral("tasks"));
     case RecentItemsBook: return bundledIcon(QStringLiteral("recent"));
     case RecentlyModifiedBook: return bundledIcon(QStringLiteral("modified"));

@@ -14,11 +14,16 @@ class TMLTOutlineItem;
 
 namespace tomelet::desktop {
 
+struct Badge;
+
 /// The bundled icon of that name ("book", "pin") in the colour of the window's text.
 [[nodiscard]] QIcon bundledIcon(const QString &name);
 /// The theme's icon, or the bundled one where the theme has none.
 [[nodiscard]] QIcon themedIcon(const QString &freedesktopName, const QString &bundledName);
-[[nodiscard]] QIcon outlineIcon(const TMLTOutlineItem &item);
+/// A tasklist has another icon than a book, and one in the colour for it while a task is overdue.
+[[nodiscard]] QIcon outlineIcon(const TMLTOutlineItem &item, const Badge &badge);
+/// The same in the colour of what is overdue.
+[[nodiscard]] QIcon overdueIcon(const QString &name);
 /// The ring for a task icon ("task-open", "task-started-due"): overdue in the colour for that, finished dimmed.
 [[nodiscard]] QIcon taskStateIcon(const QString &icon);
 /// The colour of what is overdue, as text on the palette's base.

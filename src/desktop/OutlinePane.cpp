@@ -2,6 +2,9 @@
 #include "desktop/OutlinePane.h"
 
 #include "desktop/ItemActions.h"
+#include "desktop/LauncherBadge.h"
+#include "desktop/OutlineBadges.h"
+#include "desktop/OutlineDelegate.h"
 #include "desktop/OutlineModel.h"
 #include "foundation/Localization.h"
 #include "library/Root.h"
@@ -15,6 +18,9 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     , m_model(new OutlineModel(actions, this))
 {
     setModel(m_model);
+    setItemDelegate(new OutlineDelegate(this));
+    connect(m_model->badges(), &OutlineBadges::changed, viewport(), qOverload<>(&QWidget::update));
+    connect(m_model->badges(), &OutlineBadges::overdueChanged, this, showLauncherBadge);
     setHeaderHidden(true);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(localized(TOMELET_TEXT("Books")));

@@ -3,6 +3,7 @@
 #include "desktop/DocumentListModel.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/DueDateDialogBox.h"
+#include "desktop/InfoPanel.h"
 #include "desktop/MainWindow.h"
 #include "desktop/OutlinePane.h"
 #include "desktop/TaskActions.h"
@@ -30,6 +31,10 @@ void MainWindow::makeTaskMenu()
     makeTasklistCommands(menu);
     menu->addSeparator();
     makeTaskListViewCommands(menu);
+    connect(m_info, &InfoPanel::dueDateWanted, this,
+            [this](const QString &path) { chooseDueDates(m_actions, {path}, dueDateDialogOver(this)); });
+    connect(m_info, &InfoPanel::noAlertWanted, this, [this](const QString &path) { clearAlertsOf(m_actions, {path}); });
+    connect(m_info, &InfoPanel::noDueDateWanted, this, [this](const QString &path) { clearDueDates(m_actions, {path}); });
 }
 
 // The documents selected in the list, or else the one on display.
