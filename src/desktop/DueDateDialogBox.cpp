@@ -88,6 +88,12 @@ void DueDateDialogBox::makeFields()
     m_factor->setAccessibleName(localized(TOMELET_TEXT("How many")));
     m_factor->setRange(1, largestFactor);
     m_unit->setAccessibleName(localized(TOMELET_TEXT("Unit of time")));
+    // The dialog keeps its size while they come and go.
+    for (QWidget *field : {static_cast<QWidget *>(m_factor), static_cast<QWidget *>(m_unit)}) {
+        QSizePolicy policy = field->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        field->setSizePolicy(policy);
+    }
 
     connect(m_calendar, &QCalendarWidget::selectionChanged, m_date,
             [this] { m_date->setDate(m_calendar->selectedDate()); });

@@ -75,14 +75,26 @@ private:
         const TaskState now = stateOf(tm_getAllTaskDetails(task.path).value_or(TaskRecord()));
         const TaskState before = stateOf(task.record);
         if (const QString copy = std::exchange(task.copy, {}); itemExists(copy)) {
+            tm_moveTaskToPath(copy, {});
             performDeleteSelectedItems({copy}, false);
             notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), copy);
         }
         tm_setTaskDetails(task.path, task.record);
         tm_correctTaskCountAtPathWithCleanup(parentPath(task.path), false);
-        // In the text that it came from, a started task is marked as an open one.
-        if (now != before && before != TaskState::NoTask)
-            mirrorTaskState(task.path, before == TaskState::Started ? TaskState::Open : before);
+        if (now != TaskState::NoTask && before != TaskState::NoTask) turnMarkBack(task.path, now, before);
+    }
+
+    // The mark in the text that the task came from only goes round the ring, where a started task is an open one.
+    static void turnMarkBack(const QString &path, TaskState from, TaskState to)
+    {
+        static constexpr TaskState ring[] = {TaskState::Open, TaskState::Done, TaskState::Canceled};
+        const auto place = [](TaskState state) {
+            return state == TaskState::Done ? 1 : state == TaskState::Canceled ? 2 : 0;
+        };
+        for (int at = place(from); at != place(to);) {
+            at = (at + 1) % 3;
+            mirrorTaskState(path, ring[at]);
+        }
     }
 
     QList<Before> m_before;
