@@ -139,6 +139,7 @@ void MainWindow::makeViewMenu()
         updateListTexts();
     });
     m_descending->setCheckable(true);
+    makeSmartBookCommands(menu);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Show &Books"), QKeySequence(QStringLiteral("Ctrl+Alt+1")),
         [this] { m_outline->setVisible(!m_outline->isVisible()); });

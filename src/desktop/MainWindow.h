@@ -71,6 +71,8 @@ private:
     void makeTaskCommands(QMenu *menu);
     void makeTasklistCommands(QMenu *menu);
     void makeTaskListViewCommands(QMenu *menu);
+    void makeSmartBookCommands(QMenu *menu);
+    void followDays();
     [[nodiscard]] QStringList taskTargets() const;
     [[nodiscard]] QString tasklistTarget() const;
     void extractTasks();

@@ -28,6 +28,7 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     setBackgroundRole(QPalette::Window);
     viewport()->setBackgroundRole(QPalette::Window);
     setIndentation(16);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
     setIconSize({18, 18});
     setDragEnabled(true);
     setAcceptDrops(true);
@@ -146,7 +147,7 @@ void OutlinePane::showSelection()
     ListSource source;
     source.smartType = item->smartBookType();
     if (source.smartType == OrdinaryBook) source.book = item->fullPath();
-    if (source.smartType == ContextBook) source.contexts = {item->relativePath()};
+    if (source.smartType == ContextBook) source.contexts = selectedContexts();
     Q_EMIT sourceSelected(source);
 }
 

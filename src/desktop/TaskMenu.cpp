@@ -18,6 +18,7 @@
 #include <QActionGroup>
 #include <QInputDialog>
 #include <QMenuBar>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -31,6 +32,7 @@ void MainWindow::makeTaskMenu()
     makeTasklistCommands(menu);
     menu->addSeparator();
     makeTaskListViewCommands(menu);
+    followDays();
     connect(m_info, &InfoPanel::dueDateWanted, this,
             [this](const QString &path) { chooseDueDates(m_actions, {path}, dueDateDialogOver(this)); });
     connect(m_info, &InfoPanel::noAlertWanted, this, [this](const QString &path) { clearAlertsOf(m_actions, {path}); });
@@ -150,6 +152,23 @@ static QAction *addSwitch(QMenu *menu, const char *text, const QString &key, con
     return action;
 }
 
+// A setting that holds the index of one of the titles.
+static void addChoices(QMenu *menu, const QStringList &titles, const QString &key,
+                       const std::function<void(int index)> &choose)
+{
+    auto *choices = new QActionGroup(menu);
+    for (int index = 0; index < titles.size(); ++index) {
+        QAction *choice = menu->addAction(titles[index], menu, [choose, index] { choose(index); });
+        choice->setCheckable(true);
+        choices->addAction(choice);
+    }
+    QObject::connect(menu, &QMenu::aboutToShow, choices, [choices, key] {
+        const qlonglong chosen = settings().integer(key);
+        for (int index = 0; index < choices->actions().size(); ++index)
+            choices->actions()[index]->setChecked(index == chosen);
+    });
+}
+
 void MainWindow::makeTaskListViewCommands(QMenu *menu)
 {
     const auto reload = [] { notifications().post(QStringLiteral("TMLTReloadCurrentBook")); };
@@ -158,21 +177,37 @@ void MainWindow::makeTaskListViewCommands(QMenu *menu)
     addSwitch(menu, TOMELET_TEXT("Show &Open Checklist Count per Document"), QStringLiteral("showOpenChecklistItems"), reload);
     addSwitch(menu, TOMELET_TEXT("Show All Task Lists in the &Outline"), QStringLiteral("smartBookAllTaskLists"),
               [] { notifications().post(QStringLiteral("TMLTUpdateAllTaskLists")); });
-    QMenu *ahead = menu->addMenu(localized(TOMELET_TEXT("Look Ahead &for Due Tasks")));
-    auto *choices = new QActionGroup(ahead);
-    const QStringList titles = dueLookAheadTitles();
-    for (int index = 0; index < titles.size(); ++index) {
-        QAction *choice = ahead->addAction(titles[index], this, [this, index] {
-            chooseDueLookAhead(index);
-            dueTasksChanged();
-        });
-        choice->setCheckable(true);
-        choices->addAction(choice);
-    }
-    connect(ahead, &QMenu::aboutToShow, choices, [choices] {
-        const qlonglong index = settings().integer(QStringLiteral("dueTasksLookAhead"));
-        for (int i = 0; i < choices->actions().size(); ++i) choices->actions()[i]->setChecked(i == index);
+    addChoices(menu->addMenu(localized(TOMELET_TEXT("Look Ahead &for Due Tasks"))), dueLookAheadTitles(),
+               QStringLiteral("dueTasksLookAhead"), [this](int index) {
+                   chooseDueLookAhead(index);
+                   dueTasksChanged();
+               });
+}
+
+void MainWindow::makeSmartBookCommands(QMenu *menu)
+{
+    const QString weeks = localized(TOMELET_TEXT("weeks"));
+    const QString key = QStringLiteral("recentlyModifiedSince");
+    const QStringList titles{localized(TOMELET_TEXT("past week")), QString(u"2 " + weeks), QString(u"3 " + weeks),
+                             QString(u"4 " + weeks)};
+    addChoices(menu->addMenu(localized(TOMELET_TEXT("Show Modified &within..."))), titles, key, [key](int index) {
+        settings().setObject(key, index == 0 ? QVariant() : QVariant(qlonglong(index)));
+        notifications().post(QStringLiteral("TMLTReloadCurrentBook"));
     });
+}
+
+// "Tomorrow" is "Today" from midnight on, and what one looks ahead to moves along.
+void MainWindow::followDays()
+{
+    auto *timer = new QTimer(this);
+    const auto today = [] { return platform().clock.now().toLocalTime().date(); };
+    connect(timer, &QTimer::timeout, this, [this, today, day = today()]() mutable {
+        if (day == today()) return;
+        day = today();
+        dueTasksChanged();
+        notifications().post(QStringLiteral("TMLTReloadCurrentBook"));
+    });
+    timer->start(std::chrono::seconds(30));
 }
 
 } // namespace tomelet::desktop
