@@ -242,6 +242,7 @@ void MainWindow::showItem(const QString &path)
 void MainWindow::dueTasksChanged()
 {
     m_outlineController.updateSmartBookOfType(DueTasksBook);
+    m_outline->recount();
     if (m_listModel->controller().source().smartType == DueTasksBook) reloadListFor({});
 }
 

@@ -68,7 +68,7 @@ OutlineBadges::OutlineBadges(QObject *parent)
 {
     m_soon->setSingleShot(true);
     m_soon->setInterval(150ms);
-    connect(m_soon, &QTimer::timeout, this, &OutlineBadges::beginAnew);
+    connect(m_soon, &QTimer::timeout, this, &OutlineBadges::recount);
     for (const QString &name :
          {QStringLiteral("TMLTFileModifiedOnDiskNotification"), QStringLiteral("TMLTFileDeletedFromDiskNotification"),
           QStringLiteral("TMLTFileMovedNotification"), QStringLiteral("TMLTUpdateAllTaskLists"),
@@ -117,7 +117,7 @@ void OutlineBadges::take(const QString &key, quint64 generation, const Badge &ba
 }
 
 // Rows that are in sight ask by being painted; the number on the program's icon is always in sight.
-void OutlineBadges::beginAnew()
+void OutlineBadges::recount()
 {
     ++m_generation;
     ask(dueKey);

@@ -37,6 +37,9 @@ public:
     /// What is known of the row; asks for the count where that is not certain.
     [[nodiscard]] Badge badgeOf(const TMLTOutlineItem &item);
 
+    /// All counts may have changed.
+    void recount();
+
 Q_SIGNALS:
     /// Rows are to be drawn anew.
     void changed();
@@ -52,7 +55,6 @@ private:
 
     void ask(const QString &key);
     void take(const QString &key, quint64 generation, const Badge &badge);
-    void beginAnew();
 
     QHash<QString, Known> m_known;
     quint64 m_generation = 1; ///< goes up whenever counts may have changed

@@ -71,6 +71,11 @@ void OutlinePane::editName(const QString &path)
     edit(index);
 }
 
+void OutlinePane::recount()
+{
+    m_model->badges()->recount();
+}
+
 // -- what the controller asks -----------------------------------------------------------------------------------------
 
 bool OutlinePane::isExpanded(TMLTOutlineItem *item)
