@@ -244,15 +244,27 @@ static QStringList namesOf(const QList<QVariantMap> &rows)
     return names;
 }
 
+// What the filter or the hiding of done tasks leaves out keeps its place behind the name that it stood behind.
+static QStringList withUnseen(QStringList shown, const QStringList &before)
+{
+    for (qsizetype i = 0; i < before.size(); ++i)
+        if (!shown.contains(before[i])) shown.insert(i == 0 ? 0 : shown.indexOf(before[i - 1]) + 1, before[i]);
+    return shown;
+}
+
 void TMLTDocumentListViewController::saveCustomSortOrder()
 {
     if (!isPlainBook()) return;
     const QString book = bookOf(m_source);
     // While the tree shows the books, the list knows nothing of their order.
+    const QVariantMap properties = readDictionary(bookPropertiesPath(book));
     const QStringList books = settings().boolean(QStringLiteral("outlineIsCollapsed"))
                                   ? namesOf(booksList)
-                                  : readDictionary(bookPropertiesPath(book)).value(QStringLiteral("Books")).toStringList();
-    tomelet::saveCustomSortOrder(book, books, namesOf(documentsList));
+                                  : properties.value(QStringLiteral("Books")).toStringList();
+    QStringList documents = namesOf(documentsList);
+    if (numberOfHiddenDoneTasks > 0 || !searchFilter.isEmpty())
+        documents = withUnseen(documents, properties.value(QStringLiteral("Notes")).toStringList());
+    tomelet::saveCustomSortOrder(book, books, documents);
     notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), bookPropertiesPath(book));
 }
 

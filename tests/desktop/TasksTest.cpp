@@ -15,6 +15,7 @@
 #include "organising/DueDateCalendar.h"
 
 #include <QApplication>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -142,6 +143,22 @@ TEST_F(DesktopTasks, doneTasksAreHiddenWhereTheSettingSaysSo)
     settings().remove(QStringLiteral("hideDoneTasks"));
     model.reload();
     EXPECT_EQ(model.rowCount(), 2);
+}
+
+TEST_F(DesktopTasks, theManualOrderKeepsWhatIsHidden)
+{
+    const QStringList order{QStringLiteral("c.md"), QStringLiteral("done.md"), QStringLiteral("a.md"), QStringLiteral("b.md")};
+    for (const QString &name : order) task(name);
+    saveCustomSortOrder(list, {}, order);
+    tm_setProperty(list, QStringLiteral("custom"), QStringLiteral("sortOrderForNotes"));
+    setStore({{QStringLiteral("done.md"), record("done")}});
+    settings().setObject(QStringLiteral("hideDoneTasks"), true);
+    showList({list, 0, {}});
+    model.setFilter(QStringLiteral(".md"));
+    const std::unique_ptr<QMimeData> dragged(model.mimeData({rowOf(list + QStringLiteral("/b.md"))}));
+    model.dropMimeData(dragged.get(), Qt::MoveAction, 0, 0, {});
+    EXPECT_EQ(plist(QStringLiteral("/List/BookProperties.plist")).value(QStringLiteral("Notes")).toStringList().join(u' '),
+              QStringLiteral("b.md c.md done.md a.md"));
 }
 
 TEST_F(DesktopTasks, ringAndSpaceBarGoOneStateOn)
