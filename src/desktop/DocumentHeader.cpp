@@ -115,7 +115,8 @@ void DocumentHeader::showProperties()
 
 void DocumentHeader::showTask()
 {
-    const QString icon = m_path.isEmpty() ? QString() : tm_iconForTask(m_path);
+    const bool own = !m_path.isEmpty() && tm_itemIsChildOfTomelet(m_path);
+    const QString icon = own ? tm_iconForTask(m_path) : QString();
     m_task->setVisible(!icon.isEmpty());
     if (icon.isEmpty()) return;
     const QString state = taskStateText(icon);

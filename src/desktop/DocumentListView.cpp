@@ -10,7 +10,8 @@
 
 namespace tomelet::desktop {
 
-DocumentListView::DocumentListView(QWidget *parent) : QListView(parent)
+DocumentListView::DocumentListView(QWidget *parent)
+    : QListView(parent)
 {
     setItemDelegate(new DocumentDelegate(this));
     setFrameShape(QFrame::NoFrame);
@@ -27,7 +28,8 @@ QModelIndex DocumentListView::taskRingAt(const QPoint &position) const
 {
     const QModelIndex index = indexAt(position);
     if (index.data(DocumentListModel::TaskIconRole).toString().isEmpty()) return {};
-    const QRect ring = DocumentDelegate::iconArea(visualRect(index), layoutDirection()).adjusted(-4, -4, 4, 4);
+    const QRect ring =
+        DocumentDelegate::iconArea(visualRect(index), layoutDirection()).adjusted(-4, -4, 4, 4);
     return ring.contains(position) ? index : QModelIndex();
 }
 
@@ -45,8 +47,10 @@ void DocumentListView::mouseMoveEvent(QMouseEvent *event)
 
 void DocumentListView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (taskRingAt(event->pos()).isValid()) mousePressEvent(event);
-    else QListView::mouseDoubleClickEvent(event);
+    if (taskRingAt(event->pos()).isValid())
+        mousePressEvent(event);
+    else
+        QListView::mouseDoubleClickEvent(event);
 }
 
 void DocumentListView::mouseReleaseEvent(QMouseEvent *event)
@@ -60,7 +64,8 @@ void DocumentListView::mouseReleaseEvent(QMouseEvent *event)
 void DocumentListView::keyPressEvent(QKeyEvent *event)
 {
     const bool plain = event->modifiers() == Qt::NoModifier;
-    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && state() != EditingState) {
+    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
+        state() != EditingState) {
         if (currentIndex().isValid()) Q_EMIT openWanted(currentIndex());
         return;
     }

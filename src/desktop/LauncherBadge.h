@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The number on the program's icon in docks that show one: the LauncherEntry interface, which the docks of several
-// desktops listen to on the session bus.
+// The number on the program's icon in docks that show one: the LauncherEntry interface, which the docks of
+// several desktops listen to on the session bus.
 #pragma once
 
 #include <QtGlobal>

@@ -26,17 +26,23 @@ QString keyOf(const TMLTOutlineItem &item)
 {
     if (item.isGroupItem()) return {};
     switch (item.smartBookType()) {
-    case DueTasksBook: return dueKey;
-    case InboxBook: return inboxMark + item.fullPath();
-    case OrdinaryBook: return item.fullPath();
-    default: return {};
+    case DueTasksBook:
+        return dueKey;
+    case InboxBook:
+        return inboxMark + item.fullPath();
+    case OrdinaryBook:
+        return item.fullPath();
+    default:
+        return {};
     }
 }
 
 Badge countTasklist(const QString &book)
 {
     const QVariantMap counts = tm_allOpenTasksCountingDescendants(book, true);
-    const auto number = [&counts](const char *key) { return counts.value(QLatin1StringView(key)).toLongLong(); };
+    const auto number = [&counts](const char *key) {
+        return counts.value(QLatin1StringView(key)).toLongLong();
+    };
     return {number("totalTasks") - number("doneTasks"), number("dueTasks"), true};
 }
 
@@ -44,7 +50,8 @@ Badge countInbox(const QString &book)
 {
     Badge badge;
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>()))
-        if (!entry.name.contains(u"TMImages") && !tm_pathIsExcludedFromDisplay(joinPath(book, entry.name))) ++badge.total;
+        if (!entry.name.contains(u"TMImages") && !tm_pathIsExcludedFromDisplay(joinPath(book, entry.name)))
+            ++badge.total;
     return badge;
 }
 
@@ -70,9 +77,10 @@ OutlineBadges::OutlineBadges(QObject *parent)
     m_soon->setInterval(150ms);
     connect(m_soon, &QTimer::timeout, this, &OutlineBadges::recount);
     for (const QString &name :
-         {QStringLiteral("TMLTFileModifiedOnDiskNotification"), QStringLiteral("TMLTFileDeletedFromDiskNotification"),
-          QStringLiteral("TMLTFileMovedNotification"), QStringLiteral("TMLTUpdateAllTaskLists"),
-          QStringLiteral("TMLTUpdateDefaultInbox"), remindersRebuiltNotification})
+         {QStringLiteral("TMLTFileModifiedOnDiskNotification"),
+          QStringLiteral("TMLTFileDeletedFromDiskNotification"), QStringLiteral("TMLTFileMovedNotification"),
+          QStringLiteral("TMLTUpdateAllTaskLists"), QStringLiteral("TMLTUpdateDefaultInbox"),
+          remindersRebuiltNotification})
         m_subscriptions.push_back(notifications().observe(name, [this](const QVariantMap &) {
             if (!m_soon->isActive()) m_soon->start();
         }));
@@ -98,7 +106,8 @@ void OutlineBadges::ask(const QString &key)
     known.askedIn = m_generation;
     m_queue.add([this, key, generation = m_generation] {
         const Badge badge = countFor(key);
-        QMetaObject::invokeMethod(this, [=, this] { take(key, generation, badge); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [=, this] { take(key, generation, badge); }, Qt::QueuedConnection);
     });
 }
 

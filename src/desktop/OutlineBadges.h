@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The counts beside the rows of the outline. A paint reads what is known; what is not known, or may have changed, is
-// counted on a thread of its own, and the rows are drawn anew when it is there.
+// The counts beside the rows of the outline. A paint reads what is known; what is not known, or may have
+// changed, is counted on a thread of its own, and the rows are drawn anew when it is there.
 #pragma once
 
 #include "foundation/NotificationCenter.h"

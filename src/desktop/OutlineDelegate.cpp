@@ -48,20 +48,23 @@ QList<Pill> pillsOf(const QModelIndex &index, const QPalette &palette, const QFo
 
 } // namespace
 
-void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                            const QModelIndex &index) const
 {
     const QFont font = pillFont(option.font);
     const QFontMetrics metrics(font);
     const QList<Pill> pills = pillsOf(index, option.palette, metrics);
     int reserved = pills.isEmpty() ? 0 : gap;
-    for (const Pill &pill : pills) reserved += pill.width + gap;
+    for (const Pill &pill : pills)
+        reserved += pill.width + gap;
 
     QStyleOptionViewItem row = option;
     initStyleOption(&row, index);
     const int textWidth = row.rect.width() - row.decorationSize.width() - 3 * gap - reserved;
     row.text = QFontMetrics(row.font).elidedText(row.text, Qt::ElideRight, std::max(0, textWidth));
     const QWidget *widget = option.widget;
-    (widget ? widget->style() : QApplication::style())->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
+    (widget ? widget->style() : QApplication::style())
+        ->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
 
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
@@ -71,15 +74,18 @@ void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     for (const Pill &pill : pills) {
         QRect shape(0, 0, pill.width, metrics.height() + 2);
         shape.moveCenter(area.center());
-        if (option.direction == Qt::RightToLeft) shape.moveLeft(area.left());
-        else shape.moveRight(area.right());
+        if (option.direction == Qt::RightToLeft)
+            shape.moveLeft(area.left());
+        else
+            shape.moveRight(area.right());
         painter->setPen(Qt::NoPen);
         painter->setBrush(selected ? option.palette.color(QPalette::HighlightedText) : pill.fill);
         painter->drawRoundedRect(shape, shape.height() / 2.0, shape.height() / 2.0);
         painter->setPen(selected ? option.palette.color(QPalette::Highlight) : pill.ink);
         painter->drawText(shape, Qt::AlignCenter, pill.text);
         const int used = pill.width + gap;
-        area.adjust(option.direction == Qt::RightToLeft ? used : 0, 0, option.direction == Qt::RightToLeft ? 0 : -used, 0);
+        area.adjust(option.direction == Qt::RightToLeft ? used : 0, 0,
+                    option.direction == Qt::RightToLeft ? 0 : -used, 0);
     }
     painter->restore();
 }

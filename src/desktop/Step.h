@@ -13,8 +13,10 @@ public:
     using QUndoCommand::QUndoCommand;
     void redo() final
     {
-        if (m_first) m_first = false;
-        else again();
+        if (m_first)
+            m_first = false;
+        else
+            again();
     }
     virtual void again() = 0;
 

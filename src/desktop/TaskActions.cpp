@@ -35,18 +35,20 @@ public:
     /// The copies that repeating tasks leave behind belong to the step.
     void followRepeats()
     {
-        m_repeated =
-            notifications().observe(taskRepeatedNotification, [this](const QVariantMap &told) { noteCopy(told); });
+        m_repeated = notifications().observe(taskRepeatedNotification,
+                                             [this](const QVariantMap &told) { noteCopy(told); });
     }
 
     void again() override
     {
-        for (const Before &task : m_before) m_change(task.path);
+        for (const Before &task : m_before)
+            m_change(task.path);
     }
 
     void undo() override
     {
-        for (Before &task : m_before) putBack(task);
+        for (Before &task : m_before)
+            putBack(task);
     }
 
 private:
@@ -84,7 +86,8 @@ private:
         if (now != TaskState::NoTask && before != TaskState::NoTask) turnMarkBack(task.path, now, before);
     }
 
-    // The mark in the text that the task came from only goes round the ring, where a started task is an open one.
+    // The mark in the text that the task came from only goes round the ring, where a started task is an open
+    // one.
     static void turnMarkBack(const QString &path, TaskState from, TaskState to)
     {
         static constexpr TaskState ring[] = {TaskState::Open, TaskState::Done, TaskState::Canceled};
@@ -119,8 +122,7 @@ public:
         : Step(text)
         , m_book(std::move(book))
         , m_isNew(!itemExists(taskStorePath(m_book)) && !itemExists(inactiveTaskStorePath(m_book)))
-    {
-    }
+    {}
     void again() override { toggle(true); }
     void undo() override { toggle(!m_isNew); }
 
@@ -140,7 +142,8 @@ private:
 QStringList itemsInTasklists(const QStringList &paths)
 {
     QStringList items = paths;
-    items.removeIf([](const QString &path) { return pathIsPlainBook(path) || !tm_bookIsTasklist(parentPath(path)); });
+    items.removeIf(
+        [](const QString &path) { return pathIsPlainBook(path) || !tm_bookIsTasklist(parentPath(path)); });
     return items;
 }
 
@@ -150,7 +153,7 @@ bool hasDueDate(const QString &path)
     return due != farFuture() && due != farPast();
 }
 
-// -- tasks ------------------------------------------------------------------------------------------------------------
+// -- tasks --------------------------------------------------------------------------------------------------
 
 void toggleTasks(ItemActions &actions, const QStringList &paths)
 {
@@ -182,8 +185,10 @@ void chooseDueDates(ItemActions &actions, const QStringList &paths, const DueDat
         chosen->second = choice;
         return chosen->first;
     });
-    if (chosen->first == 0 || chosen->first == 1) actions.undoStack().push(step);
-    else delete step;
+    if (chosen->first == 0 || chosen->first == 1)
+        actions.undoStack().push(step);
+    else
+        delete step;
 }
 
 void clearDueDates(ItemActions &actions, const QStringList &paths)
@@ -208,7 +213,7 @@ void stopRepeating(ItemActions &actions, const QStringList &paths)
            [](const QString &path) { tm_setRepeatDetails(path, {}); });
 }
 
-// -- tasklists --------------------------------------------------------------------------------------------------------
+// -- tasklists ----------------------------------------------------------------------------------------------
 
 void toggleTasklist(ItemActions &actions, const QString &book)
 {
@@ -226,10 +231,11 @@ QString newTasklist(ItemActions &actions, const QString &parent)
 
 void resetTasks(const QString &book)
 {
-    const int answer = askQuestion({localized(TOMELET_TEXT("Reset all tasks?")),
-                                    localized(TOMELET_TEXT("You are about to clear task states, due dates and "
-                                                           "reminders.\nYou cannot undo this action.")),
-                                    {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}});
+    const int answer =
+        askQuestion({localized(TOMELET_TEXT("Reset all tasks?")),
+                     localized(TOMELET_TEXT("You are about to clear task states, due dates and "
+                                            "reminders.\nYou cannot undo this action.")),
+                     {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer == 0) tm_resetTasklist(book);
 }
 
@@ -240,7 +246,8 @@ QStringList extractTasksOf(ItemActions &actions, const QStringList &documents)
         if (!pathIsPlainBook(path)) made += extractMarkedTasks(path);
     if (made.isEmpty()) return made;
     actions.undoStack().beginMacro(localized(TOMELET_TEXT("Extract Tasks")));
-    for (const QString &path : made) actions.noteCreation({}, path);
+    for (const QString &path : made)
+        actions.noteCreation({}, path);
     actions.undoStack().endMacro();
     return made;
 }

@@ -40,7 +40,8 @@ protected:
     [[nodiscard]] QString chosen() const
     {
         const DueDateChoice choice = box->choice();
-        return choice.date.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm ")) + choice.repeatDetails.join(u' ');
+        return choice.date.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm ")) +
+               choice.repeatDetails.join(u' ');
     }
 
     std::unique_ptr<DueDateDialogBox> box;
@@ -52,7 +53,8 @@ TEST_F(DueDate, givesBackWhatItStartedWith)
 {
     open(QStringLiteral("2026-11-21T00:00:00"));
     EXPECT_EQ(chosen(), QStringLiteral("2026-11-21 00:00 "));
-    open(QStringLiteral("2026-11-21T17:45:00"), {QStringLiteral("when done"), QStringLiteral("month"), QStringLiteral("3")});
+    open(QStringLiteral("2026-11-21T17:45:00"),
+         {QStringLiteral("when done"), QStringLiteral("month"), QStringLiteral("3")});
     EXPECT_EQ(chosen(), QStringLiteral("2026-11-21 17:45 when done month 3"));
     // The hour that comes twice, and a date of long ago.
     open(QStringLiteral("2026-10-25T02:30:00"));
@@ -86,9 +88,11 @@ TEST_F(DueDate, setsDateAlertAndRepeatByKeys)
 
 TEST_F(DueDate, hasThreeButtonsInTheirOrder)
 {
-    const QList<QAbstractButton *> buttons = open(QStringLiteral("2026-11-21T00:00:00")).findChildren<QAbstractButton *>();
+    const QList<QAbstractButton *> buttons =
+        open(QStringLiteral("2026-11-21T00:00:00")).findChildren<QAbstractButton *>();
     QStringList texts;
-    for (const QAbstractButton *button : buttons) texts.append(button->text());
+    for (const QAbstractButton *button : buttons)
+        texts.append(button->text());
     EXPECT_LT(texts.indexOf(u"Set"), texts.indexOf(u"Clear"));
     EXPECT_LT(texts.indexOf(u"Clear"), texts.indexOf(u"Cancel"));
     EXPECT_EQ(box->button(), 2); // closed by the window's frame
@@ -102,7 +106,8 @@ TEST_F(DueDate, hasThreeButtonsInTheirOrder)
 
 TEST_F(DueDate, namesEveryFieldForScreenReaders)
 {
-    open(QStringLiteral("2026-11-21T17:45:00"), {QStringLiteral("when due"), QStringLiteral("day"), QStringLiteral("1")});
+    open(QStringLiteral("2026-11-21T17:45:00"),
+         {QStringLiteral("when due"), QStringLiteral("day"), QStringLiteral("1")});
     for (const QWidget *field : box->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly)) {
         if (field->focusPolicy() == Qt::NoFocus || qobject_cast<const QAbstractButton *>(field)) continue;
         EXPECT_FALSE(field->accessibleName().isEmpty()) << field->metaObject()->className();
