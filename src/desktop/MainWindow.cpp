@@ -17,6 +17,7 @@
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "library/Root.h"
+#include "organising/Contexts.h"
 #include "organising/Reminders.h"
 
 #include <QActionGroup>
@@ -339,6 +340,12 @@ void MainWindow::forSelection(const std::function<void(const QStringList &)> &ac
 
 void MainWindow::newBook()
 {
+    // In Contexts there are no books: there it is a context.
+    const TMLTOutlineItem *selected = m_outline->selectedItem();
+    if (selected && (selected->smartBookType() == ContextsBook || selected->smartBookType() == ContextBook)) {
+        makeNewContext();
+        return;
+    }
     const QStringList books = m_outline->selectedPaths();
     const QString path = m_actions.newBook(books.isEmpty() ? tomeletRoot() : books.first());
     if (path.isEmpty()) return;
