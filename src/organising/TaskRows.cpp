@@ -113,9 +113,9 @@ void chooseDueLookAhead(int index)
 
 enum class DueCounters { Leave, PutRight };
 
-// Calls the taker for each due task, book by book.
+// Calls the taker for each due task, book by book, until it says false.
 static DueCounts findDueTasks(const QString &root, DueCounters counters,
-                              const std::function<void(const QString &book, const LiveTask &task)> &taker)
+                              const std::function<bool(const QString &book, const LiveTask &task)> &taker)
 {
     logLine(QStringLiteral("getting due tasks"));
     const QDateTime now = platform().clock.now();
@@ -135,7 +135,7 @@ static DueCounts findDueTasks(const QString &root, DueCounters counters,
             else if (due >= horizon)
                 continue;
             ++all.taken;
-            taker(book, task);
+            if (!taker(book, task)) return all;
         }
         all.overdue += overdue;
         if (counters == DueCounters::Leave || overdue == store.dueCount()) continue;
@@ -147,7 +147,12 @@ static DueCounts findDueTasks(const QString &root, DueCounters counters,
 
 DueCounts countDueTasks(const QString &root)
 {
-    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) {});
+    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) { return true; });
+}
+
+bool anyTaskIsDue(const QString &root)
+{
+    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) { return false; }).taken > 0;
 }
 
 QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
@@ -156,7 +161,7 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
     QString sourcesBook;
     RowSources sources;
     const auto taker = [&](const QString &book, const LiveTask &task) {
-        if (numbers) return;
+        if (numbers) return true;
         if (book != sourcesBook) {
             // Manual order plays no part in this list; the pins of a book are read once.
             const QVariantMap properties = readDictionary(bookPropertiesPath(book));
@@ -165,6 +170,7 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
             sourcesBook = book;
         }
         rows.append(itemRow(joinPath(book, task.name), true, task.record, sources));
+        return true;
     };
     const DueCounts counts = findDueTasks(root, DueCounters::PutRight, taker);
     if (numbers) return {counts.taken, counts.overdue};

@@ -33,6 +33,8 @@ struct DueCounts
 void chooseDueLookAhead(int index);
 /// Writes nothing, so that any thread may ask.
 [[nodiscard]] DueCounts countDueTasks(const QString &root);
+/// The same question for the first one alone.
+[[nodiscard]] bool anyTaskIsDue(const QString &root);
 /// The rows of all tasks that are due, in the order of the stores; or, as numbers, how many these are and how
 /// many of them are overdue. Puts the counters of overdue tasks right on its way.
 [[nodiscard]] QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers);
