@@ -207,7 +207,9 @@ qlonglong DocumentListModel::openChecklist(const QVariantMap &row) const
     countOpenChecklistItems(path, [self, path, key](qlonglong count) {
         if (!self) return;
         self->m_checklists.insert(key, count);
-        if (const QModelIndex at = self->indexOfPath(path); at.isValid()) Q_EMIT self->dataChanged(at, at);
+        // A row that shows nothing new is left alone: its name may be being edited.
+        if (const QModelIndex at = self->indexOfPath(path); at.isValid() && count > 0)
+            Q_EMIT self->dataChanged(at, at);
     });
     return 0;
 }

@@ -24,6 +24,11 @@ DocumentListView::DocumentListView(QWidget *parent)
     setContextMenuPolicy(Qt::CustomContextMenu);
 }
 
+void DocumentListView::selectOnly(const QModelIndex &index)
+{
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
+}
+
 QModelIndex DocumentListView::taskRingAt(const QPoint &position) const
 {
     const QModelIndex index = indexAt(position);

@@ -13,6 +13,9 @@ class DocumentListView final : public QListView
 public:
     explicit DocumentListView(QWidget *parent = nullptr);
 
+    /// Selects the row and nothing else, even while the keys of a command are still down.
+    void selectOnly(const QModelIndex &index);
+
 Q_SIGNALS:
     void toggleWanted(const QStringList &paths);
     /// Return was pressed on a row.

@@ -232,7 +232,7 @@ void MainWindow::showItem(const QString &path)
     if (m_listModel->controller().source().book != book) showSource({book, OrdinaryBook, {}});
     if (book == full) return;
     if (const QModelIndex index = m_listModel->indexOfPath(full); index.isValid()) {
-        m_list->setCurrentIndex(index);
+        m_list->selectOnly(index);
         m_list->scrollTo(index);
     }
     m_document->showDocument(full, anchor);
@@ -364,7 +364,7 @@ void MainWindow::newDocument()
     updateListTexts();
     m_list->setFocus();
     const QModelIndex index = m_listModel->indexOfPath(path);
-    m_list->setCurrentIndex(index);
+    m_list->selectOnly(index);
     m_list->edit(index);
 }
 
@@ -378,7 +378,7 @@ void MainWindow::renameSelection()
 void MainWindow::focusList()
 {
     m_list->setFocus(Qt::TabFocusReason);
-    if (!m_list->selectionModel()->hasSelection()) m_list->setCurrentIndex(m_listModel->index(0));
+    if (!m_list->selectionModel()->hasSelection()) m_list->selectOnly(m_listModel->index(0));
 }
 
 void MainWindow::focusNextPane(int step)

@@ -67,7 +67,7 @@ void OutlinePane::editName(const QString &path)
     if (!item || item->isGroupItem()) return;
     QTreeView::expand(m_model->indexOf(item->parent()));
     const QModelIndex index = m_model->indexOf(item);
-    setCurrentIndex(index);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
     edit(index);
 }
 
@@ -97,7 +97,8 @@ void OutlinePane::collapse(TMLTOutlineItem *item)
 void OutlinePane::select(TMLTOutlineItem *item, bool silently)
 {
     m_selectRowSilently = silently;
-    if (item) setCurrentIndex(m_model->indexOf(item));
+    // The keys of the command that asks for it may still be down, and add to a selection.
+    if (item) selectionModel()->setCurrentIndex(m_model->indexOf(item), QItemSelectionModel::ClearAndSelect);
     else selectionModel()->clearSelection();
     m_selectRowSilently = false;
 }
