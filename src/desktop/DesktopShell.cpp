@@ -85,6 +85,7 @@ void DesktopShell::launch(const QString &folder)
     if (!folder.isEmpty() && makeFolder(folder)) m_application.tm_setRootToPath(QDir(folder).absolutePath());
     m_application.applicationWillFinishLaunching(keys);
     m_window.show();
+    m_delivery.emplace(m_reminders);
     // The first paint comes before anything is read that it does not show.
     QTimer::singleShot(0, this, [this, keys, chosen = !folder.isEmpty()] {
         if (rootIsInForce() && !chosen && !keys.option) {
@@ -96,11 +97,26 @@ void DesktopShell::launch(const QString &folder)
     });
 }
 
+static void bringToFront(QWidget &window)
+{
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+void WindowReminders::present(const Reminder &reminder, const Answers &answers)
+{
+    const auto opened = [this, answers] {
+        bringToFront(m_window);
+        answers.opened();
+    };
+    m_reminders.present(reminder, {opened, answers.failed});
+}
+
 void DesktopShell::handOver(const QString &path)
 {
-    m_window.show();
-    m_window.raise();
-    m_window.activateWindow();
+    bringToFront(m_window);
     if (path.startsWith(u"tomelet://")) {
         const QString item = tm_pathFromTomeletURLScheme(path);
         m_window.showItem(itemExists(fullPathOf(item)) ? item : percentDecoded(item));

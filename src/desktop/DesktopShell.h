@@ -5,16 +5,33 @@
 #include "desktop/MainWindow.h"
 #include "desktop/Theme.h"
 #include "library/AppDelegate.h"
+#include "organising/ReminderDBus.h"
+#include "organising/ReminderDelivery.h"
 #include "server/ServerControl.h"
 
 #include <QObject>
 #include <QPointer>
+
+#include <optional>
 
 class QTimer;
 
 namespace tomelet::desktop {
 
 class DocumentPane;
+
+/// Reminders of the desktop, which bring the window to the front when the person answers one.
+class WindowReminders final : public ReminderPresenter
+{
+public:
+    explicit WindowReminders(QWidget &window) : m_window(window) {}
+    void present(const Reminder &reminder, const Answers &answers) override;
+    void withdraw(const QString &path) override { m_reminders.withdraw(path); }
+
+private:
+    QWidget &m_window;
+    DesktopReminders m_reminders;
+};
 
 class DesktopShell final : public QObject, public AppShell
 {
@@ -50,6 +67,8 @@ private:
     Theme m_theme;
     MainWindow m_window;
     ServerControl m_server;
+    WindowReminders m_reminders{m_window};
+    std::optional<ReminderDelivery> m_delivery; // from the moment on at which the root is known
     QList<QPointer<QMainWindow>> m_extraWindows;
 };
 

@@ -12,6 +12,8 @@ class DocumentDelegate final : public QStyledItemDelegate
 
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
+    /// Where the icon stands in a row's rectangle.
+    [[nodiscard]] static QRect iconArea(const QRect &row, Qt::LayoutDirection direction);
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     void updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,

@@ -2,13 +2,21 @@
 #include "desktop/DocumentHeader.h"
 
 #include "desktop/ContextsField.h"
+#include "desktop/DocumentListModel.h"
+#include "desktop/DueDateDialogBox.h"
+#include "desktop/Icons.h"
 #include "desktop/ItemActions.h"
+#include "desktop/TaskActions.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
 #include "organising/Contexts.h"
+#include "organising/DueDateTexts.h"
+#include "organising/RepeatRule.h"
+#include "organising/TaskRepeats.h"
+#include "organising/Tasks.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -31,6 +39,9 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     , m_place(new QLabel)
     , m_contexts(new ContextsField)
     , m_backlinks(new QToolButton)
+    , m_task(new QWidget)
+    , m_taskState(new QToolButton)
+    , m_dueDate(new QToolButton)
 {
     QFont font = m_title->font();
     font.setWeight(QFont::DemiBold);
@@ -46,6 +57,21 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     // The field's own undo would stand before that of the items.
     connect(m_contexts, &QLineEdit::returnPressed, this, &DocumentHeader::left);
 
+    auto *task = new QHBoxLayout(m_task);
+    task->setContentsMargins(0, 0, 0, 0);
+    for (QToolButton *button : {m_taskState, m_dueDate}) {
+        button->setAutoRaise(true);
+        button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+        // The text keeps the keys until somebody comes here with Tab.
+        button->setFocusPolicy(Qt::TabFocus);
+        task->addWidget(button);
+    }
+    task->addStretch(1);
+    m_taskState->setToolTip(localized(TOMELET_TEXT("Next State")));
+    connect(m_taskState, &QToolButton::clicked, this, [this] { toggleTasks(m_actions, {m_path}); });
+    connect(m_dueDate, &QToolButton::clicked, this,
+            [this] { chooseDueDates(m_actions, {m_path}, dueDateDialogOver(this)); });
+
     auto *below = new QHBoxLayout;
     below->addWidget(m_contexts, 1);
     below->addWidget(m_backlinks);
@@ -54,12 +80,16 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     layout->setSpacing(0);
     layout->addWidget(m_title);
     layout->addWidget(m_place);
+    layout->addWidget(m_task);
     layout->addLayout(below);
 
     m_subscriptions.push_back(
         notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
             const QString changed = payload.value(QStringLiteral("path")).toString();
-            if (!m_path.isEmpty() && (changed == m_path || changed == propertyFileOf(m_path))) showProperties();
+            if (m_path.isEmpty()) return;
+            if (changed == m_path || changed == propertyFileOf(m_path)) showProperties();
+            // A recount ends with nothing but a change of the store, so an icon may turn red by that alone.
+            if (tm_pathIsTaskPlist(changed) && parentPath(changed) == parentPath(m_path)) showTask();
         }));
 }
 
@@ -77,9 +107,29 @@ void DocumentHeader::showProperties()
     m_contexts->setVisible(own && settings().boolean(QStringLiteral("contextsEnabled")));
     m_contexts->setContexts(own ? contextsOf(m_path) : QStringList());
     const qsizetype links = own ? tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList().size() : 0;
+    showTask();
     m_backlinks->setVisible(links > 0);
     m_backlinks->setText(links == 1 ? localized(TOMELET_TEXT("Linked from one document"))
                                     : localized(TOMELET_TEXT("Linked from %1 documents")).arg(links));
+}
+
+void DocumentHeader::showTask()
+{
+    const bool own = !m_path.isEmpty() && tm_itemIsChildOfTomelet(m_path);
+    const QString icon = own ? tm_iconForTask(m_path) : QString();
+    m_task->setVisible(!icon.isEmpty());
+    if (icon.isEmpty()) return;
+    const QString state = taskStateText(icon);
+    m_taskState->setIcon(taskStateIcon(icon));
+    m_taskState->setText(state);
+    m_taskState->setAccessibleName(localized(TOMELET_TEXT("Task state: %1")).arg(state));
+    const QString due = hasDueDate(m_path) ? tm_weekdayStringWithOffset(tm_dueDateForTask(m_path)) : QString();
+    QString text = due.isEmpty() ? localized(TOMELET_TEXT("Set due date...")) : localized(TOMELET_TEXT("Due: %1")).arg(due);
+    if (const auto details = tm_repeatDetails(m_path))
+        text += QStringLiteral(" · ") + tm_readableRepeatDetailsForDetails(*details).trimmed();
+    m_dueDate->setIcon(icon.endsWith(u"-due") ? overdueIcon(QStringLiteral("due")) : bundledIcon(QStringLiteral("due")));
+    m_dueDate->setText(text);
+    m_dueDate->setAccessibleName(text);
 }
 
 void DocumentHeader::fillBacklinksMenu()

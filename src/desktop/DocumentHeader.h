@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What stands above a document: its name and place, its contexts, and the documents that link to it.
+// What stands above a document: its name and place, its task with state and due date, its contexts, and the documents
+// that link to it.
 #pragma once
 
 #include "foundation/NotificationCenter.h"
@@ -33,6 +34,7 @@ Q_SIGNALS:
 
 private:
     void showProperties();
+    void showTask();
     void fillBacklinksMenu();
 
     ItemActions &m_actions;
@@ -40,6 +42,9 @@ private:
     QLabel *m_place;
     ContextsField *m_contexts;
     QToolButton *m_backlinks;
+    QWidget *m_task;
+    QToolButton *m_taskState;
+    QToolButton *m_dueDate;
     QString m_path;
     std::vector<NotificationCenter::Subscription> m_subscriptions;
 };

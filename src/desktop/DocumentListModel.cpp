@@ -10,10 +10,14 @@
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
+#include "organising/DueDateTexts.h"
+#include "organising/TaskRows.h"
 
 #include <QLocale>
 #include <QMimeData>
+#include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace tomelet::desktop {
@@ -27,6 +31,8 @@ DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
 void DocumentListModel::show(const ListSource &source)
 {
     beginResetModel();
+    m_taskDates.clear();
+    m_checklists.clear();
     m_controller.setSource(source);
     m_controller.getDocumentsInFolder();
     endResetModel();
@@ -53,6 +59,7 @@ void DocumentListModel::reload()
 void DocumentListModel::changeRows(const std::function<void()> &change)
 {
     const QList<QVariantMap> before = m_controller.documentsList;
+    m_taskDates.clear();
     change();
     m_controller.loadDisplayParameters();
     m_controller.getDocumentsInFolder();
@@ -161,10 +168,65 @@ QDateTime DocumentListModel::shownDate(const QVariantMap &row) const
     return row.value(key).toDateTime().toLocalTime();
 }
 
+QString taskStateText(const QString &icon)
+{
+    if (icon.startsWith(u"task-started")) return localized(TOMELET_TEXT("Started"));
+    if (icon == u"task-done") return localized(TOMELET_TEXT("Done"));
+    if (icon == u"task-canceled") return localized(TOMELET_TEXT("Canceled"));
+    return icon.isEmpty() ? localized(TOMELET_TEXT("Not a Task")) : localized(TOMELET_TEXT("Open"));
+}
+
+static QString taskIconOf(const QVariantMap &row)
+{
+    return row.value(QStringLiteral("taskIcon")).toString();
+}
+
+// Formatting a date takes longer than a paint should.
+QString DocumentListModel::taskDate(const QVariantMap &row) const
+{
+    const auto known = m_taskDates.constFind(pathOf(row));
+    if (known != m_taskDates.cend()) return *known;
+    const QDateTime finished = finishingDateOfRow(row);
+    const QString text = finished.isValid()
+                             ? QString(taskStateText(taskIconOf(row)) + QStringLiteral(", ") + tm_fancyWeekdayString(finished))
+                             : tm_weekdayStringWithOffset(dueDateOfRow(row));
+    m_taskDates.insert(pathOf(row), text);
+    return text;
+}
+
+// Counted elsewhere; the row is drawn anew when the number is there.
+qlonglong DocumentListModel::openChecklist(const QVariantMap &row) const
+{
+    if (!settings().boolean(QStringLiteral("showOpenChecklistItems"))) return 0;
+    const QString path = pathOf(row);
+    const QString key = path + row.value(QStringLiteral("modDate")).toDateTime().toString(Qt::ISODateWithMs);
+    const auto known = m_checklists.constFind(key);
+    if (known != m_checklists.cend()) return std::max<qlonglong>(0, *known);
+    m_checklists.insert(key, -1);
+    QPointer<DocumentListModel> self(const_cast<DocumentListModel *>(this));
+    countOpenChecklistItems(path, [self, path, key](qlonglong count) {
+        if (!self) return;
+        self->m_checklists.insert(key, count);
+        // A row that shows nothing new is left alone: its name may be being edited.
+        if (const QModelIndex at = self->indexOfPath(path); at.isValid() && count > 0)
+            Q_EMIT self->dataChanged(at, at);
+    });
+    return 0;
+}
+
 // What the row shows by colour and sign, in words.
 QString DocumentListModel::description(const QVariantMap &row) const
 {
     QStringList parts;
+    if (const QString icon = taskIconOf(row); !icon.isEmpty()) {
+        parts.append(taskStateText(icon));
+        if (icon.endsWith(u"-due")) parts.append(localized(TOMELET_TEXT("overdue")));
+        if (dueDateOfRow(row).isValid()) parts.append(localized(TOMELET_TEXT("due %1")).arg(taskDate(row)));
+        if (!row.value(QStringLiteral("taskIsRepeating")).toString().isEmpty())
+            parts.append(localized(TOMELET_TEXT("repeats")));
+    }
+    if (const qlonglong open = openChecklist(row); open > 0)
+        parts.append(localized(TOMELET_TEXT("open check boxes: %1")).arg(open));
     const bool pinned = row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
     if (pinned) parts.append(localized(TOMELET_TEXT("pinned")));
     if (!row.value(QStringLiteral("_TMFAV")).toString().isEmpty()) parts.append(localized(TOMELET_TEXT("favorite")));
@@ -181,7 +243,8 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole: return displayTitle(row);
-    case Qt::DecorationRole: return documentIcon(row.value(QStringLiteral("path")).toString());
+    case Qt::DecorationRole:
+        return taskIconOf(row).isEmpty() ? documentIcon(pathOf(row)) : taskStateIcon(taskIconOf(row));
     case Qt::ToolTipRole: return QString(row.value(QStringLiteral("title")).toString() + u'\n' + description(row));
     case Qt::AccessibleDescriptionRole: return description(row);
     case PathRole: return row.value(QStringLiteral("path"));
@@ -189,6 +252,11 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
     case ColorRole: return row.value(QStringLiteral("cellColor"));
     case PinnedRole: return row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
     case FavoriteRole: return !row.value(QStringLiteral("_TMFAV")).toString().isEmpty();
+    case TaskIconRole: return taskIconOf(row);
+    case TaskDateRole: return taskIconOf(row).isEmpty() ? QString() : taskDate(row);
+    case OverdueRole: return taskIconOf(row).endsWith(u"-due");
+    case RepeatsRole: return !row.value(QStringLiteral("taskIsRepeating")).toString().isEmpty();
+    case ChecklistRole: return openChecklist(row);
     default: return {};
     }
 }

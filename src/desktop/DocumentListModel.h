@@ -5,6 +5,7 @@
 #include "organising/DocumentList.h"
 
 #include <QAbstractListModel>
+#include <QHash>
 #include <QSet>
 
 #include <functional>
@@ -19,7 +20,18 @@ class DocumentListModel final : public QAbstractListModel
 
 public:
     /// What a row tells beside the standard roles.
-    enum Role { PathRole = Qt::UserRole + 1, DateRole, ColorRole, PinnedRole, FavoriteRole };
+    enum Role {
+        PathRole = Qt::UserRole + 1,
+        DateRole,
+        ColorRole,
+        PinnedRole,
+        FavoriteRole,
+        TaskIconRole, ///< "" for what is no task
+        TaskDateRole, ///< the due date, or when the task was finished, as a text
+        OverdueRole,
+        RepeatsRole,
+        ChecklistRole, ///< how many check boxes are open; 0 while that is not known
+    };
 
     DocumentListModel(ItemActions &actions, QObject *parent);
 
@@ -52,9 +64,16 @@ private:
     [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
     [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
     [[nodiscard]] QString description(const QVariantMap &row) const;
+    [[nodiscard]] QString taskDate(const QVariantMap &row) const;
+    [[nodiscard]] qlonglong openChecklist(const QVariantMap &row) const;
 
     ItemActions &m_actions;
+    mutable QHash<QString, QString> m_taskDates;     // by path, until the next reload
+    mutable QHash<QString, qlonglong> m_checklists;  // by path and date of the file; -1 while it is counted
     TMLTDocumentListViewController m_controller;
 };
+
+/// "Open", "Started", "Done", "Canceled" or "Not a Task", by the name of the task's icon.
+[[nodiscard]] QString taskStateText(const QString &icon);
 
 } // namespace tomelet::desktop

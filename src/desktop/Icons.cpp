@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/Icons.h"
 
+#include "desktop/OutlineBadges.h"
 #include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
+#include "organising/Tasks.h"
 
 #include <QGuiApplication>
 #include <QHash>
@@ -41,17 +43,41 @@ static void addDrawn(QIcon &icon, QByteArray svg, const QColor &color, QIcon::Mo
     }
 }
 
-QIcon bundledIcon(const QString &name)
+static QIcon drawnIcon(const QString &name, const QColor &color)
 {
-    const auto known = cache().constFind(name);
+    const QString key = name + color.name();
+    const auto known = cache().constFind(key);
     if (known != cache().cend()) return *known;
     const QByteArray svg = readFile(resourcePath(QStringLiteral("icons/%1.svg").arg(name))).value_or(QByteArray());
-    const QPalette palette = QGuiApplication::palette();
     QIcon icon;
-    addDrawn(icon, svg, palette.color(QPalette::WindowText), QIcon::Normal);
-    addDrawn(icon, svg, palette.color(QPalette::HighlightedText), QIcon::Selected);
-    cache().insert(name, icon);
+    addDrawn(icon, svg, color, QIcon::Normal);
+    addDrawn(icon, svg, QGuiApplication::palette().color(QPalette::HighlightedText), QIcon::Selected);
+    cache().insert(key, icon);
     return icon;
+}
+
+QIcon bundledIcon(const QString &name)
+{
+    return drawnIcon(name, QGuiApplication::palette().color(QPalette::WindowText));
+}
+
+QColor overdueColor(const QPalette &palette)
+{
+    const bool dark = palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
+    return QColor(dark ? 0xf08273 : 0xb9372b);
+}
+
+QIcon overdueIcon(const QString &name)
+{
+    return drawnIcon(name, overdueColor(QGuiApplication::palette()));
+}
+
+QIcon taskStateIcon(const QString &icon)
+{
+    const QPalette palette = QGuiApplication::palette();
+    if (tm_taskIsDoneOrCanceled(icon)) return drawnIcon(icon, palette.color(QPalette::PlaceholderText));
+    if (icon.endsWith(u"-due")) return overdueIcon(icon.chopped(4));
+    return drawnIcon(icon, palette.color(QPalette::WindowText));
 }
 
 QIcon themedIcon(const QString &freedesktopName, const QString &bundledName)
@@ -59,15 +85,22 @@ QIcon themedIcon(const QString &freedesktopName, const QString &bundledName)
     return QIcon::hasThemeIcon(freedesktopName) ? QIcon::fromTheme(freedesktopName) : bundledIcon(bundledName);
 }
 
-QIcon outlineIcon(const TMLTOutlineItem &item)
+static QIcon tasklistIcon(const Badge &badge)
 {
+    const QString name = QStringLiteral("tasklist");
+    return badge.due > 0 ? overdueIcon(name) : bundledIcon(name);
+}
+
+QIcon outlineIcon(const TMLTOutlineItem &item, const Badge &badge)
+{
+    if (badge.isTasklist && item.smartBookType() == OrdinaryBook) return tasklistIcon(badge);
     switch (item.smartBookType()) {
     case ContextBook:
     case ContextsBook: return bundledIcon(QStringLiteral("tag"));
     case SearchResultsBook: return bundledIcon(QStringLiteral("search"));
     case DueTasksBook: return bundledIcon(QStringLiteral("due"));
     case FavoritesBook: return bundledIcon(QStringLiteral("star"));
-    case InboxBook: return bundledIcon(QStringLiteral("inbox"));
+    case InboxBook: return bundledIcon(badge.total > 0 ? QStringLiteral("inbox-filled") : QStringLiteral("inbox"));
     case AllTaskListsBook: return bundledIcon(QStringLiteral("tasks"));
     case RecentItemsBook: return bundledIcon(QStringLiteral("recent"));
     case RecentlyModifiedBook: return bundledIcon(QStringLiteral("modified"));

@@ -2,6 +2,9 @@
 #include "desktop/InfoPanel.h"
 
 #include "conversion/TextUtilities.h"
+#include "desktop/DocumentListModel.h"
+#include "desktop/TaskActions.h"
+#include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/Extensions.h"
@@ -9,6 +12,11 @@
 #include "library/Properties.h"
 #include "library/TextFile.h"
 #include "organising/DocumentReferences.h"
+#include "organising/DueDateCalendar.h"
+#include "organising/DueDateTexts.h"
+#include "organising/RepeatRule.h"
+#include "organising/TaskRepeats.h"
+#include "organising/Tasks.h"
 
 #include <QFileInfo>
 #include <QLabel>
@@ -22,6 +30,10 @@ namespace tomelet::desktop {
 using namespace std::chrono_literals;
 
 namespace {
+
+const QString dueDateLink = QStringLiteral("due-date");
+const QString noAlertLink = QStringLiteral("no-alert");
+const QString noDueDateLink = QStringLiteral("no-due-date");
 
 constexpr auto pathRole = Qt::UserRole;
 
@@ -84,12 +96,38 @@ QString factsOf(const QString &path)
     return QStringLiteral("<table>%1</table>").arg(rows);
 }
 
+QString link(const QString &target, const char *text)
+{
+    return QStringLiteral("<a href='%1'>%2</a>").arg(target, localized(text).toHtmlEscaped());
+}
+
+// The task with its commands; "" for what is none.
+QString taskOf(const QString &path)
+{
+    const QString icon = tm_iconForTask(path);
+    if (icon.isEmpty()) return {};
+    QString rows = row(localized(TOMELET_TEXT("Task")), taskStateText(icon));
+    QStringList commands{link(dueDateLink, TOMELET_TEXT("Due Date..."))};
+    if (tm_taskIsDoneOrCanceled(icon))
+        rows += row(localized(TOMELET_TEXT("Finished")), tm_fancyWeekdayString(tm_doneDateForTask(path)));
+    if (hasDueDate(path)) {
+        const QDateTime due = tm_dueDateForTask(path);
+        rows += row(localized(TOMELET_TEXT("Due")), tm_weekdayStringWithOffset(due));
+        if (tm_dueDateHasAlertTime(due)) commands.append(link(noAlertLink, TOMELET_TEXT("Clear Alert")));
+        commands.append(link(noDueDateLink, TOMELET_TEXT("Clear Due Date")));
+    }
+    if (const auto details = tm_repeatDetails(path))
+        rows += row(localized(TOMELET_TEXT("Repeat")), tm_readableRepeatDetailsForDetails(*details).trimmed());
+    return QStringLiteral("<table>%1</table><p>%2</p>").arg(rows, commands.join(QStringLiteral(" · ")));
+}
+
 } // namespace
 
 InfoPanel::InfoPanel(QWidget *parent)
     : QDockWidget(localized(TOMELET_TEXT("Info")), parent)
     , m_soon(new QTimer(this))
     , m_facts(new QLabel)
+    , m_task(new QLabel)
 {
     m_soon->setSingleShot(true);
     m_soon->setInterval(150ms);
@@ -100,6 +138,11 @@ InfoPanel::InfoPanel(QWidget *parent)
     m_facts->setTextFormat(Qt::RichText);
     m_facts->setTextInteractionFlags(Qt::TextSelectableByMouse);
     layout->addWidget(m_facts);
+    m_task->setTextFormat(Qt::RichText);
+    m_task->setWordWrap(true);
+    m_task->setTextInteractionFlags(Qt::TextBrowserInteraction);
+    connect(m_task, &QLabel::linkActivated, this, &InfoPanel::follow);
+    layout->addWidget(m_task);
     m_links = makeList(localized(TOMELET_TEXT("Links to")), layout);
     m_backlinks = makeList(localized(TOMELET_TEXT("Linked from")), layout);
     content->setMinimumWidth(220);
@@ -107,7 +150,8 @@ InfoPanel::InfoPanel(QWidget *parent)
     m_subscriptions.push_back(
         notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
             const QString changed = payload.value(QStringLiteral("path")).toString();
-            if (!m_path.isEmpty() && (changed == m_path || changed == propertyFileOf(m_path))) m_soon->start();
+            const bool ownStore = tm_pathIsTaskPlist(changed) && parentPath(changed) == parentPath(m_path);
+            if (!m_path.isEmpty() && (changed == m_path || changed == propertyFileOf(m_path) || ownStore)) m_soon->start();
         }));
 }
 
@@ -115,6 +159,13 @@ void InfoPanel::setDocument(const QString &path)
 {
     m_path = path;
     m_soon->start();
+}
+
+void InfoPanel::follow(const QString &link)
+{
+    if (link == dueDateLink) Q_EMIT dueDateWanted(m_path);
+    if (link == noAlertLink) Q_EMIT noAlertWanted(m_path);
+    if (link == noDueDateLink) Q_EMIT noDueDateWanted(m_path);
 }
 
 void InfoPanel::showEvent(QShowEvent *event)
@@ -127,6 +178,9 @@ void InfoPanel::fill()
 {
     if (!isVisible()) return;
     m_facts->setText(m_path.isEmpty() ? QString() : factsOf(m_path));
+    const QString task = m_path.isEmpty() ? QString() : taskOf(m_path);
+    m_task->setText(task);
+    m_task->setVisible(!task.isEmpty());
     const bool readable = !m_path.isEmpty() && canHoldReferences(m_path);
     fillList(m_links, readable ? tm_verifiedArrayOfReferencedDocuments(m_path) : QStringList());
     fillList(m_backlinks, m_path.isEmpty() ? QStringList()

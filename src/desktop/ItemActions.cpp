@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/ItemActions.h"
 
+#include "desktop/Step.h"
 #include "editor/NewDocument.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -12,8 +13,6 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "organising/Contexts.h"
-
-#include <QUndoCommand>
 
 #include <algorithm>
 
@@ -33,22 +32,6 @@ void announceMove(const QString &from, const QString &to)
     notifications().post(QStringLiteral("TMLTHandleFileMoveInstantly"),
                          {{QStringLiteral("originalPath"), from}, {QStringLiteral("newPath"), to}});
 }
-
-// A step that was carried out already when it is pushed, so that a failure never reaches the stack.
-class Step : public QUndoCommand
-{
-public:
-    using QUndoCommand::QUndoCommand;
-    void redo() final
-    {
-        if (m_first) m_first = false;
-        else again();
-    }
-    virtual void again() = 0;
-
-private:
-    bool m_first = true;
-};
 
 class MoveStep final : public Step
 {
@@ -168,6 +151,12 @@ ItemActions::ItemActions(QObject *parent) : QObject(parent)
 {
 }
 
+void ItemActions::noteCreation(const QString &stepName, const QString &path)
+{
+    m_undoStack.push(new CreationStep(stepName, path));
+    announce(path);
+}
+
 bool ItemActions::move(const QString &path, const QString &target, const QString &stepName)
 {
     if (!tm_moveItemToPath(path, target)) {
@@ -209,8 +198,7 @@ void ItemActions::drop(const QStringList &paths, const QString &book, bool copy)
         if (ownItem && !copy) {
             move(path, target, {});
         } else if (tm_copyItemToPath(path, target)) {
-            m_undoStack.push(new CreationStep({}, target));
-            announce(target);
+            noteCreation({}, target);
         } else {
             Q_EMIT failed(localized(TOMELET_TEXT("The item could not be copied.")),
                           localized(TOMELET_TEXT("\"%1\" is not in the book.")).arg(lastPathComponent(path)));
@@ -228,8 +216,7 @@ void ItemActions::duplicate(const QStringList &paths)
                           localized(TOMELET_TEXT("\"%1\" is not in the book.")).arg(lastPathComponent(copy)));
             continue;
         }
-        m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("Duplicate")), copy));
-        announce(copy);
+        noteCreation(localized(TOMELET_TEXT("Duplicate")), copy);
     }
 }
 
@@ -259,8 +246,7 @@ QString ItemActions::newBook(const QString &parent)
                       localized(TOMELET_TEXT("Nothing can be written in \"%1\".")).arg(lastPathComponent(parent)));
         return {};
     }
-    m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("New Book")), path));
-    announce(path);
+    noteCreation(localized(TOMELET_TEXT("New Book")), path);
     return path;
 }
 
@@ -272,8 +258,7 @@ QString ItemActions::newDocument(const QString &book)
                       localized(TOMELET_TEXT("Nothing can be written in \"%1\".")).arg(lastPathComponent(book)));
         return {};
     }
-    m_undoStack.push(new CreationStep(localized(TOMELET_TEXT("New Document")), path));
-    announce(path);
+    noteCreation(localized(TOMELET_TEXT("New Document")), path);
     return path;
 }
 

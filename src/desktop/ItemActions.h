@@ -29,6 +29,8 @@ public:
     QString newBook(const QString &parent);
     /// The same for a document.
     QString newDocument(const QString &book);
+    /// Takes something new, made elsewhere, as a step that can be undone.
+    void noteCreation(const QString &stepName, const QString &path);
     void setBookOrder(const QString &book, const QStringList &names);
 
     /// Gives the items exactly these contexts.

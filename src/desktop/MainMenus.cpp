@@ -4,6 +4,7 @@
 
 #include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
+#include "desktop/DocumentListView.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/InfoPanel.h"
 #include "desktop/OutlinePane.h"
@@ -18,7 +19,6 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenuBar>
 #include <QPixmap>
 #include <QUrl>
@@ -40,6 +40,7 @@ void MainWindow::makeActions()
     makeTextMenu();
     makeViewMenu();
     makeOrganiseMenu();
+    makeTaskMenu();
     makeStorageMenu();
     makeHelpMenu();
 }
@@ -140,6 +141,7 @@ void MainWindow::makeViewMenu()
         updateListTexts();
     });
     m_descending->setCheckable(true);
+    makeSmartBookCommands(menu);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Show &Books"), QKeySequence(QStringLiteral("Ctrl+Alt+1")),
         [this] { m_outline->setVisible(!m_outline->isVisible()); });

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/MainWindow.h"
 
-#include "desktop/DocumentDelegate.h"
 #include "desktop/DocumentListModel.h"
+#include "desktop/DocumentListView.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/InfoPanel.h"
 #include "desktop/OutlinePane.h"
+#include "desktop/TaskActions.h"
 #include "desktop/WelcomePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -17,12 +18,12 @@
 #include "library/RecentItems.h"
 #include "library/Root.h"
 #include "organising/Contexts.h"
+#include "organising/Reminders.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListView>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -42,7 +43,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_outline(new OutlinePane(m_actions))
     , m_outlineController(*m_outline)
     , m_listModel(new DocumentListModel(m_actions, this))
-    , m_list(new QListView)
+    , m_list(new DocumentListView)
     , m_listTitle(new QLabel)
     , m_listEmpty(new QLabel)
     , m_filter(new QLineEdit)
@@ -73,16 +74,6 @@ void MainWindow::setApplication(AppDelegate &application)
 void MainWindow::makePanes()
 {
     m_list->setModel(m_listModel);
-    m_list->setItemDelegate(new DocumentDelegate(m_list));
-    m_list->setFrameShape(QFrame::NoFrame);
-    m_list->setAccessibleName(localized(TOMELET_TEXT("Documents")));
-    m_list->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_list->setEditTriggers(QAbstractItemView::EditKeyPressed);
-    m_list->setDragDropMode(QAbstractItemView::DragDrop);
-    m_list->setDefaultDropAction(Qt::MoveAction);
-    m_list->setUniformItemSizes(true);
-    m_list->setContextMenuPolicy(Qt::CustomContextMenu);
-
     QFont font = m_listTitle->font();
     font.setWeight(QFont::DemiBold);
     m_listTitle->setFont(font);
@@ -123,8 +114,18 @@ void MainWindow::makePanes()
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
     connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
-    connect(m_list, &QListView::doubleClicked, this,
-            [this](const QModelIndex &index) { Q_EMIT extraWindowWanted(m_listModel->pathAt(index)); });
+    connect(m_list, &QListView::doubleClicked, this, [this](const QModelIndex &index) {
+        const QString path = m_listModel->pathAt(index);
+        if (pathIsPlainBook(path)) showItem(path);
+        else Q_EMIT extraWindowWanted(path);
+    });
+    connect(m_list, &DocumentListView::openWanted, this, [this](const QModelIndex &index) {
+        const QString path = m_listModel->pathAt(index);
+        if (pathIsPlainBook(path)) showItem(path);
+        else m_document->shownWidget()->setFocus(Qt::TabFocusReason);
+    });
+    connect(m_list, &DocumentListView::toggleWanted, this,
+            [this](const QStringList &paths) { toggleTasks(m_actions, paths); });
     connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
     connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
         m_listModel->setFilter(text);
@@ -200,13 +201,18 @@ void MainWindow::updateListTexts()
                                     QStringLiteral("custom")};
     const qsizetype order = list.sortOrder == u"DueDate" ? 2 : orders.indexOf(list.sortOrder);
     if (order >= 0) m_sortActions->actions()[order]->setChecked(true);
+    m_sortActions->actions()[2]->setText(list.sortsByDueDate() ? localized(TOMELET_TEXT("Sort by &Due Date"))
+                                                               : localized(TOMELET_TEXT("Sort by &Modification Date")));
+    m_sortActions->setEnabled(list.orderCanBeChosen());
+    m_sortActions->actions()[3]->setEnabled(list.source().smartType == OrdinaryBook || list.source().smartType == InboxBook);
+    m_descending->setEnabled(list.orderCanBeChosen());
     m_descending->setChecked(!list.sortAscending);
 }
 
 void MainWindow::documentSelected()
 {
     const QStringList paths = selectedDocuments();
-    if (paths.size() != 1 || paths.first() == m_document->path()) return;
+    if (paths.size() != 1 || paths.first() == m_document->path() || pathIsPlainBook(paths.first())) return;
     m_document->showDocument(paths.first());
     tm_addToRecentItems(paths.first());
 }
@@ -226,11 +232,19 @@ void MainWindow::showItem(const QString &path)
     if (m_listModel->controller().source().book != book) showSource({book, OrdinaryBook, {}});
     if (book == full) return;
     if (const QModelIndex index = m_listModel->indexOfPath(full); index.isValid()) {
-        m_list->setCurrentIndex(index);
+        m_list->selectOnly(index);
         m_list->scrollTo(index);
     }
     m_document->showDocument(full, anchor);
     tm_addToRecentItems(full);
+}
+
+// What is due changed, or the days of which one looks ahead.
+void MainWindow::dueTasksChanged()
+{
+    m_outlineController.updateSmartBookOfType(DueTasksBook);
+    m_outline->recount();
+    if (m_listModel->controller().source().smartType == DueTasksBook) reloadListFor({});
 }
 
 // Lists follow a moment later, so that a thousand changes are one reload.
@@ -267,6 +281,9 @@ void MainWindow::observe()
             m_listModel->follow(payload.value(QStringLiteral("originalPath")).toString(),
                                 payload.value(QStringLiteral("newPath")).toString());
         }));
+    onPath("TMUpdateTaskIconNotification", "path", reload);
+    m_subscriptions.push_back(
+        notifications().observe(remindersRebuiltNotification, [this](const QVariantMap &) { dueTasksChanged(); }));
     onPath("TMLTShowItemAtPathNotification", "path", [this](const QString &path) { showItem(path); });
     onPath("TMLTNewBookSelectedNotification", "path", [this](const QString &path) {
         showSource({path, OrdinaryBook, {}});
@@ -347,7 +364,7 @@ void MainWindow::newDocument()
     updateListTexts();
     m_list->setFocus();
     const QModelIndex index = m_listModel->indexOfPath(path);
-    m_list->setCurrentIndex(index);
+    m_list->selectOnly(index);
     m_list->edit(index);
 }
 
@@ -361,7 +378,7 @@ void MainWindow::renameSelection()
 void MainWindow::focusList()
 {
     m_list->setFocus(Qt::TabFocusReason);
-    if (!m_list->selectionModel()->hasSelection()) m_list->setCurrentIndex(m_listModel->index(0));
+    if (!m_list->selectionModel()->hasSelection()) m_list->selectOnly(m_listModel->index(0));
 }
 
 void MainWindow::focusNextPane(int step)

@@ -17,13 +17,13 @@
 class QActionGroup;
 class QLineEdit;
 class QLabel;
-class QListView;
 class QSplitter;
 class QStackedWidget;
 
 namespace tomelet::desktop {
 
 class DocumentListModel;
+class DocumentListView;
 class DocumentPane;
 class InfoPanel;
 class OutlinePane;
@@ -67,6 +67,17 @@ private:
     void makeOrganiseMenu();
     void makeContextCommands(QMenu *menu);
     void makeLinkCommands(QMenu *menu);
+    void makeTaskMenu();
+    void makeTaskCommands(QMenu *menu);
+    void makeTasklistCommands(QMenu *menu);
+    void makeTaskListViewCommands(QMenu *menu);
+    void makeSmartBookCommands(QMenu *menu);
+    void followDays();
+    [[nodiscard]] QStringList taskTargets() const;
+    [[nodiscard]] QString tasklistTarget() const;
+    void extractTasks();
+    bool chooseTaskMark();
+    void dueTasksChanged();
     void deleteSelection();
     void refreshContexts();
     void extractContexts();
@@ -101,7 +112,7 @@ private:
     OutlinePane *m_outline;
     TMLTOutlineController m_outlineController;
     DocumentListModel *m_listModel;
-    QListView *m_list;
+    DocumentListView *m_list;
     QLabel *m_listTitle;
     QLabel *m_listEmpty;
     QLineEdit *m_filter;

@@ -4,6 +4,7 @@
 #include "desktop/DragData.h"
 #include "desktop/Icons.h"
 #include "desktop/ItemActions.h"
+#include "desktop/OutlineBadges.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "library/ItemPath.h"
@@ -16,7 +17,10 @@
 
 namespace tomelet::desktop {
 
-OutlineModel::OutlineModel(ItemActions &actions, QObject *parent) : QAbstractItemModel(parent), m_actions(actions)
+OutlineModel::OutlineModel(ItemActions &actions, QObject *parent)
+    : QAbstractItemModel(parent)
+    , m_actions(actions)
+    , m_badges(new OutlineBadges(this))
 {
     TMLTOutlineItem::rootItem()->children();
     TMLTOutlineItem::smartBooksItem()->children();
@@ -94,11 +98,11 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole: return item->title();
     case Qt::EditRole:
         return item->smartBookType() == ContextBook ? item->relativePath() : lastPathComponent(item->relativePath());
-    case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(*item));
+    case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(*item, m_badges->badgeOf(*item)));
+    case TotalRole: return m_badges->badgeOf(*item).total;
+    case DueRole: return m_badges->badgeOf(*item).due;
     case Qt::ToolTipRole: return item->isGroupItem() ? QVariant() : QVariant(item->title());
-    case Qt::AccessibleDescriptionRole:
-        return item->smartBookType() == OrdinaryBook ? localized(TOMELET_TEXT("Book"))
-                                                     : localized(TOMELET_TEXT("Smart book"));
+    case Qt::AccessibleDescriptionRole: return description(*item);
     case Qt::FontRole: {
         QFont font;
         if (item->isGroupItem()) {
@@ -109,6 +113,22 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     }
     default: return {};
     }
+}
+
+// The kind of row and its counts, in words.
+QString OutlineModel::description(const TMLTOutlineItem &item) const
+{
+    const Badge badge = m_badges->badgeOf(item);
+    const bool isBook = item.smartBookType() == OrdinaryBook;
+    QStringList parts{badge.isTasklist ? localized(TOMELET_TEXT("Tasklist"))
+                      : isBook         ? localized(TOMELET_TEXT("Book"))
+                                       : localized(TOMELET_TEXT("Smart book"))};
+    if (badge.total > 0)
+        parts.append(item.smartBookType() == DueTasksBook ? localized(TOMELET_TEXT("due: %1")).arg(badge.total)
+                     : badge.isTasklist                   ? localized(TOMELET_TEXT("open tasks: %1")).arg(badge.total)
+                                                          : localized(TOMELET_TEXT("items: %1")).arg(badge.total));
+    if (badge.due > 0) parts.append(localized(TOMELET_TEXT("overdue: %1")).arg(badge.due));
+    return parts.join(QStringLiteral(", "));
 }
 
 bool OutlineModel::setData(const QModelIndex &index, const QVariant &value, int role)

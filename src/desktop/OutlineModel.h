@@ -9,17 +9,22 @@
 namespace tomelet::desktop {
 
 class ItemActions;
+class OutlineBadges;
 
 class OutlineModel final : public QAbstractItemModel, public OutlineObserver
 {
     Q_OBJECT
 
 public:
+    /// The counts of a row: what is open or waits in it, and how much of that is overdue.
+    enum Role { TotalRole = Qt::UserRole + 1, DueRole };
+
     OutlineModel(ItemActions &actions, QObject *parent);
     ~OutlineModel() override;
 
     [[nodiscard]] static TMLTOutlineItem *itemAt(const QModelIndex &index);
     [[nodiscard]] QModelIndex indexOf(const TMLTOutlineItem *item) const;
+    [[nodiscard]] OutlineBadges *badges() { return m_badges; }
     /// Without a root there is no row at all, whatever the tree still holds.
     void setRootAvailable(bool available);
 
@@ -52,9 +57,11 @@ public:
     void changed(TMLTOutlineItem *item) override;
 
 private:
+    [[nodiscard]] QString description(const TMLTOutlineItem &item) const;
     bool reorderBooks(const QStringList &paths, TMLTOutlineItem *book, int row);
 
     ItemActions &m_actions;
+    OutlineBadges *m_badges;
     bool m_rootAvailable = true;
     QList<TMLTOutlineItem *> m_persistentItems; // what the view holds on to while the tree is put in order
 };

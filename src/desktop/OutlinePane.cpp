@@ -2,6 +2,9 @@
 #include "desktop/OutlinePane.h"
 
 #include "desktop/ItemActions.h"
+#include "desktop/LauncherBadge.h"
+#include "desktop/OutlineBadges.h"
+#include "desktop/OutlineDelegate.h"
 #include "desktop/OutlineModel.h"
 #include "foundation/Localization.h"
 #include "library/Root.h"
@@ -15,6 +18,9 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     , m_model(new OutlineModel(actions, this))
 {
     setModel(m_model);
+    setItemDelegate(new OutlineDelegate(this));
+    connect(m_model->badges(), &OutlineBadges::changed, viewport(), qOverload<>(&QWidget::update));
+    connect(m_model->badges(), &OutlineBadges::overdueChanged, this, showLauncherBadge);
     setHeaderHidden(true);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(localized(TOMELET_TEXT("Books")));
@@ -22,6 +28,7 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     setBackgroundRole(QPalette::Window);
     viewport()->setBackgroundRole(QPalette::Window);
     setIndentation(16);
+    setSelectionMode(QAbstractItemView::ExtendedSelection);
     setIconSize({18, 18});
     setDragEnabled(true);
     setAcceptDrops(true);
@@ -60,8 +67,13 @@ void OutlinePane::editName(const QString &path)
     if (!item || item->isGroupItem()) return;
     QTreeView::expand(m_model->indexOf(item->parent()));
     const QModelIndex index = m_model->indexOf(item);
-    setCurrentIndex(index);
+    selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect);
     edit(index);
+}
+
+void OutlinePane::recount()
+{
+    m_model->badges()->recount();
 }
 
 // -- what the controller asks -----------------------------------------------------------------------------------------
@@ -85,7 +97,8 @@ void OutlinePane::collapse(TMLTOutlineItem *item)
 void OutlinePane::select(TMLTOutlineItem *item, bool silently)
 {
     m_selectRowSilently = silently;
-    if (item) setCurrentIndex(m_model->indexOf(item));
+    // The keys of the command that asks for it may still be down, and add to a selection.
+    if (item) selectionModel()->setCurrentIndex(m_model->indexOf(item), QItemSelectionModel::ClearAndSelect);
     else selectionModel()->clearSelection();
     m_selectRowSilently = false;
 }
@@ -140,7 +153,7 @@ void OutlinePane::showSelection()
     ListSource source;
     source.smartType = item->smartBookType();
     if (source.smartType == OrdinaryBook) source.book = item->fullPath();
-    if (source.smartType == ContextBook) source.contexts = {item->relativePath()};
+    if (source.smartType == ContextBook) source.contexts = selectedContexts();
     Q_EMIT sourceSelected(source);
 }
 

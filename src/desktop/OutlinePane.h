@@ -25,6 +25,8 @@ public:
     void editName(const QString &path);
     /// Shows what is selected as if it had been selected just now.
     void showSelection();
+    /// Counts the badges anew.
+    void recount();
     void setBookOnDisplay(const QString &path) { m_bookOnDisplay = path; }
 
     // OutlineView

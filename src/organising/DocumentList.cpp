@@ -14,6 +14,7 @@
 #include "library/RecentItems.h"
 #include "organising/TaskRows.h"
 #include "organising/TaskStore.h"
+#include "organising/Tasks.h"
 
 #include <QDir>
 #include <QLocale>
@@ -42,6 +43,11 @@ QString bookOf(const ListSource &source)
 {
     if (source.smartType == InboxBook) return fullPathOf(settings().string(QStringLiteral("defaultInbox")));
     return source.smartType == OrdinaryBook ? source.book : QString();
+}
+
+bool rowIsFinished(const QVariantMap &row)
+{
+    return tm_taskIsDoneOrCanceled(row.value(QStringLiteral("taskIcon")).toString());
 }
 
 } // namespace
@@ -107,6 +113,7 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
             paths.removeIf([&](const QString &path) { return !others.contains(path); });
         }
         readPaths(paths);
+        if (settings().boolean(QStringLiteral("hideDoneTasks"))) documentsList.removeIf(rowIsFinished);
         break;
     }
     case FavoritesBook: readPaths(organiser().itemsWithContext(QStringLiteral("_TMFAV"))); break;
@@ -142,14 +149,18 @@ void TMLTDocumentListViewController::readBook(const QString &book)
     const bool isTasklist = organiser().bookIsTasklist(book);
     const TaskRecords records(book);
     const bool showsBooks = settings().boolean(QStringLiteral("outlineIsCollapsed"));
+    const bool hidesDone = settings().boolean(QStringLiteral("hideDoneTasks"));
 
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>())) {
         const QString path = joinPath(book, entry.name);
         if (tm_pathIsExcludedFromDisplay(path) || !passesFilter(entry.name)) continue;
         if (entry.isFolder && !hasPackageExtension(path)) {
             if (showsBooks) booksList.append(itemRow(path, false, {}, bookSources));
+        } else if (const TaskRecord record = records.of(entry.name);
+                   hidesDone && tm_taskIsDoneOrCanceled(textOfTaskState(stateOf(record)))) {
+            ++numberOfHiddenDoneTasks;
         } else {
-            documentsList.append(itemRow(path, isTasklist, records.of(entry.name), documentSources));
+            documentsList.append(itemRow(path, isTasklist, record, documentSources));
         }
     }
     if (!showsBooks || book != tomeletRoot()) return;
@@ -191,6 +202,16 @@ void TMLTDocumentListViewController::sortDocuments()
 
 // -- orders -----------------------------------------------------------------------------------------------------------
 
+bool TMLTDocumentListViewController::orderCanBeChosen() const
+{
+    return isPlainBook() || !settingsPrefix(m_source.smartType).isEmpty();
+}
+
+bool TMLTDocumentListViewController::sortsByDueDate() const
+{
+    return m_source.smartType == DueTasksBook || (isPlainBook() && organiser().bookIsTasklist(bookOf(m_source)));
+}
+
 void TMLTDocumentListViewController::selectSortOrder(int index)
 {
     static const QString orders[] = {QStringLiteral("title"), QStringLiteral("creationDate"),
@@ -223,15 +244,27 @@ static QStringList namesOf(const QList<QVariantMap> &rows)
     return names;
 }
 
+// What the filter or the hiding of done tasks leaves out keeps its place behind the name that it stood behind.
+static QStringList withUnseen(QStringList shown, const QStringList &before)
+{
+    for (qsizetype i = 0; i < before.size(); ++i)
+        if (!shown.contains(before[i])) shown.insert(i == 0 ? 0 : shown.indexOf(before[i - 1]) + 1, before[i]);
+    return shown;
+}
+
 void TMLTDocumentListViewController::saveCustomSortOrder()
 {
     if (!isPlainBook()) return;
     const QString book = bookOf(m_source);
     // While the tree shows the books, the list knows nothing of their order.
+    const QVariantMap properties = readDictionary(bookPropertiesPath(book));
     const QStringList books = settings().boolean(QStringLiteral("outlineIsCollapsed"))
                                   ? namesOf(booksList)
-                                  : readDictionary(bookPropertiesPath(book)).value(QStringLiteral("Books")).toStringList();
-    tomelet::saveCustomSortOrder(book, books, namesOf(documentsList));
+                                  : properties.value(QStringLiteral("Books")).toStringList();
+    QStringList documents = namesOf(documentsList);
+    if (numberOfHiddenDoneTasks > 0 || !searchFilter.isEmpty())
+        documents = withUnseen(documents, properties.value(QStringLiteral("Notes")).toStringList());
+    tomelet::saveCustomSortOrder(book, books, documents);
     notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), bookPropertiesPath(book));
 }
 

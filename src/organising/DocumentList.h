@@ -32,6 +32,10 @@ public:
     /// The menu's choices by index: 0 title, 1 creation date, 2 modification date (due date in a tasklist), 3 custom,
     /// 4 descending, 5 ascending. Stored in the book or, for a smart book, in the settings.
     void selectSortOrder(int index);
+    /// False where the order is fixed.
+    [[nodiscard]] bool orderCanBeChosen() const;
+    /// The menu's place 2 means the due date here.
+    [[nodiscard]] bool sortsByDueDate() const;
     /// Writes the rows' order as the book's custom order.
     void saveCustomSortOrder();
     /// Moves documents by their positions so that the first stands at `target`, and keeps that as the custom order.

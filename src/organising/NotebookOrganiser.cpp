@@ -27,7 +27,7 @@ class NotebookOrganiser final : public Organiser
 {
 public:
     QStringList itemsWithContext(const QString &context) override { return tm_listOfAllItemsForTag(context); }
-    bool hasDueTasks() override { return countDueTasks(tomeletRoot()).taken > 0; }
+    bool hasDueTasks() override { return anyTaskIsDue(tomeletRoot()); }
     QStringList tasklists() override { return knownTasklists(); }
     bool bookIsTasklist(const QString &book) override { return tm_bookIsTasklist(book); }
     bool itemIsTask(const QString &path) override { return tm_itemIsTask(path); }

@@ -37,6 +37,8 @@ ReminderDelivery::~ReminderDelivery() = default;
 
 void ReminderDelivery::deliverDue()
 {
+    // Delivering sets off a rebuild, which delivers: without anyone to show reminders that would never end.
+    if (m_nextTry->isValid() && platform().clock.now() < *m_nextTry) return;
     for (const Reminder &reminder : takeDueReminders())
         deliver(reminder);
 }
@@ -46,7 +48,10 @@ void ReminderDelivery::deliver(const Reminder &reminder)
     logLine(QStringLiteral("did deliver notification"));
     m_shown.insert(reminder.path, reminder.fireDate);
     m_presenter.present(reminder, {[path = reminder.path] { tm_openTaskFromNotification(path); },
-                                   [reminder] { returnReminder(reminder); }});
+                                   [reminder, nextTry = m_nextTry] {
+                                       returnReminder(reminder);
+                                       *nextTry = platform().clock.now().addMSecs(longestWait);
+                                   }});
     // Its task has just become overdue.
     tm_correctTaskCountAtPath(parentPath(reminder.path));
 }

@@ -9,6 +9,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <memory>
 
 namespace tomelet {
 
@@ -49,6 +50,8 @@ private:
     NotificationCenter::Subscription m_rebuilt;
     QTimer m_timer;
     QHash<QString, QDateTime> m_shown;
+    /// Not before this moment, after one could not be shown; shared with the answers, which may outlive us.
+    std::shared_ptr<QDateTime> m_nextTry = std::make_shared<QDateTime>();
 };
 
 } // namespace tomelet

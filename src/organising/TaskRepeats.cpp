@@ -167,6 +167,8 @@ void tm_addRepeatingTask(const QString &path)
     announceFile(copy);
     announceFile(store.path());
     announceTask(path);
+    notifications().post(taskRepeatedNotification,
+                         {{QStringLiteral("path"), path}, {QStringLiteral("copy"), copy}});
     rebuildRemindersSoon();
 }
 

@@ -26,5 +26,7 @@ void tm_setRepeatDetails(const QString &path, const QStringList &details);
 /// Makes the next occurrence of a repeating task that is done: the item becomes open again with a later date,
 /// and a dated copy of it stays behind as done.
 void tm_addRepeatingTask(const QString &path);
+/// Posted after it with the `path` of the item and that of the `copy`.
+inline const QString taskRepeatedNotification = QStringLiteral("TMLTTaskRepeatedNotification");
 
 } // namespace tomelet

@@ -62,6 +62,24 @@ TaskRow taskRowOf(const QString &path, const QVariant &record)
     return {sortDateOf(values), taskIcon(stateOf(values), due), repeatRuleOf(values).has_value()};
 }
 
+QDateTime dueDateOfRow(const QVariantMap &row)
+{
+    const QString icon = row.value(QStringLiteral("taskIcon")).toString();
+    const QDateTime date = row.value(QStringLiteral("DueDate")).toDateTime();
+    const bool isOpen = !icon.isEmpty() && !tm_taskIsDoneOrCanceled(icon);
+    return isOpen && date != referenceDate().addSecs(placeOfUndated) ? date : QDateTime();
+}
+
+QDateTime finishingDateOfRow(const QVariantMap &row)
+{
+    const QString icon = row.value(QStringLiteral("taskIcon")).toString();
+    if (!tm_taskIsDoneOrCanceled(icon)) return {};
+    const qint64 place = icon.contains(u"done") ? placeOfDone : placeOfCanceled;
+    const qint64 mirrored =
+        row.value(QStringLiteral("DueDate")).toDateTime().msecsTo(referenceDate().addSecs(place));
+    return mirrored == 0 ? QDateTime() : referenceDate().addMSecs(mirrored);
+}
+
 // -- the due list
 // -----------------------------------------------------------------------------------------------------
 
@@ -93,9 +111,11 @@ void chooseDueLookAhead(int index)
                          index > 0 ? QVariant(qlonglong(index)) : QVariant());
 }
 
-// Calls the taker for each due task, book by book.
-static DueCounts findDueTasks(const QString &root,
-                              const std::function<void(const QString &book, const LiveTask &task)> &taker)
+enum class DueCounters { Leave, PutRight };
+
+// Calls the taker for each due task, book by book, until it says false.
+static DueCounts findDueTasks(const QString &root, DueCounters counters,
+                              const std::function<bool(const QString &book, const LiveTask &task)> &taker)
 {
     logLine(QStringLiteral("getting due tasks"));
     const QDateTime now = platform().clock.now();
@@ -115,10 +135,10 @@ static DueCounts findDueTasks(const QString &root,
             else if (due >= horizon)
                 continue;
             ++all.taken;
-            taker(book, task);
+            if (!taker(book, task)) return all;
         }
         all.overdue += overdue;
-        if (overdue == store.dueCount()) continue;
+        if (counters == DueCounters::Leave || overdue == store.dueCount()) continue;
         store.setDueCount(overdue);
         store.save();
     }
@@ -127,7 +147,12 @@ static DueCounts findDueTasks(const QString &root,
 
 DueCounts countDueTasks(const QString &root)
 {
-    return findDueTasks(root, [](const QString &, const LiveTask &) {});
+    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) { return true; });
+}
+
+bool anyTaskIsDue(const QString &root)
+{
+    return findDueTasks(root, DueCounters::Leave, [](const QString &, const LiveTask &) { return false; }).taken > 0;
 }
 
 QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
@@ -135,8 +160,8 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
     QVariantList rows;
     QString sourcesBook;
     RowSources sources;
-    const DueCounts counts = findDueTasks(root, [&](const QString &book, const LiveTask &task) {
-        if (numbers) return;
+    const auto taker = [&](const QString &book, const LiveTask &task) {
+        if (numbers) return true;
         if (book != sourcesBook) {
             // Manual order plays no part in this list; the pins of a book are read once.
             const QVariantMap properties = readDictionary(bookPropertiesPath(book));
@@ -145,7 +170,9 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
             sourcesBook = book;
         }
         rows.append(itemRow(joinPath(book, task.name), true, task.record, sources));
-    });
+        return true;
+    };
+    const DueCounts counts = findDueTasks(root, DueCounters::PutRight, taker);
     if (numbers) return {counts.taken, counts.overdue};
     return rows;
 }

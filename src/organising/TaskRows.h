@@ -13,6 +13,10 @@ namespace tomelet {
 /// ascending sort by the date puts first what is no task, then tasks by their due dates, then tasks without
 /// one, then the done and then the canceled ones, the latest first.
 [[nodiscard]] TaskRow taskRowOf(const QString &path, const QVariant &record);
+/// The due date of a row's task that is still to be done; invalid for none.
+[[nodiscard]] QDateTime dueDateOfRow(const QVariantMap &row);
+/// When a row's task was done or canceled; invalid for all others and where nobody knows.
+[[nodiscard]] QDateTime finishingDateOfRow(const QVariantMap &row);
 
 /// How many tasks are due, and how many of them overdue.
 struct DueCounts
@@ -27,7 +31,10 @@ struct DueCounts
 /// one.
 [[nodiscard]] QStringList dueLookAheadTitles();
 void chooseDueLookAhead(int index);
+/// Writes nothing, so that any thread may ask.
 [[nodiscard]] DueCounts countDueTasks(const QString &root);
+/// The same question for the first one alone.
+[[nodiscard]] bool anyTaskIsDue(const QString &root);
 /// The rows of all tasks that are due, in the order of the stores; or, as numbers, how many these are and how
 /// many of them are overdue. Puts the counters of overdue tasks right on its way.
 [[nodiscard]] QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers);

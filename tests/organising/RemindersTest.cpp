@@ -145,6 +145,9 @@ TEST_F(Reminders, missedOnesWaitForSomebodyToShowThem)
         const ReminderDelivery delivery(presenter);
         EXPECT_EQ(presenter.shown, QStringList{item});
         presenter.answers.failed();
+        rebuildRemindersSoon();
+        drainPendingWork();
+        EXPECT_EQ(presenter.shown.size(), 1) << "with nobody to show it, it is not tried at every rebuild";
     }
     const ReminderDelivery again(presenter);
     EXPECT_EQ(presenter.shown, QStringList({item, item})) << "what could not be shown is tried again";
