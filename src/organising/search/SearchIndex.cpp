@@ -1,0 +1,282 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/search/SearchIndex.h"
+
+#include "foundation/Folder.h"
+#include "foundation/Log.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "organising/search/DocumentText.h"
+#include "organising/search/IndexDatabase.h"
+#include "organising/search/IndexKeys.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <sys/stat.h>
+
+namespace tomelet {
+
+namespace {
+
+using Document = IndexDatabase::Document;
+
+/// Other programs get their turn between two lots.
+constexpr qint64 millisecondsOfLot = 2000;
+
+std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
+{
+    struct stat status{};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) return std::nullopt;
+    return IndexDatabase::Stamp{status.st_size, status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
+}
+
+void addDocument(const QString &root, const QString &below, std::vector<Document> &found)
+{
+    if (const auto stamp = stampOf(root + below)) found.push_back({below, *stamp});
+}
+
+// Links to folders are not followed: one may lead back up. What lies in a package is no document.
+void addDocumentsBelow(const QString &root, const QString &below, std::vector<Document> &found)
+{
+    for (const FolderEntry &entry : listFolder(root + below).value_or(std::vector<FolderEntry>())) {
+        const QString item = below + u'/' + entry.name;
+        if (tm_pathIsExcludedFromDisplay(item)) continue;
+        if (!entry.isFolder || hasPackageExtension(item)) addDocument(root, item, found);
+        else if (!QFileInfo(root + item).isSymLink()) addDocumentsBelow(root, item, found);
+    }
+}
+
+std::vector<Document> documentsAt(const QString &root, const QString &path)
+{
+    const QString below = tm_normalizedPath(path, root);
+    std::vector<Document> found;
+    if (!below.isEmpty() && tm_pathIsExcludedFromDisplay(below)) return found;
+    if (pathIsPlainBook(path) && (path == root || !QFileInfo(path).isSymLink())) addDocumentsBelow(root, below, found);
+    else if (!isFolder(path) || hasPackageExtension(path)) addDocument(root, below, found);
+    return found;
+}
+
+std::string foldedName(const QString &path)
+{
+    return foldedForSearch(lastPathComponent(path)).text;
+}
+
+// Getting the text out of these takes long, so the index keeps it.
+bool keepsText(const QString &path)
+{
+    const QString extension = lowerExtension(path);
+    return extension == u"pdf" || extension == u"eml" || extension.startsWith(u"htm");
+}
+
+IndexDatabase::Entry entryOf(const QString &root, const Document &document)
+{
+    const QString text = documentText(root + document.path);
+    return {document, keysOfDocument(foldedForSearch(text), foldedName(document.path)),
+            keepsText(document.path) ? qCompress(text.toUtf8()) : QByteArray()};
+}
+
+bool isBelow(const QString &path, const QString &scope)
+{
+    return scope.isEmpty() || (path.startsWith(scope) && path.mid(scope.size()).startsWith(u'/'));
+}
+
+std::string quoted(const KeyLookUp &lookUp)
+{
+    std::string text = "\"";
+    for (const char c : lookUp.key) text += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return text + (lookUp.prefix ? "\"*" : "\"");
+}
+
+std::string allOf(const TermLookUps &lookUps)
+{
+    std::string text;
+    for (const KeyLookUp &lookUp : lookUps.keys) text += (text.empty() ? "(" : " AND ") + quoted(lookUp);
+    return text + ')';
+}
+
+/// The query in the index's language, and whether what it finds are the hits.
+struct Expression
+{
+    std::string text;
+    bool exact = true;
+};
+
+Expression expressionOf(const SearchQuery &query)
+{
+    Expression result;
+    for (const FoldedText &term : query.terms) {
+        const TermLookUps title = titleLookUps(term);
+        const TermLookUps content = contentLookUps(term);
+        const std::string text = query.mode == SearchMode::Title     ? allOf(title)
+                                 : query.mode == SearchMode::Content ? allOf(content)
+                                                                     : '(' + allOf(title) + " OR " + allOf(content) + ')';
+        result.text += (result.text.empty() ? "" : " AND ") + text;
+        result.exact = result.exact && (query.mode == SearchMode::Title || content.exact) &&
+                       (query.mode == SearchMode::Content || title.exact);
+    }
+    return result;
+}
+
+bool documentMatches(const QString &root, const QString &path, const SearchQuery &query, const QByteArray &keptText)
+{
+    std::optional<FoldedText> content;
+    return matchesQuery(query, foldedName(path), [&]() -> const FoldedText & {
+        if (!content)
+            content = foldedForSearch(keptText.isEmpty() ? documentText(root + path)
+                                                         : QString::fromUtf8(qUncompress(keptText)));
+        return *content;
+    });
+}
+
+} // namespace
+
+QString searchIndexFile()
+{
+    return joinPath(rootCacheFolder(), QStringLiteral(".Search/Index.sqlite"));
+}
+
+SearchIndex::SearchIndex(QString root, QString file) : m_root(std::move(root)), m_file(std::move(file)) {}
+
+SearchIndex::~SearchIndex() = default;
+
+IndexDatabase &SearchIndex::database()
+{
+    if (!m_database) {
+        makeFolder(parentPath(m_file));
+        m_database = std::make_unique<IndexDatabase>(m_file);
+    }
+    return *m_database;
+}
+
+void SearchIndex::throwAway()
+{
+    logLine(QStringLiteral("text index thrown away: %1").arg(m_file));
+    m_database.reset();
+    for (const auto &ending : {QStringLiteral(""), QStringLiteral("-wal"), QStringLiteral("-shm")})
+        QFile::remove(m_file + ending);
+}
+
+// -- update -----------------------------------------------------------------------------------------------------------
+
+SearchIndex::Update SearchIndex::update(const QString &path, const Progress &progress)
+{
+    for (const bool first : {true, false}) {
+        try {
+            if (path == m_root && database().isWorn()) throwAway();
+            return updateOnce(path, progress);
+        } catch (const IndexDatabaseError &error) {
+            if (error.isBusy()) {
+                m_database.reset();
+                return {false, 0, 0, 0, QStringLiteral("another program holds it")};
+            }
+            throwAway();
+            if (!first) return {false, 0, 0, 0, QStringLiteral("it cannot be written")};
+        }
+    }
+    return {};
+}
+
+SearchIndex::Update SearchIndex::updateOnce(const QString &path, const Progress &progress)
+{
+    IndexDatabase &index = database();
+    QHash<QString, IndexDatabase::Stamp> known = index.documentsAt(tm_normalizedPath(path, m_root));
+    std::vector<Document> documents = documentsAt(m_root, path);
+    Update result{false, 0, 0, qsizetype(documents.size()), {}};
+    std::erase_if(documents, [&](const Document &document) {
+        const auto row = known.constFind(document.path);
+        if (row == known.constEnd()) return false;
+        const bool same = *row == document.stamp;
+        known.erase(row);
+        return same;
+    });
+    // An empty root is one whose disk is missing: nothing has been deleted.
+    if (result.documents == 0 && rootLooksUnmounted()) return result;
+
+    if (!known.isEmpty()) {
+        index.begin();
+        for (auto gone = known.keyBegin(); gone != known.keyEnd(); ++gone) index.remove(*gone);
+        index.commit();
+        result.removed = known.size();
+    }
+    if (!putAll(documents, progress, result)) return result;
+    result.complete = true;
+    if (path == m_root && !index.isComplete()) index.setComplete();
+    return result;
+}
+
+bool SearchIndex::putAll(const std::vector<IndexDatabase::Document> &documents, const Progress &progress, Update &result)
+{
+    IndexDatabase &index = database();
+    QElapsedTimer lot;
+    bool open = false;
+    bool goesOn = true;
+    for (const Document &document : documents) {
+        const IndexDatabase::Entry entry = entryOf(m_root, document);
+        if (!open) {
+            index.begin();
+            lot.start();
+        }
+        open = true;
+        index.put(entry);
+        ++result.read;
+        goesOn = !progress || progress(result.read, qsizetype(documents.size()));
+        if (!goesOn) break;
+        if (lot.elapsed() < millisecondsOfLot) continue;
+        index.commit();
+        open = false;
+    }
+    if (open) index.commit();
+    return goesOn;
+}
+
+// -- find -------------------------------------------------------------------------------------------------------------
+
+std::optional<QStringList> SearchIndex::find(const SearchQuery &query, const QString &scope, const Progress &progress)
+{
+    if (query.terms.empty()) return QStringList();
+    if (!m_database && !itemExists(m_file)) return std::nullopt;
+    try {
+        IndexDatabase &index = database();
+        if (!index.isComplete()) return std::nullopt;
+        return findIn(index, query, scope, progress);
+    } catch (const IndexDatabaseError &error) {
+        if (error.isBusy()) m_database.reset();
+        else throwAway();
+        return std::nullopt;
+    }
+}
+
+QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, const QString &scope,
+                                const Progress &progress)
+{
+    const Expression expression = expressionOf(query);
+    const QString below = tm_normalizedPath(scope, m_root);
+    QStringList paths;
+    index.find(expression.text, [&](const QString &path) {
+        if (isBelow(path, below)) paths.append(path);
+    });
+    qsizetype done = 0;
+    QStringList hits;
+    for (const QString &path : paths) {
+        if (!expression.exact && !documentMatches(m_root, path, query, index.textOf(path))) continue;
+        hits.append(m_root + path);
+        if (progress && !progress(++done, paths.size())) break;
+    }
+    return hits;
+}
+
+QStringList searchByWalk(const QString &root, const SearchQuery &query, const QString &scope, const Progress &progress)
+{
+    const std::vector<Document> documents = documentsAt(root, scope);
+    QStringList hits;
+    qsizetype done = 0;
+    for (const Document &document : documents) {
+        if (documentMatches(root, document.path, query, {})) hits.append(root + document.path);
+        if (progress && !progress(++done, qsizetype(documents.size()))) break;
+    }
+    return hits;
+}
+
+} // namespace tomelet
