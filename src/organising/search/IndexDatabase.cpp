@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/search/IndexDatabase.h"
 
-#include "organising/search/IndexKeys.h"
+#include "organising/search/IndexTokens.h"
 
 #include <QFile>
 
@@ -31,13 +31,14 @@ int makeTokenizer(void *, const char **, int, Fts5Tokenizer **tokenizer)
 
 void dropTokenizer(Fts5Tokenizer *) {}
 
-int tokenize(Fts5Tokenizer *, void *context, int, const char *text, int size,
+int tokenize(Fts5Tokenizer *, void *context, int purpose, const char *text, int size,
              int (*token)(void *, int, const char *, int, int, int))
 {
     for (int from = 0; from < size;) {
-        const void *separator = std::memchr(text + from, keySeparator, size_t(size - from));
+        const void *separator = std::memchr(text + from, tokenSeparator, size_t(size - from));
         const int end = separator ? int(static_cast<const char *>(separator) - text) : size;
-        const int code = end > from ? token(context, 0, text + from, end - from, from, end) : SQLITE_OK;
+        const bool shared = text[from] == sharedPlaceToken && purpose == FTS5_TOKENIZE_DOCUMENT;
+        const int code = token(context, shared ? FTS5_TOKEN_COLOCATED : 0, text + from, end - from, from, end);
         if (code != SQLITE_OK) return code;
         from = end + 1;
     }
@@ -136,7 +137,7 @@ void IndexDatabase::registerTokenizer()
     sqlite3_finalize(query);
     if (!api) throw IndexDatabaseError{SQLITE_ERROR};
     fts5_tokenizer functions{makeTokenizer, dropTokenizer, tokenize};
-    check(api->xCreateTokenizer(api, "keys", nullptr, &functions, nullptr));
+    check(api->xCreateTokenizer(api, "pieces", nullptr, &functions, nullptr));
 }
 
 IndexDatabase::IndexDatabase(const QString &file)
@@ -155,9 +156,9 @@ IndexDatabase::IndexDatabase(const QString &file)
                     "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
                     " size INTEGER, changed INTEGER, text BLOB);"
                     "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
-                    "CREATE VIRTUAL TABLE IF NOT EXISTS keys USING fts5(key, content='', detail=none, columnsize=0, tokenize='keys');"
-                    // Larger lots of keys in memory make fewer pieces to merge.
-                    "INSERT INTO keys(keys, rank) VALUES('hashsize', 33554432);"
+                    "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, tokenize='pieces');"
+                    // Larger lots of tokens in memory make fewer pieces to merge.
+                    "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
                     "PRAGMA user_version=1; COMMIT");
     } catch (...) {
         m_statements.clear();
@@ -208,10 +209,10 @@ void IndexDatabase::put(const Entry &entry)
     row.bind(3, entry.document.stamp.changed);
     row.bind(4, entry.text);
     row.run();
-    Statement &keys = statement("INSERT INTO keys(rowid, key) VALUES(?,?)");
-    keys.bind(1, sqlite3_last_insert_rowid(m_database));
-    keys.bind(2, entry.keys);
-    keys.run();
+    Statement &tokens = statement("INSERT INTO tokens(rowid, token) VALUES(?,?)");
+    tokens.bind(1, sqlite3_last_insert_rowid(m_database));
+    tokens.bind(2, entry.tokens);
+    tokens.run();
 }
 
 void IndexDatabase::remove(const QString &path)
@@ -223,7 +224,7 @@ void IndexDatabase::remove(const QString &path)
 
 void IndexDatabase::find(const std::string &expression, const std::function<void(const QString &)> &visit)
 {
-    Statement &query = statement("SELECT path FROM keys JOIN documents ON documents.id = keys.rowid WHERE keys MATCH ?");
+    Statement &query = statement("SELECT path FROM tokens JOIN documents ON documents.id = tokens.rowid WHERE tokens MATCH ?");
     query.bind(1, expression);
     while (query.step()) visit(query.text(0));
 }
@@ -245,7 +246,7 @@ bool IndexDatabase::isComplete()
 void IndexDatabase::setComplete()
 {
     execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
-            "INSERT INTO keys(keys) VALUES('optimize'); COMMIT; "
+            "INSERT INTO tokens(tokens) VALUES('optimize'); COMMIT; "
             "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 

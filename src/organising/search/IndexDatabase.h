@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The index's file: an SQLite database with the documents and, in an FTS5 table without content, their keys.
+// The index's file: an SQLite database with the documents and, in an FTS5 table without content, their tokens.
 //
-// FTS5 cannot take a document out of such a table without its keys, so a document that changes gets another number and
+// FTS5 cannot take a document out of such a table without its tokens, so a document that changes gets another number and
 // the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
 #pragma once
 
@@ -41,11 +41,11 @@ public:
         QString path; ///< normalised
         Stamp stamp;
     };
-    /// A document with its keys and, where getting at its text takes long, that text.
+    /// A document with its tokens and, where getting at its text takes long, that text.
     struct Entry
     {
         Document document;
-        std::string keys;
+        std::string tokens;
         QByteArray text;
     };
 
@@ -65,7 +65,7 @@ public:
     void put(const Entry &entry);
     void remove(const QString &path);
 
-    /// Visits the paths that an FTS5 expression over keys finds.
+    /// Visits the paths that an FTS5 expression over tokens finds.
     void find(const std::string &expression, const std::function<void(const QString &path)> &visit);
     /// The text that was put with the document; "" for none.
     [[nodiscard]] QByteArray textOf(const QString &path);

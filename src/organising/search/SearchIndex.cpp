@@ -3,18 +3,19 @@
 
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
+#include "foundation/SerialQueue.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "organising/search/DocumentText.h"
 #include "organising/search/IndexDatabase.h"
-#include "organising/search/IndexKeys.h"
+#include "organising/search/IndexTokens.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
 #include <sys/stat.h>
+#include <utility>
 
 namespace tomelet {
 
@@ -22,8 +23,7 @@ namespace {
 
 using Document = IndexDatabase::Document;
 
-/// Other programs get their turn between two lots.
-constexpr qint64 millisecondsOfLot = 2000;
+constexpr size_t documentsOfLot = 500;
 
 std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
 {
@@ -73,7 +73,7 @@ bool keepsText(const QString &path)
 IndexDatabase::Entry entryOf(const QString &root, const Document &document)
 {
     const QString text = documentText(root + document.path);
-    return {document, keysOfDocument(foldedForSearch(text), foldedName(document.path)),
+    return {document, tokensOfDocument(foldedForSearch(text), foldedName(document.path)),
             keepsText(document.path) ? qCompress(text.toUtf8()) : QByteArray()};
 }
 
@@ -82,17 +82,17 @@ bool isBelow(const QString &path, const QString &scope)
     return scope.isEmpty() || (path.startsWith(scope) && path.mid(scope.size()).startsWith(u'/'));
 }
 
-std::string quoted(const KeyLookUp &lookUp)
+std::string quoted(const TokenPhrase &phrase)
 {
     std::string text = "\"";
-    for (const char c : lookUp.key) text += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return text + (lookUp.prefix ? "\"*" : "\"");
+    for (const char c : phrase.tokens) text += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return text + (phrase.prefix ? "\"*" : "\"");
 }
 
 std::string allOf(const TermLookUps &lookUps)
 {
     std::string text;
-    for (const KeyLookUp &lookUp : lookUps.keys) text += (text.empty() ? "(" : " AND ") + quoted(lookUp);
+    for (const TokenPhrase &phrase : lookUps.phrases) text += (text.empty() ? "(" : " AND ") + quoted(phrase);
     return text + ')';
 }
 
@@ -208,27 +208,33 @@ SearchIndex::Update SearchIndex::updateOnce(const QString &path, const Progress 
 
 bool SearchIndex::putAll(const std::vector<IndexDatabase::Document> &documents, const Progress &progress, Update &result)
 {
-    IndexDatabase &index = database();
-    QElapsedTimer lot;
-    bool open = false;
-    bool goesOn = true;
-    for (const Document &document : documents) {
-        const IndexDatabase::Entry entry = entryOf(m_root, document);
-        if (!open) {
-            index.begin();
-            lot.start();
-        }
-        open = true;
-        index.put(entry);
-        ++result.read;
-        goesOn = !progress || progress(result.read, qsizetype(documents.size()));
-        if (!goesOn) break;
-        if (lot.elapsed() < millisecondsOfLot) continue;
-        index.commit();
-        open = false;
+    SerialQueue reader; // a lot is read on its thread while the one before it is put
+    std::vector<IndexDatabase::Entry> next;
+    const auto read = [&](size_t first) {
+        reader.add([&, first] {
+            for (size_t i = first; i < std::min(first + documentsOfLot, documents.size()); ++i)
+                next.push_back(entryOf(m_root, documents[i]));
+        });
+    };
+    read(0);
+    for (size_t first = 0; first < documents.size(); first += documentsOfLot) {
+        reader.drain();
+        const std::vector<IndexDatabase::Entry> entries = std::exchange(next, {});
+        read(first + documentsOfLot);
+        put(entries);
+        result.read += qsizetype(entries.size());
+        if (progress && !progress(result.read, qsizetype(documents.size()))) return result.read == qsizetype(documents.size());
     }
-    if (open) index.commit();
-    return goesOn;
+    return true;
+}
+
+// One transaction: other programs get their turn between two lots.
+void SearchIndex::put(const std::vector<IndexDatabase::Entry> &entries)
+{
+    IndexDatabase &index = database();
+    index.begin();
+    for (const IndexDatabase::Entry &entry : entries) index.put(entry);
+    index.commit();
 }
 
 // -- find -------------------------------------------------------------------------------------------------------------
