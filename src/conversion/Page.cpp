@@ -6,6 +6,7 @@
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "import/Mail.h"
+#include "import/Opml.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/PathForms.h"
@@ -22,15 +23,17 @@ static QString pageOfText(const QString &path)
 {
     const auto decoded = readTextFile(path);
     const QString text = decoded ? decoded->text : QString();
-    return tm_createFormattedDocWithBody(path, QStringLiteral("<pre class=\"tm_plain\">%1</pre>").arg(text.toHtmlEscaped()));
+    return tm_createFormattedDocWithBody(
+        path, QStringLiteral("<pre class=\"tm_plain\">%1</pre>").arg(text.toHtmlEscaped()));
 }
 
 static QString pageOfImage(const QString &path)
 {
     // Beside the page, as all references of pages are: they are resolved by the document's folder.
     const QString name = lastPathComponent(path);
-    return tm_createFormattedDocWithBody(path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
-                                                   .arg(percentEncodedPath(name), name.toHtmlEscaped()));
+    return tm_createFormattedDocWithBody(
+        path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
+                  .arg(percentEncodedPath(name), name.toHtmlEscaped()));
 }
 
 static QString pageOfMail(const QString &path)
@@ -42,15 +45,23 @@ static QString pageOfMail(const QString &path)
         .replace(QStringLiteral("**TomeletFontSize**"), QString::number(qlonglong(font.size)));
 }
 
+static QString pageOfOutline(const QString &path)
+{
+    const auto decoded = readTextFile(path);
+    return tm_createFormattedDocWithBody(path, tm_OPMLToHTML(decoded ? decoded->text : QString()));
+}
+
 static QString pageOfUnknown(const QString &path)
 {
     const QFileInfo file(path);
-    const QString kind = pathExtension(path).isEmpty() ? localized(TOMELET_TEXT("Document"))
-                                                       : pathExtension(path).toUpper();
+    const QString kind =
+        pathExtension(path).isEmpty() ? localized(TOMELET_TEXT("Document")) : pathExtension(path).toUpper();
     return tm_createFormattedDocWithBody(
-        path, QStringLiteral("<div class=\"tm_card\"><p class=\"tm_card_name\">%1</p><p>%2 · %3 · %4</p></div>")
-                  .arg(file.fileName().toHtmlEscaped(), kind.toHtmlEscaped(), QLocale().formattedDataSize(file.size()),
-                       QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
+        path,
+        QStringLiteral("<div class=\"tm_card\"><p class=\"tm_card_name\">%1</p><p>%2 · %3 · %4</p></div>")
+            .arg(file.fileName().toHtmlEscaped(), kind.toHtmlEscaped(),
+                 QLocale().formattedDataSize(file.size()),
+                 QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
 }
 
 static QString pageOfAnyKind(const QString &path)
@@ -62,6 +73,7 @@ static QString pageOfAnyKind(const QString &path)
         return decoded ? decoded->text : tm_createFormattedDocWithBody(path, {});
     }
     if (extension == u"eml") return pageOfMail(path);
+    if (extension == u"opml") return pageOfOutline(path);
     if (hasImageExtension(path)) return pageOfImage(path);
     if (hasPlainTextExtension(path)) return pageOfText(path);
     // Files without an extension are mostly text: README, LICENSE, Makefile.

@@ -70,19 +70,28 @@ OwnedRegex regexOn(const QString &text, const QString &pattern, int options, Ran
 
 } // namespace
 
-static PatternMatches collectMatches(const QString &text, const QString &pattern, int options, Range range, bool all)
+constexpr int unlimited = 0;
+
+static PatternMatches collectMatches(const QString &text, const QString &pattern, int options, Range range, bool all,
+                                     int steps = unlimited)
 {
     const OwnedRegex regex = regexOn(text, pattern, options, range);
     if (!regex) return {};
     UErrorCode status = U_ZERO_ERROR;
+    uregex_setTimeLimit(regex.get(), steps, &status);
     const int groupCount = uregex_groupCount(regex.get(), &status);
     std::vector<Range> ranges;
     RegexMatcher matcher(regex.get(), range.location);
     while ((all || ranges.empty()) && matcher.next())
         for (int group = 0; group <= groupCount; ++group)
             ranges.push_back(matcher.range(group));
-    if (U_FAILURE(matcher.status())) return {};
+    if (U_FAILURE(matcher.status()) && steps == unlimited) return {};
     return {std::move(ranges), size_t(groupCount) + 1};
+}
+
+PatternMatches matchesWithinSteps(const QString &text, const QString &pattern, int options, Range range, int steps)
+{
+    return collectMatches(text, pattern, options, range, true, steps);
 }
 
 PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options, Range range)

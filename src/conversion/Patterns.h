@@ -68,6 +68,10 @@ private:
 /// All matches within the range. The pattern sees the range alone, as if it were the whole text.
 [[nodiscard]] PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options = 0,
                                               Range range = wholeRange);
+/// The same with a bound on the work, for patterns that can take long on texts made to that end: after so many times ten
+/// thousand points of return the matches found so far are all.
+[[nodiscard]] PatternMatches matchesWithinSteps(const QString &text, const QString &pattern, int options, Range range,
+                                                int steps);
 /// The first match alone, or none.
 [[nodiscard]] PatternMatches firstMatchOfPattern(const QString &text, const QString &pattern, int options = 0,
                                                  Range range = wholeRange);

@@ -11,6 +11,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
+#include "import/Opml.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
@@ -81,13 +82,15 @@ QString textOf(const QString &path)
 {
     const QString extension = lowerExtension(path);
     if (builtInPlainTextExtensions().contains(extension)) return readDecoded(path).trimmed();
-    if (extension.startsWith(u"htm") || isNonEmptyProperty(tm_propertyForKey(path, QStringLiteral("Markdown")))) {
+    if (extension.startsWith(u"htm") ||
+        isNonEmptyProperty(tm_propertyForKey(path, QStringLiteral("Markdown")))) {
         const QString page = readDecoded(path);
         return page.contains(plainRepresentationMark) ? tm_htmlToPlainText(page) : tm_htmlToPlainQuick(page);
     }
     QString kept = sideCarText(path);
     if (kept.isEmpty()) kept = recognisedText(path);
     if (!kept.isEmpty()) return kept.contains(u"<!DOCTYPE html>") ? tm_htmlToPlainQuick(kept) : kept;
+    if (extension == u"opml") return tm_htmlToPlainQuick(tm_OPMLToHTML(readDecoded(path)));
     return extension == u"pdf" ? textOfPdf(path) : QString();
 }
 
@@ -95,11 +98,14 @@ QString textOf(const QString &path)
 QString renderedText(const QString &path, QString text)
 {
     const Settings &values = settings();
-    if (values.boolean(QStringLiteral("ignoreCommentsForWordCount"))) text = tm_stringByRemovingComments(text);
+    if (values.boolean(QStringLiteral("ignoreCommentsForWordCount")))
+        text = tm_stringByRemovingComments(text);
     if (!values.boolean(QStringLiteral("useMarkdownStrictly"))) text = tm_makeEveryNewlineaLinebreak(text);
     if (text.contains(u"[[")) text = tm_makeWikiLinksMarkdownLinks(text);
     const bool own = tm_markdownConverterAtPath(path) == OwnConverter;
-    return tm_htmlToPlainQuick(own ? tm_ownMarkdownWithPath(text, path) : tm_markdownWithPandoc(text, true, false)).trimmed();
+    return tm_htmlToPlainQuick(own ? tm_ownMarkdownWithPath(text, path)
+                                   : tm_markdownWithPandoc(text, true, false))
+        .trimmed();
 }
 
 QString bareLine(const QString &line)
@@ -107,8 +113,10 @@ QString bareLine(const QString &line)
     static const QStringView marks = u"-_+#& ";
     qsizetype begin = 0;
     qsizetype end = line.size();
-    while (begin < end && marks.contains(line[begin])) ++begin;
-    while (end > begin && marks.contains(line[end - 1])) --end;
+    while (begin < end && marks.contains(line[begin]))
+        ++begin;
+    while (end > begin && marks.contains(line[end - 1]))
+        --end;
     return line.mid(begin, end - begin).toLower();
 }
 

@@ -3,78 +3,43 @@
 
 #include "conversion/Page.h"
 #include "conversion/Patterns.h"
-#include "desktop/ContextsField.h"
-#include "desktop/ItemActions.h"
+#include "desktop/DocumentHeader.h"
+#include "desktop/PageProfile.h"
+#include "desktop/TMLTTextView.h"
+#include "editor/FormattedPage.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
-#include "library/Extensions.h"
+#include "library/Appearance.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
-#include "organising/Contexts.h"
 #include "organising/DocumentReferences.h"
 #include "organising/LostTarget.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDir>
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLabel>
-#include <QMenu>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
 #include <QStackedWidget>
 #include <QTimer>
-#include <QToolButton>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
-#include <QWebEngineProfile>
-#include <QWebEngineSettings>
-#include <QWebEngineUrlRequestInterceptor>
 
 #include <functional>
 
 namespace tomelet::desktop {
 
 namespace {
-
-// Pages are files of the person's own; nothing on them has a reason to call home.
-class NetworkBlocker final : public QWebEngineUrlRequestInterceptor
-{
-public:
-    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
-    void interceptRequest(QWebEngineUrlRequestInfo &info) override
-    {
-        static const QStringList local{QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"),
-                                       QStringLiteral("qrc"), QStringLiteral("about"),
-                                       QStringLiteral("chrome-extension"), QStringLiteral("chrome")};
-        if (!local.contains(info.requestUrl().scheme())) info.block(true);
-    }
-};
-
-QWebEngineProfile *pageProfile()
-{
-    // Off the record: nothing that a page leaves behind is kept.
-    static auto *profile = [] {
-        auto *made = new QWebEngineProfile(QCoreApplication::instance());
-        made->setUrlRequestInterceptor(new NetworkBlocker(made));
-        QWebEngineSettings *settings = made->settings();
-        settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
-        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
-        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
-        settings->setAttribute(QWebEngineSettings::PluginsEnabled, true);
-        settings->setAttribute(QWebEngineSettings::PdfViewerEnabled, true);
-        settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
-        settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
-        return made;
-    }();
-    return profile;
-}
 
 class Page final : public QWebEnginePage
 {
@@ -126,189 +91,173 @@ QString pageInScheme(const QString &html, const QPalette &palette)
     return head + html.mid(end);
 }
 
-QString displayPlace(const QString &path)
-{
-    const QString folder = tm_normalizedPath(parentPath(path));
-    return folder.isEmpty() ? lastPathComponent(tomeletRoot()) : tm_pathFormattedForDisplay(folder);
-}
-
 } // namespace
+
+// A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
+static constexpr qsizetype longestTextPage = 500 * 1024;
 
 DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     : QWidget(parent)
-    , m_actions(actions)
-    , m_title(new QLabel)
-    , m_place(new QLabel)
-    , m_contexts(new ContextsField)
-    , m_backlinks(new QToolButton)
+    , m_header(new DocumentHeader(actions))
+    , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
     , m_stack(new QStackedWidget)
     , m_view(new QWebEngineView)
+    , m_text(new TMLTTextView)
+    , m_controller(*this)
 {
     // The page waits for its answer, so what may ask a question comes after it.
     auto *page = new Page(m_view, [this](const QUrl &url) { QTimer::singleShot(0, this, [this, url] { followLink(url); }); });
     m_view->setPage(page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
+    makeLayout();
+    m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
+    connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
+    connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
+}
 
+DocumentPane::~DocumentPane()
+{
+    m_controller.closeDocument();
+}
+
+void DocumentPane::makeLayout()
+{
     m_empty->setAlignment(Qt::AlignCenter);
     m_empty->setForegroundRole(QPalette::PlaceholderText);
-    m_stack->addWidget(m_empty);
-    m_stack->addWidget(m_view);
+
+    m_notice->setWordWrap(true);
+    m_notice->setMargin(10);
+    m_notice->setAutoFillBackground(true);
+    m_notice->setBackgroundRole(QPalette::ToolTipBase);
+    m_notice->setForegroundRole(QPalette::ToolTipText);
+    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->hide();
+
+    for (QWidget *widget : {static_cast<QWidget *>(m_empty), static_cast<QWidget *>(m_view),
+                            static_cast<QWidget *>(m_text)})
+        m_stack->addWidget(widget);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addLayout(makeHeader());
+    layout->addWidget(m_header);
+    layout->addWidget(m_notice);
     layout->addWidget(m_stack, 1);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
     setFocusProxy(m_view);
-
-    m_subscriptions.push_back(notifications().observe(
-        QStringLiteral("TMLTFileModifiedOnDiskNotification"),
-        [this](const QVariantMap &payload) { documentChanged(payload.value(QStringLiteral("path")).toString()); }));
-    m_subscriptions.push_back(notifications().observe(QStringLiteral("TMLTReloadCurrentDocument"),
-                                                      [this](const QVariantMap &) { documentChanged(m_path); }));
-    m_subscriptions.push_back(notifications().observe(
-        QStringLiteral("TMLTFileDeletedFromDiskNotification"), [this](const QVariantMap &payload) {
-            if (payload.value(QStringLiteral("path")).toString() == m_path) showDocument({});
-        }));
-    m_subscriptions.push_back(
-        notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &payload) {
-            documentMoved(payload.value(QStringLiteral("originalPath")).toString(),
-                          payload.value(QStringLiteral("newPath")).toString());
-        }));
 }
 
-DocumentPane::~DocumentPane() = default;
-
-QLayout *DocumentPane::makeHeader()
-{
-    QFont font = m_title->font();
-    font.setWeight(QFont::DemiBold);
-    m_title->setFont(font);
-    m_title->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_place->setForegroundRole(QPalette::PlaceholderText);
-    m_backlinks->setPopupMode(QToolButton::InstantPopup);
-    m_backlinks->setAutoRaise(true);
-    m_backlinks->setMenu(new QMenu(m_backlinks));
-    connect(m_backlinks->menu(), &QMenu::aboutToShow, this, &DocumentPane::fillBacklinksMenu);
-    connect(m_contexts, &ContextsField::contextsEdited, this,
-            [this](const QStringList &words) { m_actions.setContexts(m_path, words); });
-
-    auto *below = new QHBoxLayout;
-    below->addWidget(m_contexts, 1);
-    below->addWidget(m_backlinks);
-    auto *header = new QVBoxLayout;
-    header->setContentsMargins(20, 10, 20, 6);
-    header->setSpacing(0);
-    header->addWidget(m_title);
-    header->addWidget(m_place);
-    header->addLayout(below);
-    return header;
-}
+// -- what is on display -----------------------------------------------------------------------------------------------
 
 void DocumentPane::showDocument(const QString &path, const QString &anchor)
 {
-    m_path = path;
-    m_title->setText(path.isEmpty() ? QString() : lastPathComponent(path));
-    m_place->setText(path.isEmpty() ? QString() : displayPlace(path));
-    m_stack->setCurrentWidget(path.isEmpty() ? static_cast<QWidget *>(m_empty) : m_view);
-    Q_EMIT titleChanged(m_title->text());
-    showProperties();
-    if (path.isEmpty()) return;
-    load();
-    if (!anchor.isEmpty()) scrollTo(anchor);
+    const bool opened = m_controller.openDocument(path);
+    updateTitle();
+    if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
 }
 
-void DocumentPane::scrollTo(const QString &anchor)
+void DocumentPane::scrollToAnchor(const QString &anchor)
 {
     const QString name = percentDecoded(anchor.startsWith(u'#') ? anchor.mid(1) : anchor);
-    const QByteArray json = QJsonDocument(QJsonArray{name}).toJson(QJsonDocument::Compact);
-    const QString script = QStringLiteral("document.getElementById(%1[0])?.scrollIntoView()").arg(QString::fromUtf8(json));
-    connect(m_view->page(), &QWebEnginePage::loadFinished, this,
-            [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
+    const QString list = QString::fromUtf8(QJsonDocument(QJsonArray{name}).toJson(QJsonDocument::Compact));
+    runWhenLoaded(QStringLiteral("document.getElementById(%1[0])?.scrollIntoView()").arg(list));
 }
 
-void DocumentPane::showProperties()
+void DocumentPane::updateTitle()
 {
-    const bool own = !m_path.isEmpty() && tm_itemIsChildOfTomelet(m_path);
-    m_contexts->setVisible(own && settings().boolean(QStringLiteral("contextsEnabled")));
-    m_contexts->setContexts(own ? contextsOf(m_path) : QStringList());
-    const qsizetype links = own ? tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList().size() : 0;
-    m_backlinks->setVisible(links > 0);
-    m_backlinks->setText(links == 1 ? localized(TOMELET_TEXT("Linked from one document"))
-                                    : localized(TOMELET_TEXT("Linked from %1 documents")).arg(links));
+    const QString &path = m_controller.path();
+    const QString name = path.isEmpty() ? QString() : lastPathComponent(path);
+    m_header->setDocument(path, m_isEdited);
+    Q_EMIT titleChanged(name);
 }
 
-void DocumentPane::fillBacklinksMenu()
+void DocumentPane::bring(QWidget *shown)
 {
-    QMenu *menu = m_backlinks->menu();
-    menu->clear();
-    const QString root = tomeletRoot();
-    for (const QString &path : tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList()) {
-        const QString title = tm_pathFormattedForDisplay(path);
-        QAction *action = menu->addAction(QString(title).replace(u'&', QStringLiteral("&&")));
-        connect(action, &QAction::triggered, this, [full = fullPathOf(path, root)] {
-            notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), full);
-        });
-    }
+    m_notice->hide();
+    m_stack->setCurrentWidget(shown);
+    setFocusProxy(shown == m_empty ? m_view : shown);
 }
 
-// A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
-static constexpr qsizetype longestTextPage = 500 * 1024;
+QWidget *DocumentPane::shownWidget() const
+{
+    return m_stack->currentWidget() == m_text ? static_cast<QWidget *>(m_text) : m_view;
+}
+
+void DocumentPane::showNothing()
+{
+    bring(m_empty);
+    updateTitle();
+}
+
+void DocumentPane::showPlainText(const QString &text, bool editable)
+{
+    const Font font = tm_fontForPath(path());
+    if (!font.face.startsWith(u"System")) m_text->setFont(QFont(font.face, int(font.size)));
+    m_text->setDocumentText(text, editable, highlightOptionsForItem(path()));
+    bring(m_text);
+    updateTitle();
+}
+
+void DocumentPane::showPage(const QString &html, const QString &base)
+{
+    m_base = base;
+    bring(m_view);
+    updateTitle();
+    QString page = pageInScheme(html, palette());
+    const QUrl address = base.startsWith(u'/') ? QUrl::fromLocalFile(parentPath(base) + u'/') : QUrl(base);
+    const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded()));
+    const qsizetype head = page.indexOf(u"<head>");
+    if (head >= 0) page.replace(head, 6, element);
+    if (page.size() < longestTextPage) return m_view->setHtml(page, address);
+
+    const QString folder = joinPath(workingDirectory(), QStringLiteral("pages"));
+    makeFolder(folder);
+    const QString file = joinPath(folder, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
+    if (writeFile(file, page.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
+}
+
+// Pages of the network are another program's work.
+void DocumentPane::showAddress(const QString &)
+{
+    showPage(pageForItem(path()), path());
+}
+
+void DocumentPane::showPdf(const QString &path, qlonglong page)
+{
+    m_base = path;
+    bring(m_view);
+    updateTitle();
+    QUrl address = QUrl::fromLocalFile(path);
+    if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
+    m_view->load(address);
+}
+
+void DocumentPane::showPreview(const QString &path)
+{
+    showPage(pageForItem(path), path);
+}
 
 void DocumentPane::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
     m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
-    if (!m_path.isEmpty()) reload();
+    if (m_controller.viewThatIsVisible() == DocumentViewKind::Formatted) updateHTML();
 }
 
-void DocumentPane::load()
+void DocumentPane::runWhenLoaded(const QString &script)
 {
-    const QString extension = lowerExtension(m_path);
-    static const QStringList shownAsTheyAre{QStringLiteral("html"), QStringLiteral("htm"), QStringLiteral("pdf")};
-    if (shownAsTheyAre.contains(extension)) return m_view->load(QUrl::fromLocalFile(m_path));
-
-    QString html = pageInScheme(pageForItem(m_path), palette());
-    const QUrl base = QUrl::fromLocalFile(parentPath(m_path) + u'/');
-    const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(base.toEncoded()));
-    const qsizetype head = html.indexOf(u"<head>");
-    if (head >= 0) html.replace(head, 6, element);
-    if (html.size() < longestTextPage) return m_view->setHtml(html, base);
-
-    const QString folder = joinPath(workingDirectory(), QStringLiteral("pages"));
-    makeFolder(folder);
-    const QString file = joinPath(folder, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
-    if (writeFile(file, html.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
+    connect(m_view->page(), &QWebEnginePage::loadFinished, this,
+            [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
 }
 
-void DocumentPane::documentChanged(const QString &path)
+void DocumentPane::updateHTML()
 {
-    if (m_path.isEmpty()) return;
-    if (path == m_path) reload();
-    if (path == m_path || path == propertyFileOf(m_path)) showProperties();
-}
-
-void DocumentPane::reload()
-{
-    const QPointF position = m_view->page()->scrollPosition();
-    load();
-    if (!position.isNull()) {
-        // The page scrolls to where it was as soon as it is laid out again.
-        connect(m_view->page(), &QWebEnginePage::loadFinished, this, [this, position] {
-            m_view->page()->runJavaScript(
-                QStringLiteral("window.scrollTo(%1, %2)").arg(position.x()).arg(position.y()), 1);
-        }, Qt::SingleShotConnection);
-    }
-}
-
-void DocumentPane::documentMoved(const QString &from, const QString &to)
-{
-    if (m_path == from) showDocument(to);
-    else if (m_path.startsWith(from + u'/')) showDocument(to + m_path.mid(from.size()));
+    const qlonglong offset = readingOffset();
+    if (const FormattedPage page = formattedPageFor(path()); !page.html.isEmpty()) showPage(page.html, page.base);
+    restoreOffset(offset);
 }
 
 // The item of the notebook that an address means, with its anchor; "" for what lies outside.
@@ -328,14 +277,139 @@ static QString itemOfLink(const QUrl &url)
 
 void DocumentPane::followLink(const QUrl &url)
 {
-    QString path = itemOfLink(url);
-    if (path.isEmpty()) {
+    QString item = itemOfLink(url);
+    if (item.isEmpty()) {
         QDesktopServices::openUrl(url);
         return;
     }
-    if (!itemExists(tm_pathWithoutAnchor(path)) && !itemExists(path))
-        path = tm_findAlternativePathExcludingOrPrompt(path, {m_path}, m_path);
-    if (!path.isEmpty()) notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), path);
+    if (!itemExists(tm_pathWithoutAnchor(item)) && !itemExists(item))
+        item = tm_findAlternativePathExcludingOrPrompt(item, {path()}, path());
+    if (!item.isEmpty()) notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
+}
+
+// -- text -------------------------------------------------------------------------------------------------------------
+
+QString DocumentPane::text() const { return m_text->documentText(); }
+Range DocumentPane::selection() const { return m_text->selection(); }
+void DocumentPane::select(Range selection) { m_text->select(selection); }
+bool DocumentPane::isBlankUpToCaretLine() const { return m_text->isBlankUpToCaretLine(); }
+void DocumentPane::restylePlainText() { m_text->restyle(); }
+QString DocumentPane::mainFrameURL() const { return m_base; }
+
+void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
+{
+    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
+}
+
+void DocumentPane::zoom(int steps)
+{
+    static constexpr double step = 1.1;
+    m_view->setZoomFactor(steps == 0 ? 1 : m_view->zoomFactor() * (steps > 0 ? step : 1 / step));
+    if (steps != 0) m_text->zoomIn(steps);
+    else m_text->setFont(QFont(m_text->font().family(), int(tm_fontForPath(path()).size)));
+}
+
+void DocumentPane::setEdited(bool edited)
+{
+    if (edited == m_isEdited) return;
+    m_isEdited = edited;
+    updateTitle();
+}
+
+void DocumentPane::beginEditing()
+{
+    shownWidget()->setFocus();
+}
+
+// -- positions --------------------------------------------------------------------------------------------------------
+
+qlonglong DocumentPane::readingOffset() const
+{
+    if (m_stack->currentWidget() == m_text) return m_text->textCursor().position();
+    return qlonglong(m_view->page()->scrollPosition().y());
+}
+
+void DocumentPane::restoreOffset(qlonglong offset)
+{
+    if (m_stack->currentWidget() == m_text) m_text->select({offset, 0});
+    else if (offset > 0) runWhenLoaded(QStringLiteral("window.scrollTo(0, %1)").arg(offset));
+}
+
+// Compared by letters and digits, so that marks and blanks do not matter.
+static const QString letters = QStringLiteral("const letters = t => t.replace(/[^\\p{L}\\p{N}]/gu, '');"
+                                              "const paragraphs = [...document.querySelectorAll("
+                                              "'p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd')];");
+
+void DocumentPane::scrollToText(const QString &text)
+{
+    const QString list = QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact));
+    runWhenLoaded(QStringLiteral("{ %1 const wanted = letters(%2[0]);"
+                                 "const found = paragraphs.find(e => letters(e.innerText) === wanted) ||"
+                                 "paragraphs.find(e => letters(e.innerText).includes(wanted));"
+                                 "if (found) found.scrollIntoView({block: 'center'}); }")
+                      .arg(letters, list));
+}
+
+// The page tells its topmost paragraph in its own time; then the text is shown at it.
+void DocumentPane::toggleView()
+{
+    if (m_stack->currentWidget() == m_text) return m_controller.tm_togglePlainTextAndFormattedView();
+    const QString script = QStringLiteral("{ %1 const top = paragraphs.find(e => e.getBoundingClientRect().top >= 0);"
+                                          "top && window.scrollY > 0 ? top.innerText : ''; }")
+                               .arg(letters);
+    m_view->page()->runJavaScript(script, 1, [self = QPointer(this)](const QVariant &paragraph) {
+        if (!self) return;
+        self->m_paragraphOnTop = paragraph.toString();
+        self->m_controller.tm_togglePlainTextAndFormattedView();
+        self->beginEditing();
+    });
+}
+
+// -- the window -------------------------------------------------------------------------------------------------------
+
+bool DocumentPane::isKeyWindow() const
+{
+    return isActiveWindow() || !QApplication::activeWindow();
+}
+
+void DocumentPane::showAlert(const QString &title, const QString &text)
+{
+    auto *box = new QMessageBox(QMessageBox::NoIcon, title, QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()),
+                                QMessageBox::Ok, this);
+    box->setInformativeText(text);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void DocumentPane::showNotice(const QString &title, const QString &text)
+{
+    m_notice->setText(title + u'\n' + text);
+    m_notice->show();
+}
+
+void DocumentPane::unlock()
+{
+    tm_removePropertyForKey(path(), QStringLiteral("R/O"));
+    m_controller.showDocument();
+}
+
+void DocumentPane::tm_showUnlockAlert()
+{
+    if (findChild<QMessageBox *>()) return; // one for all the keys that are pressed meanwhile
+    const QString title = localized(TOMELET_TEXT("This document is write-protected"));
+    if (tm_propertyForKey(path(), QStringLiteral("R/O")).toString() != u"1") return showAlert(title, path());
+    auto *box = new QMessageBox(QMessageBox::NoIcon, title, QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()),
+                                QMessageBox::Cancel, this);
+    QPushButton *open = box->addButton(localized(TOMELET_TEXT("Unlock")), QMessageBox::AcceptRole);
+    connect(open, &QPushButton::clicked, this, &DocumentPane::unlock);
+    box->setDefaultButton(QMessageBox::Cancel); // the next key of somebody who is typing decides nothing
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void DocumentPane::addToBackList(const QString &)
+{
+    updateTitle(); // a document that was named anew
 }
 
 } // namespace tomelet::desktop

@@ -1,26 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The right-hand pane: a document as a page. Pages run no script and load nothing from the network.
+// The right-hand pane: a document as text to write in or as a page. Pages run no script and load nothing from the
+// network.
 #pragma once
 
-#include "foundation/NotificationCenter.h"
+#include "editor/DocumentView.h"
+#include "editor/EditorCommands.h"
+#include "editor/TMLTDocumentViewController.h"
 
 #include <QWebEngineView>
 #include <QWidget>
 
-#include <memory>
-#include <vector>
-
 class QLabel;
-class QLayout;
 class QStackedWidget;
-class QToolButton;
 
 namespace tomelet::desktop {
 
-class ContextsField;
+class DocumentHeader;
 class ItemActions;
+class TMLTTextView;
 
-class DocumentPane final : public QWidget
+class DocumentPane final : public QWidget, private DocumentView
 {
     Q_OBJECT
 
@@ -28,11 +27,23 @@ public:
     explicit DocumentPane(ItemActions &actions, QWidget *parent = nullptr);
     ~DocumentPane() override;
 
-    /// Shows the document, at the anchor if one is given ("part" or "#part"); an empty path shows what to do next.
+    /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
+    /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     void showDocument(const QString &path, const QString &anchor = {});
-    [[nodiscard]] const QString &path() const { return m_path; }
+    [[nodiscard]] const QString &path() const { return m_controller.path(); }
     [[nodiscard]] QWebEngineView *view() { return m_view; }
-    [[nodiscard]] ContextsField *contextsField() { return m_contexts; }
+    [[nodiscard]] TMLTTextView *textView() { return m_text; }
+    [[nodiscard]] DocumentHeader *header() { return m_header; }
+    [[nodiscard]] TMLTDocumentViewController &controller() { return m_controller; }
+    /// The page or text that keys go to.
+    [[nodiscard]] QWidget *shownWidget() const;
+
+    /// Between text and page, at the same paragraph.
+    void toggleView();
+    /// A command on the text, where a text is on display.
+    void applyToText(EditorCommand command, const EditorArguments &arguments = {});
+    /// Larger and smaller letters; 0 for the actual size.
+    void zoom(int steps);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -41,29 +52,59 @@ Q_SIGNALS:
     void titleChanged(const QString &title);
 
 private:
-    void load();
-    /// Loads the page anew and scrolls to where it was.
-    void reload();
+    void makeLayout();
+    void updateTitle();
+    void bring(QWidget *shown);
+    /// Runs once when the page that is being loaded is laid out.
+    void runWhenLoaded(const QString &script);
+    void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url);
-    void documentChanged(const QString &path);
-    void documentMoved(const QString &from, const QString &to);
+    void unlock();
 
-    QLayout *makeHeader();
-    /// Contexts and backlinks of the document, as they are stored now.
-    void showProperties();
-    void fillBacklinksMenu();
-    void scrollTo(const QString &anchor);
+    // What the controller asks of its view.
+    void showNothing() override;
+    void showPlainText(const QString &text, bool editable) override;
+    void showPage(const QString &html, const QString &base) override;
+    void showAddress(const QString &address) override;
+    void showPdf(const QString &path, qlonglong page) override;
+    void showPreview(const QString &path) override;
+    [[nodiscard]] QString text() const override;
+    [[nodiscard]] Range selection() const override;
+    void select(Range selection) override;
+    [[nodiscard]] bool isBlankUpToCaretLine() const override;
+    void restylePlainText() override;
+    // Pages are for reading: they give nothing back, and the controller saves none that was not typed in.
+    [[nodiscard]] QString innerHTML() const override { return {}; }
+    [[nodiscard]] QString innerText() const override { return {}; }
+    [[nodiscard]] QString outerHTML() const override { return {}; }
+    [[nodiscard]] QString mainFrameURL() const override;
+    [[nodiscard]] bool canGoBack() const override { return false; }
+    void updateHTML() override;
+    void hideFormattingBar() override {}
+    [[nodiscard]] QString caretParagraph() const override { return m_paragraphOnTop; }
+    void scrollToText(const QString &text) override;
+    [[nodiscard]] qlonglong readingOffset() const override;
+    void restoreOffset(qlonglong offset) override;
+    void setEdited(bool edited) override;
+    void beginEditing() override;
+    [[nodiscard]] bool isKeyWindow() const override;
+    void tm_showUnlockAlert() override;
+    void showAlert(const QString &title, const QString &text) override;
+    void showNotice(const QString &title, const QString &text) override;
+    [[nodiscard]] bool isMainWindow() const override { return true; }
+    void addToBackList(const QString &path) override;
+    [[nodiscard]] QString contextOfList() const override { return {}; }
 
-    ItemActions &m_actions;
-    QLabel *m_title;
-    QLabel *m_place;
-    ContextsField *m_contexts;
-    QToolButton *m_backlinks;
+    DocumentHeader *m_header;
+    QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
     QStackedWidget *m_stack;
     QWebEngineView *m_view;
-    QString m_path;
-    std::vector<NotificationCenter::Subscription> m_subscriptions;
+    TMLTTextView *m_text;
+    QString m_base; ///< of the page on display
+    QString m_paragraphOnTop;
+    bool m_isEdited = false;
+    TMLTDocumentViewController m_controller;
 };
 
 } // namespace tomelet::desktop

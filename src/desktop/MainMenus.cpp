@@ -36,6 +36,7 @@ void MainWindow::makeActions()
 {
     makeBookMenu();
     makeEditMenu();
+    makeTextMenu();
     makeViewMenu();
     makeOrganiseMenu();
     makeStorageMenu();
@@ -146,7 +147,7 @@ void MainWindow::makeViewMenu()
     add(menu, TOMELET_TEXT("Go to B&ooks"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { m_outline->setFocus(); });
     add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { focusList(); });
     add(menu, TOMELET_TEXT("Go to Docu&ment"), QKeySequence(QStringLiteral("Ctrl+3")),
-        [this] { m_document->view()->setFocus(); });
+        [this] { m_document->shownWidget()->setFocus(); });
     add(menu, TOMELET_TEXT("&Next Pane"), QKeySequence(Qt::Key_F6), [this] { focusNextPane(1); });
     add(menu, TOMELET_TEXT("&Previous Pane"), QKeySequence(QStringLiteral("Shift+F6")), [this] { focusNextPane(-1); });
     menu->addSeparator();
@@ -155,11 +156,11 @@ void MainWindow::makeViewMenu()
     menu->addAction(info);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Larger"), QKeySequence::ZoomIn,
-        [this] { m_document->view()->setZoomFactor(m_document->view()->zoomFactor() * 1.1); });
+        [this] { m_document->zoom(1); });
     add(menu, TOMELET_TEXT("Smaller"), QKeySequence::ZoomOut,
-        [this] { m_document->view()->setZoomFactor(m_document->view()->zoomFactor() / 1.1); });
+        [this] { m_document->zoom(-1); });
     add(menu, TOMELET_TEXT("Actual Size"), QKeySequence(QStringLiteral("Ctrl+0")),
-        [this] { m_document->view()->setZoomFactor(1); });
+        [this] { m_document->zoom(0); });
 }
 
 void MainWindow::makeStorageMenu()

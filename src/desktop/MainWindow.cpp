@@ -359,7 +359,7 @@ void MainWindow::focusList()
 
 void MainWindow::focusNextPane(int step)
 {
-    const QList<QWidget *> panes{m_outline, m_list, m_document->view()};
+    const QList<QWidget *> panes{m_outline, m_list, m_document->shownWidget()};
     qsizetype at = 0;
     for (qsizetype i = 0; i < panes.size(); ++i)
         if (panes[i]->hasFocus() || panes[i]->isAncestorOf(focusWidget())) at = i;

@@ -62,6 +62,7 @@ private:
     void makeActions();
     void makeBookMenu();
     void makeEditMenu();
+    void makeTextMenu();
     void makeViewMenu();
     void makeOrganiseMenu();
     void makeContextCommands(QMenu *menu);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The main window's commands on contexts and links.
 #include "desktop/ContextsField.h"
+#include "desktop/DocumentHeader.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/MainWindow.h"
 #include "desktop/OutlinePane.h"
@@ -32,7 +33,7 @@ void MainWindow::makeOrganiseMenu()
 void MainWindow::makeContextCommands(QMenu *menu)
 {
     add(menu, TOMELET_TEXT("&Contexts of the Document"), QKeySequence(QStringLiteral("Ctrl+Shift+K")), [this] {
-        m_document->contextsField()->setFocus(Qt::ShortcutFocusReason);
+        m_document->header()->contextsField()->setFocus(Qt::ShortcutFocusReason);
     });
     add(menu, TOMELET_TEXT("&Exclude Contexts..."), {}, [this] {
         if (const QStringList words = m_outline->selectedContexts(); !words.isEmpty()) m_actions.excludeContexts(words);

@@ -3,6 +3,7 @@
 
 #include "conversion/MarkdownToHtml.h"
 #include "conversion/TextUtilities.h"
+#include "editor/DocumentForms.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -33,7 +34,7 @@ SavedForm savedForm(const NewDocument &document)
         return {extension, tm_createFormattedDocWithBody(document.book, document.text), tm_htmlToPlainQuick(document.text),
                 false};
     if (extension == u"md" && settings().boolean(QStringLiteral("createCombinedMarkdown")))
-        return {QStringLiteral("html"), tm_markdownToHTML(document.text), document.text, true};
+        return {QStringLiteral("html"), combinedForm(document.text), document.text, true};
     return {extension, document.text, document.text, false};
 }
 

@@ -44,6 +44,7 @@ bool tm_moveItemToPath(const QString &path, const QString &target)
     movePropertyFile(path, target);
     others.contextsFollow(path, target);
     if (others.bookIsTasklist(parentPath(path))) others.taskFollows(path, target);
+    if (isBook) others.verifyTasklists();
     tm_changeSortOrderToPath(path, target);
     if (!isBook) tm_copyEmbeddedPhotosToPath(path, target);
     if (settings().boolean(QStringLiteral("manageLinks")) && !tm_itemIsTrashed(target))

@@ -2,6 +2,7 @@
 #include "library/Organiser.h"
 
 #include "foundation/Clock.h"
+#include "foundation/Platform.h"
 #include "library/Properties.h"
 
 namespace tomelet {
@@ -11,6 +12,11 @@ Organiser::~Organiser() = default;
 QStringList Organiser::itemsWithContext(const QString &)
 {
     return {};
+}
+
+QStringList Organiser::tasklists()
+{
+    return settings().stringList(QStringLiteral("allTaskLists"));
 }
 
 TaskRow Organiser::taskRow(const QString &, const QVariant &)

@@ -27,6 +27,8 @@ public:
 
     // Computed lists
     [[nodiscard]] virtual bool hasDueTasks() { return false; }
+    /// Normalised paths of all tasklists, as far as they are known.
+    [[nodiscard]] virtual QStringList tasklists();
     /// Paths of the items with a context or mark, in the order of the index.
     [[nodiscard]] virtual QStringList itemsWithContext(const QString &context);
     [[nodiscard]] virtual QStringList availableContexts() { return {}; }

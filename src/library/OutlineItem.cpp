@@ -193,7 +193,7 @@ bool smartBookShouldExist(int type)
     }
     case AllTaskListsBook:
         return values.boolean(QStringLiteral("smartBookAllTaskLists")) &&
-               !values.stringList(QStringLiteral("allTaskLists")).isEmpty();
+               !organiser().tasklists().isEmpty();
     case RecentItemsBook:
     case RecentlyModifiedBook: return true;
     case ContextsBook: return values.boolean(QStringLiteral("contextsEnabled"));
@@ -234,7 +234,7 @@ TMLTOutlineItem::Children TMLTOutlineItem::readTaskLists()
 {
     const QString root = tomeletRoot();
     Children found;
-    for (const QString &normalized : settings().stringList(QStringLiteral("allTaskLists"))) {
+    for (const QString &normalized : organiser().tasklists()) {
         const QString path = fullPathOf(normalized, root);
         if (organiser().bookIsTasklist(path)) found.push_back(std::make_unique<TMLTOutlineItem>(path, this, true));
     }

@@ -138,18 +138,27 @@ static QString cutToBytes(const QString &stem, qsizetype bytes)
     return cut;
 }
 
-QString tm_uniqueNameForFileatPath(const QString &name, const QString &folder)
+static QString numberedFileName(const QString &name, const QString &number)
 {
     static constexpr qsizetype longestName = 255 - 6;
     const QString extension = pathExtension(name);
     const QString ending = extension.isEmpty() ? QString() : u'.' + extension;
     const QString stem = tm_escapeIllegalCharacters(ending.isEmpty() ? name : name.chopped(ending.size()));
-    for (qulonglong count = 0;; ++count) {
-        const QString number = count == 0 ? QString() : QStringLiteral(" %1").arg(count);
-        const QString tail = number + ending;
-        const QString path = joinPath(folder, cutToBytes(stem, longestName - tail.toUtf8().size()) + tail);
-        if (!itemExists(path)) return path;
-    }
+    const QString tail = number + ending;
+    return cutToBytes(stem, longestName - tail.toUtf8().size()) + tail;
+}
+
+QString safeFileName(const QString &name)
+{
+    return numberedFileName(name, {});
+}
+
+QString tm_uniqueNameForFileatPath(const QString &name, const QString &folder)
+{
+    QString path = joinPath(folder, safeFileName(name));
+    for (qulonglong count = 1; itemExists(path); ++count)
+        path = joinPath(folder, numberedFileName(name, QStringLiteral(" %1").arg(count)));
+    return path;
 }
 
 QString tm_stringByEscapingWildcards(const QString &text)

@@ -28,6 +28,8 @@ namespace tomelet {
 
 /// A name that every file system takes: / \ : ? * < > " | & become "-", runs of "-" one, ends are trimmed.
 [[nodiscard]] QString tm_escapeIllegalCharacters(const QString &name);
+/// The name that a new file of that name gets where no other is in its way.
+[[nodiscard]] QString safeFileName(const QString &name);
 /// A free path in the folder for a file of that name: "a.md", else "a 1.md", "a 2.md" and so on. A stem that would
 /// make the name longer than 255 bytes is cut.
 [[nodiscard]] QString tm_uniqueNameForFileatPath(const QString &name, const QString &folder);

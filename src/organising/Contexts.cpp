@@ -393,7 +393,8 @@ qsizetype collectSince(ContextStores &stores, const QDateTime &since, const Prog
     qsizetype done = 0;
     for (const QString &plist : plists) {
         if (const QString item = ownerOfPropertyFile(plist); itemExists(item)) collection.collect(item);
-        if (progress && !progress(++done, plists.size())) return done;
+        ++done;
+        if (progress && !progress(done, plists.size())) return done;
     }
     setAutocollectDate(begin);
     if (stores.save()) announceContexts();
@@ -453,7 +454,8 @@ qsizetype extractContextsFromDocuments(const Progress &progress)
         if (lowerExtension(document) == u"html") text = textOfPage(text);
         const QStringList words = tm_extractTagsFromString(text);
         if (!words.isEmpty() && changeTags(document, {}, words)) collection.collect(document);
-        if (progress && !progress(++done, documents.size())) break;
+        ++done;
+        if (progress && !progress(done, documents.size())) break;
     }
     if (stores.save()) announceContexts();
     return done;

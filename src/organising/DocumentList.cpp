@@ -12,6 +12,11 @@
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
+#include "organising/OrphanedProperties.h"
+#include "organising/TaskRows.h"
+#include "organising/TaskStore.h"
+#include "organising/Tasks.h"
+#include "organising/search/SearchResults.h"
 
 #include <QDir>
 #include <QLocale>
@@ -38,11 +43,16 @@ QString settingsPrefix(int smartType)
 // The book whose files the source lists; the inbox is one.
 QString bookOf(const ListSource &source)
 {
-    if (source.smartType == InboxBook) return fullPathOf(settings().string(QStringLiteral("defaultInbox")));
+    if (source.smartType == InboxBook) return inboxFolder();
     return source.smartType == OrdinaryBook ? source.book : QString();
 }
 
 } // namespace
+
+QString inboxFolder()
+{
+    return fullPathOf(settings().string(QStringLiteral("defaultInbox")));
+}
 
 void TMLTDocumentListViewController::setSource(const ListSource &source)
 {
@@ -108,9 +118,13 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         break;
     }
     case FavoritesBook: readPaths(organiser().itemsWithContext(QStringLiteral("_TMFAV"))); break;
+    case DueTasksBook:
+        for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false))
+            if (passesFilter(row.toMap().value(QStringLiteral("title")).toString())) documentsList.append(row.toMap());
+        break;
     case AllTaskListsBook: {
         QStringList paths;
-        for (const QString &path : settings().stringList(QStringLiteral("allTaskLists")))
+        for (const QString &path : organiser().tasklists())
             if (organiser().bookIsTasklist(fullPathOf(path))) paths.append(fullPathOf(path));
         readPaths(paths);
         break;
@@ -121,6 +135,7 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         return readPaths(paths); // in the order of use
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
+    case SearchResultsBook: readPaths(lastSearchResults()); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
     }
@@ -134,16 +149,21 @@ void TMLTDocumentListViewController::readBook(const QString &book)
     const RowSources documentSources{LocalizedIndex(properties.value(QStringLiteral("Notes")).toStringList()), pinned};
     const RowSources bookSources{LocalizedIndex(properties.value(QStringLiteral("Books")).toStringList()), pinned};
     const bool isTasklist = organiser().bookIsTasklist(book);
+    const TaskRecords records(book);
     const bool showsBooks = settings().boolean(QStringLiteral("outlineIsCollapsed"));
+    const bool hidesDone = settings().boolean(QStringLiteral("hideDoneTasks"));
 
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>())) {
         const QString path = joinPath(book, entry.name);
+        removeOrphanedPropertyFile(path);
         if (tm_pathIsExcludedFromDisplay(path) || !passesFilter(entry.name)) continue;
         if (entry.isFolder && !hasPackageExtension(path)) {
             if (showsBooks) booksList.append(itemRow(path, false, {}, bookSources));
-        } else {
-            documentsList.append(itemRow(path, isTasklist, {}, documentSources));
+            continue;
         }
+        const TaskRecord record = records.of(entry.name);
+        if (hidesDone && tm_taskIsDoneOrCanceled(record.value(QStringLiteral("State")).toString())) ++numberOfHiddenDoneTasks;
+        else documentsList.append(itemRow(path, isTasklist, record, documentSources));
     }
     if (!showsBooks || book != tomeletRoot()) return;
     for (int type = DueTasksBook; type <= ConflictsBook; ++type)

@@ -14,6 +14,9 @@
 #include "organising/ContextStores.h"
 #include "organising/Contexts.h"
 #include "organising/LinkRewriting.h"
+#include "organising/TaskLists.h"
+#include "organising/TaskRows.h"
+#include "organising/Tasks.h"
 
 #include <QFile>
 
@@ -25,6 +28,11 @@ class NotebookOrganiser final : public Organiser
 {
 public:
     QStringList itemsWithContext(const QString &context) override { return tm_listOfAllItemsForTag(context); }
+    bool hasDueTasks() override { return countDueTasks(tomeletRoot()).taken > 0; }
+    QStringList tasklists() override { return knownTasklists(); }
+    bool bookIsTasklist(const QString &book) override { return tm_bookIsTasklist(book); }
+    bool itemIsTask(const QString &path) override { return tm_itemIsTask(path); }
+    TaskRow taskRow(const QString &path, const QVariant &record) override { return taskRowOf(path, record); }
     QStringList availableContexts() override { return tm_listOfAllAvailableTags(); }
 
     void setMark(const QString &path, const QString &mark, bool on) override
@@ -52,6 +60,24 @@ public:
         tm_collectTagsInPlist(path);
         repairIfMoved(path);
     }
+    void taskFollows(const QString &path, const QString &target) override { tm_moveTaskToPath(path, target); }
+    void taskIsCopied(const QString &path, const QString &target) override
+    {
+        if (const auto record = tm_getAllTaskDetails(path)) tm_setTaskDetails(target, *record);
+    }
+    void taskStoreChanged(const QString &store) override { tm_taskPlistChangedAtPath(store); }
+    void tasklistsChanged(const QString &added, const QString &removed) override
+    {
+        updateListOfTasklistRemoving(removed, added);
+    }
+    void verifyTasklists() override { booksChanged(); }
+    // The collection reads every tasklist, so the window or the first line of output goes first.
+    void gatherTasklists() override
+    {
+        platform().delayedCalls.schedule(QStringLiteral("updateListOfTasklists"), {}, std::chrono::milliseconds(0),
+                                         updateListOfTasklists);
+    }
+
     void contextListChanged() override { mergeLeftoverList(); }
 
     QString withContextsMarked(const QString &path, const QString &html) override

@@ -6,6 +6,7 @@ import sys
 import unittest
 
 from bad_input import *  # noqa: F401,F403  the cases of damaged and hostile notebooks
+from conversion import *  # noqa: F401,F403  the cases of pages and texts
 from world import World
 
 

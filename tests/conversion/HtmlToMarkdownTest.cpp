@@ -18,7 +18,7 @@ class HtmlToMarkdown : public test::Notebook
 protected:
     static void check(std::initializer_list<Case> cases)
     {
-        for (const Case &row : cases) EXPECT_EQ(tm_markdownifyHTML(row.text), row.wanted) << row.name;
+        test::check(tm_markdownifyHTML, cases);
     }
 };
 
@@ -106,7 +106,7 @@ TEST_F(HtmlToMarkdown, classBlocks)
 
 TEST_F(HtmlToMarkdown, cleanedHtml)
 {
-    const Case cases[] = {
+    test::check(tm_htmlWithoutInlineStyles, {
         {"styles go", u"<p class=\"\" style=\"color: red;\">a</p>"_s, u"<p>a</p>"_s},
         {"backgrounds and preformatted spans stay",
          u"<span style=\"background-color: red\">a</span><b style=\"white-space:pre\">b</b>"_s,
@@ -118,9 +118,8 @@ TEST_F(HtmlToMarkdown, cleanedHtml)
         {"nothing to see", u"a<img alt=\"\" src=\"\"><o:p></o:p><P></P>"_s, u"a"_s},
         {"double containers", u"<div class=\"x\"> <div>a</div> </div>"_s, u"<div class=\"x\"> a</div>"_s},
         {"with attributes on both", u"<div a><div b>x</div></div>"_s, u"<div a><div b>x</div></div>"_s},
-        {"one paragraph in a class block", u"<div class=\"x\"><p>a</p></div>"_s, u"<div class=\"x\">a</div>"_s},
-    };
-    for (const Case &row : cases) EXPECT_EQ(tm_htmlWithoutInlineStyles(row.text), row.wanted) << row.name;
+        {"one paragraph in a class block", u"<div class=\"x\"><p>a</p></div>"_s, u"<div class=\"x\">a</div>"_s}
+    });
     // The first opening and the last closing paragraph tag go; the seam between them stays.
     EXPECT_EQ(tm_removeParagraphsNestedInCustomClasses(u"<div class=\"x\">\n<p>a</p>\n<p>b</p>\n</div>"_s),
               u"<div class=\"x\">a</p>\n<p>b</div>"_s);

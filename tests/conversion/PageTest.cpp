@@ -27,7 +27,7 @@ protected:
     static QString bodyOf(const QString &pathOrText) { return tm_getInnerHTML(tm_markdownToHTML(pathOrText)); }
     static void check(std::initializer_list<Case> cases)
     {
-        for (const Case &row : cases) EXPECT_EQ(bodyOf(row.text), row.wanted) << row.name;
+        test::check(bodyOf, cases);
     }
 };
 

@@ -26,8 +26,7 @@ protected:
 
     void check(std::initializer_list<Case> cases, int converter)
     {
-        for (const Case &row : cases)
-            EXPECT_EQ(tm_stringPreparedForConversionWith(row.text, converter), row.wanted) << row.name;
+        test::check([converter](const QString &text) { return tm_stringPreparedForConversionWith(text, converter); }, cases);
     }
 };
 
@@ -42,7 +41,7 @@ QString listed(const QString &text)
 
 TEST(CodeRanges, whatCountsAsCode)
 {
-    const Case cases[] = {
+    test::check(listed, {
         {"fence", u"a\n```x\nb\n```\nc"_s, u"\n```x\nb\n```"_s},
         {"a fence on the first line is none", u"```\nb\n```\n"_s, u""_s},
         {"behind a capital A it is one", u"A```\nb\n```"_s, u"A```\nb\n```"_s},
@@ -55,9 +54,8 @@ TEST(CodeRanges, whatCountsAsCode)
         {"inline at the start", u"`a` y"_s, u""_s},
         {"inline at the end", u"x `a`"_s, u""_s},
         {"neighbours are used up", u" `a` `b` `c` "_s, u" `a` #b` `c"_s},
-        {"inline over lines", u"x `a\n\nb` y"_s, u" `a\n\nb` "_s},
-    };
-    for (const Case &row : cases) EXPECT_EQ(listed(row.text), row.wanted) << row.name;
+        {"inline over lines", u"x `a\n\nb` y"_s, u" `a\n\nb` "_s}
+    });
     const QList<Range> ranges{{2, 5}, {4, 10}};
     EXPECT_TRUE(tm_textCheckingResultsIntersectResult(ranges, {2, 5}));
     EXPECT_TRUE(tm_textCheckingResultsIntersectResult(ranges, {6, 8}));
@@ -155,7 +153,7 @@ TEST_F(Preparation, formsForTheOwnEngine)
 
 TEST_F(Preparation, linesBreak)
 {
-    const Case cases[] = {
+    test::check(tm_makeEveryNewlineaLinebreak, {
         {"plain", u"a\nb"_s, u"a  \nb  \n"_s},
         {"line ends", u"a\r\nb\rc\n"_s, u"a  \nb  \nc  \n\n"_s},
         {"fence", u"```\nx\n```\ny"_s, u"```\nx\n```  \ny  \n"_s},
@@ -163,9 +161,8 @@ TEST_F(Preparation, linesBreak)
         {"class blocks", u">%a%\n> %b%\n> c"_s, u">%a%\n> %b%\n> c  \n"_s},
         {"rules", u"---\n--\n- -"_s, u"---\n--  \n- -  \n"_s},
         {"endings", u"a<-\nb#\nc=\nd  \ne"_s, u"a<-\nb#\nc=\nd  \ne  \n"_s},
-        {"nothing", u""_s, u"\n"_s},
-    };
-    for (const Case &row : cases) EXPECT_EQ(tm_makeEveryNewlineaLinebreak(row.text), row.wanted) << row.name;
+        {"nothing", u""_s, u"\n"_s}
+    });
     settings().remove(u"useMarkdownStrictly"_s);
     settings().setObject(u"ignoreCommentsForWordCount"_s, true);
     check({{"comments, then breaks", u"a\n// c\nb"_s, u"a  \nb  \n"_s}}, 7);
@@ -173,16 +170,15 @@ TEST_F(Preparation, linesBreak)
 
 TEST(WikiLinks, becomeMarkdownLinks)
 {
-    const Case cases[] = {
+    test::check(tm_makeWikiLinksMarkdownLinks, {
         {"name", u"[[Book/Other Note.md]]"_s, u"[Other Note](Book/Other%20Note.md)"_s},
         {"title, not trimmed", u"[[Note.md | so]]"_s, u"[ so](Note.md)"_s},
         {"anchor as title", u"[[Note.md|#Intro]]"_s, u"[Intro](Note.md)"_s},
         {"item address", u"[[tomelet://show/B/n.md]]"_s, u"[n](/B/n.md)"_s},
         {"in code", u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s, u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s},
         {"escaped", u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s, u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s},
-        {"a back tick behind on the line", u"[[n]] `x"_s, u"[[n]] `x"_s},
-    };
-    for (const Case &row : cases) EXPECT_EQ(tm_makeWikiLinksMarkdownLinks(row.text), row.wanted) << row.name;
+        {"a back tick behind on the line", u"[[n]] `x"_s, u"[[n]] `x"_s}
+    });
 }
 
 // -- the shortcut in finding code anew --------------------------------------------------------------------------------

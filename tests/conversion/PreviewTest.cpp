@@ -115,6 +115,15 @@ TEST_F(Preview, embeddedStyle)
     EXPECT_EQ(read(u"/n.txt"_s), "x");
 }
 
+TEST_F(Preview, outlines)
+{
+    const QByteArray outline = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opml version=\"2.0\"><head><title>Plan</title></head>"
+                               "<body><outline text=\"one &amp; all\"><outline text=\"two\"/></outline></body></opml>";
+    EXPECT_EQ(of(u"/o.opml"_s, outline), u"Plan\n- one & all\n- two"_s);
+    EXPECT_EQ(of(u"/Plan.opml"_s, outline), u"- one & all\n- two"_s);
+    EXPECT_EQ(of(u"/p.opml"_s, "no outline"), QString());
+}
+
 TEST(FontFaces, filesOfFaces)
 {
     const std::pair<QString, QStringList> rows[] = {

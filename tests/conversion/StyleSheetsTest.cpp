@@ -4,6 +4,7 @@
 #include "library/Properties.h"
 
 #include "tests/support/Notebook.h"
+#include "tests/support/TextCase.h"
 
 #include <gtest/gtest.h>
 
@@ -77,15 +78,14 @@ TEST_F(StyleSheets, includes)
     (void)write(u"/TMResources/CSS/Base.css"_s, "base\n@tm_include: \"more\";\n");
     (void)write(u"/TMResources/CSS/more.css"_s, "<script>s</script><style>more</style><link rel>");
     (void)write(u"/TMResources/CSS/self.css"_s, "self\n@tm_include: \"self\";\n");
-    const std::pair<QString, QString> rows[] = {
-        {u"@TM_INCLUDE: \"base\";\nx"_s, u"base\nmore\n\nx\n<script>s</script>\n\n<link rel>\n"_s},
-        {u"@tm_include: \"base\";\n@tm_include:\"TMResources/CSS/base.css\";"_s,
+    test::check(tm_styleSheetWithResolvedIncludes, {
+        {"an include in it", u"@TM_INCLUDE: \"base\";\nx"_s, u"base\nmore\n\nx\n<script>s</script>\n\n<link rel>\n"_s},
+        {"once only", u"@tm_include: \"base\";\n@tm_include:\"TMResources/CSS/base.css\";"_s,
          u"base\nmore\n\n<script>s</script>\n\n<link rel>\n"_s},
-        {u" @tm_include:  \"self\";"_s, u"self\n\n"_s},
-        {u"a @tm_include: \"more\";"_s, u"a @tm_include: \"more\";"_s},
-        {u"@tm_include: \"nowhere\";a"_s, u"a"_s},
-    };
-    for (const auto &[sheet, wanted] : rows) EXPECT_EQ(tm_styleSheetWithResolvedIncludes(sheet), wanted);
+        {"itself", u" @tm_include:  \"self\";"_s, u"self\n\n"_s},
+        {"in a line", u"a @tm_include: \"more\";"_s, u"a @tm_include: \"more\";"_s},
+        {"lost", u"@tm_include: \"nowhere\";a"_s, u"a"_s},
+    });
 }
 
 TEST_F(StyleSheets, customClasses)

@@ -9,26 +9,17 @@
 #include <gtest/gtest.h>
 
 using namespace tomelet;
-using tomelet::test::Case;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-class TextUtilities : public test::Notebook
-{
-protected:
-    template <typename Operation>
-    static void check(Operation operation, std::initializer_list<Case> cases)
-    {
-        for (const Case &row : cases) EXPECT_EQ(operation(row.text), row.wanted) << row.name;
-    }
-};
+using TextUtilities = test::Notebook;
 
 } // namespace
 
 TEST_F(TextUtilities, plainTextOfPages)
 {
-    check(tm_htmlToPlainText,
+    test::check(tm_htmlToPlainText,
           {{"formatted document", u"<!-- Plain Text Representation:\n a \\-\\-\\> b \n-->\n<p>x</p>"_s, u"a --> b"_s},
            {"never closed", u"<!-- Plain Text Representation:\na"_s, u"a"_s},
            {"page", u"<html><head><title>t</title></head><body>\n<p>a &amp; b</p>\n<script>\nx</script><p>c</p></body></html>"_s,
@@ -36,25 +27,25 @@ TEST_F(TextUtilities, plainTextOfPages)
            {"words on two lines join", u"<p>one\ntwo</p>"_s, u"onetwo"_s},
            {"broken", u"<p><b>a</p><i"_s, u"a"_s},
            {"nothing", u""_s, u""_s}});
-    check(tm_htmlToPlainQuick,
+    test::check(tm_htmlToPlainQuick,
           {{"lists", u"<body><ul>\n   <li>a</li><li>b</li>\n</ul></body>"_s, u"- a\n- b"_s},
            {"blocks", u"<h1>T</h1><p>a<br>b</p><hr><div>c</div>"_s, u"T\na\nb\n\n----\n\nc"_s},
            {"cells", u"<table><tr><th>a</th><td>b</td></tr></table>"_s, u"a b"_s},
            {"entities behind the trim", u"<p>a&nbsp;</p>"_s, u"a "_s},
            {"styles and scripts", u"<style x>\ny</style><script>\nz</script>a"_s, u"a"_s}});
-    check(tm_stripMarkdownFromHTML,
+    test::check(tm_stripMarkdownFromHTML,
           {{"first and only", u"<!-- Plain Text Representation:\na\n-->\n\n<p>b</p>"_s, u"<p>b</p>"_s}});
-    check(tm_getInnerHTML, {{"body", u"<body x>\n a\n</body>"_s, u"a"_s},
+    test::check(tm_getInnerHTML, {{"body", u"<body x>\n a\n</body>"_s, u"a"_s},
                             {"head", u"<head></head> a"_s, u"a"_s},
                             {"text", u" a "_s, u"a"_s}});
-    check(tm_getTitleFromHTML, {{"title", u"<title x>\n a\n  b &lt; </title>"_s, u"a b <"_s}, {"none", u"a"_s, u""_s}});
-    check(tm_getArticleFromHTML, {{"article", u"<body x>nav<article>a</article>foot</body>"_s,
+    test::check(tm_getTitleFromHTML, {{"title", u"<title x>\n a\n  b &lt; </title>"_s, u"a b <"_s}, {"none", u"a"_s, u""_s}});
+    test::check(tm_getArticleFromHTML, {{"article", u"<body x>nav<article>a</article>foot</body>"_s,
                                    u"<body x><article>a</article></body>"_s}});
 }
 
 TEST_F(TextUtilities, entities)
 {
-    check(tm_stringByReplacingHTMLEntities,
+    test::check(tm_stringByReplacingHTMLEntities,
           {{"ampersands last", u"&amp;lt; &lt;&amp;&gt;"_s, u"&lt; <&>"_s},
            {"ellipsis", u"… &hellip; &#8230;"_s, u"... ... …"_s},
            {"quotes", u"&lsquo;&rsquo;&ldquo;&rdquo;&quot;&#8217;"_s, u"''\"\"\"'"_s},
@@ -64,7 +55,7 @@ TEST_F(TextUtilities, entities)
 
 TEST_F(TextUtilities, plainTextOfMarkdown)
 {
-    check(tm_convertMarkdownToPlainText,
+    test::check(tm_convertMarkdownToPlainText,
           {{"inline", u"a **b** *c* _d_ ~~e~~ `f` ![g](h)"_s, u"a b c d e f"_s},
            {"link", u"[link](url)"_s, u"link (url)"_s},
            {"blocks", u"# T\n> %note%\n> q\n: d\n---\nx"_s, u"T\n\nq\nd\n\nx"_s},
@@ -74,7 +65,7 @@ TEST_F(TextUtilities, plainTextOfMarkdown)
 
 TEST_F(TextUtilities, comments)
 {
-    check(tm_stringByRemovingComments,
+    test::check(tm_stringByRemovingComments,
           {{"whole lines", u"a\n// b\n  //c\nd"_s, u"a\nd"_s},
            {"with empty lines in front", u"a\n\n\n// b\nc"_s, u"a\nc"_s},
            {"inside a line", u"see https://x // y"_s, u"see https://x // y"_s},
@@ -86,7 +77,7 @@ TEST_F(TextUtilities, comments)
 
 TEST_F(TextUtilities, criticMarkup)
 {
-    check(acceptCriticMarkup, {{"all forms", u"a{++b++}{--c--}{~~d~>e~~}{>>f<<}{==g==}"_s, u"abeg"_s},
+    test::check(acceptCriticMarkup, {{"all forms", u"a{++b++}{--c--}{~~d~>e~~}{>>f<<}{==g==}"_s, u"abeg"_s},
                                {"half", u"{++a {--b++} ++} --} ~>"_s, u"a {--b ++} --} ~>"_s},
                                {"nested", u"{++a{--b--}c++}"_s, u"ac"_s},
                                {"over paragraphs", u"{++a\n\nb++}"_s, u"a\n\nb"_s}});
@@ -106,7 +97,7 @@ TEST_F(TextUtilities, titles)
         if (blank >= 0) text[blank] = u' ';
         return text;
     };
-    check(tm_firstLineOfText,
+    test::check(tm_firstLineOfText,
           {{"first line", u"\n  Plan \nmore"_s, u"Plan"_s},
            {"title block", u"---\nTitle: Plan\n"_s, u"Plan"_s},
            {"percent and title", u"%title: Plan"_s, u"Plan"_s},

@@ -76,6 +76,33 @@ TEST_F(Disk, noReaderSeesHalfAFile)
     writer.join();
 }
 
+TEST_F(Disk, manyFilesAreWrittenLikeOne)
+{
+    QDir().mkdir(at(QStringLiteral("folder")));
+    {
+        FileBatch batch;
+        for (int i = 0; i < 300; ++i) batch.write(at(QStringLiteral("f%1").arg(i)), QByteArray::number(i));
+        batch.write(at(QStringLiteral("folder")), "not over a folder");
+        batch.write(at(QStringLiteral("f7")), "the later one holds");
+        batch.flushIfWaiting(at(QStringLiteral("f7")));
+        EXPECT_EQ(get(QStringLiteral("f7")), "the later one holds");
+    }
+    EXPECT_EQ(get(QStringLiteral("f299")), "299");
+    EXPECT_EQ(names().size(), 301) << "nothing is left beside the files";
+
+    StoreBatch stores;
+    const auto add = [&](const QString &key) {
+        stores.change(at(QStringLiteral("s.plist")), [&](QVariantMap &values) {
+            values.insert(key, true);
+            return true;
+        });
+    };
+    add(QStringLiteral("a"));
+    add(QStringLiteral("b"));
+    stores.flush();
+    EXPECT_EQ(readDictionary(at(QStringLiteral("s.plist"))).keys().join(u' '), QStringLiteral("a b"));
+}
+
 TEST_F(Disk, aStoreOfAnotherTypeIsSetAside)
 {
     const QString path = at(QStringLiteral("s.plist"));

@@ -133,3 +133,17 @@ TEST_F(Contexts, refreshingGivesWhatItemByItemWorkGives)
     EXPECT_EQ(sorted(ContextStores().index), byItem);
     EXPECT_EQ(collectNewContexts(), 0);
 }
+
+TEST_F(Contexts, extractionFromAllDocumentsCanBeStopped)
+{
+    write(QStringLiteral("/a.md"), "call @Phone\n\n```\n@code\n```\n");
+    write(QStringLiteral("/B/own.html"), "<!-- Generator: Tomelet --><body><p>at @Home <code>@code</code></p></body>");
+    write(QStringLiteral("/B/foreign.html"), "<body><p>@Foreign</p></body>");
+    write(QStringLiteral("/TMResources/Misc/x.md"), "@Resource\n");
+    EXPECT_EQ(extractContextsFromDocuments([](qsizetype, qsizetype) { return false; }), 1);
+    EXPECT_EQ(extractContextsFromDocuments(), 3);
+    QStringList words = tm_listOfAllAvailableTags();
+    words.sort();
+    EXPECT_EQ(words.join(u' '), QStringLiteral("@Home @Phone"));
+    EXPECT_EQ(itemsOf(QStringLiteral("@Phone")).join(u' '), QStringLiteral("/a.md"));
+}

@@ -182,6 +182,105 @@ TEST_F(Links, refreshCheckAndRepairOfAll)
     EXPECT_EQ(backlinks("/C/moved.md"), QString());
 }
 
+// All at once must leave the very same property files as one document after the other.
+TEST_F(Links, refreshOfAllGivesWhatItemByItemWorkGives)
+{
+    QStringList documents;
+    for (int i = 0; i < 40; ++i) {
+        const QString text = QStringLiteral("[a](n%1.md) [[/B/n%2]] [b](../B/n%3.md) [[/B/n%4.md]]\n")
+                                 .arg((i + 1) % 40).arg((i * 3) % 40).arg((i * 7) % 40).arg((i * 11) % 40);
+        documents.append(write(QStringLiteral("/B/n%1.md").arg(i), text.toUtf8()));
+    }
+    const auto stored = [&] {
+        QStringList all;
+        for (const QString &document : documents) {
+            QStringList links = tm_propertyForKey(document, QStringLiteral("Backlinks")).toStringList();
+            links.sort();
+            all.append(links.join(u' ') + tm_propertyForKey(document, QStringLiteral("ReferencedPath")).toString());
+            tm_removeBacklinks(document);
+        }
+        return all;
+    };
+    for (const QString &document : documents) tm_refreshBacklinksForReferencedDocuments(document);
+    const QStringList oneByOne = stored();
+    ASSERT_TRUE(oneByOne.first().contains(u"/B/n"));
+
+    // Stopped anywhere, a second run finishes the work.
+    for (const qsizetype stopAt : {3, 45, 70}) {
+        qsizetype calls = 0;
+        tm_refreshAllBacklinksStartingAtReferenceDate(root, true, [&](qsizetype done, qsizetype all) {
+            EXPECT_LE(done, all);
+            return ++calls < stopAt;
+        });
+        EXPECT_EQ(calls, stopAt);
+    }
+    tm_refreshAllBacklinksStartingAtReferenceDate(root, true);
+    EXPECT_EQ(stored(), oneByOne);
+}
+
+TEST_F(Links, aRenameMadeElsewhereIsAskedAbout)
+{
+    write(QStringLiteral("/B/a.md"), "[x](t.md)\n");
+    write(QStringLiteral("/B/t.md"), "text\n");
+    refresh({"/B/a.md"});
+    QStringList asked;
+    int answer = 2;
+    platform().ask = [&](const Question &question) {
+        asked.append(question.text);
+        return answer;
+    };
+    QFile::rename(at(QStringLiteral("/B/t.md")), at(QStringLiteral("/B/new.md")));
+    QFile::rename(at(QStringLiteral("/B/t.md.plist")), at(QStringLiteral("/B/new.md.plist")));
+    const auto ask = [&] {
+        tm_askToAdjustLinksAndBacklinksAfterRenameFrom(at(QStringLiteral("/B/new.md")), at(QStringLiteral("/B/t.md")));
+        drainPendingWork();
+    };
+    ask();
+    EXPECT_EQ(text("/B/a.md"), "[x](t.md)\n");
+    EXPECT_EQ(asked, QStringList{QStringLiteral("One document is linking to this document.\nDo you want to update the links?")});
+    answer = 0;
+    ask();
+    EXPECT_EQ(text("/B/a.md"), "[x](new.md)\n");
+    answer = 1;
+    ask();
+    EXPECT_EQ(backlinks("/B/new.md"), QString());
+    ask();
+    EXPECT_EQ(asked.size(), 3) << "nothing is asked where no links are concerned";
+}
+
+TEST_F(Links, aLostTargetIsMadeWhenThePersonWantsIt)
+{
+    const QString from = write(QStringLiteral("/B/from.md"), "[[gone]]\n");
+    settings().setObject(QStringLiteral("DefaultDocumentType"), QStringLiteral("md"));
+    QStringList buttons;
+    QString title;
+    int answer = 1;
+    platform().ask = [&](const Question &question) {
+        title = question.title;
+        buttons = question.buttons;
+        return answer;
+    };
+    const auto follow = [&](const char *target) {
+        return tm_findAlternativePathExcludingOrPrompt(at(QString::fromUtf8(target)), {}, from);
+    };
+    EXPECT_EQ(follow("/B/gone"), QString());
+    EXPECT_EQ(title, QStringLiteral("The document \"B ⟩ gone.md\" does not exist"));
+    EXPECT_EQ(buttons.join(u' '), QStringLiteral("Create Cancel"));
+    answer = 0;
+    EXPECT_EQ(follow("/New/Sub/gone#part"), at(QStringLiteral("/New/Sub/gone.md#part")));
+    EXPECT_EQ(text("/New/Sub/gone.md"), "gone");
+    EXPECT_EQ(backlinks("/New/Sub/gone.md"), QStringLiteral("/B/from.md"));
+    settings().remove(QStringLiteral("manageLinks"));
+    answer = 1;
+    EXPECT_EQ(follow("/B/back"), at(QStringLiteral("/B/back.md")));
+    EXPECT_EQ(buttons.join(u' '), QStringLiteral("Create Create with Backlink Cancel"));
+    EXPECT_EQ(text("/B/back.md"), "back\n\n[[/B/from.md]]");
+    title.clear();
+    EXPECT_EQ(follow("/B/picture.png"), QString()) << "no document that can be made";
+    EXPECT_EQ(follow("/../outside.md"), QString()) << "nothing is made outside the notebook";
+    EXPECT_EQ(title, QString());
+}
+
 TEST_F(Links, lostTargets)
 {
     for (const char *path : {"/A/b.md", "/A/it's.md", "/A/Caf\xC3\xA9 de Flore.md", "/C/deep/Far Away.md", "/C/far away too.md",

@@ -4,6 +4,10 @@
 
 #include <QString>
 
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+
 namespace tomelet::test {
 
 struct Case
@@ -11,5 +15,13 @@ struct Case
     const char *name;
     QString text, wanted;
 };
+
+/// Each text by the operation.
+template <typename Operation>
+void check(Operation operation, std::initializer_list<Case> cases)
+{
+    for (const Case &row : cases)
+        EXPECT_EQ(operation(row.text), row.wanted) << row.name;
+}
 
 } // namespace tomelet::test

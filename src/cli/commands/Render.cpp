@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `tomelet render ITEM... [-o FILE]`: documents as complete pages by their settings.
+// `tomelet render ITEM... [-o FILE] [--pdf]`: documents as complete pages by their settings.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
+#include "cli/Printing.h"
 #include "cli/commands/AllCommands.h"
 #include "conversion/MarkdownToHtml.h"
 #include "conversion/Page.h"
@@ -11,12 +12,14 @@
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QSet>
 
 namespace tomelet::cli {
 
 static QString pageOf(const QString &path)
 {
-    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path) : pageForItem(path);
+    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path)
+                                                                     : pageForItem(path);
 }
 
 static QString whyUnreadable(const QString &path)
@@ -26,11 +29,50 @@ static QString whyUnreadable(const QString &path)
     return QFileInfo(path).isReadable() ? QString() : QStringLiteral("%1 cannot be read").arg(path);
 }
 
-// Where the page of an item goes: empty for standard output, a file in the folder with several items.
-static QString resultPath(const QString &output, const QString &item, qsizetype items)
+/// What `render` was asked for.
+struct Job
 {
-    if (output.isEmpty() || items < 2) return output;
-    return joinPath(output, lastPathComponent(pathWithoutExtension(item)) + QStringLiteral(".html"));
+    QStringList items;
+    QString output; ///< full path; "" for standard output
+    bool pdf = false;
+
+    // Where the result of an item goes: empty for standard output, a file in the folder with several items.
+    [[nodiscard]] QString resultPath(const QString &item) const
+    {
+        if (output.isEmpty() || items.size() < 2) return output;
+        const QString extension = pdf ? QStringLiteral(".pdf") : QStringLiteral(".html");
+        return joinPath(output, lastPathComponent(pathWithoutExtension(item)) + extension);
+    }
+};
+
+// Two documents of one name would share a file in the folder.
+static QString sharedResult(const Job &job)
+{
+    QSet<QString> seen;
+    for (const QString &item : job.items) {
+        const QString target = job.resultPath(itemPath(item));
+        if (!target.isEmpty() && seen.contains(target)) return target;
+        seen.insert(target);
+    }
+    return {};
+}
+
+static int renderItem(const Job &job, const QString &path)
+{
+    if (const QString why = whyUnreadable(path); !why.isEmpty()) return fail(why);
+    QByteArray result = pageOf(path).toUtf8();
+    if (job.pdf) {
+        const PrintedPage printed = printPage(result, parentPath(path));
+        if (!printed.error.isEmpty()) return fail(printed.error);
+        result = printed.pdf;
+    }
+    const QString target = job.resultPath(path);
+    if (target.isEmpty()) {
+        writeBytes(result);
+        return Done;
+    }
+    const WriteResult written = writeFile(target, result);
+    return written ? Done : fail(written.message);
 }
 
 int runRender(const Invocation &call)
@@ -40,22 +82,18 @@ int runRender(const Invocation &call)
     parser.addPositionalArgument(QStringLiteral("item"), QStringLiteral("The documents."), QStringLiteral("ITEM..."));
     parser.addOption({QStringLiteral("o"), QStringLiteral("The result's file; with several documents a folder."),
                       QStringLiteral("FILE")});
-    parser.addOption({QStringLiteral("pdf"), QStringLiteral("Prints to PDF, in the desktop program.")});
+    parser.addOption({QStringLiteral("pdf"), QStringLiteral("Prints the pages to PDF.")});
     if (const auto status = parse(call, parser)) return *status;
-    const QStringList items = parser.positionalArguments();
-    const QString output = parser.value(QStringLiteral("o"));
-    if (items.isEmpty()) return wrongUsage(call, QStringLiteral("render takes at least one document"));
-    if (parser.isSet(QStringLiteral("pdf"))) return fail(QStringLiteral("printing to PDF needs the desktop program"));
-    if (items.size() > 1 && !output.isEmpty() && !isFolder(output)) return fail(QStringLiteral("%1 is no folder").arg(output));
+    Job job{parser.positionalArguments(), parser.value(QStringLiteral("o")), parser.isSet(QStringLiteral("pdf"))};
+    if (!job.output.isEmpty()) job.output = QFileInfo(job.output).absoluteFilePath();
+    if (job.items.isEmpty()) return wrongUsage(call, QStringLiteral("render takes at least one document"));
+    if (job.items.size() > 1 && !job.output.isEmpty() && !isFolder(job.output))
+        return fail(QStringLiteral("%1 is no folder").arg(job.output));
     if (const auto status = openNotebook(call)) return *status;
-    for (const QString &item : items) {
-        const QString path = itemPath(item);
-        if (const QString why = whyUnreadable(path); !why.isEmpty()) return fail(why);
-        const QString page = pageOf(path);
-        const QString target = resultPath(output, path, items.size());
-        if (target.isEmpty()) writeText(page);
-        else if (const WriteResult result = writeFile(target, page.toUtf8()); !result) return fail(result.message);
-    }
+    if (const QString shared = sharedResult(job); !shared.isEmpty())
+        return fail(QStringLiteral("two of the documents would become %1").arg(shared));
+    for (const QString &item : job.items)
+        if (const int status = renderItem(job, itemPath(item)); status != Done) return status;
     return Done;
 }
 

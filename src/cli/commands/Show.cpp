@@ -4,6 +4,7 @@
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
 #include "conversion/Page.h"
+#include "editor/FormattedPage.h"
 #include "foundation/Folder.h"
 
 #include <QCommandLineParser>
@@ -23,7 +24,8 @@ int runShow(const Invocation &call)
     if (!itemExists(path)) return fail(QStringLiteral("%1 does not exist").arg(path));
     if (isFolder(path)) return fail(QStringLiteral("%1 is a book, not a document").arg(path));
     if (!QFileInfo(path).isReadable()) return fail(QStringLiteral("%1 cannot be read").arg(path));
-    writeText(pageForItem(path));
+    const QString page = formattedPageFor(path).html;
+    writeText(page.isEmpty() ? pageForItem(path) : page); // an address to be loaded has no page of ours
     return Done;
 }
 

@@ -1,15 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// `tomelet watch`: follows the notebook and prints each routed change as a line, until it is interrupted.
+// `tomelet watch`: follows the notebook and prints each routed change as a line and delivers
+// reminders, until it is interrupted.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
 #include "foundation/Platform.h"
 #include "foundation/Signals.h"
+#include "library/ItemPath.h"
 #include "library/OutlineController.h"
+#include "library/PathForms.h"
+#include "organising/ReminderDBus.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QJsonObject>
+#include <QProcess>
 
 namespace tomelet::cli {
 
@@ -18,7 +23,8 @@ namespace {
 class ChangePrinter
 {
 public:
-    explicit ChangePrinter(bool json) : m_json(json)
+    explicit ChangePrinter(bool json)
+        : m_json(json)
     {
         follow("TMLTFileModifiedOnDiskNotification", "changed", "path");
         follow("TMLTFileDeletedFromDiskNotification", "deleted", "path");
@@ -51,21 +57,36 @@ private:
     std::vector<NotificationCenter::Subscription> m_subscriptions;
 };
 
+// There is no window here: whatever program of the desktop takes our addresses shows the item.
+void openInDesktop(const QVariantMap &payload)
+{
+    const QString path = payload.value(QStringLiteral("path")).toString();
+    const QString url = QStringLiteral("tomelet://show") + percentEncodedPath(tm_normalizedPath(path));
+    QProcess::startDetached(QStringLiteral("xdg-open"), {url});
+}
+
 } // namespace
 
 int runWatch(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Follows the notebook; prints each change as a line."));
+    parser.setApplicationDescription(
+        QStringLiteral("Follows the notebook; prints each change as a line and delivers reminders."));
     if (const auto status = parse(call, parser)) return *status;
     if (const auto status = openNotebook(call)) return *status;
 
+    // Before the first thread: one that takes the signals would end the program on the spot.
+    QuitOnSignals::hold();
     releaseWarnings();
     OutlineView nobodyLooks;
     TMLTOutlineController controller(nobodyLooks);
     controller.initFileCoordinationAndTaskLists();
     controller.settle();
     const ChangePrinter printer(call.json);
+    DesktopReminders desktop;
+    const ReminderDelivery delivery(desktop);
+    const auto opener =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), openInDesktop);
     note(call, QStringLiteral("following the notebook; Ctrl+C ends it"));
     const QuitOnSignals quitter;
     const int status = QCoreApplication::exec();

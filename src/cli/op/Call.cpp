@@ -13,9 +13,6 @@
 
 namespace tomelet::cli {
 
-namespace {
-
-// ISO dates inside a receiver are dates.
 QVariant withIsoDates(const QVariant &value)
 {
     switch (value.typeId()) {
@@ -38,6 +35,8 @@ QVariant withIsoDates(const QVariant &value)
     default: return value;
     }
 }
+
+namespace {
 
 std::optional<QString> receiverText(const QString &word)
 {

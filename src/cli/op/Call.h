@@ -23,4 +23,7 @@ struct CallResult
 /// `@FILE` and `-` are read for a shell's receivers alone.
 [[nodiscard]] CallResult callOperation(const QString &name, QVariantList arguments, bool fromShell);
 
+/// A tree of values in which texts that are ISO 8601 dates are dates.
+[[nodiscard]] QVariant withIsoDates(const QVariant &value);
+
 } // namespace tomelet::cli

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The operations of the library's spine, one line each.
 #include "cli/Items.h"
+#include "cli/op/Call.h"
 #include "cli/op/Registry.h"
 
 #include "foundation/Collation.h"
@@ -115,10 +116,12 @@ void addProperties(Registry &add)
     add.path("tm_dictionaryForItemAtPath", "path", tm_dictionaryForItemAtPath);
     add.path("tm_dictionaryForItemAsTask", "path, asTask, details, sortOrder",
              [](const QString &path, bool asTask, const QVariant &details, const QVariant &order) {
-                 return tm_dictionaryForItemAsTask(path, asTask, details, order);
+                 return tm_dictionaryForItemAsTask(path, asTask, withIsoDates(details), order);
              });
     add.path("tm_dictionaryForItemAsTask", "path, asTask, details, sortOrder, pinnedOrder",
-             tm_dictionaryForItemAsTask);
+             [](const QString &path, bool asTask, const QVariant &details, const QVariant &order, const QVariant &pins) {
+                 return tm_dictionaryForItemAsTask(path, asTask, withIsoDates(details), order, pins);
+             });
     add.value("tm_sortByParameter", "rows, parameter, descending", tm_sortByParameter);
     add.value("tm_localizedIndexOfObject", "list, text", tm_localizedIndexOfObject);
     add.plain("tm_locationSpecificSettingForKey", "key", tm_locationSpecificSettingForKey);

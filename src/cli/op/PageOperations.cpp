@@ -19,6 +19,7 @@
 #include "foundation/Folder.h"
 #include "import/Mail.h"
 #include "import/MailText.h"
+#include "import/Opml.h"
 
 namespace tomelet::cli {
 
@@ -94,6 +95,7 @@ void addPageOperations(Registry &add)
     add.path("tm_updateEmbeddedStylesheet", "path", tm_updateEmbeddedStylesheet);
     add.path("tm_previewOfNoteWithTitle", "path, title", tm_previewOfNoteWithTitle);
     add.text("tm_emlToHTML", "message", tm_emlToHTML);
+    add.text("tm_OPMLToHTML", "outline", tm_OPMLToHTML);
     add.text("stringWithEncodedWordsString", "text", stringWithEncodedWordsString);
     add.text("stringWithQuotedPrintableString", "text", stringWithQuotedPrintableString);
     add.text("stringWithBase64Encoding", "text", stringWithBase64Encoding);

@@ -68,6 +68,8 @@ const Registry &registry()
         addLibraryOperations(made);
         addPageOperations(made);
         addOrganisingOperations(made);
+        addEditorOperations(made);
+        addTaskOperations(made);
         return made;
     }();
     return all;

@@ -140,5 +140,7 @@ void addConversionOperations(Registry &registry);
 void addLibraryOperations(Registry &registry);
 void addPageOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
+void addEditorOperations(Registry &registry);
+void addTaskOperations(Registry &registry);
 
 } // namespace tomelet::cli

@@ -192,7 +192,7 @@ SearchIndex::Update SearchIndex::updateOnce(const QString &path, const Progress 
         return same;
     });
     // An empty root is one whose disk is missing: nothing has been deleted.
-    if (result.documents == 0 && rootLooksUnmounted()) return result;
+    if (!known.isEmpty() && namesInFolder(m_root).isEmpty()) return result;
 
     if (!known.isEmpty()) {
         index.begin();

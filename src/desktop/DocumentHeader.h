@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What stands above a document: its name and place, its contexts, and the documents that link to it.
+#pragma once
+
+#include "foundation/NotificationCenter.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class QLabel;
+class QToolButton;
+
+namespace tomelet::desktop {
+
+class ContextsField;
+class ItemActions;
+
+class DocumentHeader final : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit DocumentHeader(ItemActions &actions, QWidget *parent = nullptr);
+
+    /// `edited`: there is typing that is not in the file yet.
+    void setDocument(const QString &path, bool edited);
+    [[nodiscard]] ContextsField *contextsField() { return m_contexts; }
+
+Q_SIGNALS:
+    /// The person is done up here.
+    void left();
+
+private:
+    void showProperties();
+    void fillBacklinksMenu();
+
+    ItemActions &m_actions;
+    QLabel *m_title;
+    QLabel *m_place;
+    ContextsField *m_contexts;
+    QToolButton *m_backlinks;
+    QString m_path;
+    std::vector<NotificationCenter::Subscription> m_subscriptions;
+};
+
+} // namespace tomelet::desktop

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/PageProfile.h"
+
+#include <QCoreApplication>
+#include <QWebEngineProfile>
+#include <QWebEngineSettings>
+#include <QWebEngineUrlRequestInterceptor>
+
+namespace tomelet::desktop {
+
+namespace {
+
+// Pages are files of the person's own; nothing on them has a reason to call home.
+class NetworkBlocker final : public QWebEngineUrlRequestInterceptor
+{
+public:
+    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
+    void interceptRequest(QWebEngineUrlRequestInfo &info) override
+    {
+        static const QStringList local{QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"),
+                                       QStringLiteral("qrc"), QStringLiteral("about"),
+                                       QStringLiteral("chrome-extension"), QStringLiteral("chrome")};
+        if (!local.contains(info.requestUrl().scheme())) info.block(true);
+    }
+};
+
+} // namespace
+
+QWebEngineProfile *pageProfile()
+{
+    // Off the record: nothing that a page leaves behind is kept.
+    static auto *profile = [] {
+        auto *made = new QWebEngineProfile(QCoreApplication::instance());
+        made->setUrlRequestInterceptor(new NetworkBlocker(made));
+        QWebEngineSettings *settings = made->settings();
+        settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
+        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
+        settings->setAttribute(QWebEngineSettings::PluginsEnabled, true);
+        settings->setAttribute(QWebEngineSettings::PdfViewerEnabled, true);
+        settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
+        settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
+        return made;
+    }();
+    return profile;
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The document controller: whether and when a document may be typed on.
+#include "editor/TMLTDocumentViewController.h"
+
+#include "conversion/TextUtilities.h"
+#include "foundation/Platform.h"
+#include "library/Properties.h"
+
+#include <QFileInfo>
+
+namespace tomelet {
+
+using namespace std::chrono_literals;
+
+bool isReadOnlyDocument(const QString &path)
+{
+    if (path.isEmpty()) return false;
+    if (path.contains(u"/com.apple.documentVersions/")) return true;
+    if (settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts")).contains(path)) return true;
+    if (tm_propertyForKey(path, QStringLiteral("R/O")).toString() == u"1") return true;
+    const QFileInfo file(path);
+    // A file that nobody may write is protected on purpose, also where the rights of the user would suffice.
+    const auto anyWrite = QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
+    return file.exists() && (!(file.permissions() & anyWrite) || !file.isWritable());
+}
+
+bool TMLTDocumentViewController::refusesEditing() const
+{
+    return !m_isEditable || isReadOnlyDocument(m_path);
+}
+
+bool TMLTDocumentViewController::textShouldBeginEditing()
+{
+    if (m_kind != DocumentViewKind::PlainText || refusesEditing()) return false;
+    if (m_md5hash.isEmpty()) m_md5hash = md5OfText(contentOfView().text, m_form);
+    return true;
+}
+
+bool TMLTDocumentViewController::shouldBeginEditingInDOMRange(bool onClickable)
+{
+    if (m_kind != DocumentViewKind::Formatted || onClickable || refusesEditing()) return false;
+    if (m_view.mainFrameURL() != m_formattedMainFrameURL || isCombinedMarkdown(m_path)) return false;
+    if (!m_md5hash.isEmpty()) return true;
+    const Content content = contentOfView();
+    m_md5hash = md5OfText(content.text, m_form);
+    if (!m_path.isEmpty())
+        m_titleIsFirstLineOfText = tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), content.visibleText);
+    return true;
+}
+
+bool TMLTDocumentViewController::shouldChangeText(bool isUndo)
+{
+    if (isUndo || textShouldBeginEditing()) return true;
+    m_view.tm_showUnlockAlert();
+    return false;
+}
+
+void TMLTDocumentViewController::textDidChange()
+{
+    m_isEdited = true;
+    m_view.setEdited(true);
+    if (settings().boolean(QStringLiteral("noAutosaveText"))) return;
+    const bool soon = m_kind == DocumentViewKind::PlainText && m_view.isBlankUpToCaretLine();
+    platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), soon ? 500ms : 600ms,
+                                     [this] { writeTextToFile(); });
+}
+
+} // namespace tomelet

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/DocumentFacts.h"
+
+#include "foundation/Platform.h"
+#include "library/EmbeddedPhotos.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "library/Properties.h"
+#include "organising/Backlinks.h"
+#include "organising/ContextStores.h"
+#include "organising/Contexts.h"
+#include "organising/DocumentReferences.h"
+
+namespace tomelet {
+
+namespace {
+
+// The entries of one list that another does not have.
+QStringList without(const QStringList &list, const QStringList &others)
+{
+    QStringList rest;
+    for (const QString &entry : list)
+        if (!others.contains(entry)) rest.append(entry);
+    return rest;
+}
+
+} // namespace
+
+bool hasExtractableContexts(const QString &path)
+{
+    static const QStringList others{QStringLiteral("txt"), QStringLiteral("html"), QStringLiteral("fountain"),
+                                    QStringLiteral("taskpaper")};
+    return hasMarkdownExtension(path) || others.contains(lowerExtension(path));
+}
+
+QStringList contextsEmbeddedIn(const QString &path, const QString &text)
+{
+    if (!managesContextsAutomatically() || !hasExtractableContexts(path)) return {};
+    const QStringList inText = tm_extractTagsFromString(text);
+    if (inText.isEmpty()) return {};
+    const QStringList verified = tm_verifiedTagList(path);
+    return without(inText, without(inText, verified));
+}
+
+void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded)
+{
+    if (!managesContextsAutomatically() || !hasExtractableContexts(path)) return;
+    const QStringList now = tm_extractTagsFromString(text);
+    const QStringList left = without(embedded, now);
+    const QStringList came = without(now, embedded);
+    if (!left.isEmpty() || !came.isEmpty()) tm_updateContextsRemoving(path, left, came);
+    embedded = now;
+}
+
+void updateBacklinks(const QString &path, QStringList &referenced)
+{
+    if (!settings().boolean(QStringLiteral("manageLinks"))) return;
+    const QStringList now = tm_verifiedArrayOfReferencedDocuments(path);
+    for (const QString &target : without(referenced, now)) tm_changeBacklinkFrom(target, path, {});
+    for (const QString &target : without(now, referenced)) tm_addBacklink(target, path);
+    referenced = now;
+}
+
+void postSilentMove(const QString &from, const QString &to)
+{
+    notifications().post(QStringLiteral("TMLTFileMovedNotification"),
+                         {{QStringLiteral("originalPath"), from},
+                          {QStringLiteral("newPath"), to},
+                          {QStringLiteral("silentReload"), QStringLiteral("1")}});
+}
+
+void checkEmbeddedImagesInText(const QString &path, const QString &text)
+{
+    const QString key = QStringLiteral("Embedded Photos");
+    const QStringList inText = tm_setOfEmbeddedPhotos(text);
+    if (inText.isEmpty()) return;
+    QStringList known = tm_propertyForKey(path, key).toStringList();
+    const QStringList fresh = without(inText, known);
+    if (fresh.isEmpty()) return;
+    known += fresh;
+    tm_setProperty(path, QVariantList(known.begin(), known.end()), key);
+}
+
+} // namespace tomelet

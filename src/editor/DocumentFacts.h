@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the library notes about a document when its text was saved: its contexts, the items that it refers to, its
+// pictures. Each function compares with what was known and writes only what changed.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace tomelet {
+
+/// The contexts in the text that the item has in its list as well; empty while contexts are not taken from texts.
+[[nodiscard]] QStringList contextsEmbeddedIn(const QString &path, const QString &text);
+/// Gives the item the contexts that came and takes away those that left; `embedded` becomes those of the text.
+void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded);
+/// Contexts are read from the texts of such documents.
+[[nodiscard]] bool hasExtractableContexts(const QString &path);
+
+/// Items that the document no longer refers to lose its backlink, new ones get one; `referenced` (normalised paths)
+/// becomes what it refers to now. Nothing while links are not managed.
+void updateBacklinks(const QString &path, QStringList &referenced);
+
+/// Tells that the document is at a new path, or was written anew at its own; nobody needs to load it again.
+void postSilentMove(const QString &from, const QString &to);
+
+/// Adds the pictures of the text to those that are known of the document.
+void checkEmbeddedImagesInText(const QString &path, const QString &text);
+
+} // namespace tomelet

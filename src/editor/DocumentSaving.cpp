@@ -1,0 +1,215 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The document controller: from the text on the screen to the file.
+#include "editor/TMLTDocumentViewController.h"
+
+#include "conversion/MarkdownToHtml.h"
+#include "conversion/PageReferences.h"
+#include "conversion/Patterns.h"
+#include "conversion/TextUtilities.h"
+#include "editor/DocumentFacts.h"
+#include "editor/DocumentViewChoice.h"
+#include "editor/LineEnds.h"
+#include "editor/NewDocument.h"
+#include "foundation/FileOperations.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Log.h"
+#include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+#include "organising/Contexts.h"
+
+#include <QFileInfo>
+
+namespace tomelet {
+
+QString TMLTDocumentViewController::callArgument() const
+{
+    return QString::number(quintptr(this), 36);
+}
+
+void TMLTDocumentViewController::cancelPendingSave()
+{
+    platform().delayedCalls.cancel(QStringLiteral("writeTextToFile"), callArgument());
+}
+
+// -- what is to be saved ----------------------------------------------------------------------------------------------
+
+bool TMLTDocumentViewController::canBeSaved()
+{
+    if (m_kind == DocumentViewKind::PlainText && m_isEditable) return true;
+    if (m_kind != DocumentViewKind::Formatted || !m_isEditable) {
+        logLine(m_kind == DocumentViewKind::Formatted ? QStringLiteral("non editable formatted doc")
+                                                      : QStringLiteral("non editable generic doc"));
+        return false;
+    }
+    const QString address = m_view.mainFrameURL();
+    if (m_path.isEmpty() || address == m_formattedMainFrameURL || address == m_path) return true;
+    logLine(QStringLiteral("formatted document navigated away, don't save"));
+    m_view.hideFormattingBar();
+    m_isEdited = false; // what was typed went with the page
+    return false;
+}
+
+TMLTDocumentViewController::Content TMLTDocumentViewController::contentOfView() const
+{
+    if (m_kind == DocumentViewKind::PlainText) {
+        const QString text = editableText();
+        return {text, text};
+    }
+    const QString folder = m_path.isEmpty() ? m_parentPath : tomelet::parentPath(m_path);
+    return {tm_makeTMLinksRelativeTo(cleanedBody(m_view.innerHTML()), folder), m_view.innerText()};
+}
+
+QString TMLTDocumentViewController::editableText() const
+{
+    return withLineEndsOf(m_shownText, m_view.text());
+}
+
+QString TMLTDocumentViewController::finalForm(const Content &content) const
+{
+    if (m_kind == DocumentViewKind::Formatted)
+        return m_isForeignPage ? m_view.outerHTML() : tm_createFormattedDocWithBody(m_path, content.text);
+    if (isCombinedMarkdown(m_path)) return combinedForm(content.text);
+    const bool isPage = lowerExtension(m_path).startsWith(u"htm");
+    if (isPage && !content.text.contains(u"<head>")) return tm_createFormattedDocWithBody(m_path, content.text);
+    return content.text;
+}
+
+void TMLTDocumentViewController::writeSidecarForWebview() const
+{
+    if (m_path.isEmpty() || m_kind != DocumentViewKind::Formatted) return;
+    const QString sidecar = tm_sideCarPathCreatingParentIfNeeded(m_path);
+    if (sidecar.isEmpty()) return;
+    if (const WriteResult written = writeFile(sidecar, m_view.innerText().toUtf8()); !written) logLine(written.message);
+}
+
+// -- the save ---------------------------------------------------------------------------------------------------------
+
+void TMLTDocumentViewController::writeTextToFile()
+{
+    cancelPendingSave();
+    if (m_md5hash.isEmpty()) {
+        m_isEdited = false;
+        return logLine(QStringLiteral("no hash, not saving document"));
+    }
+    if (!canBeSaved()) return;
+    const Content content = contentOfView();
+    if (m_path.isEmpty() && content.visibleText.trimmed().isEmpty()) {
+        m_isEdited = false;
+        return;
+    }
+    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) {
+        m_isEdited = false;
+        m_view.setEdited(false);
+        return logLine(QStringLiteral("text unchanged"));
+    }
+    if (m_forcedSave) logLine(QStringLiteral("## enforced saving %1").arg(m_path));
+    if (m_path.isEmpty()) return saveAsNewDocument(content);
+    if (isReadOnlyDocument(m_path))
+        return tellFailure(localized(TOMELET_TEXT("%1 is write-protected.")).arg(lastPathComponent(m_path)));
+    writeSidecarForWebview();
+    const QString previousPath = m_path;
+    if (followTitle(content)) return;
+    if (writeContent(content)) finishSave(content, previousPath);
+}
+
+// One alert for a fault, not one for each pause in typing.
+void TMLTDocumentViewController::tellFailure(const QString &message)
+{
+    logLine(QStringLiteral("saving error: %1").arg(message));
+    if (!m_toldFailure) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
+    m_toldFailure = true;
+}
+
+// What somebody else wrote since the document was read would be lost under what was typed here. False: it could not be
+// kept, so nothing may be written over it.
+bool TMLTDocumentViewController::setForeignVersionAside()
+{
+    const auto bytes = readFile(m_path);
+    if (!bytes || m_md5OfFile.isEmpty() || md5OfBytes(*bytes) == m_md5OfFile) return true;
+    const QString name = nameWithoutExtension(m_path) + u' ' + localized(TOMELET_TEXT("(changed elsewhere)"));
+    const QString aside = tm_uniqueNameForFileatPath(fileNameFor(name, m_path), tomelet::parentPath(m_path));
+    if (const FileResult copied = copyItem(m_path, aside); !copied) {
+        tellFailure(copied.message);
+        return false;
+    }
+    m_md5OfFile = md5OfBytes(*bytes);
+    notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), aside);
+    m_view.showNotice(localized(TOMELET_TEXT("The document was changed elsewhere")),
+                      localized(TOMELET_TEXT("The other version was kept as \"%1\".")).arg(lastPathComponent(aside)));
+    return true;
+}
+
+bool TMLTDocumentViewController::writeContent(const Content &content)
+{
+    TextForm form = m_form;
+    const QByteArray bytes = bytesOfText(finalForm(content), form);
+    if (!setForeignVersionAside()) return false;
+    if (const WriteResult written = writeFile(m_path, bytes); !written) {
+        tellFailure(written.message);
+        return false;
+    }
+    m_form = form;
+    m_md5OfFile = md5OfBytes(bytes);
+    return true;
+}
+
+void TMLTDocumentViewController::finishSave(const Content &content, const QString &previousPath)
+{
+    noteFile();
+    m_isEdited = m_forcedSave = m_toldFailure = false;
+    m_view.setEdited(false);
+    m_md5hash = md5OfText(content.text, m_form);
+    if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;
+    updateBacklinks(m_path, m_referencedDocuments);
+    const bool isPage = m_kind == DocumentViewKind::Formatted;
+    if (previousPath != m_path || isPage) postSilentMove(previousPath, m_path);
+    else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
+    static const QString code = QStringLiteral("(?s)<code>.*?</code>");
+    updateEmbeddedContexts(m_path, isPage ? tm_htmlToPlainQuick(regexSweep(content.text, code, {})) : content.text,
+                           m_embeddedContexts);
+    checkEmbeddedImagesInText(m_path, content.text);
+    m_modDateOfPresentedPlist = QFileInfo(tm_plistPath(m_path)).lastModified();
+}
+
+// -- the first save ---------------------------------------------------------------------------------------------------
+
+QString TMLTDocumentViewController::extensionForCreation() const
+{
+    if (m_kind == DocumentViewKind::Formatted) return QStringLiteral("html");
+    const QString chosen = settings().string(QStringLiteral("DefaultDocumentType"));
+    const QString wanted = !m_fileExtensionForNewDoc.isEmpty() ? m_fileExtensionForNewDoc : chosen;
+    if (!wanted.isEmpty() && wanted != u"html") return wanted;
+    return chosen.isEmpty() || chosen == u"md" ? QStringLiteral("md") : QStringLiteral("txt");
+}
+
+void TMLTDocumentViewController::saveAsNewDocument(const Content &content)
+{
+    const QString path = saveNewDocument({m_parentPath, extensionForCreation(), {}, content.text});
+    if (path.isEmpty())
+        return tellFailure(localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(m_parentPath));
+    m_path = path;
+    m_isNew = false;
+    m_form = {};
+    m_md5OfFile = md5OfBytes(readFile(path).value_or(QByteArray()));
+    m_titleIsFirstLineOfText = true;
+    // From now on the extension tells the view: the document stays in the one in which it was begun.
+    const ViewChoice choice = viewForDocument(path, false);
+    m_canToggle = choice.canToggle;
+    m_presentingToggledView = choice.kind != m_kind;
+    m_currentPlist = relevantInheritedProperties();
+    m_embeddedContexts = contextsEmbeddedIn(path, content.visibleText);
+    m_view.addToBackList(path);
+    const bool autosaves = !settings().boolean(QStringLiteral("noAutosaveText"));
+    if (m_view.isMainWindow() && autosaves)
+        notifications().postPath(QStringLiteral("TMLTNewFileCreatedNotification"), path);
+    notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), path);
+    if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(path, context);
+    finishSave(content, path);
+}
+
+} // namespace tomelet

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "editor/FormattedPage.h"
+
+#include "conversion/EmbeddedStyle.h"
+#include "conversion/MarkdownToHtml.h"
+#include "conversion/Page.h"
+#include "conversion/StyleSheets.h"
+#include "conversion/TextUtilities.h"
+#include "editor/DocumentForms.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/SafeWriter.h"
+#include "import/Mail.h"
+#include "import/MailText.h"
+#include "library/Appearance.h"
+#include "library/Extensions.h"
+#include "library/ItemPath.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+#include "library/TextFile.h"
+
+#include <QFileInfo>
+
+namespace tomelet {
+
+namespace {
+
+QString textOf(const QString &path)
+{
+    const auto decoded = readTextFile(path);
+    return decoded ? decoded->text : QString();
+}
+
+// The stored page is only a copy of what its source gives; style and program may have moved on since.
+QString combinedPage(const QString &path)
+{
+    const auto decoded = readTextFile(path);
+    if (!decoded) return tm_createFormattedDocWithBody(path, {});
+    const QString fresh = combinedForm(tm_htmlToPlainText(decoded->text));
+    TextForm form{decoded->encoding, decoded->byteOrderMark};
+    const auto comparable = [&](const QString &text) {
+        return md5OfText(tm_removeGeneratorTomelet(text).trimmed(), form);
+    };
+    const bool holdsSource = decoded->text.contains(plainRepresentationMark);
+    if (holdsSource && comparable(fresh) != comparable(decoded->text))
+        (void)writeFile(path, bytesOfText(fresh, form)); // on a failure the old copy stands, which loses nothing
+    return holdsSource ? tm_stripMarkdownFromHTML(fresh) : decoded->text;
+}
+
+FormattedPage htmlPage(const QString &path)
+{
+    const QString text = textOf(path);
+    if (tm_generatorIsTomelet(text)) {
+        const QString page = tm_createFormattedDocWithBody(path, tm_getInnerHTML(text));
+        return {tm_formattedDocAdjustedToColorTheme(page), path, true, false};
+    }
+    const QString origin = tm_propertyForKey(path, QStringLiteral("URL")).toString();
+    return {text, urlScheme(origin).isEmpty() ? path : origin, true, true};
+}
+
+QString systemFace(const QString &face)
+{
+    if (face.startsWith(u"System Monospaced")) return QStringLiteral("ui-monospace");
+    return face.startsWith(u"System Font") ? QStringLiteral("-apple-system") : face;
+}
+
+QString mailPage(const QString &path)
+{
+    const QString message = textOf(path);
+    QString page = tm_emlToHTML(message);
+    if (page.isEmpty())
+        page = tm_createFormattedDocWithBody(
+            path, tm_getInnerHTML(tm_markdownToHTML(stringWithQuotedPrintableString(message))));
+    const Font font = tm_fontForPath(path);
+    return tm_formattedDocAdjustedToColorTheme(page)
+        .replace(QStringLiteral("**TomeletFontSize**"), QString::number(qlonglong(font.size)))
+        .replace(QStringLiteral("**TomeletFont**"), systemFace(font.face));
+}
+
+// The time stamp keeps a changed picture from being taken out of a cache.
+QString picturePage(const QString &path)
+{
+    const QString style = QStringLiteral(
+        "body { background: #fff; } img {-webkit-user-select: none; display: block; max-height: 97%; max-width: 97%; "
+        "width: auto; height: auto; position: absolute; top: 0; bottom: 0; left: 0; right: 0; margin: auto;; "
+        "-webkit-filter: drop-shadow(0px 0px 5px #bbb); }");
+    return QStringLiteral("<html><head><style> ") + style + QStringLiteral(" </style></head><body><img src=\"") +
+           percentEncodedPath(path) + u'?' + QString::number(QFileInfo(path).lastModified().toSecsSinceEpoch()) +
+           QStringLiteral("\"></body></html>");
+}
+
+QString exportedNotesPage(const QString &path)
+{
+    const QString offer = QStringLiteral("<p>%1</p>\n<p><a name=\"link\" href=\"file://%2\">%3</a></p>")
+                              .arg(localized(TOMELET_TEXT("This file contains notes exported from Evernote.")),
+                                   percentEncodedPath(path),
+                                   localized(TOMELET_TEXT("Click to extract and import...")));
+    return tm_createFormattedDocWithBody(
+        path, QStringLiteral("<h1>%1</h1>\n").arg(lastPathComponent(path).toHtmlEscaped()) + offer);
+}
+
+} // namespace
+
+FormattedPage formattedPageFor(const QString &path)
+{
+    const QString extension = lowerExtension(path);
+    if (isCombinedMarkdown(path)) return {tm_formattedDocAdjustedToColorTheme(combinedPage(path)), path, false, false};
+    if (extension.startsWith(u"htm")) return htmlPage(path);
+    if (extension == u"webloc" || extension == u"url") {
+        const QString address = tm_embeddedURL(path);
+        if (address.startsWith(u"http")) return {{}, address, false, true};
+    }
+    if (extension == u"eml") return {mailPage(path), path, false, false};
+    if (extension == u"enex") return {exportedNotesPage(path), path, false, false};
+    if (hasImageExtension(path)) return {picturePage(path), path, false, false};
+    // Every text with a source is shown as what its Markdown says.
+    if (hasPlainTextExtension(path))
+        return {tm_formattedDocAdjustedToColorTheme(tm_markdownToHTML(path)), path, false, false};
+    return {pageForItem(path), path, false, false};
+}
+
+} // namespace tomelet

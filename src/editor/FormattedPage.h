@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A document as the formatted view shows it.
+#pragma once
+
+#include <QString>
+
+namespace tomelet {
+
+struct FormattedPage
+{
+    QString html; ///< "" when the address itself is to be loaded
+    QString base; ///< what relative references are resolved against, or the address
+    bool isEditable = false;
+    bool isForeign = false; ///< a page that this program did not write
+};
+
+/// The page of a document of any kind. Markdown inside of a page is converted anew and written back where the outcome
+/// differs from what is stored; nothing else is written.
+[[nodiscard]] FormattedPage formattedPageFor(const QString &path);
+
+} // namespace tomelet

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/search/SearchResults.h"
+
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "foundation/PropertyStore.h"
+#include "library/ItemPath.h"
+
+#include <QVariant>
+
+namespace tomelet {
+
+QString searchResultsFile()
+{
+    return joinPath(rootCacheFolder(), QStringLiteral(".Search/LastSearchresultsItemsPath.txt"));
+}
+
+QStringList lastSearchResults()
+{
+    return readStringArray(searchResultsFile());
+}
+
+QStringList storeSearchResults(const QStringList &paths)
+{
+    const QString root = tomeletRoot();
+    QStringList shown;
+    for (const QString &path : paths)
+        if (!tm_pathIsExcludedFromDisplay(tm_normalizedPath(path, root))) shown.append(path);
+    if (makeFolder(parentPath(searchResultsFile())))
+        writeStore(searchResultsFile(), QVariantList(shown.begin(), shown.end()));
+    return shown;
+}
+
+QString searchResultsHeader(const QString &text, const QString &scope, qsizetype hits)
+{
+    const bool wholeLibrary = settings().boolean(QStringLiteral("searchAllBooks")) || scope == tomeletRoot();
+    const QString sought = wholeLibrary ? text : QStringLiteral("%1 (%2)").arg(text, lastPathComponent(scope));
+    return QStringLiteral("%1: %2 - %3 %4")
+        .arg(localized(TOMELET_TEXT("Search")), sought, QString::number(hits), localized(TOMELET_TEXT("Hits")));
+}
+
+QString searchScope(const QString &book)
+{
+    const bool all = settings().boolean(QStringLiteral("searchAllBooks"));
+    return !all && !book.isEmpty() && isFolder(book) ? book : tomeletRoot();
+}
+
+} // namespace tomelet

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The plain text editor as a person uses it: keys, one undo step a command, highlighting that leaves the text alone.
+#include "tests/support/Notebook.h"
+
+#include "desktop/TMLTTextView.h"
+#include "desktop/TextHighlighter.h"
+#include "foundation/Platform.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QTextBlock>
+
+using namespace tomelet;
+using namespace tomelet::desktop;
+
+namespace {
+
+class TextView : public tomelet::test::Notebook
+{
+protected:
+    TextView()
+    {
+        for (const char *key : {"AutoIndentLists", "IndentWithTabs", "insertClosingCharacters"})
+            settings().setObject(QString::fromLatin1(key), true);
+    }
+    void load(const QString &text, bool editable = true)
+    {
+        view.setDocumentText(text, editable, highlightOptions(QStringLiteral("md")));
+        view.moveCursor(QTextCursor::End);
+    }
+    [[nodiscard]] QList<QTextLayout::FormatRange> formatsOfLine(int line) const
+    {
+        return view.document()->findBlockByNumber(line).layout()->formats();
+    }
+    TMLTTextView view;
+};
+
+} // namespace
+
+TEST_F(TextView, everyCommandIsOneUndoStep)
+{
+    const QString text = QStringLiteral("1. one\n2. two");
+    load(text);
+    QTest::keyClick(&view, Qt::Key_Return);
+    EXPECT_EQ(view.documentText(), QStringLiteral("1. one\n2. two\n3. "));
+    QTest::keyClicks(&view, QStringLiteral("("));
+    EXPECT_EQ(view.documentText(), QStringLiteral("1. one\n2. two\n3. ()"));
+    QTest::keyClick(&view, Qt::Key_Backspace);
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("1. one\n2. two\n\t1. "));
+    QTest::keyClick(&view, Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(view.documentText(), QStringLiteral("1. one\n2. two\n3. "));
+    view.selectAll();
+    view.apply(EditorCommand::ToggleList);
+    EXPECT_EQ(view.documentText(), QStringLiteral("- [ ] one\n- [ ] two\n- [ ] "));
+    for (int step = 0; step < 6; ++step) view.undo();
+    EXPECT_EQ(view.documentText(), text);
+    EXPECT_FALSE(view.document()->isUndoAvailable());
+    for (int step = 0; step < 6; ++step) view.redo();
+    EXPECT_EQ(view.documentText(), QStringLiteral("- [ ] one\n- [ ] two\n- [ ] "));
+}
+
+TEST_F(TextView, whatMayNotChangeStays)
+{
+    load(QStringLiteral("text"));
+    QSignalSpy edits(&view, &TMLTTextView::edited);
+    int asked = 0;
+    view.setChangeGuard([&] { return ++asked < 0; });
+    QTest::keyClicks(&view, QStringLiteral("a("));
+    QTest::keyClick(&view, Qt::Key_Return);
+    view.apply(EditorCommand::ToggleList);
+    EXPECT_EQ(view.documentText(), QStringLiteral("text"));
+    EXPECT_EQ(edits.count(), 0);
+    EXPECT_EQ(asked, 4);
+    view.setChangeGuard({});
+    QTest::keyClicks(&view, QStringLiteral("a"));
+    EXPECT_EQ(edits.count(), 1);
+    EXPECT_EQ(view.documentText(), QStringLiteral("texta"));
+}
+
+TEST_F(TextView, textComesBackAsItWas)
+{
+    const QString text = QStringLiteral("a\u00a0b\u2028c\n\tz \U0001F44D\n");
+    load(text);
+    EXPECT_EQ(view.documentText(), text);
+    EXPECT_FALSE(view.document()->isUndoAvailable());
+    view.select({2, 3});
+    EXPECT_EQ(view.selection(), (Range{2, 3}));
+    EXPECT_FALSE(view.isBlankUpToCaretLine());
+    load(QStringLiteral("\n \n"));
+    EXPECT_TRUE(view.isBlankUpToCaretLine());
+}
+
+TEST_F(TextView, highlightingFollowsTheText)
+{
+    load(QStringLiteral("# Title\nplain\n<!-- a\nb -->\n"));
+    EXPECT_EQ(formatsOfLine(0).size(), 2);
+    EXPECT_TRUE(formatsOfLine(1).isEmpty());
+    ASSERT_EQ(formatsOfLine(3).size(), 1); // the second line of what began above
+    EXPECT_EQ(formatsOfLine(3)[0].length, 5);
+    view.select({13, 0});
+    QTest::keyClicks(&view, QStringLiteral(" *so*"));
+    EXPECT_EQ(formatsOfLine(1).size(), 3);
+    EXPECT_EQ(formatsOfLine(0).size(), 2);
+    view.undo();
+    EXPECT_TRUE(formatsOfLine(1).isEmpty());
+}
+
+TEST_F(TextView, longTextsAreStyledInTheBackground)
+{
+    const QString line = QStringLiteral("Some *words* that go on, and [a link](b.md).\n");
+    load(line.repeated(4000));
+    QSignalSpy done(&view.highlighter(), &TextHighlighter::finished);
+    EXPECT_TRUE(formatsOfLine(3999).isEmpty()); // it is on the screen before that
+    QTest::keyClicks(&view, QStringLiteral("x")); // and typing outruns the background
+    ASSERT_TRUE(done.wait(20000));
+    EXPECT_EQ(formatsOfLine(3999).size(), formatsOfLine(0).size());
+    EXPECT_FALSE(formatsOfLine(0).isEmpty());
+}
