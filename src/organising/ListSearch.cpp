@@ -4,6 +4,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/OutlineItem.h"
+#include "library/Root.h"
 #include "organising/search/FileIndex.h"
 #include "organising/search/SearchResults.h"
 
