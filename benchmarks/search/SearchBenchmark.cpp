@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The text index of a large notebook: `bench_search [DOCUMENTS] [FOLDER]`, 100,000 documents of 3 KB by default. Their
-// text is cut out of the text files of FOLDER where one is given, else made of words as frequent as those of a language.
-// Beside the first indexing stands a plain SQLite FTS5 table of the same files, read and put by the same program.
+// text is cut out of the text files of FOLDER where one is given, else made of words as frequent as those of a
+// language. Beside the first indexing stands a plain SQLite FTS5 table of the same files, read and put by the same
+// program.
 #include "foundation/Platform.h"
 #include "library/Root.h"
 #include "organising/search/SearchIndex.h"
@@ -51,12 +52,16 @@ public:
         std::uniform_int_distribution<int> more(0, 7);
         for (int i = 0; i < vocabulary; ++i) {
             std::string word;
-            for (int length = i < 100 ? 1 + i % 4 : 3 + more(m_random); length >= 0; --length) word += char(letter(m_random));
+            for (int length = i < 100 ? 1 + i % 4 : 3 + more(m_random); length >= 0; --length)
+                word += char(letter(m_random));
             m_words.push_back(word);
         }
     }
 
-    const std::string &word() { return m_words[size_t(std::exp(std::uniform_real_distribution<>(0, std::log(vocabulary))(m_random)))]; }
+    const std::string &word()
+    {
+        return m_words[size_t(std::exp(std::uniform_real_distribution<>(0, std::log(vocabulary))(m_random)))];
+    }
 
     std::string document()
     {
@@ -133,10 +138,12 @@ void inProcess(const char *what, const std::function<void()> &work)
     const pid_t child = fork();
     if (child == 0) {
         const double seconds = secondsOf(work);
-        struct rusage used{};
+        struct rusage used
+        {};
         getrusage(RUSAGE_SELF, &used);
         std::printf("%-28s %8.2f s %8.1f s of processor %6ld MB\n", what, seconds,
-                    double(used.ru_utime.tv_sec + used.ru_stime.tv_sec) + double(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6,
+                    double(used.ru_utime.tv_sec + used.ru_stime.tv_sec) +
+                        double(used.ru_utime.tv_usec + used.ru_stime.tv_usec) / 1e6,
                     used.ru_maxrss / 1024);
         std::fflush(stdout);
         _exit(0);
@@ -149,7 +156,9 @@ void plainIndex(const fs::path &root, int documents, const fs::path &file)
     sqlite3 *database = nullptr;
     sqlite3_stmt *put = nullptr;
     sqlite3_open(file.c_str(), &database);
-    sqlite3_exec(database, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE VIRTUAL TABLE texts USING fts5(path UNINDEXED, text)",
+    sqlite3_exec(database,
+                 "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; CREATE VIRTUAL TABLE texts USING fts5(path "
+                 "UNINDEXED, text)",
                  nullptr, nullptr, nullptr);
     sqlite3_prepare_v2(database, "INSERT INTO texts VALUES(?,?)", -1, &put, nullptr);
     for (int i = 0; i < documents; ++i) {
@@ -202,7 +211,8 @@ void timeQueries(SearchIndex &index, const QString &root, const std::vector<QStr
     }
     std::ranges::sort(times);
     std::printf("%zu queries: median %.2f ms, 95%% %.2f ms, worst %.2f ms; %lld hits\n", times.size(),
-                times[times.size() / 2].first, times[times.size() * 95 / 100].first, times.back().first, static_cast<long long>(hits));
+                times[times.size() / 2].first, times[times.size() * 95 / 100].first, times.back().first,
+                static_cast<long long>(hits));
     for (size_t i = times.size() - 5; i < times.size(); ++i)
         std::printf("    %8.2f ms  %s\n", times[i].first, times[i].second.left(70).toUtf8().constData());
 }
@@ -215,7 +225,8 @@ int main(int argc, char **argv)
     const int documents = argc > 1 ? std::atoi(argv[1]) : 100000;
     const QTemporaryDir world;
     const fs::path root = fs::path(world.path().toStdString()) / "root";
-    const qint64 bytes = argc > 2 ? makeNotebook(root, documents, Cutter(argv[2])) : makeNotebook(root, documents, Writer());
+    const qint64 bytes =
+        argc > 2 ? makeNotebook(root, documents, Cutter(argv[2])) : makeNotebook(root, documents, Writer());
     auto made = std::make_unique<Platform>();
     made->settings = makeMemorySettings();
     const QString rootPath = QString::fromStdString(fs::canonical(root).string());
@@ -227,9 +238,13 @@ int main(int argc, char **argv)
     const fs::path plain = world.path().toStdString() + "/plain.sqlite";
     inProcess("plain FTS5", [&] { plainIndex(root, documents, plain); });
     inProcess("first indexing", [&] { SearchIndex(rootPath, file).update(rootPath); });
-    inProcess("plain FTS5 once more", [&] { fs::remove(plain); plainIndex(root, documents, plain); });
+    inProcess("plain FTS5 once more", [&] {
+        fs::remove(plain);
+        plainIndex(root, documents, plain);
+    });
     const double size = megabytes(file.toStdString());
-    std::printf("index %.1f MB, %.2f of the text; plain FTS5 %.1f MB\n", size, size * 1e6 / double(bytes), megabytes(plain));
+    std::printf("index %.1f MB, %.2f of the text; plain FTS5 %.1f MB\n", size, size * 1e6 / double(bytes),
+                megabytes(plain));
     inProcess("start, nothing changed", [&] { SearchIndex(rootPath, file).update(rootPath); });
     std::ofstream(pathOf(root, 0), std::ios::app) << "changed";
     inProcess("one document changed", [&] {

@@ -15,7 +15,10 @@ using namespace std::chrono_literals;
 static const QString delayedName = QStringLiteral("startSpotlightSearchWithString:");
 
 ListSearch::ListSearch(TMLTDocumentListViewController &list, FileIndex &index, SearchFieldView &view)
-    : m_list(list), m_index(index), m_view(view), m_origin(list.source())
+    : m_list(list)
+    , m_index(index)
+    , m_view(view)
+    , m_origin(list.source())
 {
     m_subscription = notifications().observe(
         QStringLiteral("TMStartSpotlightSearchNotification"), [this](const QVariantMap &payload) {
@@ -77,9 +80,8 @@ void ListSearch::startSpotlightSearchWithString(const QString &text)
     if (!showsResults()) m_origin = m_list.source();
     const QString scope = searchScope(m_origin.smartType == InboxBook ? inboxFolder() : m_origin.book);
     m_view.showStatus(localized(TOMELET_TEXT("Searching...")));
-    m_index.search(query, scope, [this, text, scope](const QStringList &paths) {
-        queryDidFinishGathering(text, scope, paths);
-    });
+    m_index.search(query, scope,
+                   [this, text, scope](const QStringList &paths) { queryDidFinishGathering(text, scope, paths); });
 }
 
 void ListSearch::queryDidFinishGathering(const QString &text, const QString &scope, const QStringList &paths)
@@ -87,7 +89,8 @@ void ListSearch::queryDidFinishGathering(const QString &text, const QString &sco
     m_view.showStatus({});
     const QStringList stored = storeSearchResults(paths);
     m_header = searchResultsHeader(text, scope, stored.size());
-    if (!TMLTOutlineItem::smartBookOfType(SearchResultsBook)) TMLTOutlineItem::insertSmartChildOfType(SearchResultsBook);
+    if (!TMLTOutlineItem::smartBookOfType(SearchResultsBook))
+        TMLTOutlineItem::insertSmartChildOfType(SearchResultsBook);
     m_list.searchFilter.clear();
     m_list.setSource({m_origin.book, SearchResultsBook, {}});
     m_view.reloadList();

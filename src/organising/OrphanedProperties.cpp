@@ -15,11 +15,16 @@ namespace tomelet {
 
 static const QStringList &documentProperties()
 {
-    static const QStringList keys = QStringLiteral(
-        "Tags CreationDate Backlinks ReferencedPath Description URL R/O isProtected OCR TOC Markdown CSS "
-        "MarkdownConverter notesFontName noteFontSize lineSpacing TextAlignment HyphenateText TextColor BackgroundColor "
-        "BackgroundImage cellColor showPreviewForNotes CurrentTaskCount Print Mail PDFBookmarks PrivateProperties Offset "
-        "CharacterOffset CurrentPDFPage").split(u' ') + QStringList{QStringLiteral("Embedded Photos")};
+    static const QStringList keys =
+        QStringLiteral(
+            "Tags CreationDate Backlinks ReferencedPath Description URL R/O isProtected OCR TOC Markdown CSS "
+            "MarkdownConverter notesFontName noteFontSize lineSpacing TextAlignment HyphenateText TextColor "
+            "BackgroundColor "
+            "BackgroundImage cellColor showPreviewForNotes CurrentTaskCount Print Mail PDFBookmarks PrivateProperties "
+            "Offset "
+            "CharacterOffset CurrentPDFPage")
+            .split(u' ') +
+        QStringList{QStringLiteral("Embedded Photos")};
     return keys;
 }
 

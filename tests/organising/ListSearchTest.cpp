@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The search field above the list, the results as a smart book, and what a listing throws away or leaves out.
+#include "organising/ListSearch.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
 #include "library/OutlineItem.h"
 #include "library/Root.h"
 #include "organising/DocumentList.h"
-#include "organising/ListSearch.h"
 #include "organising/NotebookOrganiser.h"
 #include "organising/search/FileIndex.h"
 #include "organising/search/SearchResults.h"
@@ -32,7 +32,9 @@ QStringList titlesOf(const TMLTDocumentListViewController &list)
 class FieldView final : public SearchFieldView
 {
 public:
-    explicit FieldView(TMLTDocumentListViewController &list) : m_list(list) {}
+    explicit FieldView(TMLTDocumentListViewController &list)
+        : m_list(list)
+    {}
     void reloadList() override { m_list.getDocumentsInFolder(); }
     void showStatus(const QString &text) override { status = text; }
     void showSearchOptions() override { showsOptions = true; }
@@ -177,7 +179,8 @@ TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)
     settings().setObject(u"iCloudSyncProgress"_s, {});
     EXPECT_EQ(listed({root, OrdinaryBook, {}}), QStringList{u"Here.md"_s});
     EXPECT_FALSE(exists(u"/Gone.md.plist"_s));
-    for (const auto &kept : {u"/Here.md.plist"_s, u"/Own.data.plist"_s, u"/Plain.plist"_s, u"/Remote.md.plist"_s, u"/BookProperties.plist"_s})
+    for (const auto &kept : {u"/Here.md.plist"_s, u"/Own.data.plist"_s, u"/Plain.plist"_s, u"/Remote.md.plist"_s,
+                             u"/BookProperties.plist"_s})
         EXPECT_TRUE(exists(kept)) << kept.toStdString();
 }
 
@@ -185,9 +188,11 @@ TEST_F(Listing, HidesDoneTasksAndSaysSo)
 {
     installNotebookOrganiser();
     const QString book = makeBook(u"/Tasks"_s);
-    for (const auto &[name, state] : {std::pair(u"a.md"_s, u"done"_s), {u"b.md"_s, u"canceled"_s}}) write(u"/Tasks/"_s + name);
+    for (const auto &[name, state] : {std::pair(u"a.md"_s, u"done"_s), {u"b.md"_s, u"canceled"_s}})
+        write(u"/Tasks/"_s + name);
     writeStore(book + u"/TMTasklistDetails.plist"_s,
-               QVariantMap{{u"a.md"_s, QVariantMap{{u"State"_s, u"done"_s}}}, {u"b.md"_s, QVariantMap{{u"State"_s, u"canceled"_s}}}});
+               QVariantMap{{u"a.md"_s, QVariantMap{{u"State"_s, u"done"_s}}},
+                           {u"b.md"_s, QVariantMap{{u"State"_s, u"canceled"_s}}}});
     settings().setObject(u"hideDoneTasks"_s, true);
     TMLTDocumentListViewController list;
     list.setSource({book, OrdinaryBook, {}});

@@ -43,7 +43,8 @@ TEST(SearchTerms, AreWordsAndQuotedPhrases)
         {u"\"\"\"“”«»"_s, {}},
         {u"NEAR(a AND b) * ^c"_s, {u"NEAR(a"_s, u"AND"_s, u"b)"_s, u"*"_s, u"^c"_s}},
     };
-    for (const auto &row : rows) EXPECT_EQ(tm_arrayOfSearchTermsInString(row.text), row.terms) << row.text.toStdString();
+    for (const auto &row : rows)
+        EXPECT_EQ(tm_arrayOfSearchTermsInString(row.text), row.terms) << row.text.toStdString();
 }
 
 bool found(const QString &term, const QString &text, SearchMode mode)
@@ -113,7 +114,9 @@ TEST(SearchHits, InNamesAreAnywhere)
 class Search : public test::Notebook
 {
 protected:
-    Search() : index(root, searchIndexFile()) {}
+    Search()
+        : index(root, searchIndexFile())
+    {}
 
     QStringList below(QStringList paths) const
     {
@@ -168,9 +171,10 @@ TEST_F(Search, ReadsWhatChangedAndForgetsWhatIsGone)
 
 TEST_F(Search, LooksIntoMailsAndPagesAndPassesOverTheRest)
 {
-    write(u"/Page.html"_s, "<html><head><title>x</title></head><body><p class=\"hidden\">Visible&nbsp;words</p></body></html>");
+    write(u"/Page.html"_s,
+          "<html><head><title>x</title></head><body><p class=\"hidden\">Visible&nbsp;words</p></body></html>");
     write(u"/Mail.eml"_s, "From: Ann Example <ann@example.org>\nSubject: =?UTF-8?Q?Gr=C3=BC=C3=9Fe?=\n"
-                           "Content-Type: text/plain\n\nSee you on Monday.\n");
+                          "Content-Type: text/plain\n\nSee you on Monday.\n");
     write(u"/data.bin"_s, QByteArray("words\0words", 11));
     write(u"/Old.txt"_s, "caf\x8e words\n"); // Mac Roman
     write(u"/.hidden.md"_s, "words");
@@ -210,12 +214,36 @@ public:
 private:
     const QString &pick(const QStringList &list) { return list[qsizetype(m_random() % quint64(list.size()))]; }
 
-    const QStringList words{u"a"_s, u"an"_s, u"and"_s, u"Andes"_s, u"été"_s, u"ÉTÉ"_s, u"Straße"_s, u"don't"_s,
-                            u"foo_bar"_s, u"x1"_s, u"1"_s, u"3.14"_s, u"東京都"_s, u"京都"_s, u"学生是学生"_s, u"カタカナ"_s,
-                            u"ภาษาไทย"_s, u"한국어"_s, u"naïve"_s, u"ﬁn"_s, u"i̇"_s, u"wordlongerthananythingthatfitsintoonetoken"_s,
-                            u"wordlongerthananythingthatfitsintoonetokens"_s, u"😀"_s, u"NEAR"_s, u"AND"_s, u"שָׁלוֹם"_s};
-    const QStringList gaps{u" "_s, u" "_s, u" "_s, u" "_s, u""_s, u"\n"_s, u", "_s, u". "_s, u" - "_s, u"* "_s, u" #"_s, u" @"_s,
-                           u"\" "_s, u"'"_s, u"——————"_s, u"-----------"_s, u"++"_s, u" ("_s, u"**"_s, u"\u00a0"_s, u"\u3000"_s, u"…"_s};
+    const QStringList words{u"a"_s,
+                            u"an"_s,
+                            u"and"_s,
+                            u"Andes"_s,
+                            u"été"_s,
+                            u"ÉTÉ"_s,
+                            u"Straße"_s,
+                            u"don't"_s,
+                            u"foo_bar"_s,
+                            u"x1"_s,
+                            u"1"_s,
+                            u"3.14"_s,
+                            u"東京都"_s,
+                            u"京都"_s,
+                            u"学生是学生"_s,
+                            u"カタカナ"_s,
+                            u"ภาษาไทย"_s,
+                            u"한국어"_s,
+                            u"naïve"_s,
+                            u"ﬁn"_s,
+                            u"i̇"_s,
+                            u"wordlongerthananythingthatfitsintoonetoken"_s,
+                            u"wordlongerthananythingthatfitsintoonetokens"_s,
+                            u"😀"_s,
+                            u"NEAR"_s,
+                            u"AND"_s,
+                            u"שָׁלוֹם"_s};
+    const QStringList gaps{u" "_s,   u" "_s,  u" "_s,  u" "_s,      u""_s,       u"\n"_s, u", "_s,     u". "_s,
+                           u" - "_s, u"* "_s, u" #"_s, u" @"_s,     u"\" "_s,    u"'"_s,  u"——————"_s, u"-----------"_s,
+                           u"++"_s,  u" ("_s, u"**"_s, u"\u00a0"_s, u"\u3000"_s, u"…"_s};
     std::mt19937_64 m_random{5};
 };
 
@@ -257,7 +285,8 @@ TEST_F(Search, ADamagedIndexIsThrownAwayAndMadeAnew)
         }
         SearchIndex later(root, searchIndexFile());
         EXPECT_EQ(later.update(root).read, 0);
-        EXPECT_EQ(later.find(makeSearchQuery({u"apple"_s}, SearchMode::Content), root).value_or(QStringList()).size(), 2);
+        EXPECT_EQ(later.find(makeSearchQuery({u"apple"_s}, SearchMode::Content), root).value_or(QStringList()).size(),
+                  2);
     }
 }
 
@@ -282,10 +311,14 @@ TEST_F(Search, AnIndexThatAnotherProgramHoldsIsLeftAlone)
 TEST_F(Search, AFullDiskLeavesNoHalfIndex)
 {
     writeSome();
-    struct rlimit before{};
+    struct rlimit before
+    {};
     getrlimit(RLIMIT_FSIZE, &before);
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const struct rlimit little{20000, before.rlim_max};
+    const struct rlimit little
+    {
+        20000, before.rlim_max
+    };
     setrlimit(RLIMIT_FSIZE, &little);
     const SearchIndex::Update update = index.update(root);
     setrlimit(RLIMIT_FSIZE, &before);
@@ -312,7 +345,8 @@ protected:
                          result = below(paths);
                      });
         QElapsedTimer timer;
-        for (timer.start(); !answered && timer.elapsed() < 20000;) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+        for (timer.start(); !answered && timer.elapsed() < 20000;)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
         return answered ? result : QStringList{u"no answer"_s};
     }
 };
@@ -327,7 +361,8 @@ TEST_F(LiveSearch, FollowsRoutedChanges)
 
     notifications().postPath(u"TMLTFileModifiedOnDiskNotification"_s, write(u"/New.md"_s, "apples"));
     ASSERT_TRUE(QFile::rename(at(u"/Book"_s), at(u"/Shelf"_s)));
-    notifications().post(u"TMLTFileMovedNotification"_s, {{u"originalPath"_s, at(u"/Book"_s)}, {u"newPath"_s, at(u"/Shelf"_s)}});
+    notifications().post(u"TMLTFileMovedNotification"_s,
+                         {{u"originalPath"_s, at(u"/Book"_s)}, {u"newPath"_s, at(u"/Shelf"_s)}});
     ASSERT_TRUE(QFile::remove(at(u"/One.md"_s)));
     notifications().postPath(u"TMLTFileDeletedFromDiskNotification"_s, at(u"/One.md"_s));
     files.settle();

@@ -42,11 +42,12 @@ QStringList hitsOf(const Invocation &call, const SearchQuery &query, const QStri
     return searchByWalk(root, query, scope, terminalProgress(call, QStringLiteral("Searching")));
 }
 
-void printResults(const Invocation &call)
+// In the order in which the smart book of results has them.
+void printRows(const Invocation &call, const QStringList &hits)
 {
     TMLTDocumentListViewController list;
     list.setSource({{}, SearchResultsBook, {}});
-    list.getDocumentsInFolder();
+    if (!hits.isEmpty()) list.getDocumentsInFolder();
     QJsonArray rows;
     for (const QVariantMap &row : list.documentsList) {
         if (call.json) rows.append(jsonFromVariant(row));
@@ -60,22 +61,27 @@ void printResults(const Invocation &call)
 int runSearch(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Prints the documents that hold all terms; what stands in quotes is one term. They become the search results."));
-    parser.addOptions({{QStringLiteral("title"), QStringLiteral("Search names: each term anywhere in them.")},
-                       {QStringLiteral("content"), QStringLiteral("Search texts: each term from the beginning of a word.")},
-                       {QStringLiteral("in"), QStringLiteral("Search one book and the books in it."), QStringLiteral("book")}});
-    parser.addPositionalArgument(QStringLiteral("terms"), QStringLiteral("What to search for."), QStringLiteral("TERM..."));
+    parser.setApplicationDescription(QStringLiteral("Prints the documents that hold all terms; what stands in quotes "
+                                                    "is one term. They become the search results."));
+    parser.addOptions(
+        {{QStringLiteral("title"), QStringLiteral("Search names: each term anywhere in them.")},
+         {QStringLiteral("content"), QStringLiteral("Search texts: each term from the beginning of a word.")},
+         {QStringLiteral("in"), QStringLiteral("Search one book and the books in it."), QStringLiteral("book")}});
+    parser.addPositionalArgument(QStringLiteral("terms"), QStringLiteral("What to search for."),
+                                 QStringLiteral("TERM..."));
     if (const auto status = parse(call, parser)) return *status;
-    if (parser.positionalArguments().isEmpty()) return wrongUsage(call, QStringLiteral("search takes what to search for"));
+    if (parser.positionalArguments().isEmpty())
+        return wrongUsage(call, QStringLiteral("search takes what to search for"));
     if (const auto status = openNotebook(call)) return *status;
     const QString scope = itemPath(parser.value(QStringLiteral("in")));
     if (!pathIsPlainBook(scope)) return fail(QStringLiteral("%1 is no book").arg(scope));
 
     const QString text = parser.positionalArguments().join(u' ');
     const SearchQuery query = makeSearchQuery(tm_arrayOfSearchTermsInString(text), modeOf(parser));
-    storeSearchResults(query.terms.empty() ? QStringList() : hitsOf(call, query, scope));
-    printResults(call);
+    // Without terms there was no search, and the last results stay.
+    QStringList hits;
+    if (!query.terms.empty()) hits = storeSearchResults(hitsOf(call, query, scope));
+    printRows(call, hits);
     return Done;
 }
 
@@ -88,7 +94,8 @@ int runIndex(const Invocation &call)
     if (const auto status = openNotebook(call)) return *status;
     SearchIndex index(tomeletRoot(), searchIndexFile());
     const SearchIndex::Update update = index.update(tomeletRoot(), terminalProgress(call, QStringLiteral("Indexing")));
-    if (!update.complete) return fail(QStringLiteral("the text index was not brought up to date: %1").arg(update.problem));
+    if (!update.complete)
+        return fail(QStringLiteral("the text index was not brought up to date: %1").arg(update.problem));
     if (call.json)
         writeJson(QJsonObject{{QStringLiteral("read"), static_cast<qint64>(update.read)},
                               {QStringLiteral("removed"), static_cast<qint64>(update.removed)},

@@ -20,9 +20,10 @@ constexpr qint64 millisecondsBetweenReports = 100;
 struct FileIndex::Notebook
 {
     explicit Notebook(const QString &rootPath, const QString &file)
-        : root(rootPath), updater(rootPath, file), searcher(rootPath, file)
-    {
-    }
+        : root(rootPath)
+        , updater(rootPath, file)
+        , searcher(rootPath, file)
+    {}
 
     QString root;
     SearchIndex updater;
@@ -33,9 +34,10 @@ struct FileIndex::Notebook
 FileIndex::FileIndex()
 {
     const auto follow = [this](const char *notification, const QString &key) {
-        m_subscriptions.push_back(notifications().observe(
-            QString::fromLatin1(notification),
-            [this, key](const QVariantMap &payload) { noteChange(payload.value(key).toString()); }));
+        m_subscriptions.push_back(
+            notifications().observe(QString::fromLatin1(notification), [this, key](const QVariantMap &payload) {
+                noteChange(payload.value(key).toString());
+            }));
     };
     follow("TMLTFileModifiedOnDiskNotification", QStringLiteral("path"));
     follow("TMLTFileDeletedFromDiskNotification", QStringLiteral("path"));
@@ -98,7 +100,11 @@ void FileIndex::update(const QStringList &paths)
 void FileIndex::tellProgress(qsizetype done, qsizetype all)
 {
     QMetaObject::invokeMethod(
-        &m_mainThread, [this, done, all] { if (onProgress) onProgress(done, all); }, Qt::QueuedConnection);
+        &m_mainThread,
+        [this, done, all] {
+            if (onProgress) onProgress(done, all);
+        },
+        Qt::QueuedConnection);
 }
 
 void FileIndex::settle()

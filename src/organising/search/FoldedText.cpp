@@ -127,7 +127,8 @@ void markWordsOfDenseRun(FoldedText &result, size_t begin, size_t end)
     size_t byte = begin;
     int unit = 0;
     for (int next = ubrk_next(words.get()); next != UBRK_DONE && next < run.size(); next = ubrk_next(words.get())) {
-        for (; unit < next; byte = nextCharacter(result.text, byte)) unit += (result.text[byte] & '\xf8') == '\xf0' ? 2 : 1;
+        for (; unit < next; byte = nextCharacter(result.text, byte))
+            unit += (result.text[byte] & '\xf8') == '\xf0' ? 2 : 1;
         result.starts[byte] = true;
     }
 }
@@ -147,13 +148,6 @@ void markWords(FoldedText &result)
 }
 
 } // namespace
-
-size_t nextCharacter(std::string_view text, size_t position)
-{
-    do ++position;
-    while (position < text.size() && (text[position] & '\xc0') == '\x80');
-    return position;
-}
 
 FoldedText foldedForSearch(const QString &text)
 {

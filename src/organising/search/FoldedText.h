@@ -26,8 +26,18 @@ struct FoldedText
 /// say so.
 [[nodiscard]] FoldedText foldedForSearch(const QString &text);
 
+/// A byte of UTF-8 other than a character's first.
+[[nodiscard]] constexpr bool isWithinCharacter(char byte)
+{
+    return (byte & '\xc0') == '\x80';
+}
 /// Where the character after the one at `position` begins.
-[[nodiscard]] size_t nextCharacter(std::string_view text, size_t position);
+[[nodiscard]] constexpr size_t nextCharacter(std::string_view text, size_t position)
+{
+    do ++position;
+    while (position < text.size() && isWithinCharacter(text[position]));
+    return position;
+}
 
 /// Whether the term stands in the text so that it begins where a word begins.
 [[nodiscard]] bool beginsWordIn(const FoldedText &text, std::string_view term);

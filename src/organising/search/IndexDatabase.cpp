@@ -12,7 +12,7 @@ namespace tomelet {
 
 namespace {
 
-constexpr int millisecondsToWaitForOthers = 1000;
+constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
 
 void check(int code)
@@ -88,7 +88,8 @@ public:
     void reset() { sqlite3_reset(m_statement); }
     void run()
     {
-        while (step()) {}
+        while (step()) {
+        }
     }
 
     [[nodiscard]] qint64 integer(int column) const { return sqlite3_column_int64(m_statement, column); }
@@ -152,14 +153,16 @@ IndexDatabase::IndexDatabase(const QString &file)
         execute("PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
                 "PRAGMA cache_size=-65536");
         if (number("PRAGMA user_version") == 0)
-            execute("BEGIN IMMEDIATE;"
-                    "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
-                    " size INTEGER, changed INTEGER, text BLOB);"
-                    "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
-                    "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, tokenize='pieces');"
-                    // Larger lots of tokens in memory make fewer pieces to merge.
-                    "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
-                    "PRAGMA user_version=1; COMMIT");
+            execute(
+                "BEGIN IMMEDIATE;"
+                "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
+                " size INTEGER, changed INTEGER, text BLOB);"
+                "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
+                "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, "
+                "tokenize='pieces');"
+                // Larger lots of tokens in memory make fewer pieces to merge.
+                "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
+                "PRAGMA user_version=1; COMMIT");
     } catch (...) {
         m_statements.clear();
         sqlite3_close_v2(m_database);
@@ -224,7 +227,8 @@ void IndexDatabase::remove(const QString &path)
 
 void IndexDatabase::find(const std::string &expression, const std::function<void(const QString &)> &visit)
 {
-    Statement &query = statement("SELECT path FROM tokens JOIN documents ON documents.id = tokens.rowid WHERE tokens MATCH ?");
+    Statement &query =
+        statement("SELECT path FROM tokens JOIN documents ON documents.id = tokens.rowid WHERE tokens MATCH ?");
     query.bind(1, expression);
     while (query.step()) visit(query.text(0));
 }

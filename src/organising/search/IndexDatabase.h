@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The index's file: an SQLite database with the documents and, in an FTS5 table without content, their tokens.
 //
-// FTS5 cannot take a document out of such a table without its tokens, so a document that changes gets another number and
-// the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
+// FTS5 cannot take a document out of such a table without its tokens, so a document that changes gets another number
+// and the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
 #pragma once
 
 #include <QByteArray>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/search/IndexTokens.h"
 
-#include <set>
 #include <string_view>
+#include <unordered_set>
 
 namespace tomelet {
 
@@ -10,8 +10,9 @@ namespace {
 
 constexpr size_t longestWord = 32;
 constexpr size_t longestGap = 8;
-constexpr size_t longestTitleKey = 12;
+constexpr size_t longestTitleKey = 24;
 constexpr int charactersOfDenseWord = 2;
+constexpr int longestSigns = 3;
 
 bool isInWord(SearchKind kind)
 {
@@ -22,7 +23,7 @@ bool isInWord(SearchKind kind)
 std::string_view cut(std::string_view piece, size_t longest)
 {
     if (piece.size() <= longest) return piece;
-    while ((piece[longest] & '\xc0') == '\x80') --longest;
+    while (isWithinCharacter(piece[longest])) --longest;
     return piece.substr(0, longest);
 }
 
@@ -36,7 +37,7 @@ std::string_view firstCharacters(std::string_view piece, int count)
 size_t characterBefore(std::string_view text, size_t position)
 {
     do --position;
-    while ((text[position] & '\xc0') == '\x80');
+    while (isWithinCharacter(text[position]));
     return position;
 }
 
@@ -44,7 +45,10 @@ size_t characterBefore(std::string_view text, size_t position)
 class Runs
 {
 public:
-    explicit Runs(const FoldedText &text) : m_text(text), m_all(text.text) {}
+    explicit Runs(const FoldedText &text)
+        : m_text(text)
+        , m_all(text.text)
+    {}
 
     [[nodiscard]] std::string_view piece(size_t from, size_t end) const { return m_all.substr(from, end - from); }
     [[nodiscard]] bool isDense(size_t from) const { return m_text.kinds[from] == SearchKind::Dense; }
@@ -59,16 +63,18 @@ public:
         while (from < m_all.size() && m_text.kinds[from] == kind) ++from;
         return from;
     }
-    // The sign right before the position; "" for none.
-    [[nodiscard]] std::string_view signBefore(size_t position) const
+    // Where the signs right before the position begin, so many at most; the position itself for none.
+    [[nodiscard]] size_t signsBefore(size_t position, int most) const
     {
-        if (position == 0 || m_text.kinds[position - 1] != SearchKind::Sign) return {};
-        return piece(characterBefore(m_all, position), position);
+        while (most-- > 0 && position > 0 && m_text.kinds[position - 1] == SearchKind::Sign)
+            position = characterBefore(m_all, position);
+        return position;
     }
     // The text of the token of a word that begins at the position, in a run up to `end`.
     [[nodiscard]] std::string_view word(size_t from, size_t end) const
     {
-        return isDense(from) ? firstCharacters(piece(from, end), charactersOfDenseWord) : cut(piece(from, end), longestWord);
+        return isDense(from) ? firstCharacters(piece(from, end), charactersOfDenseWord)
+                             : cut(piece(from, end), longestWord);
     }
 
 private:
@@ -87,8 +93,11 @@ void append(std::string &tokens, char kind, std::string_view first, std::string_
 void appendWords(std::string &tokens, const FoldedText &text, const Runs &runs, size_t from, size_t end)
 {
     append(tokens, 'w', runs.word(from, end));
-    if (const std::string_view sign = runs.signBefore(from); !sign.empty())
-        append(tokens, sharedPlaceToken, sign, runs.word(from, end));
+    size_t before = from;
+    for (int count = 1; count <= longestSigns && runs.signsBefore(from, count) < before; ++count) {
+        before = runs.signsBefore(from, count);
+        append(tokens, sharedPlaceToken, runs.piece(before, from), runs.word(from, end));
+    }
     if (!runs.isDense(from)) return;
     for (size_t i = nextCharacter(text.text, from); i < end; i = nextCharacter(text.text, i))
         if (text.starts[i]) append(tokens, 'w', runs.word(i, end));
@@ -112,18 +121,35 @@ void appendText(std::string &tokens, const FoldedText &text)
     }
 }
 
+// How long the token of signs at the position is: a sign with the sign behind it, or the character alone.
+size_t endOfSigns(const FoldedText &text, size_t from)
+{
+    const size_t next = nextCharacter(text.text, from);
+    const bool isPair =
+        next < text.text.size() && text.kinds[from] == SearchKind::Sign && text.kinds[next] == SearchKind::Sign;
+    return isPair ? nextCharacter(text.text, next) : next;
+}
+
 void appendSigns(std::string &tokens, const FoldedText &text)
 {
-    std::set<std::string_view> signs;
+    std::unordered_set<std::string_view> seen;
     const std::string_view all = text.text;
-    for (size_t i = 0; i < all.size(); i = nextCharacter(all, i))
-        if (!isInWord(text.kinds[i])) signs.insert(all.substr(i, nextCharacter(all, i) - i));
-    for (const std::string_view sign : signs) append(tokens, 's', sign);
+    const auto addOnce = [&](size_t from, size_t end) {
+        const std::string_view piece = all.substr(from, end - from);
+        if (seen.insert(piece).second) append(tokens, 's', piece);
+    };
+    for (size_t i = 0; i < all.size(); ++i) {
+        if (isInWord(text.kinds[i]) || isWithinCharacter(all[i]) || (all[i] == ' ' && i > 0 && seen.contains(" ")))
+            continue;
+        addOnce(i, nextCharacter(all, i));
+        addOnce(i, endOfSigns(text, i));
+    }
 }
 
 void appendName(std::string &tokens, std::string_view name)
 {
-    for (size_t i = 0; i < name.size(); i = nextCharacter(name, i)) append(tokens, 't', cut(name.substr(i), longestTitleKey));
+    for (size_t i = 0; i < name.size(); i = nextCharacter(name, i))
+        append(tokens, 't', cut(name.substr(i), longestTitleKey));
 }
 
 } // namespace
@@ -146,7 +172,11 @@ namespace {
 class TermReader
 {
 public:
-    explicit TermReader(const FoldedText &term) : m_term(term), m_runs(term), m_size(term.text.size()) {}
+    explicit TermReader(const FoldedText &term)
+        : m_term(term)
+        , m_runs(term)
+        , m_size(term.text.size())
+    {}
 
     TermLookUps read()
     {
@@ -163,24 +193,24 @@ public:
     }
 
 private:
-    // Signs in front of the first word are looked up one by one, but for the one that the word's token has.
+    // The signs right in front of the first word are in its token; the rest is looked up by itself.
     void readLead(size_t end)
     {
-        m_sign = end < m_size ? m_runs.signBefore(end) : std::string_view();
-        size_t count = 0;
-        for (size_t i = 0; i < end; i = nextCharacter(m_term.text, i), ++count) {
-            if (!m_sign.empty() && i + m_sign.size() == end) continue;
-            append(m_phrase, 's', m_runs.piece(i, nextCharacter(m_term.text, i)));
+        const size_t signs = end < m_size ? m_runs.signsBefore(end, longestSigns) : end;
+        m_signs = m_runs.piece(signs, end);
+        for (size_t i = 0; i < signs; i = nextCharacter(m_term.text, i)) {
+            append(m_phrase, 's', m_runs.piece(i, endOfSigns(m_term, i)));
             closePhrase(false);
         }
-        if (count > 1 || (count == 1 && end < m_size && m_sign.empty())) m_result.exact = false;
+        m_result.exact = signs == 0 || (end == m_size && endOfSigns(m_term, 0) == m_size);
+        if (end == m_size && m_result.exact && m_result.phrases.size() > 1) m_result.phrases.resize(1);
     }
 
     void readWord(size_t from, size_t end)
     {
         const std::string_view word = m_runs.word(from, end);
-        append(m_phrase, m_sign.empty() ? 'w' : sharedPlaceToken, m_sign, word);
-        m_sign = {};
+        append(m_phrase, m_signs.empty() ? 'w' : sharedPlaceToken, m_signs, word);
+        m_signs = {};
         const bool isLast = end == m_size;
         const bool isCut = word.size() < end - from;
         if (isCut || (m_runs.isDense(from) && !isLast)) m_result.exact = false;
@@ -211,7 +241,7 @@ private:
     const size_t m_size;
     TermLookUps m_result;
     std::string m_phrase;
-    std::string_view m_sign;
+    std::string_view m_signs;
 };
 
 } // namespace

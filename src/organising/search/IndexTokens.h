@@ -3,11 +3,11 @@
 //
 // A document's tokens are pieces of its folded text behind a letter for their kind. In the order of the text:
 //   w  a word (32 bytes at most; in dense writing two characters from where each word begins)
-//   x  at the place of the word: the word with the sign in front of it
+//   x  at the place of the word: the word with the one, two and three signs in front of it
 //   g  what stands between two words (8 bytes at most), unless that is one blank
 // and, behind the text, each once:
-//   s  a sign or a blank
-//   t  the name from each of its characters on (12 bytes at most)
+//   s  a sign or a blank, and two signs side by side
+//   t  the name from each of its characters on (24 bytes at most)
 // So nearly every term is found by one phrase of tokens, the last of them as a beginning, without a look at the texts.
 #pragma once
 

@@ -10,6 +10,7 @@
 #include "organising/search/IndexDatabase.h"
 #include "organising/search/IndexTokens.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -23,11 +24,13 @@ namespace {
 
 using Document = IndexDatabase::Document;
 
-constexpr size_t documentsOfLot = 500;
+constexpr size_t documentsOfLot = 100;
+constexpr qint64 millisecondsOfTransaction = 1000;
 
 std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) return std::nullopt;
     return IndexDatabase::Stamp{status.st_size, status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
 }
@@ -77,6 +80,42 @@ IndexDatabase::Entry entryOf(const QString &root, const Document &document)
             keepsText(document.path) ? qCompress(text.toUtf8()) : QByteArray()};
 }
 
+/// Reads documents in lots, one of them ahead on a thread of its own.
+class Reader
+{
+public:
+    Reader(const QString &root, const std::vector<Document> &documents)
+        : m_root(root)
+        , m_documents(documents)
+    {
+        readNext();
+    }
+
+    /// The next lot; empty behind the last.
+    std::vector<IndexDatabase::Entry> next()
+    {
+        m_thread.drain();
+        std::vector<IndexDatabase::Entry> entries = std::exchange(m_entries, {});
+        readNext();
+        return entries;
+    }
+
+private:
+    void readNext()
+    {
+        m_thread.add([this] {
+            const size_t end = std::min(m_at + documentsOfLot, m_documents.size());
+            for (; m_at < end; ++m_at) m_entries.push_back(entryOf(m_root, m_documents[m_at]));
+        });
+    }
+
+    const QString &m_root;
+    const std::vector<Document> &m_documents;
+    size_t m_at = 0;
+    std::vector<IndexDatabase::Entry> m_entries;
+    SerialQueue m_thread; // last, so that it ends first
+};
+
 bool isBelow(const QString &path, const QString &scope)
 {
     return scope.isEmpty() || (path.startsWith(scope) && path.mid(scope.size()).startsWith(u'/'));
@@ -109,9 +148,10 @@ Expression expressionOf(const SearchQuery &query)
     for (const FoldedText &term : query.terms) {
         const TermLookUps title = titleLookUps(term);
         const TermLookUps content = contentLookUps(term);
-        const std::string text = query.mode == SearchMode::Title     ? allOf(title)
-                                 : query.mode == SearchMode::Content ? allOf(content)
-                                                                     : '(' + allOf(title) + " OR " + allOf(content) + ')';
+        const std::string text = query.mode == SearchMode::Title ? allOf(title)
+                                 : query.mode == SearchMode::Content
+                                     ? allOf(content)
+                                     : '(' + allOf(title) + " OR " + allOf(content) + ')';
         result.text += (result.text.empty() ? "" : " AND ") + text;
         result.exact = result.exact && (query.mode == SearchMode::Title || content.exact) &&
                        (query.mode == SearchMode::Content || title.exact);
@@ -137,7 +177,10 @@ QString searchIndexFile()
     return joinPath(rootCacheFolder(), QStringLiteral(".Search/Index.sqlite"));
 }
 
-SearchIndex::SearchIndex(QString root, QString file) : m_root(std::move(root)), m_file(std::move(file)) {}
+SearchIndex::SearchIndex(QString root, QString file)
+    : m_root(std::move(root))
+    , m_file(std::move(file))
+{}
 
 SearchIndex::~SearchIndex() = default;
 
@@ -206,35 +249,30 @@ SearchIndex::Update SearchIndex::updateOnce(const QString &path, const Progress 
     return result;
 }
 
-bool SearchIndex::putAll(const std::vector<IndexDatabase::Document> &documents, const Progress &progress, Update &result)
-{
-    SerialQueue reader; // a lot is read on its thread while the one before it is put
-    std::vector<IndexDatabase::Entry> next;
-    const auto read = [&](size_t first) {
-        reader.add([&, first] {
-            for (size_t i = first; i < std::min(first + documentsOfLot, documents.size()); ++i)
-                next.push_back(entryOf(m_root, documents[i]));
-        });
-    };
-    read(0);
-    for (size_t first = 0; first < documents.size(); first += documentsOfLot) {
-        reader.drain();
-        const std::vector<IndexDatabase::Entry> entries = std::exchange(next, {});
-        read(first + documentsOfLot);
-        put(entries);
-        result.read += qsizetype(entries.size());
-        if (progress && !progress(result.read, qsizetype(documents.size()))) return result.read == qsizetype(documents.size());
-    }
-    return true;
-}
-
-// One transaction: other programs get their turn between two lots.
-void SearchIndex::put(const std::vector<IndexDatabase::Entry> &entries)
+bool SearchIndex::putAll(const std::vector<IndexDatabase::Document> &documents, const Progress &progress,
+                         Update &result)
 {
     IndexDatabase &index = database();
-    index.begin();
-    for (const IndexDatabase::Entry &entry : entries) index.put(entry);
-    index.commit();
+    const qsizetype all = qsizetype(documents.size());
+    Reader reader(m_root, documents);
+    while (result.read < all) {
+        // One transaction, after which other programs get their turn.
+        QElapsedTimer timer;
+        timer.start();
+        index.begin();
+        while (result.read < all && timer.elapsed() < millisecondsOfTransaction) {
+            for (const IndexDatabase::Entry &entry : reader.next()) {
+                index.put(entry);
+                ++result.read;
+            }
+            if (progress && !progress(result.read, all) && result.read < all) {
+                index.commit();
+                return false;
+            }
+        }
+        index.commit();
+    }
+    return true;
 }
 
 // -- find -------------------------------------------------------------------------------------------------------------

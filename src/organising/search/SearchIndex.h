@@ -46,7 +46,6 @@ private:
     bool putAll(const std::vector<IndexDatabase::Document> &documents, const Progress &progress, Update &result);
     Update updateOnce(const QString &path, const Progress &progress);
     QStringList findIn(IndexDatabase &index, const SearchQuery &query, const QString &scope, const Progress &progress);
-    void put(const std::vector<IndexDatabase::Entry> &entries);
     void throwAway();
 
     QString m_root;
