@@ -115,6 +115,10 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
             paths.removeIf([&](const QString &path) { return !others.contains(path); });
         }
         readPaths(paths);
+        if (settings().boolean(QStringLiteral("hideDoneTasks")))
+            documentsList.removeIf([](const QVariantMap &row) {
+                return tm_taskIsDoneOrCanceled(row.value(QStringLiteral("taskIcon")).toString());
+            });
         break;
     }
     case FavoritesBook: readPaths(organiser().itemsWithContext(QStringLiteral("_TMFAV"))); break;

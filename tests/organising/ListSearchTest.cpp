@@ -6,6 +6,7 @@
 #include "foundation/PropertyStore.h"
 #include "library/OutlineItem.h"
 #include "library/Root.h"
+#include "organising/Contexts.h"
 #include "organising/DocumentList.h"
 #include "organising/NotebookOrganiser.h"
 #include "organising/search/FileIndex.h"
@@ -199,7 +200,11 @@ TEST_F(Listing, HidesDoneTasksAndSaysSo)
     list.getDocumentsInFolder();
     EXPECT_EQ(list.documentsList.size(), 0);
     EXPECT_TRUE(list.emptyText().startsWith(u" 2 Done Tasks"_s));
+    tm_setTag(at(u"/Tasks/a.md"_s), u"@home"_s);
+    tm_setTag(write(u"/note.md"_s), u"@home"_s);
+    EXPECT_EQ(listed({{}, ContextBook, {u"@home"_s}}), QStringList{u"note.md"_s});
     settings().setObject(u"hideDoneTasks"_s, {});
+    EXPECT_EQ(listed({{}, ContextBook, {u"@home"_s}}).size(), 2);
     list.getDocumentsInFolder();
     EXPECT_EQ(list.documentsList.size(), 2);
     EXPECT_EQ(list.numberOfHiddenDoneTasks, 0);

@@ -266,6 +266,18 @@ TEST_F(Search, TheIndexFindsWhatAScanFinds)
     EXPECT_GT(total, 5000);
 }
 
+TEST_F(Search, AVeryLongQueryIsAnsweredToo)
+{
+    QString text;
+    for (int i = 0; i < 500; ++i) text += u"word%1 "_s.arg(i);
+    write(u"/Long.md"_s, text.toUtf8());
+    write(u"/Short.md"_s, text.left(2000).toUtf8());
+    index.update(root);
+    EXPECT_EQ(hits(text), QStringList{u"/Long.md"_s});
+    EXPECT_EQ(hits(u'"' + text + u'"'), QStringList{u"/Long.md"_s});
+    EXPECT_EQ(hits(u"word1"_s).size(), 2);
+}
+
 // -- an index that cannot be used -------------------------------------------------------------------------------------
 
 TEST_F(Search, ADamagedIndexIsThrownAwayAndMadeAnew)

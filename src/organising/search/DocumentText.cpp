@@ -22,7 +22,7 @@ namespace tomelet {
 
 namespace {
 
-constexpr qint64 largestFile = 64 << 20;
+constexpr qint64 largestText = 32 << 20;
 constexpr qsizetype sniffedBytes = 8192;
 
 // A zero byte is in nearly every file that is no text, and in none that is; a byte-order mark tells of wide text.
@@ -53,11 +53,11 @@ QString textOfMail(QString source)
     return texts.join(u'\n');
 }
 
-QString textOfPdf(const QByteArray &bytes)
+QString textOfPdf(const QString &path)
 {
     poppler::set_debug_error_function([](const std::string &, void *) {}, nullptr);
     const std::unique_ptr<poppler::document> document(
-        poppler::document::load_from_raw_data(bytes.constData(), int(bytes.size())));
+        poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
     if (!document || document->is_locked()) return {};
     QString text;
     for (int number = 0; number < document->pages(); ++number) {
@@ -73,12 +73,11 @@ QString textOfPdf(const QByteArray &bytes)
 
 QString documentText(const QString &path)
 {
-    if (hasImageExtension(path) || QFileInfo(path).size() > largestFile) return {};
-    const auto bytes = readFile(path);
-    if (!bytes) return {};
     const QString extension = lowerExtension(path);
-    if (extension == u"pdf") return textOfPdf(*bytes);
-    if (!looksLikeText(*bytes)) return {};
+    if (extension == u"pdf") return textOfPdf(path);
+    if (hasImageExtension(path) || QFileInfo(path).size() > largestText) return {};
+    const auto bytes = readFile(path);
+    if (!bytes || !looksLikeText(*bytes)) return {};
     const QString text = decodeText(*bytes).text;
     if (extension.startsWith(u"htm")) return textOfPage(text);
     return extension == u"eml" ? textOfMail(text) : text;

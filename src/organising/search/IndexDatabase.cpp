@@ -52,6 +52,11 @@ bool IndexDatabaseError::isBusy() const
     return code == SQLITE_BUSY || code == SQLITE_LOCKED;
 }
 
+bool IndexDatabaseError::isDamage() const
+{
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
 // -- statements -------------------------------------------------------------------------------------------------------
 
 class IndexDatabase::Statement
@@ -98,7 +103,11 @@ public:
         const auto *data = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
         return {data, sqlite3_column_bytes(m_statement, column)};
     }
-    [[nodiscard]] QString text(int column) const { return QString::fromUtf8(bytes(column)); }
+    [[nodiscard]] QString text(int column) const
+    {
+        const auto *data = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
+        return QString::fromUtf8(data, sqlite3_column_bytes(m_statement, column));
+    }
 
 private:
     sqlite3_stmt *m_statement = nullptr;

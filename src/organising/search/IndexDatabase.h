@@ -24,6 +24,8 @@ struct IndexDatabaseError
     int code;
     /// Another program holds the file, and the same may work later.
     [[nodiscard]] bool isBusy() const;
+    /// The file is no index, or a broken one.
+    [[nodiscard]] bool isDamage() const;
 };
 
 class IndexDatabase

@@ -25,6 +25,9 @@ namespace {
 using Document = IndexDatabase::Document;
 
 constexpr size_t documentsOfLot = 100;
+constexpr size_t bytesOfLot = 8 << 20;
+/// FTS5 takes expressions of limited depth; the terms beyond are tested against the documents.
+constexpr size_t mostTermsOfExpression = 50;
 constexpr qint64 millisecondsOfTransaction = 1000;
 
 std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
@@ -105,7 +108,10 @@ private:
     {
         m_thread.add([this] {
             const size_t end = std::min(m_at + documentsOfLot, m_documents.size());
-            for (; m_at < end; ++m_at) m_entries.push_back(entryOf(m_root, m_documents[m_at]));
+            for (size_t bytes = 0; m_at < end && bytes < bytesOfLot; ++m_at) {
+                m_entries.push_back(entryOf(m_root, m_documents[m_at]));
+                bytes += m_entries.back().tokens.size();
+            }
         });
     }
 
@@ -118,7 +124,7 @@ private:
 
 bool isBelow(const QString &path, const QString &scope)
 {
-    return scope.isEmpty() || (path.startsWith(scope) && path.mid(scope.size()).startsWith(u'/'));
+    return scope.isEmpty() || (path.startsWith(scope) && path.size() > scope.size() && path[scope.size()] == u'/');
 }
 
 std::string quoted(const TokenPhrase &phrase)
@@ -145,7 +151,9 @@ struct Expression
 Expression expressionOf(const SearchQuery &query)
 {
     Expression result;
-    for (const FoldedText &term : query.terms) {
+    result.exact = query.terms.size() <= mostTermsOfExpression;
+    for (size_t i = 0; i < std::min(query.terms.size(), mostTermsOfExpression); ++i) {
+        const FoldedText &term = query.terms[i];
         const TermLookUps title = titleLookUps(term);
         const TermLookUps content = contentLookUps(term);
         const std::string text = query.mode == SearchMode::Title ? allOf(title)
@@ -286,8 +294,8 @@ std::optional<QStringList> SearchIndex::find(const SearchQuery &query, const QSt
         if (!index.isComplete()) return std::nullopt;
         return findIn(index, query, scope, progress);
     } catch (const IndexDatabaseError &error) {
-        if (error.isBusy()) m_database.reset();
-        else throwAway();
+        if (error.isDamage()) throwAway();
+        else m_database.reset();
         return std::nullopt;
     }
 }
@@ -302,13 +310,13 @@ QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, 
         if (isBelow(path, below)) paths.append(path);
     });
     qsizetype done = 0;
-    QStringList hits;
-    for (const QString &path : paths) {
-        if (!expression.exact && !documentMatches(m_root, path, query, index.textOf(path))) continue;
-        hits.append(m_root + path);
-        if (progress && !progress(++done, paths.size())) break;
-    }
-    return hits;
+    const auto fails = [&](const QString &path) {
+        if (progress && !progress(++done, paths.size())) return true;
+        return !documentMatches(m_root, path, query, index.textOf(path));
+    };
+    if (!expression.exact) paths.removeIf(fails);
+    for (QString &path : paths) path.prepend(m_root);
+    return paths;
 }
 
 QStringList searchByWalk(const QString &root, const SearchQuery &query, const QString &scope, const Progress &progress)
