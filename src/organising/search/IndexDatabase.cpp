@@ -171,6 +171,8 @@ IndexDatabase::IndexDatabase(const QString &file)
                 "tokenize='pieces');"
                 // Larger lots of tokens in memory make fewer pieces to merge.
                 "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
+                    // While the index is made nothing is merged bit by bit: it is all merged at the end.
+                    "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
                 "PRAGMA user_version=1; COMMIT");
     } catch (...) {
         m_statements.clear();
@@ -259,7 +261,8 @@ bool IndexDatabase::isComplete()
 void IndexDatabase::setComplete()
 {
     execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
-            "INSERT INTO tokens(tokens) VALUES('optimize'); COMMIT; "
+            "INSERT INTO tokens(tokens) VALUES('optimize'); "
+            "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); COMMIT; "
             "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
