@@ -7,6 +7,7 @@
 #include "foundation/PropertyStore.h"
 #include "library/ItemPath.h"
 
+#include <QHash>
 #include <QVariant>
 
 namespace tomelet {
@@ -16,9 +17,17 @@ QString searchResultsFile()
     return joinPath(rootCacheFolder(), QStringLiteral(".Search/LastSearchresultsItemsPath.txt"));
 }
 
+// Results whose file could not be written, by its path: on a full disk they are shown all the same.
+static QHash<QString, QStringList> &unwritten()
+{
+    static QHash<QString, QStringList> results;
+    return results;
+}
+
 QStringList lastSearchResults()
 {
-    return readStringArray(searchResultsFile());
+    const QString file = searchResultsFile();
+    return unwritten().contains(file) ? unwritten().value(file) : readStringArray(file);
 }
 
 QStringList storeSearchResults(const QStringList &paths)
@@ -27,8 +36,10 @@ QStringList storeSearchResults(const QStringList &paths)
     QStringList shown;
     for (const QString &path : paths)
         if (!tm_pathIsExcludedFromDisplay(tm_normalizedPath(path, root))) shown.append(path);
-    if (makeFolder(parentPath(searchResultsFile())))
-        writeStore(searchResultsFile(), QVariantList(shown.begin(), shown.end()));
+    const QString file = searchResultsFile();
+    unwritten().remove(file);
+    if (!makeFolder(parentPath(file)) || !writeStore(file, QVariantList(shown.begin(), shown.end())))
+        unwritten().insert(file, shown);
     return shown;
 }
 
