@@ -44,6 +44,8 @@ std::span<const Command> commands()
         {"backlinks", "the documents that refer to an item", runBacklinks},
         {"check-links", "finds, repairs or removes backlinks", runCheckLinks},
         {"refresh-links", "reads the backlinks of all documents", runRefreshLinks},
+        {"search", "documents that hold what is searched for", runSearch},
+        {"index", "brings the text index up to date", runIndex},
         {"serve", "serves the notebook over HTTP and WebDAV", runServe},
         {"watch", "follows the notebook and prints each change", runWatch},
         {"op", "calls one operation by its name", runOp},

@@ -140,7 +140,9 @@ void addPart(MailParts &result, const Part &part, int depth)
 {
     if (depth > deepestNesting) return;
     const QString &lower = part.lower;
+    const bool isFile = says(lower, "content-type: message/") || says(lower, "content-type: image/") || isAttachment(lower);
     if (says(lower, "content-type: multipart/")) addPieces(result, part.message, depth);
+    else if (isFile && result.passesOverFiles) return;
     else if (says(lower, "content-type: message/")) addNestedMessage(result, part);
     else if (says(lower, "content-type: image/")) addImage(result, part);
     else if (isAttachment(lower)) addAttachment(result, part);
@@ -161,9 +163,10 @@ MailMessage splitMessage(const QString &text)
     return {header, text.mid(body)};
 }
 
-MailParts partsOfMessage(const MailMessage &message, bool decoded)
+MailParts partsOfMessage(const MailMessage &message, bool decoded, MailFiles files)
 {
     MailParts result;
+    result.passesOverFiles = files == MailFiles::PassOver;
     addPart(result, {message, message.header.toLower(), decoded}, 0);
     return result;
 }

@@ -24,6 +24,7 @@ struct MailParts
     QStringList plain; ///< ignored where there is HTML
     QList<MailFile> images;
     QList<MailFile> attachments; ///< nested messages too
+    bool passesOverFiles = false;
 };
 
 /// Cuts at the first empty line; without one everything is header.
@@ -34,8 +35,9 @@ struct MailMessage
 };
 [[nodiscard]] MailMessage splitMessage(const QString &text);
 
-/// Reads the parts of a message and writes the files among them. With `decoded`, the body's transfer encoding was
-/// undone before.
-[[nodiscard]] MailParts partsOfMessage(const MailMessage &message, bool decoded);
+/// What becomes of the files among the parts, nested messages included.
+enum class MailFiles { Write, PassOver };
+/// Reads the parts of a message. With `decoded`, the body's transfer encoding was undone before.
+[[nodiscard]] MailParts partsOfMessage(const MailMessage &message, bool decoded, MailFiles files = MailFiles::Write);
 
 } // namespace tomelet

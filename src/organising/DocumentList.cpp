@@ -12,9 +12,11 @@
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
+#include "organising/OrphanedProperties.h"
 #include "organising/TaskRows.h"
 #include "organising/TaskStore.h"
 #include "organising/Tasks.h"
+#include "organising/search/SearchResults.h"
 
 #include <QDir>
 #include <QLocale>
@@ -41,7 +43,7 @@ QString settingsPrefix(int smartType)
 // The book whose files the source lists; the inbox is one.
 QString bookOf(const ListSource &source)
 {
-    if (source.smartType == InboxBook) return fullPathOf(settings().string(QStringLiteral("defaultInbox")));
+    if (source.smartType == InboxBook) return inboxFolder();
     return source.smartType == OrdinaryBook ? source.book : QString();
 }
 
@@ -51,6 +53,11 @@ bool rowIsFinished(const QVariantMap &row)
 }
 
 } // namespace
+
+QString inboxFolder()
+{
+    return fullPathOf(settings().string(QStringLiteral("defaultInbox")));
+}
 
 void TMLTDocumentListViewController::setSource(const ListSource &source)
 {
@@ -134,6 +141,7 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         return readPaths(paths); // in the order of use
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
+    case SearchResultsBook: readPaths(lastSearchResults()); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
     }
@@ -153,15 +161,15 @@ void TMLTDocumentListViewController::readBook(const QString &book)
 
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>())) {
         const QString path = joinPath(book, entry.name);
+        removeOrphanedPropertyFile(path);
         if (tm_pathIsExcludedFromDisplay(path) || !passesFilter(entry.name)) continue;
         if (entry.isFolder && !hasPackageExtension(path)) {
             if (showsBooks) booksList.append(itemRow(path, false, {}, bookSources));
-        } else if (const TaskRecord record = records.of(entry.name);
-                   hidesDone && tm_taskIsDoneOrCanceled(textOfTaskState(stateOf(record)))) {
-            ++numberOfHiddenDoneTasks;
-        } else {
-            documentsList.append(itemRow(path, isTasklist, record, documentSources));
+            continue;
         }
+        const TaskRecord record = records.of(entry.name);
+        if (hidesDone && tm_taskIsDoneOrCanceled(textOfTaskState(stateOf(record)))) ++numberOfHiddenDoneTasks;
+        else documentsList.append(itemRow(path, isTasklist, record, documentSources));
     }
     if (!showsBooks || book != tomeletRoot()) return;
     for (int type = DueTasksBook; type <= ConflictsBook; ++type)

@@ -17,6 +17,9 @@ struct ListSource
     QStringList contexts;
 };
 
+/// The book that is the inbox.
+[[nodiscard]] QString inboxFolder();
+
 class TMLTDocumentListViewController
 {
 public:

@@ -245,6 +245,36 @@ class Items(World):
         self.assertEqual(self.plist("/B/n.md.plist")["Tags"], ["_TMFAV"])
 
 
+class Search(World):
+    def test_search_and_index(self):
+        self.write("/B/Pear.md", b"An apple\n")
+        self.write("/Apple.txt", b"A core\n")
+        self.assertEqual(self.json("index"), {"read": 2, "removed": 0, "documents": 2})
+        self.assertEqual(self.run_("index"), "0 of 2 documents read\n")
+        self.assertEqual(self.run_("search", "apple"), "/Apple.txt\n/B/Pear.md\n")
+        self.assertEqual(self.run_("search", "--title", "appl"), "/Apple.txt\n")
+        self.assertEqual(self.run_("search", "--content", '"an app'), "/B/Pear.md\n")
+        self.assertEqual(self.run_("search", "--title", "--content", "--in", "B", "apple"), "/B/Pear.md\n")
+        self.assertEqual([row["title"] for row in self.json("list", "--smart", "search")], ["Pear.md"])
+        self.assertEqual(self.json("search", '""', "“”"), [])
+        self.assertEqual(self.run_("list", "--smart", "search"), "Pear.md\n", "no terms, no search")
+        self.assertEqual(self.run_("search", "nothing like it"), "")
+        self.write("/New.md", b"apples\n")
+        self.assertEqual(self.run_("search", "apples"), "/New.md\n")
+        self.fails("search", "--in", "nowhere", "apple", says="no book")
+        self.misused("search")
+
+    def test_an_index_that_cannot_be_written(self):
+        self.write("/a.md", b"apple\n")
+        with open(self.base + "/XDG_CACHE_HOME", "w", encoding="utf-8"):
+            pass
+        status, out, err = self.call("--root", self.root, "search", "apple")
+        self.assertEqual((status, out), (0, "/a.md\n"))
+        self.assertIn("without the index", err)
+        self.assertEqual(self.json("op", "startSpotlightSearchWithString", "apple"), [self.at("/a.md")])
+        self.fails("index")
+
+
 class Operations(World):
     def test_receivers(self):
         self.write("/B/n.md")

@@ -10,6 +10,7 @@
 #include "library/OutlineController.h"
 #include "library/PathForms.h"
 #include "organising/ReminderDBus.h"
+#include "organising/search/FileIndex.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -83,6 +84,8 @@ int runWatch(const Invocation &call)
     controller.initFileCoordinationAndTaskLists();
     controller.settle();
     const ChangePrinter printer(call.json);
+    FileIndex index;
+    index.present();
     DesktopReminders desktop;
     const ReminderDelivery delivery(desktop);
     const auto opener =

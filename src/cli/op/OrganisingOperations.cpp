@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The operations on what organises the library, one line each.
+#include "cli/Items.h"
 #include "cli/op/Registry.h"
 
+#include "library/Root.h"
 #include "organising/Backlinks.h"
 #include "organising/Contexts.h"
 #include "organising/DocumentList.h"
@@ -9,6 +11,9 @@
 #include "organising/LinkRewriting.h"
 #include "organising/LinkWalks.h"
 #include "organising/LostTarget.h"
+#include "organising/search/Query.h"
+#include "organising/search/SearchIndex.h"
+#include "organising/search/SearchResults.h"
 
 namespace tomelet::cli {
 
@@ -90,10 +95,29 @@ static void addLinks(Registry &add)
              });
 }
 
+// The hits of a search as the field starts it, with its mode and scope out of the settings; they become the results.
+static QStringList searchFor(const QString &text, const QString &book)
+{
+    const SearchQuery query = makeSearchQuery(tm_arrayOfSearchTermsInString(text), searchModeOfSettings());
+    const QString root = tomeletRoot();
+    const QString scope = searchScope(itemPath(book));
+    SearchIndex index(root, searchIndexFile());
+    const auto hits = index.update(root).complete ? index.find(query, scope) : std::nullopt;
+    return storeSearchResults(hits ? *hits : searchByWalk(root, query, scope));
+}
+
+static void addSearch(Registry &add)
+{
+    add.text("tm_arrayOfSearchTermsInString", "text", tm_arrayOfSearchTermsInString);
+    add.text("startSpotlightSearchWithString", "text", [](const QString &text) { return searchFor(text, {}); });
+    add.text("startSpotlightSearchWithString", "text, book", searchFor);
+}
+
 void addOrganisingOperations(Registry &add)
 {
     addContexts(add);
     addLinks(add);
+    addSearch(add);
     add.path("getDocumentsInFolder", "book", [](const QString &book) {
         TMLTDocumentListViewController list;
         list.setSource({book, 0, {}});

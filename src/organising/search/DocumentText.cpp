@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/search/DocumentText.h"
+
+#include "conversion/TextUtilities.h"
+#include "foundation/SafeWriter.h"
+#include "foundation/TextCodec.h"
+#include "import/MailParts.h"
+#include "import/MailText.h"
+#include "library/Extensions.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <poppler-document.h>
+#include <poppler-global.h>
+#include <poppler-page.h>
+
+#include <memory>
+
+namespace tomelet {
+
+namespace {
+
+constexpr qint64 largestText = 32 << 20;
+constexpr qsizetype sniffedBytes = 8192;
+
+// A zero byte is in nearly every file that is no text, and in none that is; a byte-order mark tells of wide text.
+bool looksLikeText(const QByteArray &bytes)
+{
+    if (bytes.startsWith("\xff\xfe") || bytes.startsWith("\xfe\xff")) return true;
+    return !QByteArrayView(bytes).first(std::min(bytes.size(), sniffedBytes)).contains('\0');
+}
+
+QString textOfPage(const QString &html)
+{
+    return html.contains(plainRepresentationMark) ? tm_htmlToPlainText(html) : tm_htmlToPlainQuick(html);
+}
+
+QString textOfMail(QString source)
+{
+    static const QStringList shown{QStringLiteral("from:"), QStringLiteral("to:"), QStringLiteral("cc:"),
+                                   QStringLiteral("date:"), QStringLiteral("subject:")};
+    MailMessage message = splitMessage(source.remove(u'\r'));
+    QStringList texts;
+    for (const QString &line : message.header.split(u'\n'))
+        if (shown.contains(line.left(line.indexOf(u':') + 1).toLower())) texts.append(line);
+    const bool quoted = message.header.toLower().contains(u"content-transfer-encoding: quoted-printable");
+    if (quoted) message.body = stringWithQuotedPrintableString(message.body);
+    const MailParts parts = partsOfMessage(message, quoted, MailFiles::PassOver);
+    for (const QString &html : parts.html) texts.append(tm_htmlToPlainQuick(html));
+    if (parts.html.isEmpty()) texts += parts.plain;
+    return texts.join(u'\n');
+}
+
+QString textOfPdf(const QString &path)
+{
+    poppler::set_debug_error_function([](const std::string &, void *) {}, nullptr);
+    const std::unique_ptr<poppler::document> document(
+        poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
+    if (!document || document->is_locked()) return {};
+    QString text;
+    for (int number = 0; number < document->pages(); ++number) {
+        const std::unique_ptr<poppler::page> page(document->create_page(number));
+        if (!page) continue;
+        const poppler::byte_array utf8 = page->text().to_utf8();
+        text += QString::fromUtf8(utf8.data(), qsizetype(utf8.size())) + u'\n';
+    }
+    return text;
+}
+
+} // namespace
+
+QString documentText(const QString &path)
+{
+    const QString extension = lowerExtension(path);
+    if (extension == u"pdf") return textOfPdf(path);
+    if (hasImageExtension(path) || QFileInfo(path).size() > largestText) return {};
+    const auto bytes = readFile(path);
+    if (!bytes || !looksLikeText(*bytes)) return {};
+    const QString text = decodeText(*bytes).text;
+    if (extension.startsWith(u"htm")) return textOfPage(text);
+    return extension == u"eml" ? textOfMail(text) : text;
+}
+
+} // namespace tomelet

@@ -1,0 +1,276 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/search/IndexDatabase.h"
+
+#include "organising/search/IndexTokens.h"
+
+#include <QFile>
+
+#include <cstring>
+#include <sqlite3.h>
+
+namespace tomelet {
+
+namespace {
+
+constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
+constexpr qint64 wornBeyond = 1000;
+
+void check(int code)
+{
+    if (code != SQLITE_OK && code != SQLITE_ROW && code != SQLITE_DONE) throw IndexDatabaseError{code & 0xff};
+}
+
+// -- tokens: pieces between separators --------------------------------------------------------------------------------
+
+int makeTokenizer(void *, const char **, int, Fts5Tokenizer **tokenizer)
+{
+    static int nothing = 0; // there is no state, but there has to be an address
+    *tokenizer = reinterpret_cast<Fts5Tokenizer *>(&nothing);
+    return SQLITE_OK;
+}
+
+void dropTokenizer(Fts5Tokenizer *) {}
+
+int tokenize(Fts5Tokenizer *, void *context, int purpose, const char *text, int size,
+             int (*token)(void *, int, const char *, int, int, int))
+{
+    for (int from = 0; from < size;) {
+        const void *separator = std::memchr(text + from, tokenSeparator, size_t(size - from));
+        const int end = separator ? int(static_cast<const char *>(separator) - text) : size;
+        const bool shared = text[from] == sharedPlaceToken && purpose == FTS5_TOKENIZE_DOCUMENT;
+        const int code = token(context, shared ? FTS5_TOKEN_COLOCATED : 0, text + from, end - from, from, end);
+        if (code != SQLITE_OK) return code;
+        from = end + 1;
+    }
+    return SQLITE_OK;
+}
+
+} // namespace
+
+bool IndexDatabaseError::isBusy() const
+{
+    return code == SQLITE_BUSY || code == SQLITE_LOCKED;
+}
+
+bool IndexDatabaseError::isDamage() const
+{
+    return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
+}
+
+// -- statements -------------------------------------------------------------------------------------------------------
+
+class IndexDatabase::Statement
+{
+public:
+    Statement(sqlite3 *database, const char *sql)
+    {
+        check(sqlite3_prepare_v3(database, sql, -1, SQLITE_PREPARE_PERSISTENT, &m_statement, nullptr));
+    }
+    ~Statement() { sqlite3_finalize(m_statement); }
+    Statement(const Statement &) = delete;
+    Statement &operator=(const Statement &) = delete;
+
+    void bind(int index, qint64 value) { check(sqlite3_bind_int64(m_statement, index, value)); }
+    void bind(int index, const std::string &text)
+    {
+        check(sqlite3_bind_text(m_statement, index, text.data(), int(text.size()), SQLITE_TRANSIENT));
+    }
+    void bind(int index, const QString &text) { bind(index, text.toStdString()); }
+    void bind(int index, const QByteArray &bytes)
+    {
+        check(sqlite3_bind_blob(m_statement, index, bytes.constData(), int(bytes.size()), SQLITE_TRANSIENT));
+    }
+
+    /// The next row; false behind the last.
+    bool step()
+    {
+        const int code = sqlite3_step(m_statement);
+        if (code == SQLITE_ROW) return true;
+        sqlite3_reset(m_statement);
+        check(code);
+        return false;
+    }
+    void reset() { sqlite3_reset(m_statement); }
+    void run()
+    {
+        while (step()) {
+        }
+    }
+
+    [[nodiscard]] qint64 integer(int column) const { return sqlite3_column_int64(m_statement, column); }
+    [[nodiscard]] QByteArray bytes(int column) const
+    {
+        const auto *data = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
+        return {data, sqlite3_column_bytes(m_statement, column)};
+    }
+    [[nodiscard]] QString text(int column) const
+    {
+        const auto *data = static_cast<const char *>(sqlite3_column_blob(m_statement, column));
+        return QString::fromUtf8(data, sqlite3_column_bytes(m_statement, column));
+    }
+
+private:
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+IndexDatabase::Statement &IndexDatabase::statement(const char *sql)
+{
+    std::shared_ptr<Statement> &found = m_statements[sql];
+    if (!found) found = std::make_shared<Statement>(m_database, sql);
+    found->reset();
+    return *found;
+}
+
+void IndexDatabase::execute(const char *sql)
+{
+    check(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr));
+}
+
+qint64 IndexDatabase::number(const char *sql)
+{
+    Statement &query = statement(sql);
+    const qint64 value = query.step() ? query.integer(0) : 0;
+    query.reset();
+    return value;
+}
+
+// -- file -------------------------------------------------------------------------------------------------------------
+
+// https://sqlite.org/fts5.html#extending_fts5
+void IndexDatabase::registerTokenizer()
+{
+    fts5_api *api = nullptr;
+    sqlite3_stmt *query = nullptr;
+    check(sqlite3_prepare_v2(m_database, "SELECT fts5(?1)", -1, &query, nullptr));
+    sqlite3_bind_pointer(query, 1, static_cast<void *>(&api), "fts5_api_ptr", nullptr);
+    sqlite3_step(query);
+    sqlite3_finalize(query);
+    if (!api) throw IndexDatabaseError{SQLITE_ERROR};
+    fts5_tokenizer functions{makeTokenizer, dropTokenizer, tokenize};
+    check(api->xCreateTokenizer(api, "pieces", nullptr, &functions, nullptr));
+}
+
+IndexDatabase::IndexDatabase(const QString &file)
+{
+    const int code = sqlite3_open_v2(QFile::encodeName(file).constData(), &m_database,
+                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+    try {
+        check(code);
+        sqlite3_busy_timeout(m_database, millisecondsToWaitForOthers);
+        registerTokenizer();
+        // Readers go on while documents are put, and a crash leaves what was committed.
+        execute("PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
+                "PRAGMA cache_size=-65536");
+        if (number("PRAGMA user_version") == 0)
+            execute(
+                "BEGIN IMMEDIATE;"
+                "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
+                " size INTEGER, changed INTEGER, text BLOB);"
+                "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
+                "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, "
+                "tokenize='pieces');"
+                // Larger lots of tokens in memory make fewer pieces to merge.
+                "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
+                    // While the index is made nothing is merged bit by bit: it is all merged at the end.
+                    "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
+                "PRAGMA user_version=1; COMMIT");
+    } catch (...) {
+        m_statements.clear();
+        sqlite3_close_v2(m_database);
+        throw;
+    }
+}
+
+IndexDatabase::~IndexDatabase()
+{
+    m_statements.clear();
+    sqlite3_close_v2(m_database);
+}
+
+void IndexDatabase::begin()
+{
+    execute("BEGIN IMMEDIATE");
+}
+
+void IndexDatabase::commit()
+{
+    execute("COMMIT");
+}
+
+void IndexDatabase::rollback() noexcept
+{
+    sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+// -- documents --------------------------------------------------------------------------------------------------------
+
+QHash<QString, IndexDatabase::Stamp> IndexDatabase::documentsAt(const QString &path)
+{
+    // "0" is the character after "/".
+    Statement &query = statement("SELECT path, size, changed FROM documents "
+                                 "WHERE path = ?1 OR (path > ?1 || '/' AND path < ?1 || '0')");
+    query.bind(1, path);
+    QHash<QString, Stamp> found;
+    while (query.step()) found.insert(query.text(0), {query.integer(1), query.integer(2)});
+    return found;
+}
+
+void IndexDatabase::put(const Entry &entry)
+{
+    Statement &row = statement("INSERT OR REPLACE INTO documents(path, size, changed, text) VALUES(?,?,?,?)");
+    row.bind(1, entry.document.path);
+    row.bind(2, entry.document.stamp.size);
+    row.bind(3, entry.document.stamp.changed);
+    row.bind(4, entry.text);
+    row.run();
+    Statement &tokens = statement("INSERT INTO tokens(rowid, token) VALUES(?,?)");
+    tokens.bind(1, sqlite3_last_insert_rowid(m_database));
+    tokens.bind(2, entry.tokens);
+    tokens.run();
+}
+
+void IndexDatabase::remove(const QString &path)
+{
+    Statement &row = statement("DELETE FROM documents WHERE path = ?");
+    row.bind(1, path);
+    row.run();
+}
+
+void IndexDatabase::find(const std::string &expression, const std::function<void(const QString &)> &visit)
+{
+    Statement &query =
+        statement("SELECT path FROM tokens JOIN documents ON documents.id = tokens.rowid WHERE tokens MATCH ?");
+    query.bind(1, expression);
+    while (query.step()) visit(query.text(0));
+}
+
+QByteArray IndexDatabase::textOf(const QString &path)
+{
+    Statement &query = statement("SELECT text FROM documents WHERE path = ?");
+    query.bind(1, path);
+    const QByteArray text = query.step() ? query.bytes(0) : QByteArray();
+    query.reset();
+    return text;
+}
+
+bool IndexDatabase::isComplete()
+{
+    return number("SELECT count(*) FROM state WHERE complete") > 0;
+}
+
+void IndexDatabase::setComplete()
+{
+    execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
+            "INSERT INTO tokens(tokens) VALUES('optimize'); "
+            "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); COMMIT; "
+            "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
+}
+
+bool IndexDatabase::isWorn()
+{
+    const qint64 used = number("SELECT count(*) FROM documents");
+    const qint64 given = number("SELECT seq FROM sqlite_sequence WHERE name = 'documents'");
+    return given - used > std::max(used, wornBeyond);
+}
+
+} // namespace tomelet

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The index's file: an SQLite database with the documents and, in an FTS5 table without content, their tokens.
+//
+// FTS5 cannot take a document out of such a table without its tokens, so a document that changes gets another number
+// and the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace tomelet {
+
+/// What SQLite answered in place of doing its work; a result code.
+struct IndexDatabaseError
+{
+    int code;
+    /// Another program holds the file, and the same may work later.
+    [[nodiscard]] bool isBusy() const;
+    /// The file is no index, or a broken one.
+    [[nodiscard]] bool isDamage() const;
+};
+
+class IndexDatabase
+{
+public:
+    /// Size in bytes and time of the last change in nanoseconds.
+    struct Stamp
+    {
+        qint64 size = 0;
+        qint64 changed = 0;
+        bool operator==(const Stamp &) const = default;
+    };
+    struct Document
+    {
+        QString path; ///< normalised
+        Stamp stamp;
+    };
+    /// A document with its tokens and, where getting at its text takes long, that text.
+    struct Entry
+    {
+        Document document;
+        std::string tokens;
+        QByteArray text;
+    };
+
+    /// Opens the file or makes it. All members throw IndexDatabaseError.
+    explicit IndexDatabase(const QString &file);
+    ~IndexDatabase();
+    IndexDatabase(const IndexDatabase &) = delete;
+    IndexDatabase &operator=(const IndexDatabase &) = delete;
+
+    void begin();
+    void commit();
+    /// Undoes what was not committed; never throws.
+    void rollback() noexcept;
+
+    /// The documents at a path and below it; "" for all.
+    [[nodiscard]] QHash<QString, Stamp> documentsAt(const QString &path);
+    void put(const Entry &entry);
+    void remove(const QString &path);
+
+    /// Visits the paths that an FTS5 expression over tokens finds.
+    void find(const std::string &expression, const std::function<void(const QString &path)> &visit);
+    /// The text that was put with the document; "" for none.
+    [[nodiscard]] QByteArray textOf(const QString &path);
+
+    /// Whether all documents have been put once.
+    [[nodiscard]] bool isComplete();
+    /// Says so, and makes the file small.
+    void setComplete();
+    /// More numbers are out of use than in use.
+    [[nodiscard]] bool isWorn();
+
+private:
+    class Statement;
+    void execute(const char *sql);
+    void registerTokenizer();
+    Statement &statement(const char *sql);
+    qint64 number(const char *sql);
+
+    sqlite3 *m_database = nullptr;
+    QHash<const char *, std::shared_ptr<Statement>> m_statements;
+};
+
+} // namespace tomelet

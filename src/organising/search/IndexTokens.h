@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tokens under which the index knows a document, and the phrases of tokens by which a term is looked up.
+//
+// A document's tokens are pieces of its folded text behind a letter for their kind. In the order of the text:
+//   w  a word (32 bytes at most; in dense writing two characters from where each word begins)
+//   x  at the place of the word: the word with the one, two and three signs in front of it
+//   g  what stands between two words (8 bytes at most), unless that is one blank
+// and, behind the text, each once:
+//   s  a sign or a blank, and two signs side by side
+//   t  the name from each of its characters on (24 bytes at most)
+// So nearly every term is found by one phrase of tokens, the last of them as a beginning, without a look at the texts.
+#pragma once
+
+#include "organising/search/FoldedText.h"
+
+#include <string>
+#include <vector>
+
+namespace tomelet {
+
+/// Stands behind each token; never part of a folded text.
+inline constexpr char tokenSeparator = '\x1f';
+/// The token belongs to the place of the one before it.
+inline constexpr char sharedPlaceToken = 'x';
+
+/// All tokens of a document. `name` is folded.
+[[nodiscard]] std::string tokensOfDocument(const FoldedText &text, const std::string &name);
+
+/// Tokens one behind the other, each with its separator.
+struct TokenPhrase
+{
+    std::string tokens;
+    bool prefix = false; ///< the last token may go on
+};
+
+/// The phrases that all have to be found for a term to be found.
+struct TermLookUps
+{
+    std::vector<TokenPhrase> phrases; ///< never empty
+    bool exact = true;                ///< false: what they find has to be tested against the document
+};
+[[nodiscard]] TermLookUps contentLookUps(const FoldedText &term);
+[[nodiscard]] TermLookUps titleLookUps(const FoldedText &term);
+
+} // namespace tomelet

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/search/Query.h"
+
+#include "foundation/Log.h"
+#include "foundation/Platform.h"
+
+#include <algorithm>
+
+namespace tomelet {
+
+static QStringList splitAtBlanks(const QString &text)
+{
+    return text.simplified().split(u' ', Qt::SkipEmptyParts);
+}
+
+QStringList tm_arrayOfSearchTermsInString(const QString &text)
+{
+    QString plain = text;
+    for (QChar &unit : plain)
+        if (QStringView(u"„“”«»").contains(unit)) unit = u'"';
+    QStringList terms;
+    bool quoted = false;
+    for (const QString &piece : plain.split(u'"')) {
+        terms += quoted ? QStringList{piece} : splitAtBlanks(piece);
+        quoted = !quoted;
+    }
+    terms.removeAll(QString());
+    logLine(QStringLiteral("search components in string: %1").arg(terms.join(QStringLiteral(", "))));
+    return terms;
+}
+
+SearchMode searchModeOfSettings()
+{
+    if (settings().boolean(QStringLiteral("searchTitle"))) return SearchMode::Title;
+    return settings().boolean(QStringLiteral("searchContent")) ? SearchMode::Content : SearchMode::TitleAndContent;
+}
+
+SearchQuery makeSearchQuery(const QStringList &terms, SearchMode mode)
+{
+    SearchQuery query{{}, mode};
+    for (const QString &term : terms)
+        if (FoldedText folded = foldedForSearch(term); !folded.text.empty()) query.terms.push_back(std::move(folded));
+    return query;
+}
+
+bool matchesQuery(const SearchQuery &query, const std::string &name, const std::function<const FoldedText &()> &content)
+{
+    const auto isFound = [&](const FoldedText &term) {
+        if (query.mode != SearchMode::Content && name.find(term.text) != std::string::npos) return true;
+        return query.mode != SearchMode::Title && beginsWordIn(content(), term.text);
+    };
+    return !query.terms.empty() && std::ranges::all_of(query.terms, isFound);
+}
+
+} // namespace tomelet
