@@ -7,17 +7,19 @@
 #include "editor/EditorCommands.h"
 #include "editor/TMLTDocumentViewController.h"
 
-#include <QWebEngineView>
 #include <QWidget>
 
+class QImage;
 class QLabel;
 class QStackedWidget;
 
 namespace tomelet::desktop {
 
 class DocumentHeader;
+class FormattingBar;
 class ItemActions;
 class TMLTTextView;
+class TMLTWebView;
 
 class DocumentPane final : public QWidget, private DocumentView
 {
@@ -31,7 +33,7 @@ public:
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     void showDocument(const QString &path, const QString &anchor = {});
     [[nodiscard]] const QString &path() const { return m_controller.path(); }
-    [[nodiscard]] QWebEngineView *view() { return m_view; }
+    [[nodiscard]] TMLTWebView *view() { return m_view; }
     [[nodiscard]] TMLTTextView *textView() { return m_text; }
     [[nodiscard]] DocumentHeader *header() { return m_header; }
     [[nodiscard]] TMLTDocumentViewController &controller() { return m_controller; }
@@ -40,7 +42,7 @@ public:
 
     /// Between text and page, at the same paragraph.
     void toggleView();
-    /// A command on the text, where a text is on display.
+    /// A command on the text, or its like on a page that is being edited.
     void applyToText(EditorCommand command, const EditorArguments &arguments = {});
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
@@ -60,6 +62,16 @@ private:
     void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url);
     void unlock();
+    void connectEditor();
+    /// Tells the controller the last input before the page goes.
+    void settlePage();
+    void beginEditingPage(bool onLink);
+    void runCommand(const QString &command, const QString &argument = {});
+    void toggleContentsTable();
+    void insertFiles(const QStringList &files);
+    void insertImage(const QImage &image);
+    [[nodiscard]] QString bookOfDocument() const;
+    [[nodiscard]] bool showsContentsTable() const;
 
     // What the controller asks of its view.
     void showNothing() override;
@@ -73,15 +85,15 @@ private:
     void select(Range selection) override;
     [[nodiscard]] bool isBlankUpToCaretLine() const override;
     void restylePlainText() override;
-    // Pages are for reading: they give nothing back, and the controller saves none that was not typed in.
-    [[nodiscard]] QString innerHTML() const override { return {}; }
-    [[nodiscard]] QString innerText() const override { return {}; }
-    [[nodiscard]] QString outerHTML() const override { return {}; }
+    [[nodiscard]] QString innerHTML() const override;
+    [[nodiscard]] QString innerText() const override;
+    /// The page as it was loaded, with the body that it has now: nothing that showing it added goes into the file.
+    [[nodiscard]] QString outerHTML() const override;
     [[nodiscard]] QString mainFrameURL() const override;
     [[nodiscard]] bool canGoBack() const override { return false; }
     void updateHTML() override;
-    void hideFormattingBar() override {}
-    [[nodiscard]] QString caretParagraph() const override { return m_paragraphOnTop; }
+    void hideFormattingBar() override;
+    [[nodiscard]] QString caretParagraph() const override;
     void scrollToText(const QString &text) override;
     [[nodiscard]] qlonglong readingOffset() const override;
     void restoreOffset(qlonglong offset) override;
@@ -99,9 +111,12 @@ private:
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
     QStackedWidget *m_stack;
-    QWebEngineView *m_view;
+    TMLTWebView *m_view;
+    FormattingBar *m_bar;
     TMLTTextView *m_text;
     QString m_base; ///< of the page on display
+    QString m_source; ///< the page as it was loaded
+    bool m_isSettling = false;
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;
