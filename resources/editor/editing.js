@@ -8,6 +8,7 @@ window.tm = (() => {
   const maximumHistory = 64 * 1024 * 1024; // characters in all steps together
   const typingPause = 1000; // milliseconds; a longer one begins another step
   const boxes = 'li.tm_checkbox, li.tm_checkbox_done';
+  const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
   let dirty = false;
   let contents = false;
   const observer = new MutationObserver(() => { dirty = true; });
@@ -52,6 +53,7 @@ window.tm = (() => {
     dirty = false;
     markBoxes();
     dropSpelledOutStyles();
+    liftBlocks();
     if (contents) writeContents();
     observer.takeRecords();
     const now = body.innerHTML;
@@ -78,17 +80,36 @@ window.tm = (() => {
   }
   let changed = false;
 
+  function keepingSelection(action) {
+    const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
+    action();
+    if (anchorNode?.isConnected && focusNode?.isConnected)
+      selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
+  }
   // The engine spells out the style sheet's looks where it joins or moves paragraphs; they are nobody's formatting.
   function dropSpelledOutStyles() {
     const spelled = [...body.querySelectorAll('[style*="var(--"]')];
-    if (!spelled.length) return;
-    const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
-    for (const each of spelled) {
-      each.removeAttribute('style');
-      if (each.tagName === 'SPAN' && !each.attributes.length) each.replaceWith(...each.childNodes);
-    }
-    if (anchorNode?.isConnected && focusNode?.isConnected)
-      selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
+    if (spelled.length) keepingSelection(() => {
+      for (const each of spelled) {
+        each.removeAttribute('style');
+        if (each.tagName === 'SPAN' && !each.attributes.length) each.replaceWith(...each.childNodes);
+      }
+    });
+  }
+  // It also puts lists and tables into paragraphs, where markup has no place for them.
+  function liftBlocks() {
+    const wrong = [...body.querySelectorAll('p')].filter(p => [...p.children].some(e => e.matches(blocks)));
+    if (wrong.length) keepingSelection(() => wrong.forEach(paragraph => {
+      const parts = [];
+      for (const node of [...paragraph.childNodes]) {
+        if (node.nodeType === Node.ELEMENT_NODE && node.matches(blocks)) parts.push(node);
+        else {
+          if (parts[parts.length - 1]?.tagName !== 'P') parts.push(paragraph.cloneNode(false));
+          parts[parts.length - 1].append(node);
+        }
+      }
+      paragraph.replaceWith(...parts);
+    }));
   }
 
   // A box that was clicked says so in its markup, which alone is kept.
@@ -144,11 +165,6 @@ window.tm = (() => {
       touched('li').forEach(plainItem);
       document.execCommand('insertUnorderedList');
     }
-  }
-  function keepingSelection(action) {
-    const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
-    action();
-    selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
   }
   function renameList(tag) {
     keepingSelection(() => {

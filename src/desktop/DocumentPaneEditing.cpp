@@ -40,9 +40,10 @@ void DocumentPane::connectEditor()
     connect(m_bar, &FormattingBar::contentsWanted, this, &DocumentPane::toggleContentsTable);
 }
 
-QString DocumentPane::innerHTML() const { return m_view->innerHTML(); }
+// The white space around a body is its file's; the engine adds what stands behind the body to it.
+QString DocumentPane::innerHTML() const { return m_view->innerHTML().trimmed(); }
 QString DocumentPane::innerText() const { return m_view->innerText(); }
-QString DocumentPane::outerHTML() const { return pageWithBody(m_source, m_view->innerHTML()); }
+QString DocumentPane::outerHTML() const { return pageWithBody(m_source, innerHTML()); }
 
 QString DocumentPane::caretParagraph() const
 {
