@@ -424,6 +424,9 @@ window.tm = (() => {
     document.designMode = 'on';
     document.execCommand('defaultParagraphSeparator', false, 'p');
     observer.observe(body, watched);
+    // A place that was there before is none to type at until it is set again.
+    selection.removeAllRanges();
+    window.focus();
     if (saved) goTo(saved);
     else caretIn(body.firstElementChild || body);
     return report();
