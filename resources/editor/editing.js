@@ -370,16 +370,38 @@ window.tm = (() => {
     else writeContents();
   }
 
-  // -- finding
-  function replaceAll(from, to) {
-    let count = 0;
+  // -- replacing; words without capitals are meant in either case
+  const finding = from => new RegExp(from.replace(/[.*+?^${}()|[\]\\\/]/g, '\\$&'),
+                                     from === from.toLowerCase() ? 'gui' : 'gu');
+  function textNodes() {
     const walker = document.createTreeWalker(body, NodeFilter.SHOW_TEXT);
-    const wanted = new RegExp(from, 'gu' + (from === from.toLowerCase() ? 'i' : ''));
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) {
-      const text = node.data.replace(wanted, () => { ++count; return to; });
+    const nodes = [];
+    for (let node = walker.nextNode(); node; node = walker.nextNode()) nodes.push(node);
+    return nodes;
+  }
+  function replaceAll(from, to) {
+    if (from) for (const node of textNodes()) {
+      const text = node.data.replace(finding(from), () => to);
       if (text !== node.data) node.data = text;
     }
-    return count;
+  }
+  // The first place from the caret on, or from the start of the page.
+  function replaceNext(from, to) {
+    if (!from) return;
+    const nodes = textNodes();
+    const here = nodes.findIndex(node => node === selection.anchorNode ||
+      (selection.anchorNode?.compareDocumentPosition(node) & Node.DOCUMENT_POSITION_FOLLOWING));
+    const start = Math.max(here, 0);
+    for (const node of [...nodes.slice(start), ...nodes.slice(0, start + 1)]) {
+      const wanted = finding(from);
+      const begun = node === selection.anchorNode && node === nodes[start];
+      wanted.lastIndex = begun ? Math.min(selection.anchorOffset, selection.focusOffset) : 0;
+      const found = wanted.exec(node.data);
+      if (!found) continue;
+      node.replaceData(found.index, found[0].length, to);
+      selection.collapse(node, found.index + to.length);
+      return;
+    }
   }
 
   // -- talking
@@ -437,6 +459,6 @@ window.tm = (() => {
   }
   const start = () => ({html, text: body.innerText});
   return {begin, start, report, run, undo, redo, click, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
-          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, replaceAll, restyle,
+          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, replaceAll, replaceNext, restyle,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};
 })();

@@ -5,6 +5,7 @@
 #include "conversion/Page.h"
 #include "conversion/Patterns.h"
 #include "desktop/DocumentHeader.h"
+#include "desktop/FindBar.h"
 #include "desktop/FormattingBar.h"
 #include "desktop/PageProfile.h"
 #include "desktop/TMLTTextView.h"
@@ -123,6 +124,8 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     , m_header(new DocumentHeader(actions))
     , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
+    , m_find(new FindBar)
+    , m_counts(new QLabel)
     , m_stack(new QStackedWidget)
     , m_view(new TMLTWebView)
     , m_bar(new FormattingBar)
@@ -137,6 +140,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     makeLayout();
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
     connectEditor();
+    connectFinding();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
 }
@@ -171,6 +175,12 @@ void DocumentPane::makeLayout()
     layout->addWidget(m_notice);
     m_bar->hide();
     layout->addWidget(m_stack, 1);
+    layout->addWidget(m_find);
+    layout->addWidget(m_counts);
+    m_counts->setAlignment(Qt::AlignRight);
+    m_counts->setMargin(4);
+    m_counts->setForegroundRole(QPalette::PlaceholderText);
+    m_counts->hide();
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
     setFocusProxy(m_view);
@@ -185,6 +195,21 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
     const bool opened = m_controller.openDocument(path);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
+}
+
+void DocumentPane::createDocument(const QString &extension, const QString &book)
+{
+    if (m_isSettling) return;
+    settlePage();
+    m_controller.createNewDocument(extension, book);
+    updateTitle();
+}
+
+void DocumentPane::setFullScreen(bool full)
+{
+    static constexpr int charactersInLine = 75;
+    m_header->setVisible(!full);
+    m_text->setColumnWidth(full ? charactersInLine * m_text->fontMetrics().averageCharWidth() : 0);
 }
 
 void DocumentPane::scrollToAnchor(const QString &anchor)
@@ -206,6 +231,7 @@ void DocumentPane::bring(QWidget *shown)
 {
     m_notice->hide();
     m_bar->hide();
+    m_counts->hide();
     m_view->expectPage(false);
     m_stack->setCurrentWidget(shown);
     setFocusProxy(shown == m_empty ? m_view : shown);

@@ -7,6 +7,7 @@
 #include "editor/EditorCommands.h"
 #include "editor/TMLTDocumentViewController.h"
 
+#include <QTimer>
 #include <QWidget>
 
 class QImage;
@@ -16,6 +17,7 @@ class QStackedWidget;
 namespace tomelet::desktop {
 
 class DocumentHeader;
+class FindBar;
 class FormattingBar;
 class ItemActions;
 class TMLTTextView;
@@ -44,6 +46,16 @@ public:
     void toggleView();
     /// A command on the text, or its like on a page that is being edited.
     void applyToText(EditorCommand command, const EditorArguments &arguments = {});
+    /// A document without a file yet; an empty extension is the preferred one's, an empty book the inbox.
+    void createDocument(const QString &extension, const QString &book);
+    /// The bar for finding, and for replacing where the document can be changed.
+    void openFind(bool replaces);
+    /// The next place of what the bar has; `stays` begins at the selection itself.
+    void find(bool backward, bool stays);
+    /// Asks for a printer, or for a file.
+    void print();
+    void printToPdf();
+    void setFullScreen(bool full);
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 
@@ -63,6 +75,12 @@ private:
     void followLink(const QUrl &url);
     void unlock();
     void connectEditor();
+    void connectFinding();
+    [[nodiscard]] bool showsText() const;
+    void replaceFound();
+    void replaceAllFound();
+    void count();
+    void showCounts(qlonglong words, qlonglong characters);
     /// Tells the controller the last input before the page goes.
     void settlePage();
     void beginEditingPage(bool onLink);
@@ -110,6 +128,10 @@ private:
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
+    FindBar *m_find;
+    QLabel *m_counts; ///< words and characters
+    QTimer m_countTimer;
+    int m_countNumber = 0; // of the latest count; older ones come too late
     QStackedWidget *m_stack;
     TMLTWebView *m_view;
     FormattingBar *m_bar;
