@@ -24,7 +24,8 @@ void MainWindow::makeDocumentMenu()
     add(menu, TOMELET_TEXT("&Find..."), QKeySequence::Find, [this] { m_document->openFind(false); });
     add(menu, TOMELET_TEXT("Find and &Replace..."), QKeySequence(QStringLiteral("Ctrl+H")),
         [this] { m_document->openFind(true); });
-    add(menu, TOMELET_TEXT("Find &Next"), QKeySequence(Qt::Key_F3), [this] { m_document->find(false, false); });
+    add(menu, TOMELET_TEXT("Find &Next"), QKeySequence(Qt::Key_F3),
+        [this] { m_document->find(false, false); });
     add(menu, TOMELET_TEXT("Find Pre&vious"), QKeySequence(QStringLiteral("Shift+F3")),
         [this] { m_document->find(true, false); });
     menu->addSeparator();
@@ -46,8 +47,10 @@ void MainWindow::addLook(QMenu *menu, const char *text, const QString &key, qlon
     action->setCheckable(true);
     action->setChecked(settings().integer(key) == whenOn);
     connect(action, &QAction::toggled, this, [this, key, whenOn](bool on) {
-        if (on) settings().setObject(key, whenOn);
-        else settings().remove(key);
+        if (on)
+            settings().setObject(key, whenOn);
+        else
+            settings().remove(key);
         m_document->textView()->applyViewSettings();
     });
 }
@@ -61,8 +64,10 @@ void MainWindow::createDocument(const QString &extension)
 void MainWindow::toggleFullScreen()
 {
     const bool full = !isFullScreen();
-    if (full) showFullScreen();
-    else showNormal();
+    if (full)
+        showFullScreen();
+    else
+        showNormal();
     m_outline->setVisible(!full);
     m_listSide->setVisible(!full);
     m_document->setFullScreen(full);

@@ -27,7 +27,8 @@ void DocumentPane::connectEditor()
         if (isReadOnlyDocument(path())) tm_showUnlockAlert();
     });
     connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
-    connect(m_view, &TMLTWebView::stateChanged, m_bar, qOverload<const FormattingState &>(&FormattingBar::show));
+    connect(m_view, &TMLTWebView::stateChanged, m_bar,
+            qOverload<const FormattingState &>(&FormattingBar::show));
     connect(m_view, &TMLTWebView::linkWanted, this, &DocumentPane::followLink);
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
@@ -41,9 +42,18 @@ void DocumentPane::connectEditor()
 }
 
 // The white space around a body is its file's; the engine adds what stands behind the body to it.
-QString DocumentPane::innerHTML() const { return m_view->innerHTML().trimmed(); }
-QString DocumentPane::innerText() const { return m_view->innerText(); }
-QString DocumentPane::outerHTML() const { return pageWithBody(m_source, innerHTML()); }
+QString DocumentPane::innerHTML() const
+{
+    return m_view->innerHTML().trimmed();
+}
+QString DocumentPane::innerText() const
+{
+    return m_view->innerText();
+}
+QString DocumentPane::outerHTML() const
+{
+    return pageWithBody(m_source, innerHTML());
+}
 
 QString DocumentPane::caretParagraph() const
 {
@@ -56,7 +66,8 @@ void DocumentPane::hideFormattingBar()
     m_view->endEditing();
 }
 
-// -- beginning and ending ---------------------------------------------------------------------------------------------
+// -- beginning and ending
+// ---------------------------------------------------------------------------------------------
 
 void DocumentPane::beginEditing()
 {
@@ -80,7 +91,8 @@ void DocumentPane::settlePage()
     m_isSettling = false;
 }
 
-// -- commands ---------------------------------------------------------------------------------------------------------
+// -- commands
+// ---------------------------------------------------------------------------------------------------------
 
 // What the commands of the text are on a page; "" where a page has none.
 static QString scriptOfTextCommand(EditorCommand command, const EditorArguments &arguments)
@@ -91,21 +103,26 @@ static QString scriptOfTextCommand(EditorCommand command, const EditorArguments 
                                                {QStringLiteral("`"), QStringLiteral("code")}};
     switch (command) {
     case EditorCommand::Markdown:
-        if (const auto mark = marks.constFind(arguments.first); mark != marks.cend()) return scriptOfCommand(*mark);
+        if (const auto mark = marks.constFind(arguments.first); mark != marks.cend())
+            return scriptOfCommand(*mark);
         return scriptForMarks(arguments.first, arguments.second);
     case EditorCommand::Heading:
         return scriptOfCommand(QStringLiteral("paragraph"), arguments.level == 0
                                                                 ? QStringLiteral("p")
                                                                 : QStringLiteral("h%1").arg(arguments.level));
-    case EditorCommand::ToggleList: return scriptOfCommand(QStringLiteral("list"));
-    default: return {};
+    case EditorCommand::ToggleList:
+        return scriptOfCommand(QStringLiteral("list"));
+    default:
+        return {};
     }
 }
 
 void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
 {
-    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
-    else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty()) m_view->run(script);
+    if (m_stack->currentWidget() == m_text)
+        m_text->apply(command, arguments);
+    else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty())
+        m_view->run(script);
 }
 
 void DocumentPane::runCommand(const QString &command, const QString &argument)
@@ -124,12 +141,15 @@ bool DocumentPane::showsContentsTable() const
 void DocumentPane::toggleContentsTable()
 {
     const bool on = !showsContentsTable();
-    if (!path().isEmpty() && on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
-    else if (!path().isEmpty()) tm_removePropertyForKey(path(), QStringLiteral("TOC"));
+    if (!path().isEmpty() && on)
+        tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
+    else if (!path().isEmpty())
+        tm_removePropertyForKey(path(), QStringLiteral("TOC"));
     m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
 }
 
-// -- pictures and files -----------------------------------------------------------------------------------------------
+// -- pictures and files
+// -----------------------------------------------------------------------------------------------
 
 QString DocumentPane::bookOfDocument() const
 {
@@ -139,7 +159,8 @@ QString DocumentPane::bookOfDocument() const
 void DocumentPane::insertFiles(const QStringList &files)
 {
     QString html;
-    for (const QString &file : files) html += htmlForDroppedFile(bookOfDocument(), file);
+    for (const QString &file : files)
+        html += htmlForDroppedFile(bookOfDocument(), file);
     if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
 }
 

@@ -7,8 +7,8 @@
 #include "desktop/FormattingCommands.h"
 #include "desktop/TMLTTextView.h"
 #include "desktop/TMLTWebView.h"
-#include "foundation/Localization.h"
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/SerialQueue.h"
 
 #include <QFileDialog>
@@ -46,7 +46,8 @@ bool DocumentPane::showsText() const
     return m_stack->currentWidget() == m_text;
 }
 
-// -- finding ----------------------------------------------------------------------------------------------------------
+// -- finding
+// ----------------------------------------------------------------------------------------------------------
 
 void DocumentPane::openFind(bool replaces)
 {
@@ -84,14 +85,16 @@ void DocumentPane::replaceFound()
 
 void DocumentPane::replaceAllFound()
 {
-    if (showsText()) m_text->replaceAll(m_find->wanted(), m_find->replacement());
+    if (showsText())
+        m_text->replaceAll(m_find->wanted(), m_find->replacement());
     else
         m_view->run(QStringLiteral("tm.replaceAll('%1', '%2')")
                         .arg(escapedForScript(m_find->wanted()), escapedForScript(m_find->replacement())));
     m_find->showCount(showsText() ? m_text->countOf(m_find->wanted()) : -1);
 }
 
-// -- counts -----------------------------------------------------------------------------------------------------------
+// -- counts
+// -----------------------------------------------------------------------------------------------------------
 
 // Off the main thread: words take a while in a long text.
 void DocumentPane::count()
@@ -100,7 +103,9 @@ void DocumentPane::count()
     const bool isPage = m_stack->currentWidget() == m_view && m_view->isReady();
     if (!showsText() && !isPage) return m_counts->hide();
     const QString selected = showsText() ? m_text->textCursor().selectedText() : QString();
-    const QString text = !selected.isEmpty() ? selected : showsText() ? m_text->documentText() : m_view->innerText();
+    const QString text = !selected.isEmpty() ? selected
+                         : showsText()       ? m_text->documentText()
+                                             : m_view->innerText();
     queue.add([text, self = QPointer(this), number = ++m_countNumber] {
         const qlonglong words = tm_wordCount(text);
         QMetaObject::invokeMethod(
@@ -120,7 +125,8 @@ void DocumentPane::showCounts(qlonglong words, qlonglong characters)
     m_counts->show();
 }
 
-// -- printing ---------------------------------------------------------------------------------------------------------
+// -- printing
+// ---------------------------------------------------------------------------------------------------------
 
 void DocumentPane::print()
 {
@@ -136,15 +142,18 @@ void DocumentPane::print()
         delete printer;
         return;
     }
-    connect(m_view, &QWebEngineView::printFinished, this, [printer] { delete printer; }, Qt::SingleShotConnection);
+    connect(
+        m_view, &QWebEngineView::printFinished, this, [printer] { delete printer; },
+        Qt::SingleShotConnection);
     m_view->print(printer);
 }
 
 void DocumentPane::printToPdf()
 {
     const QString name = pathWithoutExtension(lastPathComponent(path())) + QStringLiteral(".pdf");
-    const QString file = QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
-                                                      localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
+    const QString file =
+        QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
+                                     localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
     if (file.isEmpty()) return;
     if (!showsText()) return m_view->page()->printToPdf(file);
     QPrinter printer(QPrinter::HighResolution);

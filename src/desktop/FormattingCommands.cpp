@@ -14,13 +14,16 @@ constexpr FormattingCommand commands[] = {
     {"bold", TOMELET_TEXT("Bold"), "B", "Ctrl+B", "document.execCommand('bold')"},
     {"italic", TOMELET_TEXT("Italic"), "I", "Ctrl+I", "document.execCommand('italic')"},
     {"underline", TOMELET_TEXT("Underline"), "U", "Ctrl+U", "document.execCommand('Underline')"},
-    {"strikeThrough", TOMELET_TEXT("Struck Out"), "S", "Ctrl+Shift+X", "document.execCommand('strikeThrough')"},
+    {"strikeThrough", TOMELET_TEXT("Struck Out"), "S", "Ctrl+Shift+X",
+     "document.execCommand('strikeThrough')"},
     {"code", TOMELET_TEXT("Code"), "", "Ctrl+Shift+C", "tm.code()"},
     {"mark", TOMELET_TEXT("Highlight"), "", "",
      "document.execCommand('backColor', false, '%1'); document.execCommand('foreColor', false, '#000')"},
     {"unmark", TOMELET_TEXT("Remove Highlight"), "", "",
-     "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, 'inherit');"},
-    {"paragraph", TOMELET_TEXT("Paragraph Style"), "", "", "document.execCommand('formatblock', false, '%1')"},
+     "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, "
+     "'inherit');"},
+    {"paragraph", TOMELET_TEXT("Paragraph Style"), "", "",
+     "document.execCommand('formatblock', false, '%1')"},
     {"list", TOMELET_TEXT("List"), "", "Ctrl+L", "tm.toggleList()"},
     {"bullets", TOMELET_TEXT("Bullets"), "\u2022", "", "tm.setList(false)"},
     {"numbers", TOMELET_TEXT("Numbers"), "1.", "", "tm.setList(true)"},
@@ -59,15 +62,20 @@ std::span<const FormattingCommand> formattingCommands()
 QString escapedForScript(const QString &text)
 {
     QString escaped = text;
-    for (const auto &[from, to] : {std::pair{u"\\", u"\\\\"}, {u"'", u"\\'"}, {u"\n", u"\\n"}, {u"\r", u"\\r"},
-                                   {u"\u2028", u"\\u2028"}, {u"\u2029", u"\\u2029"}})
+    for (const auto &[from, to] : {std::pair{u"\\", u"\\\\"},
+                                   {u"'", u"\\'"},
+                                   {u"\n", u"\\n"},
+                                   {u"\r", u"\\r"},
+                                   {u"\u2028", u"\\u2028"},
+                                   {u"\u2029", u"\\u2029"}})
         escaped.replace(QString::fromUtf16(from), QString::fromUtf16(to));
     return escaped;
 }
 
 QString scriptOfCommand(const QString &name, const QString &argument)
 {
-    const auto found = std::ranges::find_if(commands, [&](const FormattingCommand &c) { return name == QLatin1String(c.name); });
+    const auto found = std::ranges::find_if(
+        commands, [&](const FormattingCommand &c) { return name == QLatin1String(c.name); });
     if (found == std::end(commands)) return {};
     return QString::fromUtf8(found->script).replace(QStringLiteral("%1"), escapedForScript(argument));
 }

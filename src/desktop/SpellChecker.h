@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Spelling in the person's language, with whatever dictionaries the machine has (through Enchant). Words that were
-// looked at once are remembered, as a text on the screen is drawn over and over.
+// Spelling in the person's language, with whatever dictionaries the machine has (through Enchant). Words that
+// were looked at once are remembered, as a text on the screen is drawn over and over.
 #pragma once
 
 #include <QHash>

@@ -51,7 +51,8 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     connect(this, &QWebEngineView::loadFinished, this, &TMLTWebView::loaded);
 }
 
-// -- the page ---------------------------------------------------------------------------------------------------------
+// -- the page
+// ---------------------------------------------------------------------------------------------------------
 
 void TMLTWebView::expectPage(bool mayBeEdited)
 {
@@ -100,11 +101,12 @@ void TMLTWebView::endEditing()
 void TMLTWebView::ask(const QString &script, std::function<void()> then)
 {
     if (!m_editing) return;
-    page()->runJavaScript(script, editorWorld,
-                          [self = QPointer(this), number = m_page, then = std::move(then)](const QVariant &answer) {
-                              if (self && self->m_page == number) self->take(answer.toMap());
-                              if (self && then) then();
-                          });
+    page()->runJavaScript(
+        script, editorWorld,
+        [self = QPointer(this), number = m_page, then = std::move(then)](const QVariant &answer) {
+            if (self && self->m_page == number) self->take(answer.toMap());
+            if (self && then) then();
+        });
 }
 
 // A script that failed answers nothing, and nothing happened.
@@ -113,10 +115,10 @@ void TMLTWebView::take(const QVariantMap &answer)
     if (!m_editing || !answer.contains(QStringLiteral("html"))) return;
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
-    Q_EMIT stateChanged({answer.value(QStringLiteral("block")).toString(),
-                         answer.value(QStringLiteral("list")).toString(),
-                         answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
-                         answer.value(QStringLiteral("inTable")).toBool()});
+    Q_EMIT stateChanged(
+        {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
+         answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
+         answer.value(QStringLiteral("inTable")).toBool()});
     if (!answer.value(QStringLiteral("changed")).toBool()) return;
     m_html = answer.value(QStringLiteral("html")).toString();
     m_text = answer.value(QStringLiteral("text")).toString();
@@ -153,7 +155,8 @@ void TMLTWebView::waitForPage()
     if (!answered) logLine(QStringLiteral("the page does not answer"));
 }
 
-// -- input ------------------------------------------------------------------------------------------------------------
+// -- input
+// ------------------------------------------------------------------------------------------------------------
 
 // Keys and the mouse go to a child that the engine makes when it likes.
 bool TMLTWebView::event(QEvent *event)
@@ -174,7 +177,8 @@ namespace {
 
 bool isTyping(const QKeyEvent &event)
 {
-    const bool plain = !(event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier));
+    const bool plain =
+        !(event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier));
     return plain && !event.text().isEmpty() && event.key() != Qt::Key_Escape;
 }
 
@@ -217,7 +221,8 @@ bool TMLTWebView::keyPressed(const QKeyEvent &event)
     if (event.matches(QKeySequence::Undo)) return undo(), true;
     if (event.matches(QKeySequence::Redo)) return redo(), true;
     if (event.matches(QKeySequence::Paste)) return pasteImage();
-    if (const QString command = commandOfKey(event); !command.isEmpty()) return run(scriptOfCommand(command)), true;
+    if (const QString command = commandOfKey(event); !command.isEmpty())
+        return run(scriptOfCommand(command)), true;
     const bool back = event.key() == Qt::Key_Backtab;
     if (event.key() == Qt::Key_Tab || back)
         return run(back ? QStringLiteral("tm.tab(true)") : QStringLiteral("tm.tab(false)")), true;
@@ -248,7 +253,8 @@ bool TMLTWebView::pasteImage()
 {
     const QMimeData *copied = QApplication::clipboard()->mimeData();
     if (!copied) return false;
-    if (const QStringList files = localFiles(copied); !files.isEmpty()) return Q_EMIT filesDropped(files), true;
+    if (const QStringList files = localFiles(copied); !files.isEmpty())
+        return Q_EMIT filesDropped(files), true;
     if (!copied->hasImage() || copied->hasText() || copied->hasHtml()) return false;
     Q_EMIT imagePasted(qvariant_cast<QImage>(copied->imageData()));
     return true;
@@ -269,7 +275,9 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
         inputHappened();
         if (mouseReleased(*static_cast<QMouseEvent *>(event))) return true;
         break;
-    case QEvent::InputMethod: inputHappened(); break;
+    case QEvent::InputMethod:
+        inputHappened();
+        break;
     case QEvent::DragEnter:
     case QEvent::DragMove:
         if (!m_mayBeEdited || files().isEmpty()) break;
@@ -282,7 +290,8 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
         Q_EMIT filesDropped(files());
         static_cast<QDropEvent *>(event)->acceptProposedAction();
         return true;
-    default: break;
+    default:
+        break;
     }
     return QWebEngineView::eventFilter(watched, event);
 }
@@ -298,7 +307,8 @@ void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
         menu->addSeparator();
         for (const FormattingCommand &command : formattingCommands()) {
             const QString name = QString::fromLatin1(command.name);
-            if (!name.startsWith(u"row") && !name.startsWith(u"column") && !name.startsWith(u"remove")) continue;
+            if (!name.startsWith(u"row") && !name.startsWith(u"column") && !name.startsWith(u"remove"))
+                continue;
             menu->addAction(localized(command.text), this, [this, name] { run(scriptOfCommand(name)); });
         }
     }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The formatted editor: a page that is edited in place. The live page is the document; this keeps what it last told of
-// itself at hand, as scripts in a page answer in their own time.
+// The formatted editor: a page that is edited in place. The live page is the document; this keeps what it
+// last told of itself at hand, as scripts in a page answer in their own time.
 #pragma once
 
 #include <QImage>
@@ -15,8 +15,8 @@ namespace tomelet::desktop {
 /// What the formatting bar shows of the place that the caret is at.
 struct FormattingState
 {
-    QString block; ///< "p", "h1"
-    QString list;  ///< "", "bullets", "numbers", "boxes"
+    QString block;      ///< "p", "h1"
+    QString list;       ///< "", "bullets", "numbers", "boxes"
     QVariantMap active; ///< by the name of the command: "bold" → true
     bool isMarked = false;
     bool isInTable = false;
@@ -31,7 +31,8 @@ public:
 
     /// Before each page: whether the one that is loaded now may become editable. Forgets the one before it.
     void expectPage(bool mayBeEdited);
-    /// Makes the page editable and puts the caret into it; a page that is still loading follows when it is there.
+    /// Makes the page editable and puts the caret into it; a page that is still loading follows when it is
+    /// there.
     void beginEditing(bool keepsContentsTable);
     void endEditing();
     [[nodiscard]] bool isEditing() const { return m_editing; }

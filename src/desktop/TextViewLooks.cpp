@@ -17,13 +17,13 @@
 
 namespace tomelet::desktop {
 
-// -- line numbers -----------------------------------------------------------------------------------------------------
+// -- line numbers
+// -----------------------------------------------------------------------------------------------------
 
 LineNumbers::LineNumbers(TMLTTextView *view)
     : QWidget(view)
     , m_view(view)
-{
-}
+{}
 
 int LineNumbers::wantedWidth() const
 {
@@ -42,13 +42,15 @@ void LineNumbers::paintEvent(QPaintEvent *event)
                          QString::number(block.blockNumber() + 1));
 }
 
-// -- the view's own drawing -------------------------------------------------------------------------------------------
+// -- the view's own drawing
+// -------------------------------------------------------------------------------------------
 
 std::vector<std::pair<QTextBlock, double>> TMLTTextView::visibleBlocks() const
 {
     std::vector<std::pair<QTextBlock, double>> blocks;
     double top = blockBoundingGeometry(firstVisibleBlock()).translated(contentOffset()).top();
-    for (QTextBlock block = firstVisibleBlock(); block.isValid() && top < viewport()->height(); block = block.next()) {
+    for (QTextBlock block = firstVisibleBlock(); block.isValid() && top < viewport()->height();
+         block = block.next()) {
         if (block.isVisible()) blocks.emplace_back(block, top);
         top += blockBoundingRect(block).height();
     }
@@ -107,7 +109,8 @@ void TMLTTextView::resizeEvent(QResizeEvent *event)
     placeNumbers();
 }
 
-// -- spelling ---------------------------------------------------------------------------------------------------------
+// -- spelling
+// ---------------------------------------------------------------------------------------------------------
 
 static constexpr int longestCheckedLine = 20000;
 
@@ -118,7 +121,8 @@ void drawWave(QPainter &painter, double from, double to, double y)
     static constexpr double step = 2;
     QPolygonF wave;
     bool up = false;
-    for (double x = from; x <= to; x += step, up = !up) wave << QPointF(x, up ? y - step : y);
+    for (double x = from; x <= to; x += step, up = !up)
+        wave << QPointF(x, up ? y - step : y);
     painter.drawPolyline(wave);
 }
 

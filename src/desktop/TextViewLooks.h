@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is around the letters of the plain text editor: line numbers and marks under words that are misspelled. Both are
-// drawn for the lines on the screen alone, whatever the length of the text.
+// What is around the letters of the plain text editor: line numbers and marks under words that are
+// misspelled. Both are drawn for the lines on the screen alone, whatever the length of the text.
 #pragma once
 
 #include <QWidget>

@@ -8,7 +8,8 @@ namespace tomelet {
 
 namespace {
 
-// What only looks like a tag: comments and the texts of elements that hold no markup. Blanked, so that places stay.
+// What only looks like a tag: comments and the texts of elements that hold no markup. Blanked, so that places
+// stay.
 QString withoutRawText(const QString &page)
 {
     static const QString raw =
@@ -30,7 +31,8 @@ QString pageWithBody(const QString &source, const QString &body)
     if (!start.isFound()) return body;
     const bool endsBody = rangeOfPattern(markup, QStringLiteral(R"((?i)</body\s*>)")).isFound();
     const bool endsPage = rangeOfPattern(markup, QStringLiteral(R"((?i)</html\s*>)")).isFound();
-    return source.left(start.end()) + body + (endsBody ? u"</body>" : u"") + (endsPage ? u"\n</html>\n" : u"");
+    return source.left(start.end()) + body + (endsBody ? u"</body>" : u"") +
+           (endsPage ? u"\n</html>\n" : u"");
 }
 
 QString headOfPage(const QString &page)

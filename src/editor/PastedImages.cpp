@@ -16,7 +16,8 @@ namespace tomelet {
 QString nameForPastedImage()
 {
     return localized(TOMELET_TEXT("Image")) + u' ' +
-           platform().clock.now().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss")) + QStringLiteral(".png");
+           platform().clock.now().toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH.mm.ss")) +
+           QStringLiteral(".png");
 }
 
 QString storeInImages(const QString &book, const QString &name, const QByteArray &bytes)
@@ -36,7 +37,8 @@ QString htmlForDroppedFile(const QString &book, const QString &file)
 {
     if (!hasImageExtension(file)) {
         const QString name = nameWithoutExtension(file).toHtmlEscaped();
-        return QStringLiteral("<a href=\"%1\">%2</a>").arg(QString(QStringLiteral("file://") + percentEncodedPath(file)), name);
+        return QStringLiteral("<a href=\"%1\">%2</a>")
+            .arg(QString(QStringLiteral("file://") + percentEncodedPath(file)), name);
     }
     const auto bytes = readFile(file);
     const QString reference = bytes ? storeInImages(book, lastPathComponent(file), *bytes) : QString();

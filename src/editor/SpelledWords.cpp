@@ -24,9 +24,9 @@ void addWords(QStringView token, qsizetype start, std::vector<Range> &words)
 {
     for (qsizetype i = 0; i < token.size();) {
         qsizetype end = i;
-        while (end < token.size() && (token[end].isLetter() || token[end].isMark() ||
-                                      (end > i && isApostrophe(token[end]) && end + 1 < token.size() &&
-                                       token[end + 1].isLetter())))
+        while (end < token.size() &&
+               (token[end].isLetter() || token[end].isMark() ||
+                (end > i && isApostrophe(token[end]) && end + 1 < token.size() && token[end + 1].isLetter())))
             ++end;
         if (end > i + 1) words.push_back({start + i, end - i});
         i = std::max(end, i + 1);
@@ -45,7 +45,8 @@ std::vector<Range> spelledWords(QStringView line)
             continue;
         }
         qsizetype end = i;
-        while (end < line.size() && !line[end].isSpace() && line[end] != u'`') ++end;
+        while (end < line.size() && !line[end].isSpace() && line[end] != u'`')
+            ++end;
         const QStringView token = line.sliced(i, end - i);
         if (isPlainToken(token)) addWords(token, i, words);
         i = std::max(end, line.size() > end && line[end] == u'`' ? end : end + 1);

@@ -10,8 +10,8 @@
 
 namespace tomelet {
 
-/// The words of one line, in UTF-16 units: runs of letters with apostrophes inside. Addresses, code in back ticks, tags
-/// and whatever holds digits or signs of a program are none.
+/// The words of one line, in UTF-16 units: runs of letters with apostrophes inside. Addresses, code in back
+/// ticks, tags and whatever holds digits or signs of a program are none.
 ///   "It's `code` at a@b.c" → "It's", "at"
 [[nodiscard]] std::vector<Range> spelledWords(QStringView line);
 

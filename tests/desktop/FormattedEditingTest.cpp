@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The formatted editor in a real page: what commands make of it, undoing them, and what goes back into the file.
+// The formatted editor in a real page: what commands make of it, undoing them, and what goes back into the
+// file.
 #include "tests/support/Notebook.h"
 
 #include "conversion/MarkdownToHtml.h"
@@ -51,13 +52,19 @@ protected:
     {
         script(QStringLiteral("{ const e = s => document.querySelector(s); const t = n => n.firstChild || n;"
                               "getSelection().setBaseAndExtent(t(e('%1')), %2, t(e('%3')), %4); }")
-                   .arg(from).arg(start).arg(to).arg(end));
+                   .arg(from)
+                   .arg(start)
+                   .arg(to)
+                   .arg(end));
     }
     QVariant script(const QString &text)
     {
         QVariant result;
         QEventLoop loop;
-        pane.view()->page()->runJavaScript(text, 1, [&](const QVariant &answer) { result = answer; loop.quit(); });
+        pane.view()->page()->runJavaScript(text, 1, [&](const QVariant &answer) {
+            result = answer;
+            loop.quit();
+        });
         loop.exec();
         return result;
     }
@@ -73,11 +80,19 @@ protected:
     }
     [[nodiscard]] QString body()
     {
-        return pane.view()->innerHTML().trimmed().remove(QRegularExpression(QStringLiteral(" tmtableid=\"\\d+\"")));
+        return pane.view()->innerHTML().trimmed().remove(
+            QRegularExpression(QStringLiteral(" tmtableid=\"\\d+\"")));
+    }
+    // What the engine does in its own time.
+    template <typename Condition>
+    static bool comes(Condition condition)
+    {
+        return QTest::qWaitFor(condition, 20000);
     }
     void undoAll(int steps)
     {
-        for (int i = 0; i < steps; ++i) pane.view()->undo();
+        for (int i = 0; i < steps; ++i)
+            pane.view()->undo();
         pane.view()->waitForPage();
     }
     ItemActions actions;
@@ -101,11 +116,13 @@ struct Row
     const char *after;
 };
 
-constexpr const char *table = "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td>1</td><td>2</td></tr></tbody></table>";
+constexpr const char *table =
+    "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td>1</td><td>2</td></tr></tbody></table>";
 
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
-    {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')", "<h2>one</h2>"},
+    {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')",
+     "<h2>one</h2>"},
     {"list", "<p>one</p><p id='z'>two</p>", "p", 0, "#z", 3, "tm.toggleList()",
      "<ul><li>one</li><li>two</li></ul>"},
     {"numbers in the middle of a list", "<ul><li>one</li><li id='z'>two</li></ul>", "#z", 1, "#z", 1,
@@ -118,8 +135,8 @@ const Row rows[] = {
      "<li id='z' class='tm_checkbox'><input type='checkbox'>two</li><li>three</li></ul>"},
     {"done", "<ul><li class='tm_checkbox'><i>one</i></li></ul>", "i", 1, "i", 1, "tm.toggleDone()",
      "<ul><li class='tm_checkbox_done'><i>one</i></li></ul>"},
-    {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i", 1, "i", 1,
-     "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
+    {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i",
+     1, "i", 1, "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
     {"row below the heading", table, "th", 0, "th", 0, "tm.insertRow(true)",
      "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td><br></td><td><br></td></tr>"
      "<tr><td>1</td><td>2</td></tr></tbody></table>"},
@@ -127,9 +144,10 @@ const Row rows[] = {
      "<table><tbody><tr><th><br></th><th>a</th><th>b</th></tr>"
      "<tr><td><br></td><td>1</td><td>2</td></tr></tbody></table>"},
     {"column inside of a span",
-     "<table><tbody><tr><td colspan='2'>a</td></tr><tr><td>1</td><td id='z'>2</td></tr></tbody></table>", "#z", 0, "#z",
-     0, "tm.insertColumn(false)",
-     "<table><tbody><tr><td colspan='3'>a</td></tr><tr><td>1</td><td><br></td><td id='z'>2</td></tr></tbody></table>"},
+     "<table><tbody><tr><td colspan='2'>a</td></tr><tr><td>1</td><td id='z'>2</td></tr></tbody></table>",
+     "#z", 0, "#z", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><td colspan='3'>a</td></tr><tr><td>1</td><td><br></td><td "
+     "id='z'>2</td></tr></tbody></table>"},
     {"rows", table, "td", 0, "td", 0, "tm.removeRows()",
      "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
     {"columns", table, "td", 0, "td", 0, "tm.removeColumns()",
@@ -138,13 +156,17 @@ const Row rows[] = {
      "<p><br></p>"},
     {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
     {"contents", "<h1 id='a'>One</h1><h2 id='b'>Two</h2>", "h1", 0, "h1", 0, "tm.setContents(true)",
-     "<div class='TOC' id='TOC'><ul><li class='tm_level_1' style='margin-left: 0em;'><a href='#a'>One</a></li>"
+     "<div class='TOC' id='TOC'><ul><li class='tm_level_1' style='margin-left: 0em;'><a "
+     "href='#a'>One</a></li>"
      "<li class='tm_level_2' style='margin-left: 1.2em;'><a href='#b'>Two</a></li></ul></div>\n"
      "<h1 id='a'>One</h1><h2 id='b'>Two</h2>"},
     {"a script that fails", "<p>one</p>", "p", 0, "p", 0, "nothing.at.all()", "<p>one</p>"},
 };
 
-QString html(const char *text) { return QString::fromUtf8(text).replace(u'\'', u'"'); }
+QString html(const char *text)
+{
+    return QString::fromUtf8(text).replace(u'\'', u'"');
+}
 
 } // namespace
 
@@ -158,7 +180,8 @@ TEST_F(FormattedEditing, everyCommandIsOneStepThatCanBeUndone)
         if (HasFatalFailure()) return;
         const QString before = body();
         select(QString::fromUtf8(row.from), row.start, QString::fromUtf8(row.to), row.end);
-        const QString expected = row.name == std::string_view("marks") ? QString::fromUtf8(row.after) : html(row.after);
+        const QString expected =
+            row.name == std::string_view("marks") ? QString::fromUtf8(row.after) : html(row.after);
         EXPECT_EQ(afterScript(QString::fromUtf8(row.script)), expected);
         undoAll(1);
         EXPECT_EQ(body(), before);
@@ -228,7 +251,8 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
     notifications().post(QStringLiteral("TMLTReloadCurrentDocument"));
     afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("y")));
     EXPECT_EQ(body(), QStringLiteral("<p>onxye</p>"));
-    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(), QStringLiteral("31px"));
+    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(),
+              QStringLiteral("31px"));
     undoAll(2);
     EXPECT_EQ(body(), QStringLiteral("<p>one</p>"));
 }
@@ -238,17 +262,83 @@ TEST_F(FormattedEditing, picturesGoBesideTheDocument)
     open(QStringLiteral("<p>one</p>"));
     QImage picture(4, 4, QImage::Format_RGB32);
     picture.fill(Qt::red);
-    for (int i = 0; i < 2; ++i) Q_EMIT pane.view()->imagePasted(picture);
+    for (int i = 0; i < 2; ++i)
+        Q_EMIT pane.view()->imagePasted(picture);
     pane.view()->waitForPage();
     const QStringList stored = names(QStringLiteral("/TMImages"));
     ASSERT_FALSE(stored.isEmpty());
-    EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/") + QString(stored.first()).replace(u' ', QStringLiteral("%20"))));
+    EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/") +
+                                QString(stored.first()).replace(u' ', QStringLiteral("%20"))));
     const QString outside = world.filePath(QStringLiteral("a & b.txt"));
     ASSERT_TRUE(writeFile(outside, "text"));
     Q_EMIT pane.view()->filesDropped({outside});
     pane.view()->waitForPage();
     EXPECT_TRUE(body().contains(QStringLiteral(">a &amp; b</a>"))) << body().toStdString();
     EXPECT_EQ(names(QStringLiteral("/TMImages")), stored);
+}
+
+TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
+{
+    open(QStringLiteral("<p>one</p><ul><li class=\"tm_checkbox\">box</li></ul>"));
+    const QString before = body();
+    QWidget *keys = pane.view()->focusProxy();
+    ASSERT_NE(keys, nullptr);
+    keys->setFocus();
+    select(QStringLiteral("p"), 3, QStringLiteral("p"), 3);
+    QTest::keyClicks(keys, QStringLiteral(" two"));
+    EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p>one two</p>")); }));
+    QTest::keyClick(keys, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(keys, Qt::Key_B, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p><b>one two</b></p>")); }));
+    const QVariantMap place =
+        script(QStringLiteral("{ const r = document.querySelector('li').getBoundingClientRect();"
+                              "({x: r.left - 8, y: r.top + 8}) }"))
+            .toMap();
+    const QPoint box(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt());
+    QTest::mouseClick(keys, Qt::LeftButton, {}, box);
+    EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, pictureOfTheClipboardIsPasted)
+{
+    open(QStringLiteral("<p>one</p>"));
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QApplication::clipboard()->setImage(picture);
+    QTest::keyClick(pane.view()->focusProxy(), Qt::Key_V, Qt::ControlModifier);
+    pane.view()->waitForPage();
+    EXPECT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
+    EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/")));
+    pane.showDocument({});
+    EXPECT_TRUE(read(QStringLiteral("/Note.html")).contains("<img src=\"TMImages/"));
+}
+
+TEST_F(FormattedEditing, replacingStaysOutsideOfTags)
+{
+    open(QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+    select(QStringLiteral("p"), 5, QStringLiteral("p"), 5);
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceNext('note', 'text')")),
+              QStringLiteral("<p class=\"note\">Note a text.</p><p>no<b>te</b> NOTE (x)</p>"));
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', '$&<')")),
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; (x)</p>"));
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('(x)', '')")),
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; </p>"));
+    undoAll(3);
+    EXPECT_EQ(body(), QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+}
+
+TEST_F(FormattedEditing, newDocumentsAreNamedAfterTheirFirstLine)
+{
+    pane.show();
+    pane.createDocument(QStringLiteral("html"), root);
+    ASSERT_TRUE(comes([&] { return pane.view()->isEditing(); }));
+    pane.view()->waitForPage();
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("Fresh")));
+    pane.showDocument({});
+    EXPECT_TRUE(read(QStringLiteral("/Fresh.html")).contains("<body>\n<p>Fresh</p>\n</body>"));
 }
 
 TEST_F(FormattedEditing, readOnlyDocumentsStayClosed)
