@@ -35,7 +35,9 @@ void SingleInstance::receive()
             const QString path = QString::fromUtf8(socket->readLine().trimmed());
             socket->write("\n");
             socket->flush();
-            Q_EMIT handedOver(path);
+            // Showing a document may wait for another one's page, which is no place to be in a signal of the socket.
+            QMetaObject::invokeMethod(
+                this, [this, path] { Q_EMIT handedOver(path); }, Qt::QueuedConnection);
         });
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     }

@@ -150,7 +150,7 @@ void TMLTWebView::waitForPage()
             target->quit();
         });
     });
-    loop.exec(QEventLoop::ExcludeUserInputEvents);
+    loop.exec(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
     m_waiting = false;
     if (!answered) logLine(QStringLiteral("the page does not answer"));
 }
