@@ -5,7 +5,6 @@
 #include "desktop/DocumentListModel.h"
 #include "desktop/DocumentPane.h"
 #include "desktop/OutlinePane.h"
-#include "desktop/TMLTTextView.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 
@@ -51,7 +50,7 @@ void MainWindow::addLook(QMenu *menu, const char *text, const QString &key, qlon
             settings().setObject(key, whenOn);
         else
             settings().remove(key);
-        m_document->textView()->applyViewSettings();
+        m_document->applyViewSettings();
     });
 }
 

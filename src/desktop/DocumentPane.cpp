@@ -141,6 +141,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
     connectEditor();
     connectFinding();
+    applyViewSettings();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
 }
@@ -203,13 +204,6 @@ void DocumentPane::createDocument(const QString &extension, const QString &book)
     settlePage();
     m_controller.createNewDocument(extension, book);
     updateTitle();
-}
-
-void DocumentPane::setFullScreen(bool full)
-{
-    static constexpr int charactersInLine = 75;
-    m_header->setVisible(!full);
-    m_text->setColumnWidth(full ? charactersInLine * m_text->fontMetrics().averageCharWidth() : 0);
 }
 
 void DocumentPane::scrollToAnchor(const QString &anchor)

@@ -56,6 +56,8 @@ public:
     void print();
     void printToPdf();
     void setFullScreen(bool full);
+    /// What the settings say about line numbers, the current line, scrolling and spelling.
+    void applyViewSettings();
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 

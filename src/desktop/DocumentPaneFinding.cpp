@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The document's pane: finding and replacing, counts, printing.
+// The document's pane: finding and replacing, counts, looks, printing.
 #include "desktop/DocumentPane.h"
 
 #include "conversion/TextUtilities.h"
+#include "desktop/DocumentHeader.h"
 #include "desktop/FindBar.h"
 #include "desktop/FormattingCommands.h"
+#include "desktop/PageProfile.h"
 #include "desktop/TMLTTextView.h"
 #include "desktop/TMLTWebView.h"
 #include "foundation/Folder.h"
+#include "foundation/Platform.h"
 #include "foundation/Localization.h"
 #include "foundation/SerialQueue.h"
 
@@ -123,6 +126,21 @@ void DocumentPane::showCounts(qlonglong words, qlonglong characters)
     m_counts->setText(localized(TOMELET_TEXT("%1 words, %2 characters"))
                           .arg(locale.toString(words), locale.toString(characters)));
     m_counts->show();
+}
+
+// -- looks ------------------------------------------------------------------------------------------------------------
+
+void DocumentPane::applyViewSettings()
+{
+    m_text->applyViewSettings();
+    checkSpellingOfPages(settings().boolean(QStringLiteral("continuousSpellChecking")));
+}
+
+void DocumentPane::setFullScreen(bool full)
+{
+    static constexpr int charactersInLine = 75;
+    m_header->setVisible(!full);
+    m_text->setColumnWidth(full ? charactersInLine * m_text->fontMetrics().averageCharWidth() : 0);
 }
 
 // -- printing

@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPointer>
+#include <QWebEngineContextMenuRequest>
 #include <QWebEnginePage>
 
 namespace tomelet::desktop {
@@ -296,6 +297,19 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
     return QWebEngineView::eventFilter(watched, event);
 }
 
+void TMLTWebView::addSuggestions(QMenu *menu)
+{
+    const QWebEngineContextMenuRequest *request = lastContextMenuRequest();
+    if (!request || request->misspelledWord().isEmpty()) return;
+    QAction *first = menu->actions().value(0);
+    for (const QString &better : request->spellCheckerSuggestions()) {
+        auto *action = new QAction(better, menu);
+        connect(action, &QAction::triggered, this, [this, better] { page()->replaceMisspelledWord(better); });
+        menu->insertAction(first, action);
+    }
+    menu->insertSeparator(first);
+}
+
 void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
 {
     QMenu *menu = createStandardContextMenu();
@@ -304,6 +318,7 @@ void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
         // The engine's own history knows nothing of commands.
         for (const auto action : {QWebEnginePage::Undo, QWebEnginePage::Redo})
             menu->removeAction(page()->action(action));
+        addSuggestions(menu);
         menu->addSeparator();
         for (const FormattingCommand &command : formattingCommands()) {
             const QString name = QString::fromLatin1(command.name);

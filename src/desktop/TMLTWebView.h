@@ -82,6 +82,7 @@ private:
     bool keyPressed(const QKeyEvent &event);
     bool mouseReleased(const QMouseEvent &event);
     bool pasteImage();
+    void addSuggestions(QMenu *menu);
     void inputHappened();
 
     bool m_mayBeEdited = false;
