@@ -21,10 +21,10 @@ static void draw(const QString &title, qsizetype done, qsizetype all)
 Progress terminalProgress(const Invocation &call, const QString &title)
 {
     if (call.quiet || ::isatty(STDERR_FILENO) == 0) return {};
-    using Clock = std::chrono::steady_clock;
-    return [title, next = Clock::time_point()](qsizetype done, qsizetype all) mutable {
-        if (done != all && Clock::now() < next) return true;
-        next = Clock::now() + std::chrono::milliseconds(100);
+    using Steady = std::chrono::steady_clock;
+    return [title, next = Steady::time_point()](qsizetype done, qsizetype all) mutable {
+        if (done != all && Steady::now() < next) return true;
+        next = Steady::now() + std::chrono::milliseconds(100);
         draw(title, done, all);
         return true;
     };

@@ -92,7 +92,7 @@ QString pageInScheme(const QString &html, const QPalette &palette)
     head = regexSweep(head, QStringLiteral("color-scheme\\s*:\\s*light\\s+dark"),
                       dark ? QStringLiteral("color-scheme: dark") : QStringLiteral("color-scheme: light"));
     // The canvas of a dark page has a colour of its own otherwise; a sheet of the document's goes before this.
-    const QString canvas = QStringLiteral("<head>\n<style>:root { background-color: %1; }</style>")
+    const QString canvas = QStringLiteral("<head>\n<style>html { background-color: %1; }</style>")
                                .arg(palette.color(QPalette::Base).name());
     head.replace(head.indexOf(u"<head>"), 6, canvas);
     return head + html.mid(end);

@@ -11,6 +11,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/Properties.h"
+#include "library/SetUp.h"
 #include "library/StorageLocations.h"
 
 #include <QActionGroup>
@@ -41,6 +42,7 @@ void MainWindow::makeActions()
     makeViewMenu();
     makeOrganiseMenu();
     makeStorageMenu();
+    makeHelpMenu();
 }
 
 void MainWindow::makeBookMenu()
@@ -168,6 +170,18 @@ void MainWindow::makeStorageMenu()
 {
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&Notebook")));
     connect(menu, &QMenu::aboutToShow, this, [this, menu] { fillStorageMenu(menu); });
+}
+
+void MainWindow::makeHelpMenu()
+{
+    QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&Help")));
+    add(menu, TOMELET_TEXT("&Handbook"), QKeySequence(QKeySequence::HelpContents), [this] {
+        if (const QString path = handbook(); !path.isEmpty()) showItem(path);
+    });
+    add(menu, TOMELET_TEXT("&About Tomelet"), {}, [this] {
+        showMessage(QStringLiteral("Tomelet ") + shortVersion,
+                    localized(TOMELET_TEXT("A notebook of ordinary files. License: GNU GPL, version 3 or later.")));
+    });
 }
 
 // Made anew each time that it opens: folders come and go.

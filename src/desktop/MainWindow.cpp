@@ -16,6 +16,7 @@
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "library/Root.h"
+#include "organising/Contexts.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -322,6 +323,12 @@ void MainWindow::forSelection(const std::function<void(const QStringList &)> &ac
 
 void MainWindow::newBook()
 {
+    // In Contexts there are no books: there it is a context.
+    const TMLTOutlineItem *selected = m_outline->selectedItem();
+    if (selected && (selected->smartBookType() == ContextsBook || selected->smartBookType() == ContextBook)) {
+        makeNewContext();
+        return;
+    }
     const QStringList books = m_outline->selectedPaths();
     const QString path = m_actions.newBook(books.isEmpty() ? tomeletRoot() : books.first());
     if (path.isEmpty()) return;

@@ -79,6 +79,7 @@ private:
     void refreshBacklinks();
     void removeBacklinks();
     void makeStorageMenu();
+    void makeHelpMenu();
     void fillStorageMenu(QMenu *menu);
     void makeLabelMenu(QMenu *menu);
     void observe();

@@ -237,39 +237,14 @@ void walk(direction_pass &pass, token *block, int depth);
 
 void direct(direction_pass &pass, token *t, int depth)
 {
+    if (holds_running_text[t->type]) return walk(pass, t, depth);
     switch (t->type) {
     case BLOCK_META:
         if (!pass.has(EXT_COMPATIBILITY | EXT_NO_METADATA)) break;
         t->type = BLOCK_PARA;
         walk(pass, t, depth);
         break;
-    case DOC_START_TOKEN:
-    case LINE_LIST_BULLETED:
-    case LINE_LIST_ENUMERATED:
-    case BLOCK_BLOCKQUOTE:
-    case BLOCK_DEFLIST:
-    case BLOCK_DEFINITION:
     case BLOCK_DEF_ABBREVIATION:
-    case BLOCK_H1:
-    case BLOCK_H2:
-    case BLOCK_H3:
-    case BLOCK_H4:
-    case BLOCK_H5:
-    case BLOCK_H6:
-    case BLOCK_LIST_BULLETED:
-    case BLOCK_LIST_BULLETED_LOOSE:
-    case BLOCK_LIST_ENUMERATED:
-    case BLOCK_LIST_ENUMERATED_LOOSE:
-    case BLOCK_LIST_ITEM:
-    case BLOCK_LIST_ITEM_TIGHT:
-    case BLOCK_PARA:
-    case BLOCK_SETEXT_1:
-    case BLOCK_SETEXT_2:
-    case BLOCK_TABLE:
-    case BLOCK_TABLE_SECTION:
-    case BLOCK_TERM:
-    case TABLE_ROW:
-    case TABLE_CELL:
         walk(pass, t, depth);
         break;
     case CRITIC_SUB_DIV:

@@ -10,34 +10,9 @@ namespace {
 
 bool is_searched(const token *t)
 {
+    if (holds_running_text[t->type]) return true;
     switch (t->type) {
-    case DOC_START_TOKEN:
-    case LINE_LIST_BULLETED:
-    case LINE_LIST_ENUMERATED:
-    case BLOCK_BLOCKQUOTE:
-    case BLOCK_DEFLIST:
-    case BLOCK_DEFINITION:
-    case BLOCK_H1:
-    case BLOCK_H2:
-    case BLOCK_H3:
-    case BLOCK_H4:
-    case BLOCK_H5:
-    case BLOCK_H6:
-    case BLOCK_SETEXT_1:
-    case BLOCK_SETEXT_2:
-    case BLOCK_LIST_BULLETED:
-    case BLOCK_LIST_BULLETED_LOOSE:
-    case BLOCK_LIST_ENUMERATED:
-    case BLOCK_LIST_ENUMERATED_LOOSE:
-    case BLOCK_LIST_ITEM:
-    case BLOCK_LIST_ITEM_TIGHT:
-    case BLOCK_PARA:
-    case BLOCK_TABLE:
     case BLOCK_TABLE_HEADER:
-    case BLOCK_TABLE_SECTION:
-    case BLOCK_TERM:
-    case TABLE_ROW:
-    case TABLE_CELL:
     case PAIR_BRACKET:
     case PAIR_BRACKET_FOOTNOTE:
     case PAIR_BRACKET_GLOSSARY:

@@ -3,8 +3,6 @@
 // arena of a token is found from its address, and tokens can be freed and copied without naming the arena.
 #include "engine/Token.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -19,10 +17,6 @@ constexpr size_t head_size = 64;
 /// Chunks are allocated in slabs. The first holds one, and each twice as many as the one before it up to
 /// this.
 constexpr size_t largest_slab = 256;
-/// From the slab with this number on the memory may come in large pages; before, what a slab leaves unused
-/// would weigh.
-constexpr size_t first_large_pages = 16;
-constexpr size_t large_page = size_t{2} << 20;
 
 struct chunk
 {
@@ -35,7 +29,6 @@ struct slab
 {
     char *memory;
     size_t chunks;
-    size_t number;
     slab *older;
 };
 
@@ -56,15 +49,12 @@ static void start_on_slab(token_arena *arena, slab *s)
 static void add_slab(token_arena *arena)
 {
     const size_t chunks = arena->newest ? std::min(arena->newest->chunks * 2, largest_slab) : 1;
-    const size_t number = arena->newest ? arena->newest->number + 1 : 0;
-    const bool large = number >= first_large_pages;
     void *memory = nullptr;
-    if (posix_memalign(&memory, large ? large_page : chunk_size, chunks * chunk_size) != 0) {
+    if (posix_memalign(&memory, chunk_size, chunks * chunk_size) != 0) {
         std::fputs("Error allocating memory for tokens.\n", stderr);
         std::exit(1);
     }
-    if (large) madvise(memory, chunks * chunk_size, MADV_HUGEPAGE); // a hint, welcome to fail
-    start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, number, arena->newest});
+    start_on_slab(arena, new slab{static_cast<char *>(memory), chunks, arena->newest});
 }
 
 void token_arena_grow(token_arena *arena)
@@ -111,7 +101,6 @@ void token_arena_reset(token_arena *arena)
     if (!kept) return;
     free_slabs(kept->older);
     kept->older = nullptr;
-    kept->number = 0;
     arena->given_back = nullptr;
     start_on_slab(arena, kept);
 }

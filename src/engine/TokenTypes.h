@@ -4,6 +4,8 @@
 // field.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 
 namespace tomelet::engine {
@@ -235,5 +237,21 @@ static_assert(MARKER_H1 == HASH1 + 7 && MARKER_H6 == HASH6 + 7);
 static_assert(MATH_PAREN_CLOSE == MATH_PAREN_OPEN + 1 && MATH_BRACKET_CLOSE == MATH_BRACKET_OPEN + 1);
 static_assert(TEXT_LINEBREAK_SP == TEXT_LINEBREAK + 1 && TEXT_NL_SP == TEXT_NL + 1);
 static_assert(MANUAL_LABEL < kMaxTokenTypes);
+
+constexpr std::array<bool, kMaxTokenTypes> make_running_text_types()
+{
+    std::array<bool, kMaxTokenTypes> table{};
+    for (const int type :
+         {DOC_START_TOKEN, LINE_LIST_BULLETED, LINE_LIST_ENUMERATED, BLOCK_BLOCKQUOTE, BLOCK_DEFLIST, BLOCK_DEFINITION,
+          BLOCK_H1, BLOCK_H2, BLOCK_H3, BLOCK_H4, BLOCK_H5, BLOCK_H6, BLOCK_SETEXT_1, BLOCK_SETEXT_2,
+          BLOCK_LIST_BULLETED, BLOCK_LIST_BULLETED_LOOSE, BLOCK_LIST_ENUMERATED, BLOCK_LIST_ENUMERATED_LOOSE,
+          BLOCK_LIST_ITEM, BLOCK_LIST_ITEM_TIGHT, BLOCK_PARA, BLOCK_TABLE, BLOCK_TABLE_SECTION, BLOCK_TERM, TABLE_ROW,
+          TABLE_CELL})
+        table[static_cast<size_t>(type)] = true;
+    return table;
+}
+
+/// By type: blocks, and the parts of such, whose words are read as running text.
+inline constexpr std::array<bool, kMaxTokenTypes> holds_running_text = make_running_text_types();
 
 } // namespace tomelet::engine

@@ -130,6 +130,8 @@ private:
     void sortList(Children &list);
     void reassignCustomSortOrder(Children &list);
 
+    inline static OutlineObserver *s_observer = nullptr;
+
     QString m_relativePath;
     std::optional<Children> m_children;
     bool m_loaded = false;

@@ -16,15 +16,15 @@ namespace tomelet {
 // Every operation asks for the root, and resolving it costs ten system calls: within a blink the answer holds.
 static QString resolvedRoot(const QString &chosen)
 {
-    using Clock = std::chrono::steady_clock;
+    using Steady = std::chrono::steady_clock;
     thread_local QString known;
     thread_local QString resolved;
-    thread_local Clock::time_point until;
-    if (chosen != known || Clock::now() >= until) {
+    thread_local Steady::time_point until;
+    if (chosen != known || Steady::now() >= until) {
         const QString canonical = QFileInfo(chosen).canonicalFilePath();
         known = chosen;
         resolved = canonical.isEmpty() ? QDir::cleanPath(chosen) : canonical;
-        until = Clock::now() + std::chrono::milliseconds(50);
+        until = Steady::now() + std::chrono::milliseconds(50);
     }
     return resolved;
 }

@@ -145,6 +145,18 @@ void installDefaultDocuments()
     tm_addToRecentItems(document);
 }
 
+QString handbook()
+{
+    const QString book = joinPath(tomeletRoot(), localized(TOMELET_TEXT("Quickstart")));
+    const QString document = joinPath(book, localized(TOMELET_TEXT("Handbook.md")));
+    if (itemExists(document)) return document;
+    if (!makeFolder(book) || !copyItem(resourcePath(QStringLiteral("Welcome/Handbook.md")), document)) return {};
+    tm_setProperty(document, QStringLiteral("CSS/Handbook.css"), QStringLiteral("CSS"));
+    // It shows what only the own converter knows.
+    tm_setProperty(document, QStringLiteral("1"), QStringLiteral("MarkdownConverter"));
+    return document;
+}
+
 SetUpResult initAppSettings(bool chosenByPerson)
 {
     SetUpResult result;

@@ -29,6 +29,10 @@ bool tm_initPreferences();
 /// Puts the Quickstart book into a root without visible items.
 void installDefaultDocuments();
 
+/// The handbook in the Quickstart book, where it can be read beside its source and tried out; put there by the first
+/// call. "" when it could not be.
+[[nodiscard]] QString handbook();
+
 /// Puts the path in front of the list of roots.
 void tm_addToPreviouslySelectedHomes(const QString &path);
 

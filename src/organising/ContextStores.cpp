@@ -10,9 +10,12 @@
 #include "library/ItemPath.h"
 #include "organising/Contexts.h"
 
+#include <QFile>
 #include <QLocale>
 
 #include <algorithm>
+#include <mutex>
+#include <sys/stat.h>
 
 namespace tomelet {
 
@@ -33,12 +36,47 @@ QString infoFile()
     return joinPath(rootStateFolder(), QStringLiteral("Info.plist"));
 }
 
+using Index = QMap<QString, QStringList>;
+
+// What tells one version of a file from another: each write makes a new file.
+struct FileVersion
+{
+    QString path;
+    quint64 inode = 0;
+    qint64 size = -1;
+    qint64 changed = 0; ///< in nanoseconds
+
+    friend bool operator==(const FileVersion &, const FileVersion &) = default;
+};
+
+FileVersion versionOf(const QString &path)
+{
+    struct stat status{};
+    if (::stat(QFile::encodeName(path).constData(), &status) != 0) return {path};
+    return {path, status.st_ino, status.st_size, status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
+}
+
+// Every list of a context asks for the index, which can be a megabyte: it is parsed once per version of its file.
+Index readIndex()
+{
+    static std::mutex mutex;
+    static FileVersion known;
+    static Index parsed;
+    const std::lock_guard lock(mutex);
+    const FileVersion now = versionOf(indexFile());
+    if (now.size >= 0 && now == known) return parsed;
+    parsed.clear();
+    const QVariantMap stored = readDictionary(now.path);
+    for (auto it = stored.begin(); it != stored.end(); ++it) parsed.insert(it.key(), it.value().toStringList());
+    known = now;
+    return parsed;
+}
+
 } // namespace
 
 ContextStores::ContextStores()
+    : index(readIndex())
 {
-    const QVariantMap stored = readDictionary(indexFile());
-    for (auto it = stored.begin(); it != stored.end(); ++it) index.insert(it.key(), it.value().toStringList());
     list = readStringArray(listFile());
     m_savedIndex = index;
     m_savedList = list;

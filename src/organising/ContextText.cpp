@@ -96,4 +96,14 @@ QStringList contextsForCompletion(const QString &textBeforeCaret)
     return words;
 }
 
+QString tm_assignClassToContextTags(const QString &html, const QStringList &tags)
+{
+    QString marked = html;
+    for (const QString &word : tm_listOfAllAvailableTags())
+        if (tags.contains(word) && tm_tagIsManagedAutomatically(word))
+            marked = regexSweep(marked, QStringLiteral("(\\W)(%1)(\\W)").arg(word),
+                                QStringLiteral("$1<span class=\"tm_context-tag\">$2</span>$3"));
+    return marked;
+}
+
 } // namespace tomelet

@@ -151,6 +151,19 @@ void tm_mergeTagListWithList(QStringList &list, const QStringList &other)
         if (!tm_localizedIndexOfObject(list, word)) list.append(word);
 }
 
+QString makeNewContext()
+{
+    ContextStores stores;
+    const QString name = localized(TOMELET_TEXT("New Context"));
+    int number = 1;
+    const auto word = [&] { return QString(name + u' ' + QString::number(number)); };
+    while (tm_localizedIndexOfObject(stores.list, word())) ++number;
+    stores.list.append(word());
+    stores.save();
+    notifications().post(QStringLiteral("TMLTReloadContextSmartBook"));
+    return word();
+}
+
 void writeDefaultContexts()
 {
     ContextStores stores;

@@ -16,6 +16,8 @@ namespace tomelet {
 [[nodiscard]] QStringList tm_extractTagsFromString(const QString &text);
 /// The word begins with a marker. Not to be called with an empty word.
 [[nodiscard]] bool tm_tagIsManagedAutomatically(const QString &word);
+/// A page with those of the tags marked, where they stand in its text, that are contexts managed automatically.
+[[nodiscard]] QString tm_assignClassToContextTags(const QString &html, const QStringList &tags);
 /// The contexts that complete what stands before the caret; nothing where no context is being typed.
 [[nodiscard]] QStringList contextsForCompletion(const QString &textBeforeCaret);
 
@@ -26,6 +28,8 @@ namespace tomelet {
 [[nodiscard]] QStringList tm_listOfAllAvailableTags();
 /// Appends what the list lacks, compared under the locale.
 void tm_mergeTagListWithList(QStringList &list, const QStringList &other);
+/// Puts a context "New Context 1", or the first free number, on the list; the word.
+QString makeNewContext();
 /// The contexts that a person begins with, where there are none yet.
 void writeDefaultContexts();
 

@@ -14,6 +14,7 @@
 #include "library/TextFile.h"
 #include "organising/Backlinks.h"
 #include "organising/DocumentReferences.h"
+#include "organising/LinkJournal.h"
 #include "organising/LinkWalks.h"
 
 namespace tomelet {
@@ -70,11 +71,13 @@ public:
         if (path.isEmpty()) return reference;
         if (beginsWithPath(path, m_old) && (m_oldBeginsWithNew || !beginsWithPath(path, m_new)))
             return withOldReplaced(composed(reference));
-        const QString decoded = percentDecoded(path);
+        const QString decoded = composed(percentDecoded(path));
         if (beginsWithPathIgnoringMarks(decoded, m_old) && (m_oldBeginsWithNew || !beginsWithPath(decoded, m_new)))
             return withFront(reference, encoded(m_new + decoded.mid(m_old.size())));
         if (path.startsWith(u'/') || reference.contains(u"://")) return reference;
-        return m_document == m_new ? seenFromNewPlace(reference, path) : relativeInOtherDocument(reference, path);
+        // On disk a name may stand in either normal form, so the reference is looked up as it is spelled.
+        const QString spelled = reference.trimmed();
+        return m_document == m_new ? seenFromNewPlace(reference, spelled) : relativeInOtherDocument(reference, spelled);
     }
 
 private:
@@ -128,18 +131,21 @@ private:
         for (const QString &form : {target, decoded}) {
             const QString meant = resolvedAgainst(form, m_book);
             // A roundabout form ("../Book/b.md" inside Book) means the moved item too.
-            const bool isMoved = meant == m_old && !exists(meant);
-            if (!isMoved && !meant.startsWith(m_old + u'/')) continue;
-            const QString now = relative(m_new + meant.mid(m_old.size()));
+            const QString comparable = composed(meant);
+            const bool isMoved = comparable == m_old && !exists(meant);
+            if (!isMoved && !comparable.startsWith(m_old + u'/')) continue;
+            const QString now = relative(m_new + comparable.mid(m_old.size()));
             return tm_pathByAppendingAnchor(form == target ? now : percentEncodedPath(now), anchor);
         }
         for (const QString &form : {target, decoded}) {
             const QString now = form == target ? m_relativeNew : percentEncodedPath(m_relativeNew);
-            const bool shortened = endsWithPath(m_old, form) || endsWithPath(m_relativeOld, form);
-            if (shortened && !exists(resolvedAgainst(form, m_book))) return tm_pathByAppendingAnchor(now, anchor);
-            const bool done = !m_oldBeginsWithNew && beginsWithPath(form, m_relativeNew);
-            if (beginsWithPath(form, m_relativeOld) && !done && !exists(resolvedAgainst(form, m_book)))
-                return tm_pathByAppendingAnchor(now + form.mid(m_relativeOld.size()), anchor);
+            const QString comparable = composed(form);
+            const bool stands = exists(resolvedAgainst(form, m_book));
+            const bool shortened = endsWithPath(m_old, comparable) || endsWithPath(m_relativeOld, comparable);
+            if (shortened && !stands) return tm_pathByAppendingAnchor(now, anchor);
+            const bool done = !m_oldBeginsWithNew && beginsWithPath(comparable, m_relativeNew);
+            if (beginsWithPath(comparable, m_relativeOld) && !done && !stands)
+                return tm_pathByAppendingAnchor(now + comparable.mid(m_relativeOld.size()), anchor);
         }
         return reference;
     }
@@ -229,6 +235,16 @@ namespace {
 const QString backlinksKey = QStringLiteral("Backlinks");
 const QString referencedKey = QStringLiteral("ReferencedPath");
 
+// Noted until it is done, so that nothing is lost when the program is killed meanwhile.
+void queueMove(const MoveInWork &move, std::function<void()> work)
+{
+    noteMove(move);
+    platform().serialQueue.add([move, work = std::move(work)] {
+        work();
+        forgetMove(move);
+    });
+}
+
 QStringList backlinksOf(const QString &item)
 {
     return tm_propertyForKey(item, backlinksKey).toStringList();
@@ -255,7 +271,7 @@ void tm_adjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QSt
     if (itemExists(oldPath) && oldPath.compare(newPath, Qt::CaseInsensitive) != 0)
         return logLine(QStringLiteral("not changing links & backlinks because old path still exists\n%1\n%2")
                            .arg(oldPath, newPath));
-    platform().serialQueue.add([newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
+    queueMove({oldPath, newPath, false}, [newPath, oldPath] { adjustAfterRename(newPath, oldPath); });
 }
 
 void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, const QString &oldPath)
@@ -277,25 +293,6 @@ void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, cons
 
 namespace {
 
-/// What one walk below a folder found of use for links.
-struct LinkedItems
-{
-    QStringList documents;  ///< that can hold references
-    QStringList referenced; ///< whose stored path is not their own
-};
-
-LinkedItems findLinkedItems(const QString &folder, const QString &root)
-{
-    LinkedItems found;
-    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
-        const QString stored = storedProperties(path).value(referencedKey).toString();
-        if (!stored.isEmpty() && stored != tm_normalizedPath(path, root)) found.referenced.append(path);
-        if (!isBook && canHoldReferences(path)) found.documents.append(path);
-        return true;
-    });
-    return found;
-}
-
 /// The move of a book, with its paths full.
 struct BookMove
 {
@@ -310,6 +307,27 @@ struct BookMove
         return path == to || path.startsWith(to + u'/') ? from + path.mid(to.size()) : path;
     }
 };
+
+/// What one walk below a folder found of use for links.
+struct LinkedItems
+{
+    QStringList documents;  ///< that can hold references
+    QStringList referenced; ///< that others refer to, and that have moved
+};
+
+LinkedItems findLinkedItems(const QString &folder, const BookMove &move)
+{
+    LinkedItems found;
+    walkLinkedItems(folder, [&](const QString &path, bool isBook) {
+        const QString stored = storedProperties(path).value(referencedKey).toString();
+        // What lies in the moved book may bear its new path already, if the work was broken off once.
+        const bool hasMoved = stored != tm_normalizedPath(path, move.root) || move.former(path) != path;
+        if (!stored.isEmpty() && hasMoved) found.referenced.append(path);
+        if (!isBook && canHoldReferences(path)) found.documents.append(path);
+        return true;
+    });
+    return found;
+}
 
 // The documents that refer to an item of the moved book, wherever they now are.
 void followReferrers(MoveWrites &writes, const QString &item, const BookMove &move)
@@ -346,7 +364,7 @@ void followReferences(MoveWrites &writes, const QString &document, const BookMov
 
 void renameAllLinks(const QString &folder, const BookMove &move)
 {
-    const LinkedItems found = findLinkedItems(folder, move.root);
+    const LinkedItems found = findLinkedItems(folder, move);
     MoveWrites writes;
     for (const QString &item : found.referenced) followReferrers(writes, item, move);
     writes.stores.flush();
@@ -357,7 +375,19 @@ void renameAllLinks(const QString &folder, const BookMove &move)
 
 void tm_renameAllLinksFrom(const QString &folder, const QString &oldPath, const QString &newPath)
 {
-    platform().serialQueue.add([folder, move = BookMove{tomeletRoot(), oldPath, newPath}] { renameAllLinks(folder, move); });
+    queueMove({oldPath, newPath, true},
+              [folder, move = BookMove{tomeletRoot(), oldPath, newPath}] { renameAllLinks(folder, move); });
+}
+
+void finishAbandonedMoves()
+{
+    for (const MoveInWork &move : takeAbandonedMoves()) {
+        // Something else stands at the old place by now: what refers to it can no longer be told.
+        if (!itemExists(move.to) || itemExists(move.from)) continue;
+        logLine(QStringLiteral("finishing the move of %1 to %2").arg(move.from, move.to));
+        if (move.allBelow) tm_renameAllLinksFrom(tomeletRoot(), move.from, move.to);
+        else tm_adjustLinksAndBacklinksAfterRenameFrom(move.to, move.from);
+    }
 }
 
 } // namespace tomelet

@@ -19,4 +19,7 @@ void tm_askToAdjustLinksAndBacklinksAfterRenameFrom(const QString &newPath, cons
 /// After a book has moved: the same for all that lies in it, by one walk below the folder. Queued.
 void tm_renameAllLinksFrom(const QString &folder, const QString &oldPath, const QString &newPath);
 
+/// Queues once more the moves whose links a program that was killed left half rewritten.
+void finishAbandonedMoves();
+
 } // namespace tomelet

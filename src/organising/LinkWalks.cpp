@@ -13,6 +13,7 @@
 #include "organising/Backlinks.h"
 #include "organising/ContextStores.h"
 #include "organising/DocumentReferences.h"
+#include "organising/LinkRewriting.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -103,6 +104,9 @@ RefreshedLinks tm_refreshAllBacklinksStartingAtReferenceDate(const QString &fold
     const QDateTime begin = platform().clock.now();
     const QDateTime reference = sinceReferenceDate && isRoot ? lastRefreshOfBacklinks() : farPast();
     RefreshedLinks found;
+    // What is read below must be the texts with their links as they are meant.
+    finishAbandonedMoves();
+    platform().serialQueue.drain();
     BacklinksToAdd backlinks;
     WalkProgress walk(folder, progress);
     const bool walked = walkLinkedItems(folder, [&](const QString &path, bool isBook) {
@@ -197,6 +201,7 @@ CheckedBacklinks tm_findBrokenBacklinks(const QString &folder, BacklinkCheck che
         return walk.advance();
     });
     // After the walk: a repair of one item may mend the paths of others, which are looked at anew.
+    if (check == BacklinkCheck::Repair) finishAbandonedMoves();
     if (check == BacklinkCheck::Repair)
         for (const QString &item : checked.mismatches) tm_repairBrokenBacklink(item);
     if (folder == root && walked) setNumberOfDocumentsWithBacklinks(checked.items);

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/NotebookOrganiser.h"
 
-#include "conversion/Patterns.h"
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
@@ -54,6 +53,7 @@ public:
         // A list that the person has emptied stays empty: only a notebook without one gets the first contexts.
         const bool fresh = !itemExists(miscFile(QStringLiteral("AvailableTags.txt")));
         if (fresh && settings().boolean(QStringLiteral("contextsEnabled"))) writeDefaultContexts();
+        finishAbandonedMoves();
     }
     void propertyFileChanged(const QString &path) override
     {
@@ -82,13 +82,7 @@ public:
 
     QString withContextsMarked(const QString &path, const QString &html) override
     {
-        QString marked = html;
-        const QStringList tags = tm_propertyForKey(path, QStringLiteral("Tags")).toStringList();
-        for (const QString &word : tm_listOfAllAvailableTags())
-            if (tags.contains(word) && tm_tagIsManagedAutomatically(word))
-                marked = regexSweep(marked, QStringLiteral("(\\W)(%1)(\\W)").arg(word),
-                                    QStringLiteral("$1<span class=\"tm_context-tag\">$2</span>$3"));
-        return marked;
+        return tm_assignClassToContextTags(html, tm_propertyForKey(path, QStringLiteral("Tags")).toStringList());
     }
 
 private:

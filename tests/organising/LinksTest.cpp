@@ -2,6 +2,8 @@
 #include "tests/support/Notebook.h"
 
 #include "foundation/Platform.h"
+#include "foundation/PropertyStore.h"
+#include "library/Root.h"
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
 #include "organising/Backlinks.h"
@@ -11,6 +13,7 @@
 #include "organising/LostTarget.h"
 #include "organising/NotebookOrganiser.h"
 
+#include <QDir>
 #include <QFile>
 
 using namespace tomelet;
@@ -97,6 +100,17 @@ TEST_F(Links, encodedAndComposedForms)
     refresh({"/r.md"});
     move("/A/M\u00fcll #1.md", "/A/neu.md");
     EXPECT_EQ(text("/r.md"), "[1](/A/neu.md) [2](A/neu.md)");
+
+    // The name itself stands in the decomposed form on the disk.
+    write(QStringLiteral("/D/e\u0301t.md"));
+    write(QStringLiteral("/D/s.md"), "[1](e%CC%81t.md) [2](/D/e%CC%81t.md) [3](e\xCC\x81t.md)");
+    refresh({"/D/s.md"});
+    move("/D/e\u0301t.md", "/D/new.md");
+    EXPECT_EQ(text("/D/s.md"), "[1](new.md) [2](/D/new.md) [3](new.md)");
+    write(QStringLiteral("/D/e\u0301t.md"));
+    write(QStringLiteral("/D/own.md"), "[1](e%CC%81t.md) [3](e\xCC\x81t.md)");
+    move("/D/own.md", "/E.md");
+    EXPECT_EQ(text("/E.md"), "[1](D/e%CC%81t.md) [3](D/e\xCC\x81t.md)");
 }
 
 TEST_F(Links, theMovedDocumentKeepsItsOwnLinks)
@@ -216,6 +230,31 @@ TEST_F(Links, refreshOfAllGivesWhatItemByItemWorkGives)
     }
     tm_refreshAllBacklinksStartingAtReferenceDate(root, true);
     EXPECT_EQ(stored(), oneByOne);
+}
+
+// A program was killed after half of the texts were rewritten and all property files were.
+TEST_F(Links, aBrokenOffMoveIsFinishedByTheNextRun)
+{
+    write(QStringLiteral("/Old/a.md"), "[[/Old/b.md]]\n");
+    write(QStringLiteral("/Old/b.md"), "text\n");
+    write(QStringLiteral("/done.md"), "[[/New/b.md]]\n");
+    write(QStringLiteral("/open.md"), "[[/Old/b.md]]\n");
+    refresh({"/Old/a.md", "/open.md"});
+    ASSERT_TRUE(QFile::rename(at(QStringLiteral("/Old")), at(QStringLiteral("/New"))));
+    tm_setProperty(at(QStringLiteral("/New/b.md")), QStringLiteral("/New/b.md"), QStringLiteral("ReferencedPath"));
+    const auto entry = [&](const char *from, const char *to, bool all) {
+        return QVariantMap{{QStringLiteral("from"), at(QString::fromUtf8(from))}, {QStringLiteral("to"), at(QString::fromUtf8(to))},
+                           {QStringLiteral("allBelow"), all}, {QStringLiteral("process"), 0LL}};
+    };
+    const QString journal = rootStateFolder() + QStringLiteral("/MovesInWork.plist");
+    ASSERT_TRUE(QDir().mkpath(rootStateFolder()));
+    ASSERT_TRUE(writeStore(journal, QVariantList{entry("/Old", "/New", true), entry("/gone.md", "/none.md", false)}));
+    finishAbandonedMoves();
+    drainPendingWork();
+    EXPECT_EQ(text("/New/a.md"), "[[/New/b.md]]\n");
+    EXPECT_EQ(text("/open.md"), "[[/New/b.md]]\n");
+    EXPECT_EQ(text("/done.md"), "[[/New/b.md]]\n");
+    EXPECT_FALSE(QFile::exists(journal)) << "nothing is left to finish";
 }
 
 TEST_F(Links, aRenameMadeElsewhereIsAskedAbout)

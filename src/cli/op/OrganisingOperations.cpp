@@ -18,6 +18,7 @@ static void addContexts(Registry &add)
     add.text("tm_tagIsManagedAutomatically", "word", [](const QString &word) {
         return !word.isEmpty() && tm_tagIsManagedAutomatically(word);
     });
+    add.text("tm_assignClassToContextTags", "html, tags", tm_assignClassToContextTags);
     add.plain("tm_unfilteredListOfAllTags", "", tm_unfilteredListOfAllTags);
     add.text("tm_unfilteredListOfAllTags", "receiver", [](const QString &) { return tm_unfilteredListOfAllTags(); });
     add.plain("tm_listOfAllAvailableTags", "", tm_listOfAllAvailableTags);
@@ -41,9 +42,23 @@ static void addContexts(Registry &add)
     add.plain("tm_refreshContexts", "", [] { tm_refreshContexts(); });
 }
 
+static QVariantList referencesOf(const QString &document, bool includingRanges)
+{
+    QVariantList found;
+    if (!includingRanges)
+        for (const QString &path : tm_arrayOfAllReferencesInDocument(document)) found.append(path);
+    else
+        for (const Reference &reference : referencesInDocument(document))
+            found.append(QVariantMap{{QStringLiteral("path"), reference.path},
+                                     {QStringLiteral("range"), textOfRange(reference.range)}});
+    return found;
+}
+
 static void addLinks(Registry &add)
 {
+    add.text("tm_isTomeletURLSchemeAction", "url", tm_isTomeletURLSchemeAction);
     add.path("tm_arrayOfAllReferencesInDocument", "path", tm_arrayOfAllReferencesInDocument);
+    add.path("tm_arrayOfAllReferencesInDocumentIncludingRanges", "path, includingRanges", referencesOf);
     add.path("tm_verifiedArrayOfReferencedDocuments", "path", tm_verifiedArrayOfReferencedDocuments);
     add.path("tm_addBacklink", "path, referrer", tm_addBacklink);
     add.path("tm_changeBacklinkFrom", "path, oldReferrer, newReferrer", tm_changeBacklinkFrom);
