@@ -28,7 +28,7 @@ constexpr FormattingCommand commands[] = {
     {"bullets", TOMELET_TEXT("Bullets"), "\u2022", "", "tm.setList(false)"},
     {"numbers", TOMELET_TEXT("Numbers"), "1.", "", "tm.setList(true)"},
     {"boxes", TOMELET_TEXT("Check Boxes"), "\u2610", "", "tm.toggleBoxes()"},
-    {"done", TOMELET_TEXT("Done"), "", "", "tm.toggleDone()"},
+    {"done", TOMELET_TEXT("Done"), "", "Ctrl+Shift+L", "tm.toggleDone()"},
     {"outdent", TOMELET_TEXT("Outdent"), "\u2190", "", "document.execCommand('outdent')"},
     {"indent", TOMELET_TEXT("Indent"), "\u2192", "", "document.execCommand('indent')"},
     {"table", TOMELET_TEXT("Insert Table"), "", "", "tm.insertTable(3, 3)"},

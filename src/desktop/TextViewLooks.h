@@ -5,12 +5,6 @@
 
 #include <QWidget>
 
-#include <optional>
-
-namespace tomelet {
-struct Range;
-}
-
 namespace tomelet::desktop {
 
 class TMLTTextView;
