@@ -1,18 +1,25 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/DocumentPane.h"
 
+#include "conversion/EmbeddedStyle.h"
 #include "conversion/Page.h"
 #include "conversion/Patterns.h"
 #include "desktop/DocumentHeader.h"
+#include "desktop/FindBar.h"
+#include "desktop/FormattingBar.h"
 #include "desktop/PageProfile.h"
 #include "desktop/TMLTTextView.h"
+#include "desktop/TMLTWebView.h"
 #include "editor/FormattedPage.h"
+#include "editor/PageBody.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
+#include "foundation/Log.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
 #include "library/Appearance.h"
+#include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
@@ -91,6 +98,22 @@ QString pageInScheme(const QString &html, const QPalette &palette)
     return head + html.mid(end);
 }
 
+QUrl addressOf(const QString &base)
+{
+    if (!base.startsWith(u'/')) return QUrl(base);
+    return QUrl::fromLocalFile((isFolder(base) ? base : parentPath(base)) + u'/');
+}
+
+// With what is needed to show it; nothing of this goes into a file.
+QString pageToShow(const QString &html, const QUrl &address, const QPalette &palette)
+{
+    QString page = pageInScheme(html, palette);
+    const qsizetype head = page.indexOf(u"<head>");
+    if (head >= 0)
+        page.replace(head, 6, QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded())));
+    return page;
+}
+
 } // namespace
 
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
@@ -101,8 +124,11 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     , m_header(new DocumentHeader(actions))
     , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
+    , m_find(new FindBar)
+    , m_counts(new QLabel)
     , m_stack(new QStackedWidget)
-    , m_view(new QWebEngineView)
+    , m_view(new TMLTWebView)
+    , m_bar(new FormattingBar)
     , m_text(new TMLTTextView)
     , m_controller(*this)
 {
@@ -113,12 +139,16 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     page->setBackgroundColor(palette().color(QPalette::Base));
     makeLayout();
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
+    connectEditor();
+    connectFinding();
+    applyViewSettings();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
 }
 
 DocumentPane::~DocumentPane()
 {
+    settlePage();
     m_controller.closeDocument();
 }
 
@@ -142,8 +172,16 @@ void DocumentPane::makeLayout()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_header);
+    layout->addWidget(m_bar);
     layout->addWidget(m_notice);
+    m_bar->hide();
     layout->addWidget(m_stack, 1);
+    layout->addWidget(m_find);
+    layout->addWidget(m_counts);
+    m_counts->setAlignment(Qt::AlignRight);
+    m_counts->setMargin(4);
+    m_counts->setForegroundRole(QPalette::PlaceholderText);
+    m_counts->hide();
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Base);
     setFocusProxy(m_view);
@@ -153,9 +191,19 @@ void DocumentPane::makeLayout()
 
 void DocumentPane::showDocument(const QString &path, const QString &anchor)
 {
+    if (m_isSettling) return;
+    settlePage();
     const bool opened = m_controller.openDocument(path);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
+}
+
+void DocumentPane::createDocument(const QString &extension, const QString &book)
+{
+    if (m_isSettling) return;
+    settlePage();
+    m_controller.createNewDocument(extension, book);
+    updateTitle();
 }
 
 void DocumentPane::scrollToAnchor(const QString &anchor)
@@ -176,6 +224,9 @@ void DocumentPane::updateTitle()
 void DocumentPane::bring(QWidget *shown)
 {
     m_notice->hide();
+    m_bar->hide();
+    m_counts->hide();
+    m_view->expectPage(false);
     m_stack->setCurrentWidget(shown);
     setFocusProxy(shown == m_empty ? m_view : shown);
 }
@@ -203,18 +254,17 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
 void DocumentPane::showPage(const QString &html, const QString &base)
 {
     m_base = base;
+    m_source = html;
     bring(m_view);
     updateTitle();
-    QString page = pageInScheme(html, palette());
-    const QUrl address = base.startsWith(u'/') ? QUrl::fromLocalFile(parentPath(base) + u'/') : QUrl(base);
-    const QString element = QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded()));
-    const qsizetype head = page.indexOf(u"<head>");
-    if (head >= 0) page.replace(head, 6, element);
+    m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
+    const QUrl address = addressOf(base);
+    const QString page = pageToShow(html, address, palette());
     if (page.size() < longestTextPage) return m_view->setHtml(page, address);
 
-    const QString folder = joinPath(workingDirectory(), QStringLiteral("pages"));
-    makeFolder(folder);
-    const QString file = joinPath(folder, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
+    const QString pages = joinPath(workingDirectory(), QStringLiteral("pages"));
+    makeFolder(pages);
+    const QString file = joinPath(pages, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
     if (writeFile(file, page.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
 }
 
@@ -253,8 +303,16 @@ void DocumentPane::runWhenLoaded(const QString &script)
             [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
 }
 
+// A page that is being edited takes the new head alone, and keeps caret, history and position.
 void DocumentPane::updateHTML()
 {
+    if (m_view->isEditing()) {
+        const QString fresh = path().isEmpty() ? m_source : formattedPageFor(path()).html;
+        if (tm_removeGeneratorTomelet(fresh) != tm_removeGeneratorTomelet(m_source))
+            logLine(QStringLiteral("reloading after updateHTML"));
+        m_source = fresh;
+        return m_view->restyle(headOfPage(pageToShow(fresh, addressOf(m_base), palette())));
+    }
     const qlonglong offset = readingOffset();
     if (const FormattedPage page = formattedPageFor(path()); !page.html.isEmpty()) showPage(page.html, page.base);
     restoreOffset(offset);
@@ -296,11 +354,6 @@ bool DocumentPane::isBlankUpToCaretLine() const { return m_text->isBlankUpToCare
 void DocumentPane::restylePlainText() { m_text->restyle(); }
 QString DocumentPane::mainFrameURL() const { return m_base; }
 
-void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
-{
-    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
-}
-
 void DocumentPane::zoom(int steps)
 {
     static constexpr double step = 1.1;
@@ -314,11 +367,6 @@ void DocumentPane::setEdited(bool edited)
     if (edited == m_isEdited) return;
     m_isEdited = edited;
     updateTitle();
-}
-
-void DocumentPane::beginEditing()
-{
-    shownWidget()->setFocus();
 }
 
 // -- positions --------------------------------------------------------------------------------------------------------
@@ -354,6 +402,7 @@ void DocumentPane::scrollToText(const QString &text)
 void DocumentPane::toggleView()
 {
     if (m_stack->currentWidget() == m_text) return m_controller.tm_togglePlainTextAndFormattedView();
+    settlePage();
     const QString script = QStringLiteral("{ %1 const top = paragraphs.find(e => e.getBoundingClientRect().top >= 0);"
                                           "top && window.scrollY > 0 ? top.innerText : ''; }")
                                .arg(letters);

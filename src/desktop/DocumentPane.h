@@ -7,17 +7,21 @@
 #include "editor/EditorCommands.h"
 #include "editor/TMLTDocumentViewController.h"
 
-#include <QWebEngineView>
+#include <QTimer>
 #include <QWidget>
 
+class QImage;
 class QLabel;
 class QStackedWidget;
 
 namespace tomelet::desktop {
 
 class DocumentHeader;
+class FindBar;
+class FormattingBar;
 class ItemActions;
 class TMLTTextView;
+class TMLTWebView;
 
 class DocumentPane final : public QWidget, private DocumentView
 {
@@ -31,7 +35,7 @@ public:
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     void showDocument(const QString &path, const QString &anchor = {});
     [[nodiscard]] const QString &path() const { return m_controller.path(); }
-    [[nodiscard]] QWebEngineView *view() { return m_view; }
+    [[nodiscard]] TMLTWebView *view() { return m_view; }
     [[nodiscard]] TMLTTextView *textView() { return m_text; }
     [[nodiscard]] DocumentHeader *header() { return m_header; }
     [[nodiscard]] TMLTDocumentViewController &controller() { return m_controller; }
@@ -40,8 +44,20 @@ public:
 
     /// Between text and page, at the same paragraph.
     void toggleView();
-    /// A command on the text, where a text is on display.
+    /// A command on the text, or its like on a page that is being edited.
     void applyToText(EditorCommand command, const EditorArguments &arguments = {});
+    /// A document without a file yet; an empty extension is the preferred one's, an empty book the inbox.
+    void createDocument(const QString &extension, const QString &book);
+    /// The bar for finding, and for replacing where the document can be changed.
+    void openFind(bool replaces);
+    /// The next place of what the bar has; `stays` begins at the selection itself.
+    void find(bool backward, bool stays);
+    /// Asks for a printer, or for a file.
+    void print();
+    void printToPdf();
+    void setFullScreen(bool full);
+    /// What the settings say about line numbers, the current line, scrolling and spelling.
+    void applyViewSettings();
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 
@@ -60,6 +76,22 @@ private:
     void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url);
     void unlock();
+    void connectEditor();
+    void connectFinding();
+    [[nodiscard]] bool showsText() const;
+    void replaceFound();
+    void replaceAllFound();
+    void count();
+    void showCounts(qlonglong words, qlonglong characters);
+    /// Tells the controller the last input before the page goes.
+    void settlePage();
+    void beginEditingPage(bool onLink);
+    void runCommand(const QString &command, const QString &argument = {});
+    void toggleContentsTable();
+    void insertFiles(const QStringList &files);
+    void insertImage(const QImage &image);
+    [[nodiscard]] QString bookOfDocument() const;
+    [[nodiscard]] bool showsContentsTable() const;
 
     // What the controller asks of its view.
     void showNothing() override;
@@ -73,15 +105,15 @@ private:
     void select(Range selection) override;
     [[nodiscard]] bool isBlankUpToCaretLine() const override;
     void restylePlainText() override;
-    // Pages are for reading: they give nothing back, and the controller saves none that was not typed in.
-    [[nodiscard]] QString innerHTML() const override { return {}; }
-    [[nodiscard]] QString innerText() const override { return {}; }
-    [[nodiscard]] QString outerHTML() const override { return {}; }
+    [[nodiscard]] QString innerHTML() const override;
+    [[nodiscard]] QString innerText() const override;
+    /// The page as it was loaded, with the body that it has now: nothing that showing it added goes into the file.
+    [[nodiscard]] QString outerHTML() const override;
     [[nodiscard]] QString mainFrameURL() const override;
     [[nodiscard]] bool canGoBack() const override { return false; }
     void updateHTML() override;
-    void hideFormattingBar() override {}
-    [[nodiscard]] QString caretParagraph() const override { return m_paragraphOnTop; }
+    void hideFormattingBar() override;
+    [[nodiscard]] QString caretParagraph() const override;
     void scrollToText(const QString &text) override;
     [[nodiscard]] qlonglong readingOffset() const override;
     void restoreOffset(qlonglong offset) override;
@@ -98,10 +130,17 @@ private:
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
+    FindBar *m_find;
+    QLabel *m_counts; ///< words and characters
+    QTimer m_countTimer;
+    int m_countNumber = 0; // of the latest count; older ones come too late
     QStackedWidget *m_stack;
-    QWebEngineView *m_view;
+    TMLTWebView *m_view;
+    FormattingBar *m_bar;
     TMLTTextView *m_text;
     QString m_base; ///< of the page on display
+    QString m_source; ///< the page as it was loaded
+    bool m_isSettling = false;
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;

@@ -38,6 +38,7 @@ void MainWindow::makeActions()
     makeBookMenu();
     makeEditMenu();
     makeTextMenu();
+    makeDocumentMenu();
     makeViewMenu();
     makeOrganiseMenu();
     makeTaskMenu();
@@ -48,7 +49,7 @@ void MainWindow::makeActions()
 void MainWindow::makeBookMenu()
 {
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
-    add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { newDocument(); });
+    add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { createDocument({}); });
     add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); });
     add(menu, TOMELET_TEXT("Open in E&xtra Window"), QKeySequence(QStringLiteral("Ctrl+Return")), [this] {
         for (const QString &path : selectedDocuments()) Q_EMIT extraWindowWanted(path);
@@ -156,7 +157,7 @@ void MainWindow::makeViewMenu()
     add(menu, TOMELET_TEXT("&Previous Pane"), QKeySequence(QStringLiteral("Shift+F6")), [this] { focusNextPane(-1); });
     menu->addSeparator();
     QAction *info = m_info->toggleViewAction();
-    info->setShortcut(QKeySequence(QStringLiteral("Ctrl+I")));
+    info->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+I"))); // italics have the shorter one
     menu->addAction(info);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Larger"), QKeySequence::ZoomIn,

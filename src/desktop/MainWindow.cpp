@@ -354,20 +354,6 @@ void MainWindow::newBook()
 }
 
 // In the book on display, with its name ready to be typed.
-void MainWindow::newDocument()
-{
-    const QString book = m_listModel->controller().source().book;
-    const QString path = m_actions.newDocument(book.isEmpty() ? tomeletRoot() : book);
-    if (path.isEmpty()) return;
-    showItem(path);
-    m_listModel->reload();
-    updateListTexts();
-    m_list->setFocus();
-    const QModelIndex index = m_listModel->indexOfPath(path);
-    m_list->selectOnly(index);
-    m_list->edit(index);
-}
-
 void MainWindow::renameSelection()
 {
     if (m_outline->hasFocus()) m_outline->edit(m_outline->currentIndex());

@@ -63,6 +63,10 @@ private:
     void makeBookMenu();
     void makeEditMenu();
     void makeTextMenu();
+    void makeDocumentMenu();
+    void addLook(QMenu *menu, const char *text, const QString &key, qlonglong whenOn);
+    void createDocument(const QString &extension);
+    void toggleFullScreen();
     void makeViewMenu();
     void makeOrganiseMenu();
     void makeContextCommands(QMenu *menu);
@@ -99,7 +103,6 @@ private:
     void waitForRoot();
     void newRoot();
     void newBook();
-    void newDocument();
     void renameSelection();
     void forSelection(const std::function<void(const QStringList &)> &action);
     [[nodiscard]] QStringList selectedDocuments() const;

@@ -2,6 +2,9 @@
 #include "desktop/PageProfile.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
 #include <QWebEngineUrlRequestInterceptor>
@@ -24,7 +27,28 @@ public:
     }
 };
 
+// The dictionaries of the machine's languages that the engine finds: "de-DE.bdic".
+QStringList installedDictionaries()
+{
+    const QString usual = QLibraryInfo::path(QLibraryInfo::DataPath) + QStringLiteral("/qtwebengine_dictionaries");
+    const QDir folder(qEnvironmentVariable("QTWEBENGINE_DICTIONARIES_PATH", usual));
+    QStringList languages;
+    for (const QFileInfo &file : folder.entryInfoList({QStringLiteral("*.bdic")}, QDir::Files, QDir::Name))
+        languages.append(file.completeBaseName());
+    QStringList wanted;
+    for (const QString &language : QLocale::system().uiLanguages() + QStringList{QStringLiteral("en-US")})
+        if (languages.contains(language) && !wanted.contains(language)) wanted.append(language);
+    return wanted;
+}
+
 } // namespace
+
+void checkSpellingOfPages(bool on)
+{
+    const QStringList languages = installedDictionaries();
+    pageProfile()->setSpellCheckLanguages(languages);
+    pageProfile()->setSpellCheckEnabled(on && !languages.isEmpty());
+}
 
 QWebEngineProfile *pageProfile()
 {

@@ -16,7 +16,8 @@ bool SingleInstance::handedOverTo(const QString &path)
     socket.connectToServer(name);
     if (socket.waitForConnected(300)) {
         socket.write(path.toUtf8() + '\n');
-        return socket.waitForBytesWritten(1000);
+        // After a crash the engine's processes hold the socket for a moment, and nobody reads there.
+        if (socket.waitForReadyRead(5000)) return true;
     }
     // Nobody answers there, so what lies there is left over.
     QLocalServer::removeServer(name);
@@ -30,7 +31,13 @@ void SingleInstance::receive()
 {
     while (QLocalSocket *socket = m_server.nextPendingConnection()) {
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] {
-            if (socket->canReadLine()) Q_EMIT handedOver(QString::fromUtf8(socket->readLine().trimmed()));
+            if (!socket->canReadLine()) return;
+            const QString path = QString::fromUtf8(socket->readLine().trimmed());
+            socket->write("\n");
+            socket->flush();
+            // Showing a document may wait for another one's page, which is no place to be in a signal of the socket.
+            QMetaObject::invokeMethod(
+                this, [this, path] { Q_EMIT handedOver(path); }, Qt::QueuedConnection);
         });
         connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
     }

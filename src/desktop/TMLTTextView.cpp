@@ -2,6 +2,7 @@
 #include "desktop/TMLTTextView.h"
 
 #include "desktop/TextHighlighter.h"
+#include "desktop/TextViewLooks.h"
 #include "foundation/Localization.h"
 
 #include <QKeyEvent>
@@ -15,13 +16,26 @@ namespace tomelet::desktop {
 TMLTTextView::TMLTTextView(QWidget *parent)
     : QPlainTextEdit(parent)
     , m_highlighter(new TextHighlighter(document()))
+    , m_numbers(new LineNumbers(this))
 {
     setAccessibleName(localized(TOMELET_TEXT("Text")));
     setFrameShape(QFrame::NoFrame);
     document()->setDocumentMargin(20);
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
-        if (!m_loading && (removed > 0 || added > 0)) Q_EMIT edited();
+        if (m_loading || (removed == 0 && added == 0)) return;
+        m_typing.start();
+        Q_EMIT edited();
     });
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(1000);
+    connect(&m_typing, &QTimer::timeout, viewport(), qOverload<>(&QWidget::update));
+    m_spelling.setSingleShot(true);
+    m_spelling.setInterval(100);
+    connect(&m_spelling, &QTimer::timeout, this, &TMLTTextView::checkSpelling);
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, &TMLTTextView::caretMoved);
+    connect(this, &QPlainTextEdit::blockCountChanged, this, &TMLTTextView::placeNumbers);
+    connect(this, &QPlainTextEdit::updateRequest, m_numbers, qOverload<>(&QWidget::update));
+    applyViewSettings();
 }
 
 // Looking for words to break at takes seconds in a line of a million units.
@@ -90,6 +104,7 @@ void TMLTTextView::changeEvent(QEvent *event)
 {
     QPlainTextEdit::changeEvent(event);
     if (event->type() == QEvent::PaletteChange && m_highlighter) restyle();
+    if (event->type() == QEvent::FontChange && m_numbers) placeNumbers();
 }
 
 // -- commands ---------------------------------------------------------------------------------------------------------
@@ -100,16 +115,73 @@ bool TMLTTextView::apply(EditorCommand command, const EditorArguments &arguments
     EditedText edited(documentText(), selection());
     const bool handled = applyEditorCommand(edited, command, arguments, editorSettings());
     const Replacement change = edited.change();
-    if (change.range.isFound()) {
-        QTextCursor cursor = textCursor();
-        cursor.beginEditBlock();
-        cursor.setPosition(int(change.range.location));
-        cursor.setPosition(int(change.range.end()), QTextCursor::KeepAnchor);
-        cursor.insertText(change.text);
-        cursor.endEditBlock();
-    }
+    if (change.range.isFound()) replaceRange(change.range, change.text);
     select(edited.selection());
     return handled;
+}
+
+void TMLTTextView::replaceRange(Range range, const QString &text)
+{
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.setPosition(int(range.location));
+    cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
+    cursor.insertText(text);
+    cursor.endEditBlock();
+}
+
+// -- finding ----------------------------------------------------------------------------------------------------------
+
+static Qt::CaseSensitivity caseFor(const QString &wanted)
+{
+    return TMLTTextView::findsCase(wanted) ? Qt::CaseSensitive : Qt::CaseInsensitive;
+}
+
+bool TMLTTextView::findText(const QString &wanted, bool backward, bool stays)
+{
+    if (wanted.isEmpty()) return false;
+    const QString text = documentText();
+    const Range now = selection();
+    const auto look = [&](qsizetype from) {
+        return backward ? text.lastIndexOf(wanted, from, caseFor(wanted)) : text.indexOf(wanted, from, caseFor(wanted));
+    };
+    const qsizetype from = stays ? now.location : backward ? now.location - 1 : now.end();
+    qsizetype found = backward && from < 0 ? -1 : look(from);
+    if (found < 0) found = look(backward ? -1 : 0);
+    if (found >= 0) select({found, wanted.size()});
+    return found >= 0;
+}
+
+qsizetype TMLTTextView::countOf(const QString &wanted) const
+{
+    if (wanted.isEmpty()) return 0;
+    const QString text = documentText();
+    qsizetype count = 0;
+    for (qsizetype at = text.indexOf(wanted, 0, caseFor(wanted)); at >= 0;
+         at = text.indexOf(wanted, at + wanted.size(), caseFor(wanted)))
+        ++count;
+    return count;
+}
+
+void TMLTTextView::replaceFound(const QString &wanted, const QString &with)
+{
+    const Range now = selection();
+    const QString selected = documentText().mid(now.location, now.length);
+    if (wanted.isEmpty() || selected.compare(wanted, caseFor(wanted)) != 0 || isReadOnly() || !mayChange()) return;
+    replaceRange(now, with);
+    select({now.location + with.size(), 0});
+}
+
+void TMLTTextView::replaceAll(const QString &wanted, const QString &with)
+{
+    if (wanted.isEmpty() || isReadOnly() || !mayChange()) return;
+    QString text = documentText();
+    const qsizetype first = text.indexOf(wanted, 0, caseFor(wanted));
+    if (first < 0) return;
+    const qsizetype end = text.lastIndexOf(wanted, -1, caseFor(wanted)) + wanted.size();
+    QString changed = text.mid(first, end - first);
+    changed.replace(wanted, with, caseFor(wanted));
+    replaceRange({first, end - first}, changed);
 }
 
 namespace {

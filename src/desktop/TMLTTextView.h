@@ -6,11 +6,16 @@
 #include "editor/Highlighting.h"
 
 #include <QPlainTextEdit>
+#include <QTextBlock>
+#include <QTimer>
 
 #include <functional>
+#include <utility>
+#include <vector>
 
 namespace tomelet::desktop {
 
+class LineNumbers;
 class TextHighlighter;
 
 class TMLTTextView final : public QPlainTextEdit
@@ -35,6 +40,23 @@ public:
     /// Asked before the text changes by anything but undo; "false" keeps it as it is.
     void setChangeGuard(std::function<bool()> guard) { m_mayChange = std::move(guard); }
 
+    /// Line numbers, the mark of the current line, typewriter scrolling and spelling as the settings have them.
+    void applyViewSettings();
+    /// The widest that lines become, in pixels, in the middle of the view; 0 for the whole width.
+    void setColumnWidth(int width);
+    /// The blocks on the screen with the place of their upper edge in the viewport.
+    [[nodiscard]] std::vector<std::pair<QTextBlock, double>> visibleBlocks() const;
+
+    // -- finding; words without capitals are found in either case
+    [[nodiscard]] static bool findsCase(const QString &wanted) { return wanted != wanted.toLower(); }
+    /// Selects the next or previous place and goes round at the end; `stays` begins at the selection itself.
+    bool findText(const QString &wanted, bool backward, bool stays);
+    [[nodiscard]] qsizetype countOf(const QString &wanted) const;
+    /// Replaces what is selected, if it is what was found.
+    void replaceFound(const QString &wanted, const QString &with);
+    /// All of them in one undo step.
+    void replaceAll(const QString &wanted, const QString &with);
+
     [[nodiscard]] TextHighlighter &highlighter() { return *m_highlighter; }
 
 Q_SIGNALS:
@@ -47,15 +69,31 @@ protected:
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     [[nodiscard]] bool mayChange() const { return !m_mayChange || m_mayChange(); }
     bool applyKey(const QKeyEvent &event);
+    void replaceRange(Range range, const QString &text);
+    void placeNumbers();
+    void caretMoved();
+    void checkSpelling();
+    [[nodiscard]] Range wordAt(const QPoint &position) const;
+    void addSuggestions(QMenu *menu, Range place);
 
     TextHighlighter *m_highlighter;
     HighlightOptions m_options;
     std::function<bool()> m_mayChange;
     bool m_loading = false;
+    LineNumbers *m_numbers;
+    int m_columnWidth = 0;
+    bool m_typewriter = false;
+    bool m_marksLine = false;
+    bool m_checksSpelling = false;
+    QTimer m_typing;   // runs while somebody types: the word at the caret is not judged yet
+    QTimer m_spelling; // looks words up when nothing else is to be done
 };
 
 } // namespace tomelet::desktop

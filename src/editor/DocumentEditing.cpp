@@ -61,8 +61,30 @@ void TMLTDocumentViewController::textDidChange()
     m_view.setEdited(true);
     if (settings().boolean(QStringLiteral("noAutosaveText"))) return;
     const bool soon = m_kind == DocumentViewKind::PlainText && m_view.isBlankUpToCaretLine();
-    platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), soon ? 500ms : 600ms,
+    saveAfter(soon ? 500ms : 600ms);
+    if (m_savesWhileTyping) return;
+    m_savesWhileTyping = true;
+    platform().delayedCalls.schedule(QStringLiteral("saveWhileTyping"), callArgument(), 600ms,
+                                     [this] { saveWhileTyping(); });
+}
+
+void TMLTDocumentViewController::saveAfter(std::chrono::milliseconds pause)
+{
+    platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), pause,
                                      [this] { writeTextToFile(); });
+}
+
+// Who types without a pause loses no more than others when the power fails. The file gets its name at the next pause:
+// a title that is half typed is none.
+void TMLTDocumentViewController::saveWhileTyping()
+{
+    m_isTyping = true;
+    writeTextToFile();
+    m_isTyping = false;
+    if (m_titleIsFirstLineOfText && !m_path.isEmpty() && !m_md5hash.isEmpty())
+        m_forcedSave = m_forcedSave ||
+                       !tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), contentOfView().visibleText);
+    if (m_forcedSave || m_isEdited) saveAfter(600ms);
 }
 
 } // namespace tomelet

@@ -34,6 +34,8 @@ QString TMLTDocumentViewController::callArgument() const
 void TMLTDocumentViewController::cancelPendingSave()
 {
     platform().delayedCalls.cancel(QStringLiteral("writeTextToFile"), callArgument());
+    platform().delayedCalls.cancel(QStringLiteral("saveWhileTyping"), callArgument());
+    m_savesWhileTyping = false;
 }
 
 // -- what is to be saved ----------------------------------------------------------------------------------------------
@@ -113,7 +115,7 @@ void TMLTDocumentViewController::writeTextToFile()
         return tellFailure(localized(TOMELET_TEXT("%1 is write-protected.")).arg(lastPathComponent(m_path)));
     writeSidecarForWebview();
     const QString previousPath = m_path;
-    if (followTitle(content)) return;
+    if (!m_isTyping && followTitle(content)) return;
     if (writeContent(content)) finishSave(content, previousPath);
 }
 

@@ -15,6 +15,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <chrono>
 #include <vector>
 
 namespace tomelet {
@@ -105,6 +106,8 @@ private:
     [[nodiscard]] QString editableText() const;
 
     void cancelPendingSave();
+    void saveAfter(std::chrono::milliseconds pause);
+    void saveWhileTyping();
     [[nodiscard]] QString callArgument() const;
     [[nodiscard]] bool canBeSaved();
     [[nodiscard]] Content contentOfView() const;
@@ -144,6 +147,8 @@ private:
     bool m_titleIsFirstLineOfText = false;
     bool m_isEditable = false; ///< the text came out of the file whole, so that it can go back
     bool m_isEdited = false;
+    bool m_isTyping = false; ///< the save is one between two keys
+    bool m_savesWhileTyping = false; ///< such a save waits
     bool m_forcedSave = false;
     bool m_toldFailure = false;
     bool m_isForeignPage = false;

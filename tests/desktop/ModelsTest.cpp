@@ -20,6 +20,8 @@
 #include <QListView>
 #include <QMimeData>
 
+#include <unistd.h>
+
 using namespace tomelet;
 using namespace tomelet::desktop;
 
@@ -317,6 +319,7 @@ int main(int argc, char *argv[])
     qputenv("TZ", "Europe/Berlin");
     qputenv("LC_ALL", "en_US.UTF-8");
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (::geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1"); // as the program itself does
     QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);

@@ -4,6 +4,7 @@
 
 #include "desktop/TMLTTextView.h"
 #include "desktop/TextHighlighter.h"
+#include "editor/SpelledWords.h"
 #include "foundation/Platform.h"
 
 #include <QSignalSpy>
@@ -116,4 +117,43 @@ TEST_F(TextView, longTextsAreStyledInTheBackground)
     ASSERT_TRUE(done.wait(20000));
     EXPECT_EQ(formatsOfLine(3999).size(), formatsOfLine(0).size());
     EXPECT_FALSE(formatsOfLine(0).isEmpty());
+}
+
+TEST_F(TextView, findsAndReplaces)
+{
+    load(QStringLiteral("One one\nphone ONE"));
+    const auto found = [&](bool backward) {
+        return view.findText(QStringLiteral("one"), backward, false) ? view.selection().location : -1;
+    };
+    EXPECT_EQ(view.countOf(QStringLiteral("one")), 4);
+    EXPECT_EQ(view.countOf(QStringLiteral("One")), 1); // a capital means a capital
+    view.select({2, 0});
+    for (const int place : {4, 10, 14, 0, 4}) EXPECT_EQ(found(false), place);
+    for (const int place : {0, 14, 10}) EXPECT_EQ(found(true), place);
+    view.replaceFound(QStringLiteral("one"), QStringLiteral("on"));
+    EXPECT_EQ(view.documentText(), QStringLiteral("One one\nphon ONE"));
+    view.replaceFound(QStringLiteral("one"), QStringLiteral("two")); // nothing is selected now
+    view.replaceAll(QStringLiteral("one"), QStringLiteral("a one"));
+    EXPECT_EQ(view.documentText(), QStringLiteral("a one a one\nphon a one"));
+    view.undo();
+    EXPECT_EQ(view.documentText(), QStringLiteral("One one\nphon ONE"));
+    view.setReadOnly(true);
+    view.replaceAll(QStringLiteral("one"), QStringLiteral("x"));
+    EXPECT_EQ(view.documentText(), QStringLiteral("One one\nphon ONE"));
+    EXPECT_FALSE(view.findText(QStringLiteral("absent"), false, true));
+}
+
+TEST_F(TextView, wordsAreWhatPeopleSpell)
+{
+    const auto words = [](const QString &line) {
+        QStringList found;
+        for (const Range word : spelledWords(line)) found.append(line.mid(word.location, word.length));
+        return found.join(u'|');
+    };
+    EXPECT_EQ(words(QStringLiteral("It\u2019s 'quoted', **bold** — Größe.")),
+              QStringLiteral("It\u2019s|quoted|bold|Größe"));
+    EXPECT_EQ(words(QStringLiteral("at a@b.c see https://x.org/wrng v2x `cde fg` <b> so")),
+              QStringLiteral("at|see|so"));
+    EXPECT_EQ(words(QStringLiteral("open `code to the end")), QStringLiteral("open"));
+    EXPECT_EQ(words(QStringLiteral("a ' ''")), QString());
 }

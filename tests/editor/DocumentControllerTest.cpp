@@ -67,6 +67,22 @@ TEST_F(DocumentController, typingIsSavedWhenItPauses)
     EXPECT_EQ(read(QStringLiteral("/Note.txt")), QByteArray("later\r\n"));
 }
 
+TEST_F(DocumentController, typingWithoutAPauseIsSavedUnderTheOldName)
+{
+    controller.openDocument(document(QStringLiteral("/Note.md"), "Note\n"));
+    QList<QByteArray> saved;
+    const auto watching = notifications().observe(
+        QStringLiteral("TMLTFileModifiedOnDiskNotification"),
+        [&](const QVariantMap &) { saved.append(read(QStringLiteral("/Note.md"))); });
+    type(QStringLiteral("Not\n"));
+    type(QStringLiteral("Notes\nmore\n")); // so the first save of the two does not wait for a pause
+    pause();
+    EXPECT_EQ(saved.value(0), QByteArray("Notes\nmore\n"));
+    EXPECT_FALSE(exists(QStringLiteral("/Note.md")));
+    EXPECT_EQ(read(QStringLiteral("/Notes.md")), QByteArray("Notes\nmore\n"));
+    EXPECT_TRUE(platform().delayedCalls.isEmpty());
+}
+
 TEST_F(DocumentController, encodingsAreKeptWhileTheyCan)
 {
     controller.openDocument(document(QStringLiteral("/a.txt"), "caf\x8e"));

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The formatted editor: a page that is edited in place. The live page is the document; this keeps what it
+// last told of itself at hand, as scripts in a page answer in their own time.
+#pragma once
+
+#include <QImage>
+#include <QTimer>
+#include <QVariantMap>
+#include <QWebEngineView>
+
+#include <functional>
+
+namespace tomelet::desktop {
+
+/// What the formatting bar shows of the place that the caret is at.
+struct FormattingState
+{
+    QString block;      ///< "p", "h1"
+    QString list;       ///< "", "bullets", "numbers", "boxes"
+    QVariantMap active; ///< by the name of the command: "bold" → true
+    bool isMarked = false;
+    bool isInTable = false;
+};
+
+class TMLTWebView final : public QWebEngineView
+{
+    Q_OBJECT
+
+public:
+    explicit TMLTWebView(QWidget *parent = nullptr);
+
+    /// Before each page: whether the one that is loaded now may become editable. Forgets the one before it.
+    void expectPage(bool mayBeEdited);
+    /// Makes the page editable and puts the caret into it; a page that is still loading follows when it is
+    /// there.
+    void beginEditing(bool keepsContentsTable);
+    void endEditing();
+    [[nodiscard]] bool isEditing() const { return m_editing; }
+    /// The page told what it holds, so that editing can begin.
+    [[nodiscard]] bool isReady() const { return m_ready; }
+
+    // What the page held when it last answered.
+    [[nodiscard]] const QString &innerHTML() const { return m_html; }
+    [[nodiscard]] const QString &innerText() const { return m_text; }
+    /// Of the caret; "" where there is none.
+    [[nodiscard]] const QString &caretParagraph() const { return m_paragraph; }
+    [[nodiscard]] const QString &selectedText() const { return m_selected; }
+
+    /// Runs a command's script as one undo step; nothing happens in a page that is not being edited.
+    void run(const QString &script);
+    void undo() { ask(QStringLiteral("tm.undo()")); }
+    void redo() { ask(QStringLiteral("tm.redo()")); }
+    /// Another head for the page, as its inner HTML; caret, history and position stay.
+    void restyle(const QString &head);
+    /// The address of the link that the mouse is over, "" for none.
+    void setHoveredLink(const QString &address) { m_hovered = address; }
+    /// Has the page tell the last input, and waits for it, two seconds at most.
+    void waitForPage();
+
+Q_SIGNALS:
+    /// A page that may be edited was clicked or typed on.
+    void editingWanted(bool onLink);
+    /// A key for a page that could not become editable.
+    void typedInVain();
+    void ready();
+    /// The page holds something else than before.
+    void edited();
+    void stateChanged(const tomelet::desktop::FormattingState &state);
+    void linkWanted(const QUrl &url);
+    void imagePasted(const QImage &image);
+    void filesDropped(const QStringList &paths);
+
+protected:
+    bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void ask(const QString &script, std::function<void()> then = {});
+    void take(const QVariantMap &answer);
+    void loaded(bool fine);
+    bool keyPressed(const QKeyEvent &event);
+    bool mouseReleased(const QMouseEvent &event);
+    bool pasteImage();
+    void addSuggestions(QMenu *menu);
+    void inputHappened();
+
+    bool m_mayBeEdited = false;
+    bool m_ready = false;
+    bool m_editing = false;
+    bool m_beginsWhenReady = false;
+    bool m_waiting = false;
+    bool m_returnPressed = false;
+    int m_page = 0; // counts the pages, as answers come late
+    QString m_html;
+    QString m_text;
+    QString m_paragraph;
+    QString m_selected;
+    QString m_hovered;
+    QTimer m_afterInput; // lets the page take the input before it is asked
+    QTimer m_watch;      // for what no key tells, such as the menu of the page
+};
+
+} // namespace tomelet::desktop

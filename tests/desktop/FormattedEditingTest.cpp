@@ -1,0 +1,364 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The formatted editor in a real page: what commands make of it, undoing them, and what goes back into the
+// file.
+#include "tests/support/Notebook.h"
+
+#include "conversion/MarkdownToHtml.h"
+#include "desktop/DocumentPane.h"
+#include "desktop/FormattingCommands.h"
+#include "desktop/ItemActions.h"
+#include "desktop/TMLTWebView.h"
+#include "editor/PageBody.h"
+#include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
+#include "library/Properties.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileInfo>
+#include <QImage>
+#include <QRegularExpression>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWebEnginePage>
+
+using namespace tomelet;
+using namespace tomelet::desktop;
+
+namespace {
+
+class FormattedEditing : public tomelet::test::Notebook
+{
+protected:
+    void open(const QString &body)
+    {
+        path = at(QStringLiteral("/Note.html"));
+        ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, body).toUtf8()));
+        show();
+    }
+    void show()
+    {
+        pane.resize(800, 600);
+        pane.show();
+        QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+        pane.showDocument(path);
+        ASSERT_TRUE(ready.wait(20000));
+        Q_EMIT pane.view()->editingWanted(false);
+        ASSERT_TRUE(pane.view()->isEditing());
+        pane.view()->waitForPage();
+    }
+    // Places are in the first text of an element, or in the element when it has none.
+    void select(const QString &from, int start, const QString &to, int end)
+    {
+        script(QStringLiteral("{ const e = s => document.querySelector(s); const t = n => n.firstChild || n;"
+                              "getSelection().setBaseAndExtent(t(e('%1')), %2, t(e('%3')), %4); }")
+                   .arg(from)
+                   .arg(start)
+                   .arg(to)
+                   .arg(end));
+    }
+    QVariant script(const QString &text)
+    {
+        QVariant result;
+        QEventLoop loop;
+        pane.view()->page()->runJavaScript(text, 1, [&](const QVariant &answer) {
+            result = answer;
+            loop.quit();
+        });
+        loop.exec();
+        return result;
+    }
+    QString after(const QString &command, const QString &argument = {})
+    {
+        return afterScript(scriptOfCommand(command, argument));
+    }
+    QString afterScript(const QString &text)
+    {
+        pane.view()->run(text);
+        pane.view()->waitForPage();
+        return body();
+    }
+    [[nodiscard]] QString body()
+    {
+        return pane.view()->innerHTML().trimmed().remove(
+            QRegularExpression(QStringLiteral(" tmtableid=\"\\d+\"")));
+    }
+    // What the engine does in its own time.
+    template <typename Condition>
+    static bool comes(Condition condition)
+    {
+        return QTest::qWaitFor(condition, 20000);
+    }
+    void undoAll(int steps)
+    {
+        for (int i = 0; i < steps; ++i)
+            pane.view()->undo();
+        pane.view()->waitForPage();
+    }
+    ItemActions actions;
+    DocumentPane pane{actions};
+    QString path;
+};
+
+} // namespace
+
+namespace {
+
+struct Row
+{
+    const char *name;
+    const char *body;
+    const char *from;
+    int start;
+    const char *to;
+    int end;
+    const char *script;
+    const char *after;
+};
+
+constexpr const char *table =
+    "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td>1</td><td>2</td></tr></tbody></table>";
+
+const Row rows[] = {
+    {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
+    {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')",
+     "<h2>one</h2>"},
+    {"list", "<p>one</p><p id='z'>two</p>", "p", 0, "#z", 3, "tm.toggleList()",
+     "<ul><li>one</li><li>two</li></ul>"},
+    {"numbers in the middle of a list", "<ul><li>one</li><li id='z'>two</li></ul>", "#z", 1, "#z", 1,
+     "tm.setList(true)", "<ol><li>one</li><li id='z'>two</li></ol>"},
+    {"joined paragraphs", "<h2>one</h2><p>two</p>", "p", 0, "p", 0, "document.execCommand('delete')",
+     "<h2>onetwo</h2>"},
+    {"numbers", "<ul><li>one</li></ul>", "li", 0, "li", 0, "tm.toggleList()", "<ol><li>one</li></ol>"},
+    {"boxes", "<ul><li>one</li><li id='z'>two</li><li>three</li></ul>", "li", 0, "#z", 3, "tm.toggleBoxes()",
+     "<ul><li class='tm_checkbox'><input type='checkbox'>one</li>"
+     "<li id='z' class='tm_checkbox'><input type='checkbox'>two</li><li>three</li></ul>"},
+    {"done", "<ul><li class='tm_checkbox'><i>one</i></li></ul>", "i", 1, "i", 1, "tm.toggleDone()",
+     "<ul><li class='tm_checkbox_done'><i>one</i></li></ul>"},
+    {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i",
+     1, "i", 1, "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
+    {"row below the heading", table, "th", 0, "th", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td><br></td><td><br></td></tr>"
+     "<tr><td>1</td><td>2</td></tr></tbody></table>"},
+    {"column before", table, "td", 0, "td", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><th><br></th><th>a</th><th>b</th></tr>"
+     "<tr><td><br></td><td>1</td><td>2</td></tr></tbody></table>"},
+    {"column inside of a span",
+     "<table><tbody><tr><td colspan='2'>a</td></tr><tr><td>1</td><td id='z'>2</td></tr></tbody></table>",
+     "#z", 0, "#z", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><td colspan='3'>a</td></tr><tr><td>1</td><td><br></td><td "
+     "id='z'>2</td></tr></tbody></table>"},
+    {"rows", table, "td", 0, "td", 0, "tm.removeRows()",
+     "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
+    {"columns", table, "td", 0, "td", 0, "tm.removeColumns()",
+     "<table><tbody><tr><th>b</th></tr><tr><td>2</td></tr></tbody></table>"},
+    {"the last row", "<table><tbody><tr><td>1</td></tr></tbody></table>", "td", 0, "td", 0, "tm.removeRows()",
+     "<p><br></p>"},
+    {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
+    {"contents", "<h1 id='a'>One</h1><h2 id='b'>Two</h2>", "h1", 0, "h1", 0, "tm.setContents(true)",
+     "<div class='TOC' id='TOC'><ul><li class='tm_level_1' style='margin-left: 0em;'><a "
+     "href='#a'>One</a></li>"
+     "<li class='tm_level_2' style='margin-left: 1.2em;'><a href='#b'>Two</a></li></ul></div>\n"
+     "<h1 id='a'>One</h1><h2 id='b'>Two</h2>"},
+    {"a script that fails", "<p>one</p>", "p", 0, "p", 0, "nothing.at.all()", "<p>one</p>"},
+};
+
+QString html(const char *text)
+{
+    return QString::fromUtf8(text).replace(u'\'', u'"');
+}
+
+} // namespace
+
+TEST_F(FormattedEditing, everyCommandIsOneStepThatCanBeUndone)
+{
+    open(QStringLiteral("<p>begin</p>"));
+    for (const Row &row : rows) {
+        SCOPED_TRACE(row.name);
+        pane.showDocument({});
+        open(html(row.body));
+        if (HasFatalFailure()) return;
+        const QString before = body();
+        select(QString::fromUtf8(row.from), row.start, QString::fromUtf8(row.to), row.end);
+        const QString expected =
+            row.name == std::string_view("marks") ? QString::fromUtf8(row.after) : html(row.after);
+        EXPECT_EQ(afterScript(QString::fromUtf8(row.script)), expected);
+        undoAll(1);
+        EXPECT_EQ(body(), before);
+        undoAll(1);
+        EXPECT_EQ(body(), before);
+        pane.view()->redo();
+        pane.view()->waitForPage();
+        EXPECT_EQ(body(), expected);
+    }
+}
+
+TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
+{
+    open(QStringLiteral("<p>one two</p>"));
+    select(QStringLiteral("p"), 4, QStringLiteral("p"), 7);
+    afterScript(scriptForMarks(QStringLiteral("("), QStringLiteral(")")));
+    EXPECT_EQ(pane.view()->selectedText(), QStringLiteral("two"));
+    select(QStringLiteral("p"), 0, QStringLiteral("p"), 0);
+    afterScript(scriptForMarks(QStringLiteral("«"), QStringLiteral("»")));
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("it's")));
+    EXPECT_EQ(body(), QStringLiteral("<p>«it's»one (two)</p>"));
+}
+
+TEST_F(FormattedEditing, aDocumentThatIsOnlyLookedAtStaysAsItIs)
+{
+    open(QStringLiteral("<p>A &amp; b</p>\n<pre>\n\n  code</pre><ul class=x><li>open"));
+    const QByteArray bytes = read(QStringLiteral("/Note.html"));
+    const QDateTime date = QFileInfo(path).lastModified();
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("x")));
+    undoAll(3);
+    pane.showDocument({});
+    EXPECT_EQ(read(QStringLiteral("/Note.html")), bytes);
+    EXPECT_EQ(QFileInfo(path).lastModified(), date);
+}
+
+TEST_F(FormattedEditing, closingSavesTheLastInput)
+{
+    open(QStringLiteral("<p>Text</p>"));
+    const QByteArray before = read(QStringLiteral("/Note.html"));
+    pane.view()->run(scriptOfCommand(QStringLiteral("text"), QStringLiteral("Last ")));
+    pane.showDocument({});
+    EXPECT_EQ(read(QStringLiteral("/Note.html")).toStdString(),
+              QByteArray(before).replace("<p>Text</p>", "<p>Last Text</p>").toStdString());
+}
+
+TEST_F(FormattedEditing, foreignPagesKeepAllThatIsNotTheirBody)
+{
+    path = write(QStringLiteral("/Foreign.html"),
+                 "<!DOCTYPE html>\n<HTML><head><script>if (a<b) w('<body>')</script>\n"
+                 "<style>@media (prefers-color-scheme: dark) { p { color: red } }</style></head>\n"
+                 "<body onload=\"x()\" class='a'><p>Text</p></body></HTML>");
+    show();
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("New ")));
+    pane.showDocument({});
+    EXPECT_EQ(read(QStringLiteral("/Foreign.html")),
+              "<!DOCTYPE html>\n<HTML><head><script>if (a<b) w('<body>')</script>\n"
+              "<style>@media (prefers-color-scheme: dark) { p { color: red } }</style></head>\n"
+              "<body onload=\"x()\" class='a'><p>New Text</p></body>\n</html>\n");
+}
+
+TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
+{
+    open(QStringLiteral("<p>one</p>"));
+    select(QStringLiteral("p"), 2, QStringLiteral("p"), 2);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("x")));
+    tm_setProperty(path, QStringLiteral("31"), QStringLiteral("noteFontSize"));
+    notifications().post(QStringLiteral("TMLTReloadCurrentDocument"));
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("y")));
+    EXPECT_EQ(body(), QStringLiteral("<p>onxye</p>"));
+    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(),
+              QStringLiteral("31px"));
+    undoAll(2);
+    EXPECT_EQ(body(), QStringLiteral("<p>one</p>"));
+}
+
+TEST_F(FormattedEditing, picturesGoBesideTheDocument)
+{
+    open(QStringLiteral("<p>one</p>"));
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    for (int i = 0; i < 2; ++i)
+        Q_EMIT pane.view()->imagePasted(picture);
+    pane.view()->waitForPage();
+    const QStringList stored = names(QStringLiteral("/TMImages"));
+    ASSERT_FALSE(stored.isEmpty());
+    EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/") +
+                                QString(stored.first()).replace(u' ', QStringLiteral("%20"))));
+    const QString outside = world.filePath(QStringLiteral("a & b.txt"));
+    ASSERT_TRUE(writeFile(outside, "text"));
+    Q_EMIT pane.view()->filesDropped({outside});
+    pane.view()->waitForPage();
+    EXPECT_TRUE(body().contains(QStringLiteral(">a &amp; b</a>"))) << body().toStdString();
+    EXPECT_EQ(names(QStringLiteral("/TMImages")), stored);
+}
+
+TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
+{
+    open(QStringLiteral("<p>one</p><ul><li class=\"tm_checkbox\">box</li></ul>"));
+    const QString before = body();
+    QWidget *keys = pane.view()->focusProxy();
+    ASSERT_NE(keys, nullptr);
+    keys->setFocus();
+    select(QStringLiteral("p"), 3, QStringLiteral("p"), 3);
+    QTest::keyClicks(keys, QStringLiteral(" two"));
+    EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p>one two</p>")); }));
+    QTest::keyClick(keys, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(keys, Qt::Key_B, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p><b>one two</b></p>")); }));
+    const QVariantMap place =
+        script(QStringLiteral("{ const r = document.querySelector('li').getBoundingClientRect();"
+                              "({x: r.left - 8, y: r.top + 8}) }"))
+            .toMap();
+    const QPoint box(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt());
+    QTest::mouseClick(keys, Qt::LeftButton, {}, box);
+    EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
+    for (int i = 0; i < 3; ++i)
+        QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, pictureOfTheClipboardIsPasted)
+{
+    open(QStringLiteral("<p>one</p>"));
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QApplication::clipboard()->setImage(picture);
+    QTest::keyClick(pane.view()->focusProxy(), Qt::Key_V, Qt::ControlModifier);
+    pane.view()->waitForPage();
+    EXPECT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
+    EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/")));
+    pane.showDocument({});
+    EXPECT_TRUE(read(QStringLiteral("/Note.html")).contains("<img src=\"TMImages/"));
+}
+
+TEST_F(FormattedEditing, replacingStaysOutsideOfTags)
+{
+    open(QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+    select(QStringLiteral("p"), 5, QStringLiteral("p"), 5);
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceNext('note', 'text')")),
+              QStringLiteral("<p class=\"note\">Note a text.</p><p>no<b>te</b> NOTE (x)</p>"));
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', '$&<')")),
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; (x)</p>"));
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('(x)', '')")),
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; </p>"));
+    undoAll(3);
+    EXPECT_EQ(body(), QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+}
+
+TEST_F(FormattedEditing, newDocumentsAreNamedAfterTheirFirstLine)
+{
+    pane.show();
+    pane.createDocument(QStringLiteral("html"), root);
+    ASSERT_TRUE(comes([&] { return pane.view()->isEditing(); }));
+    pane.view()->waitForPage();
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("Fresh")));
+    pane.showDocument({});
+    EXPECT_TRUE(read(QStringLiteral("/Fresh.html")).contains("<body>\n<p>Fresh</p>\n</body>"));
+}
+
+TEST_F(FormattedEditing, readOnlyDocumentsStayClosed)
+{
+    path = write(QStringLiteral("/Note.html"), "<p>Text</p>");
+    tm_setProperty(path, QStringLiteral("1"), QStringLiteral("R/O"));
+    QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    pane.showDocument(path);
+    ASSERT_TRUE(ready.wait(20000));
+    Q_EMIT pane.view()->editingWanted(false);
+    EXPECT_FALSE(pane.view()->isEditing());
+}
+
+TEST(PageBody, findsItsBody)
+{
+    EXPECT_EQ(pageWithBody(QStringLiteral("<p>a"), QStringLiteral("b")), QStringLiteral("b"));
+    EXPECT_EQ(pageWithBody(QStringLiteral("<head><!-- <body> --></head>a"), QStringLiteral("b")),
+              QStringLiteral("<head><!-- <body> --></head>b"));
+    EXPECT_EQ(pageWithBody(QStringLiteral("<body title='a>b'>c</body>d"), QStringLiteral("e")),
+              QStringLiteral("<body title='a>b'>e</body>"));
+    EXPECT_EQ(headOfPage(QStringLiteral("<html><head x><title></head></title></head>")),
+              QStringLiteral("<title></head></title>"));
+}
