@@ -92,6 +92,7 @@ void DesktopShell::launch(const QString &folder)
             m_application.initAppSettings(false);
             m_window.outlineController().initFileCoordinationAndTaskLists();
             m_window.outlineController().tm_expandSavedPaths();
+            m_window.presentIndex();
         }
         m_application.applicationDidFinishLaunching(keys);
     });

@@ -2,7 +2,6 @@
 #include "desktop/ItemActions.h"
 
 #include "desktop/Step.h"
-#include "editor/NewDocument.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -247,18 +246,6 @@ QString ItemActions::newBook(const QString &parent)
         return {};
     }
     noteCreation(localized(TOMELET_TEXT("New Book")), path);
-    return path;
-}
-
-QString ItemActions::newDocument(const QString &book)
-{
-    const QString path = makeEmptyDocument(book);
-    if (path.isEmpty()) {
-        Q_EMIT failed(localized(TOMELET_TEXT("The document could not be made.")),
-                      localized(TOMELET_TEXT("Nothing can be written in \"%1\".")).arg(lastPathComponent(book)));
-        return {};
-    }
-    noteCreation(localized(TOMELET_TEXT("New Document")), path);
     return path;
 }
 

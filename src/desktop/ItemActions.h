@@ -27,8 +27,6 @@ public:
     void deletePermanently(const QStringList &paths);
     /// The path of the new book, "" when it could not be made.
     QString newBook(const QString &parent);
-    /// The same for a document.
-    QString newDocument(const QString &book);
     /// Takes something new, made elsewhere, as a step that can be undone.
     void noteCreation(const QString &stepName, const QString &path);
     void setBookOrder(const QString &book, const QStringList &names);

@@ -112,7 +112,7 @@ void MainWindow::makeEditMenu()
     redo->setShortcut(QKeySequence::Redo);
     menu->addActions({undo, redo});
     menu->addSeparator();
-    add(menu, TOMELET_TEXT("&Filter Documents"), QKeySequence(QStringLiteral("Ctrl+Shift+F")), [this] {
+    add(menu, TOMELET_TEXT("&Search the Notebook"), QKeySequence(QStringLiteral("Ctrl+Shift+F")), [this] {
         m_filter->setFocus();
         m_filter->selectAll();
     });

@@ -27,6 +27,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QProgressBar>
 #include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -47,6 +48,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_listTitle(new QLabel)
     , m_listEmpty(new QLabel)
     , m_filter(new QLineEdit)
+    , m_indexProgress(new QProgressBar)
     , m_listStack(new QStackedWidget)
     , m_document(new DocumentPane(m_actions))
     , m_info(new InfoPanel)
@@ -81,9 +83,6 @@ void MainWindow::makePanes()
     m_listEmpty->setWordWrap(true);
     m_listEmpty->setMargin(24);
     m_listEmpty->setForegroundRole(QPalette::PlaceholderText);
-    m_filter->setPlaceholderText(localized(TOMELET_TEXT("Filter by name")));
-    m_filter->setAccessibleName(localized(TOMELET_TEXT("Filter by name")));
-    m_filter->setClearButtonEnabled(true);
 
     m_listSide->setAutoFillBackground(true);
     m_listSide->setBackgroundRole(QPalette::Base);
@@ -92,7 +91,7 @@ void MainWindow::makePanes()
     auto *header = new QVBoxLayout;
     header->setContentsMargins(12, 0, 12, 4);
     header->addWidget(m_listTitle);
-    header->addWidget(m_filter);
+    header->addWidget(makeSearchField());
     listLayout->addLayout(header);
     m_listStack->addWidget(m_list);
     m_listStack->addWidget(m_listEmpty);
@@ -127,10 +126,6 @@ void MainWindow::makePanes()
     connect(m_list, &DocumentListView::toggleWanted, this,
             [this](const QStringList &paths) { toggleTasks(m_actions, paths); });
     connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
-    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) {
-        m_listModel->setFilter(text);
-        updateListTexts();
-    });
     connect(m_document, &DocumentPane::titleChanged, this, [this](const QString &title) {
         m_info->setDocument(m_document->path());
         setWindowTitle(title.isEmpty() ? QStringLiteral("Tomelet") : title + QStringLiteral(" — Tomelet"));
@@ -194,7 +189,8 @@ void MainWindow::showSource(const ListSource &source)
 void MainWindow::updateListTexts()
 {
     const TMLTDocumentListViewController &list = m_listModel->controller();
-    m_listTitle->setText(list.title());
+    const bool results = list.source().smartType == SearchResultsBook && m_search && !m_search->header().isEmpty();
+    m_listTitle->setText(results ? m_search->header() : list.title());
     m_listEmpty->setText(list.emptyText());
     m_listStack->setCurrentIndex(m_listModel->rowCount() == 0 ? 1 : 0);
     static const QStringList orders{QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
@@ -317,6 +313,7 @@ void MainWindow::newRoot()
 {
     m_document->showDocument({});
     m_actions.undoStack().clear();
+    presentIndex();
     const QString report = m_outlineController.newRootSelected();
     showSource({tomeletRoot(), OrdinaryBook, {}});
     m_application->showFirstDocument();

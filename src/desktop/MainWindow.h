@@ -7,16 +7,20 @@
 #include "library/AppDelegate.h"
 #include "library/OutlineController.h"
 #include "organising/DocumentList.h"
+#include "organising/ListSearch.h"
+#include "organising/search/FileIndex.h"
 
 #include <QMainWindow>
 #include <QPointer>
 #include <QTimer>
 
+#include <optional>
 #include <vector>
 
 class QActionGroup;
 class QLineEdit;
 class QLabel;
+class QProgressBar;
 class QSplitter;
 class QStackedWidget;
 
@@ -28,7 +32,7 @@ class DocumentPane;
 class InfoPanel;
 class OutlinePane;
 
-class MainWindow final : public QMainWindow
+class MainWindow final : public QMainWindow, private SearchFieldView
 {
     Q_OBJECT
 
@@ -47,6 +51,8 @@ public:
     [[nodiscard]] ItemActions &itemActions() { return m_actions; }
     [[nodiscard]] TMLTOutlineController &outlineController() { return m_outlineController; }
 
+    /// Brings the search index of the root in force up to date, on a thread of its own.
+    void presentIndex();
     /// Selects the item's book and, for a document, shows it.
     void showItem(const QString &path);
 
@@ -96,6 +102,12 @@ private:
     void observe();
     QAction *add(QMenu *menu, const char *text, const QKeySequence &keys, std::function<void()> action);
 
+    QWidget *makeSearchField();
+    void fillSearchOptions(QMenu *menu);
+    // What the search asks of its field.
+    void reloadList() override;
+    void showStatus(const QString &text) override;
+
     void showSource(const ListSource &source);
     void updateListTexts();
     void documentSelected();
@@ -119,6 +131,7 @@ private:
     QLabel *m_listTitle;
     QLabel *m_listEmpty;
     QLineEdit *m_filter;
+    QProgressBar *m_indexProgress;
     QStackedWidget *m_listStack;
     DocumentPane *m_document;
     InfoPanel *m_info;
@@ -130,6 +143,8 @@ private:
     QAction *m_descending = nullptr;
     AppDelegate *m_application = nullptr;
     std::vector<NotificationCenter::Subscription> m_subscriptions;
+    FileIndex m_index;
+    std::optional<ListSearch> m_search;
 };
 
 } // namespace tomelet::desktop

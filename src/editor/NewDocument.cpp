@@ -74,13 +74,4 @@ QString saveNewDocument(const NewDocument &document)
     return path;
 }
 
-QString makeEmptyDocument(const QString &book)
-{
-    const QString name = localized(TOMELET_TEXT("Untitled")) + u'.' + extensionOfNewDocuments();
-    const QString path = tm_uniqueNameForFileatPath(name, book);
-    if (!writeFile(path, {})) return {};
-    tm_setCreationDate(path);
-    return path;
-}
-
 } // namespace tomelet

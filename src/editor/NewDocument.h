@@ -18,8 +18,6 @@ struct NewDocument
 /// document (extension "html") takes the text as its body and is named after what is visible of it. Gives the path;
 /// "" for an empty text and when nothing could be written.
 [[nodiscard]] QString saveNewDocument(const NewDocument &document);
-/// An empty document "Untitled" to write into; "" when it could not be made.
-[[nodiscard]] QString makeEmptyDocument(const QString &book);
 /// The extension that a new plain document gets by the settings.
 [[nodiscard]] QString extensionOfNewDocuments();
 
