@@ -95,7 +95,9 @@ void MainWindow::reloadList()
 {
     const ListSource source = m_listModel->controller().source();
     // The outline shows where the list has gone, and asks for nothing.
-    if (source.smartType == SearchResultsBook) m_outline->select(TMLTOutlineItem::smartBookOfType(SearchResultsBook), true);
+    TMLTOutlineItem *shown = source.smartType == OrdinaryBook ? TMLTOutlineItem::childAtPath(source.book)
+                                                              : TMLTOutlineItem::smartBookOfType(source.smartType);
+    if (shown) m_outline->select(shown, true);
     m_listModel->reload();
     updateListTexts();
 }
