@@ -66,8 +66,7 @@ void DocumentPane::hideFormattingBar()
     m_view->endEditing();
 }
 
-// -- beginning and ending
-// ---------------------------------------------------------------------------------------------
+// -- beginning and ending ---------------------------------------------------------------------------------------------
 
 void DocumentPane::beginEditing()
 {
@@ -91,8 +90,7 @@ void DocumentPane::settlePage()
     m_isSettling = false;
 }
 
-// -- commands
-// ---------------------------------------------------------------------------------------------------------
+// -- commands ---------------------------------------------------------------------------------------------------------
 
 // What the commands of the text are on a page; "" where a page has none.
 static QString scriptOfTextCommand(EditorCommand command, const EditorArguments &arguments)
@@ -148,8 +146,7 @@ void DocumentPane::toggleContentsTable()
     m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
 }
 
-// -- pictures and files
-// -----------------------------------------------------------------------------------------------
+// -- pictures and files -----------------------------------------------------------------------------------------------
 
 QString DocumentPane::bookOfDocument() const
 {

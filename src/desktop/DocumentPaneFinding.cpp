@@ -49,8 +49,7 @@ bool DocumentPane::showsText() const
     return m_stack->currentWidget() == m_text;
 }
 
-// -- finding
-// ----------------------------------------------------------------------------------------------------------
+// -- finding ----------------------------------------------------------------------------------------------------------
 
 void DocumentPane::openFind(bool replaces)
 {
@@ -96,8 +95,7 @@ void DocumentPane::replaceAllFound()
     m_find->showCount(showsText() ? m_text->countOf(m_find->wanted()) : -1);
 }
 
-// -- counts
-// -----------------------------------------------------------------------------------------------------------
+// -- counts -----------------------------------------------------------------------------------------------------------
 
 // Off the main thread: words take a while in a long text.
 void DocumentPane::count()
@@ -143,8 +141,7 @@ void DocumentPane::setFullScreen(bool full)
     m_text->setColumnWidth(full ? charactersInLine * m_text->fontMetrics().averageCharWidth() : 0);
 }
 
-// -- printing
-// ---------------------------------------------------------------------------------------------------------
+// -- printing ---------------------------------------------------------------------------------------------------------
 
 void DocumentPane::print()
 {

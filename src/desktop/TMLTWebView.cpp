@@ -52,8 +52,7 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     connect(this, &QWebEngineView::loadFinished, this, &TMLTWebView::loaded);
 }
 
-// -- the page
-// ---------------------------------------------------------------------------------------------------------
+// -- the page ---------------------------------------------------------------------------------------------------------
 
 void TMLTWebView::expectPage(bool mayBeEdited)
 {
@@ -156,8 +155,7 @@ void TMLTWebView::waitForPage()
     if (!answered) logLine(QStringLiteral("the page does not answer"));
 }
 
-// -- input
-// ------------------------------------------------------------------------------------------------------------
+// -- input ------------------------------------------------------------------------------------------------------------
 
 // Keys and the mouse go to a child that the engine makes when it likes.
 bool TMLTWebView::event(QEvent *event)

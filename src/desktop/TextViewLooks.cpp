@@ -17,8 +17,7 @@
 
 namespace tomelet::desktop {
 
-// -- line numbers
-// -----------------------------------------------------------------------------------------------------
+// -- line numbers -----------------------------------------------------------------------------------------------------
 
 LineNumbers::LineNumbers(TMLTTextView *view)
     : QWidget(view)
@@ -42,8 +41,7 @@ void LineNumbers::paintEvent(QPaintEvent *event)
                          QString::number(block.blockNumber() + 1));
 }
 
-// -- the view's own drawing
-// -------------------------------------------------------------------------------------------
+// -- the view's own drawing -------------------------------------------------------------------------------------------
 
 std::vector<std::pair<QTextBlock, double>> TMLTTextView::visibleBlocks() const
 {
@@ -109,8 +107,7 @@ void TMLTTextView::resizeEvent(QResizeEvent *event)
     placeNumbers();
 }
 
-// -- spelling
-// ---------------------------------------------------------------------------------------------------------
+// -- spelling ---------------------------------------------------------------------------------------------------------
 
 static constexpr int longestCheckedLine = 20000;
 

@@ -63,8 +63,7 @@ void ReminderStore::save()
     m_saved = values;
 }
 
-// -- for those who deliver
-// --------------------------------------------------------------------------------------------
+// -- for those who deliver --------------------------------------------------------------------------------------------
 
 QList<Reminder> scheduledReminders()
 {

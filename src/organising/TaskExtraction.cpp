@@ -64,8 +64,7 @@ QStringList taskTexts(const QString &text, int mode)
     }
 }
 
-// -- the target
-// -------------------------------------------------------------------------------------------------------
+// -- the target -------------------------------------------------------------------------------------------------------
 
 QString bookOfDocumentsName(const QString &path)
 {
@@ -105,8 +104,7 @@ QString targetBook(const QString &path, int mode, bool inNewBook)
     return inbox.isEmpty() ? parentPath(path) : inbox;
 }
 
-// -- one task
-// ---------------------------------------------------------------------------------------------------------
+// -- one task ---------------------------------------------------------------------------------------------------------
 
 struct TaskText
 {
@@ -259,8 +257,7 @@ QString tm_extractTasksToPath(const QString &text, const QString &path, int mode
     return path;
 }
 
-// -- commands
-// ---------------------------------------------------------------------------------------------------------
+// -- commands ---------------------------------------------------------------------------------------------------------
 
 QStringList extractMarkedTasks(const QString &path)
 {

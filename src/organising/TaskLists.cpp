@@ -125,8 +125,7 @@ bool listIsStoredFor(const QString &root)
 
 } // namespace
 
-// -- the list of tasklists
-// --------------------------------------------------------------------------------------------
+// -- the list of tasklists --------------------------------------------------------------------------------------------
 
 QStringList tm_listOfTasklists(const QString &root)
 {
@@ -231,8 +230,7 @@ void updateListOfTasklistRemoving(const QString &removing, const QString &adding
     walkMemory().keep({});
 }
 
-// -- counters
-// ---------------------------------------------------------------------------------------------------------
+// -- counters ---------------------------------------------------------------------------------------------------------
 
 qlonglong tm_correctTaskCountAtPathWithCleanup(const QString &book, bool cleanup)
 {
@@ -276,8 +274,7 @@ void tm_taskPlistChangedAtPath(const QString &store)
     tm_correctTaskCountAtPathWithCleanup(parentPath(store), false);
 }
 
-// -- counts below a book
-// ----------------------------------------------------------------------------------------------
+// -- counts below a book ----------------------------------------------------------------------------------------------
 
 namespace {
 

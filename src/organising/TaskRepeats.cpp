@@ -16,8 +16,7 @@
 
 namespace tomelet {
 
-// -- due dates
-// --------------------------------------------------------------------------------------------------------
+// -- due dates --------------------------------------------------------------------------------------------------------
 
 static QDateTime wholeMinute(const QDateTime &date)
 {
@@ -75,8 +74,7 @@ void tm_clearDueDate(const QString &path)
     announceDueDate(path, store);
 }
 
-// -- repeat rules
-// -----------------------------------------------------------------------------------------------------
+// -- repeat rules -----------------------------------------------------------------------------------------------------
 
 std::optional<QStringList> tm_repeatDetails(const QString &path)
 {
@@ -113,8 +111,7 @@ QString tm_readableRepeatDetails(const QString &path)
     return tm_readableRepeatDetailsForDetails(tm_repeatDetails(path).value_or(QStringList()));
 }
 
-// -- the next occurrence
-// ----------------------------------------------------------------------------------------------
+// -- the next occurrence ----------------------------------------------------------------------------------------------
 
 namespace {
 

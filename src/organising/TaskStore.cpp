@@ -37,8 +37,7 @@ QString inactiveTaskStorePath(const QString &book)
     return joinPath(book, QStringLiteral("TMTasklistDetails_inactive.plist"));
 }
 
-// -- records
-// ----------------------------------------------------------------------------------------------------------
+// -- records ----------------------------------------------------------------------------------------------------------
 
 TaskState taskStateFromText(const QString &text)
 {
@@ -74,8 +73,7 @@ bool isOverdue(const TaskRecord &record, const QDateTime &now)
     return due.isValid() && due < now;
 }
 
-// -- the store
-// --------------------------------------------------------------------------------------------------------
+// -- the store --------------------------------------------------------------------------------------------------------
 
 bool isTaskCounter(const QString &key)
 {

@@ -17,8 +17,7 @@ namespace tomelet {
 
 using namespace std::chrono_literals;
 
-// -- reading
-// ----------------------------------------------------------------------------------------------------------
+// -- reading ----------------------------------------------------------------------------------------------------------
 
 bool tm_bookIsTasklist(const QString &book)
 {
@@ -98,8 +97,7 @@ QDateTime tm_doneDateForTask(const QString &path)
     return changed.isValid() ? changed : farFuture();
 }
 
-// -- the ring of states
-// -----------------------------------------------------------------------------------------------
+// -- the ring of states -----------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -173,8 +171,7 @@ QString tm_toggleTask(const QString &path)
     return tm_toggleTaskWithDate(path, platform().clock.now());
 }
 
-// -- records
-// ----------------------------------------------------------------------------------------------------------
+// -- records ----------------------------------------------------------------------------------------------------------
 
 void tm_toggleItemIsTask(const QString &path)
 {
@@ -217,8 +214,7 @@ void tm_moveTaskToPath(const QString &path, const QString &target)
     if (!target.isEmpty()) tm_setTaskDetails(target, record);
 }
 
-// -- whole tasklists
-// --------------------------------------------------------------------------------------------------
+// -- whole tasklists --------------------------------------------------------------------------------------------------
 
 void tm_toggleTasklistKeepingDetails(const QString &book, bool keep)
 {

@@ -205,8 +205,7 @@ TEST_F(Tasks, mergingKeepsTheLaterChange)
                                     QStringLiteral("undated other")}));
 }
 
-// -- the line that a task came from
-// -----------------------------------------------------------------------------------
+// -- the line that a task came from -----------------------------------------------------------------------------------
 
 class TaskSource : public Tasklist
 {
