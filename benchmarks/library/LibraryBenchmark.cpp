@@ -5,7 +5,7 @@
 #include "foundation/Platform.h"
 #include "library/OutlineController.h"
 #include "library/OutlineItem.h"
-#include "organising/DocumentList.h"
+#include "organising/lists/DocumentList.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

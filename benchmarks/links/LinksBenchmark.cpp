@@ -5,9 +5,9 @@
 #include "foundation/Platform.h"
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
-#include "organising/Contexts.h"
-#include "organising/LinkWalks.h"
 #include "organising/NotebookOrganiser.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/links/LinkWalks.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -9,10 +9,10 @@
 #include "foundation/SafeWriter.h"
 #include "library/ItemPath.h"
 #include "organising/NotebookOrganiser.h"
-#include "organising/Reminders.h"
-#include "organising/TaskLists.h"
-#include "organising/TaskRows.h"
-#include "organising/TaskStore.h"
+#include "organising/dates/Reminders.h"
+#include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskRows.h"
+#include "organising/tasks/TaskStore.h"
 
 #include <QCoreApplication>
 #include <QTemporaryDir>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/DesktopShell.h"
 
-#include "desktop/DocumentPane.h"
 #include "desktop/PreferencesWindow.h"
+#include "desktop/document/DocumentPane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"

@@ -5,8 +5,8 @@
 #include "desktop/MainWindow.h"
 #include "desktop/Theme.h"
 #include "library/AppDelegate.h"
-#include "organising/ReminderDBus.h"
-#include "organising/ReminderDelivery.h"
+#include "organising/dates/ReminderDBus.h"
+#include "organising/dates/ReminderDelivery.h"
 #include "server/ServerControl.h"
 
 #include <QObject>

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/Icons.h"
 
-#include "desktop/OutlineBadges.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
-#include "organising/Tasks.h"
+#include "organising/tasks/Tasks.h"
 
 #include <QGuiApplication>
 #include <QHash>

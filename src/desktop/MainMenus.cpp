@@ -2,12 +2,12 @@
 // The main window's menus and keys.
 #include "desktop/MainWindow.h"
 
-#include "desktop/DocumentDelegate.h"
-#include "desktop/DocumentListModel.h"
-#include "desktop/DocumentListView.h"
-#include "desktop/DocumentPane.h"
-#include "desktop/InfoPanel.h"
-#include "desktop/OutlinePane.h"
+#include "desktop/document/DocumentPane.h"
+#include "desktop/document/InfoPanel.h"
+#include "desktop/list/DocumentDelegate.h"
+#include "desktop/list/DocumentListModel.h"
+#include "desktop/list/DocumentListView.h"
+#include "desktop/outline/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/MainWindow.h"
 
-#include "desktop/DocumentListModel.h"
-#include "desktop/DocumentListView.h"
-#include "desktop/DocumentPane.h"
-#include "desktop/InfoPanel.h"
-#include "desktop/OutlinePane.h"
-#include "desktop/TaskActions.h"
 #include "desktop/WelcomePane.h"
+#include "desktop/actions/TaskActions.h"
+#include "desktop/document/DocumentPane.h"
+#include "desktop/document/InfoPanel.h"
+#include "desktop/list/DocumentListModel.h"
+#include "desktop/list/DocumentListView.h"
+#include "desktop/outline/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -17,8 +17,8 @@
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "library/Root.h"
-#include "organising/Contexts.h"
-#include "organising/Reminders.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/dates/Reminders.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>

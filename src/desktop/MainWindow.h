@@ -2,12 +2,12 @@
 // The notebook's window: outline, list, document.
 #pragma once
 
-#include "desktop/ItemActions.h"
+#include "desktop/actions/ItemActions.h"
 #include "foundation/NotificationCenter.h"
 #include "library/AppDelegate.h"
 #include "library/OutlineController.h"
-#include "organising/DocumentList.h"
-#include "organising/ListSearch.h"
+#include "organising/lists/DocumentList.h"
+#include "organising/lists/ListSearch.h"
 #include "organising/search/FileIndex.h"
 
 #include <QMainWindow>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The program `tomelet-print PAGE RESULT`: prints a page, a file, to PDF. The command line calls it; it shows nothing.
-#include "desktop/PageProfile.h"
+#include "desktop/page/PageProfile.h"
 
 #include <QApplication>
 #include <QLocale>

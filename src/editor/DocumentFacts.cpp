@@ -6,10 +6,10 @@
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
-#include "organising/Backlinks.h"
-#include "organising/ContextStores.h"
-#include "organising/Contexts.h"
-#include "organising/DocumentReferences.h"
+#include "organising/contexts/ContextStores.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/links/Backlinks.h"
+#include "organising/links/DocumentReferences.h"
 
 namespace tomelet {
 

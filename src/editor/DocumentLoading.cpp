@@ -16,7 +16,7 @@
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
-#include "organising/Backlinks.h"
+#include "organising/links/Backlinks.h"
 
 #include <QFileInfo>
 

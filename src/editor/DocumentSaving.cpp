@@ -20,7 +20,7 @@
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
-#include "organising/Contexts.h"
+#include "organising/contexts/Contexts.h"
 
 #include <QFileInfo>
 

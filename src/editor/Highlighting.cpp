@@ -8,7 +8,7 @@
 #include "library/Extensions.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
-#include "organising/ContextStores.h"
+#include "organising/contexts/ContextStores.h"
 
 namespace tomelet {
 

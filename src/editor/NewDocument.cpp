@@ -12,8 +12,8 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
-#include "organising/ContextStores.h"
-#include "organising/Contexts.h"
+#include "organising/contexts/ContextStores.h"
+#include "organising/contexts/Contexts.h"
 
 namespace tomelet {
 

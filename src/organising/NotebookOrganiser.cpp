@@ -9,13 +9,13 @@
 #include "library/Organiser.h"
 #include "library/Properties.h"
 #include "library/Root.h"
-#include "organising/Backlinks.h"
-#include "organising/ContextStores.h"
-#include "organising/Contexts.h"
-#include "organising/LinkRewriting.h"
-#include "organising/TaskLists.h"
-#include "organising/TaskRows.h"
-#include "organising/Tasks.h"
+#include "organising/contexts/ContextStores.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/links/Backlinks.h"
+#include "organising/links/LinkRewriting.h"
+#include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskRows.h"
+#include "organising/tasks/Tasks.h"
 
 #include <QFile>
 

@@ -2,7 +2,7 @@
 // The due date dialog, worked by the keyboard alone.
 #include "tests/organising/Tasklist.h"
 
-#include "desktop/DueDateDialogBox.h"
+#include "desktop/actions/DueDateDialogBox.h"
 
 #include <QAbstractButton>
 #include <QCalendarWidget>

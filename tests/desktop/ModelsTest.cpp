@@ -3,11 +3,11 @@
 // what a person does to items, undone and done again. Both views look on, so that a wrong index would crash here.
 #include "tests/support/Notebook.h"
 
-#include "desktop/DocumentListModel.h"
-#include "desktop/DragData.h"
-#include "desktop/ItemActions.h"
-#include "desktop/OutlineModel.h"
-#include "desktop/OutlinePane.h"
+#include "desktop/actions/DragData.h"
+#include "desktop/actions/ItemActions.h"
+#include "desktop/list/DocumentListModel.h"
+#include "desktop/outline/OutlineModel.h"
+#include "desktop/outline/OutlinePane.h"
 #include "foundation/FileOperations.h"
 #include "foundation/Platform.h"
 #include "library/ItemOperations.h"

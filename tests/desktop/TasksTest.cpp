@@ -3,16 +3,16 @@
 // again, and the counts of the outline against what the core counts.
 #include "tests/organising/Tasklist.h"
 
-#include "desktop/DocumentDelegate.h"
-#include "desktop/DocumentListModel.h"
-#include "desktop/DocumentListView.h"
-#include "desktop/ItemActions.h"
-#include "desktop/OutlineBadges.h"
-#include "desktop/TaskActions.h"
+#include "desktop/actions/ItemActions.h"
+#include "desktop/actions/TaskActions.h"
+#include "desktop/list/DocumentDelegate.h"
+#include "desktop/list/DocumentListModel.h"
+#include "desktop/list/DocumentListView.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "library/OutlineController.h"
 #include "library/Properties.h"
-#include "organising/Contexts.h"
-#include "organising/DueDateCalendar.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/dates/DueDateCalendar.h"
 
 #include <QApplication>
 #include <QMimeData>

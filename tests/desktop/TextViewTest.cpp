@@ -2,8 +2,8 @@
 // The plain text editor as a person uses it: keys, one undo step a command, highlighting that leaves the text alone.
 #include "tests/support/Notebook.h"
 
-#include "desktop/TMLTTextView.h"
-#include "desktop/TextHighlighter.h"
+#include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextHighlighter.h"
 #include "editor/SpelledWords.h"
 #include "foundation/Platform.h"
 

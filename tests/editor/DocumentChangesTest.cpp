@@ -5,7 +5,7 @@
 #include "foundation/FileOperations.h"
 #include "foundation/Folder.h"
 #include "library/ItemOperations.h"
-#include "organising/Contexts.h"
+#include "organising/contexts/Contexts.h"
 
 #include <csignal>
 #include <sys/resource.h>

@@ -6,7 +6,7 @@
 #include "library/AppState.h"
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
-#include "organising/DocumentList.h"
+#include "organising/lists/DocumentList.h"
 
 using namespace tomelet;
 

@@ -5,9 +5,9 @@
 #include "library/ItemOperations.h"
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
-#include "organising/ContextStores.h"
-#include "organising/Contexts.h"
 #include "organising/NotebookOrganiser.h"
+#include "organising/contexts/ContextStores.h"
+#include "organising/contexts/Contexts.h"
 
 using namespace tomelet;
 

@@ -2,10 +2,10 @@
 #include "tests/organising/Tasklist.h"
 
 #include "library/Properties.h"
-#include "organising/DueDateCalendar.h"
-#include "organising/DueDateDialog.h"
-#include "organising/DueDateTexts.h"
-#include "organising/RepeatRule.h"
+#include "organising/dates/DueDateCalendar.h"
+#include "organising/dates/DueDateDialog.h"
+#include "organising/dates/DueDateTexts.h"
+#include "organising/dates/RepeatRule.h"
 
 #include <ctime>
 

@@ -3,15 +3,15 @@
 
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
-#include "library/Root.h"
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
-#include "organising/Backlinks.h"
-#include "organising/DocumentReferences.h"
-#include "organising/LinkRewriting.h"
-#include "organising/LinkWalks.h"
-#include "organising/LostTarget.h"
+#include "library/Root.h"
 #include "organising/NotebookOrganiser.h"
+#include "organising/links/Backlinks.h"
+#include "organising/links/DocumentReferences.h"
+#include "organising/links/LinkRewriting.h"
+#include "organising/links/LinkWalks.h"
+#include "organising/links/LostTarget.h"
 
 #include <QDir>
 #include <QFile>

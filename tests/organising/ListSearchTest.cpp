@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The search field above the list, the results as a smart book, and what a listing throws away or leaves out.
-#include "organising/ListSearch.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
 #include "library/OutlineItem.h"
 #include "library/Root.h"
-#include "organising/Contexts.h"
-#include "organising/DocumentList.h"
 #include "organising/NotebookOrganiser.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/lists/DocumentList.h"
+#include "organising/lists/ListSearch.h"
 #include "organising/search/FileIndex.h"
 #include "organising/search/SearchResults.h"
 #include "tests/support/Notebook.h"

@@ -3,7 +3,7 @@
 // service that only takes notes.
 #include "tests/organising/Tasklist.h"
 
-#include "organising/ReminderDBus.h"
+#include "organising/dates/ReminderDBus.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

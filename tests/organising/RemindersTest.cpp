@@ -2,9 +2,9 @@
 #include "tests/organising/Tasklist.h"
 
 #include "library/Root.h"
-#include "organising/ReminderDelivery.h"
-#include "organising/Reminders.h"
-#include "organising/TaskLists.h"
+#include "organising/dates/ReminderDelivery.h"
+#include "organising/dates/Reminders.h"
+#include "organising/tasks/TaskLists.h"
 
 using namespace tomelet;
 using tomelet::test::Tasklist;

@@ -4,8 +4,8 @@
 #include "foundation/TextCodec.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
-#include "organising/Contexts.h"
-#include "organising/TaskExtraction.h"
+#include "organising/contexts/Contexts.h"
+#include "organising/tasks/TaskExtraction.h"
 
 using namespace tomelet;
 using tomelet::test::Tasklist;

@@ -5,9 +5,9 @@
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
 #include "library/Properties.h"
-#include "organising/DocumentList.h"
-#include "organising/TaskLists.h"
-#include "organising/TaskRows.h"
+#include "organising/lists/DocumentList.h"
+#include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskRows.h"
 
 #include <QCoreApplication>
 #include <QFile>

@@ -5,9 +5,9 @@
 // counted.
 #include "tests/organising/Tasklist.h"
 
-#include "organising/Reminders.h"
-#include "organising/TaskLists.h"
-#include "organising/TaskRows.h"
+#include "organising/dates/Reminders.h"
+#include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskRows.h"
 
 #include <QRandomGenerator>
 

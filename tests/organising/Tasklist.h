@@ -7,8 +7,8 @@
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
 #include "organising/NotebookOrganiser.h"
-#include "organising/TaskRepeats.h"
-#include "organising/Tasks.h"
+#include "organising/tasks/TaskRepeats.h"
+#include "organising/tasks/Tasks.h"
 
 namespace tomelet::test {
 

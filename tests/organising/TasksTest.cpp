@@ -4,7 +4,7 @@
 #include "foundation/Platform.h"
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
-#include "organising/TaskLists.h"
+#include "organising/tasks/TaskLists.h"
 
 using namespace tomelet;
 using tomelet::test::Tasklist;

@@ -6,8 +6,8 @@
 #include "cli/commands/AllCommands.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
-#include "organising/ContextStores.h"
-#include "organising/Contexts.h"
+#include "organising/contexts/ContextStores.h"
+#include "organising/contexts/Contexts.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>

@@ -8,8 +8,8 @@
 #include "foundation/Platform.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
-#include "organising/DocumentReferences.h"
-#include "organising/LinkWalks.h"
+#include "organising/links/DocumentReferences.h"
+#include "organising/links/LinkWalks.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>

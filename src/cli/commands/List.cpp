@@ -8,7 +8,7 @@
 #include "library/ItemPath.h"
 #include "library/Organiser.h"
 #include "library/OutlineItem.h"
-#include "organising/DocumentList.h"
+#include "organising/lists/DocumentList.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>

@@ -8,7 +8,7 @@
 #include "foundation/Folder.h"
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
-#include "organising/DocumentList.h"
+#include "organising/lists/DocumentList.h"
 #include "organising/search/SearchIndex.h"
 #include "organising/search/SearchResults.h"
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `tasks`, `tasklist`, `task`, `due`, `extract` and `reminders`.
-#include "organising/Tasks.h"
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
@@ -10,13 +9,14 @@
 #include "foundation/Platform.h"
 #include "library/ItemDictionary.h"
 #include "library/ItemPath.h"
-#include "organising/DocumentList.h"
-#include "organising/DueDateCalendar.h"
-#include "organising/DueDateTexts.h"
-#include "organising/Reminders.h"
-#include "organising/TaskExtraction.h"
-#include "organising/TaskRepeats.h"
-#include "organising/TaskRows.h"
+#include "organising/dates/DueDateCalendar.h"
+#include "organising/dates/DueDateTexts.h"
+#include "organising/dates/Reminders.h"
+#include "organising/lists/DocumentList.h"
+#include "organising/tasks/TaskExtraction.h"
+#include "organising/tasks/TaskRepeats.h"
+#include "organising/tasks/TaskRows.h"
+#include "organising/tasks/Tasks.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>

@@ -9,7 +9,7 @@
 #include "library/ItemPath.h"
 #include "library/OutlineController.h"
 #include "library/PathForms.h"
-#include "organising/ReminderDBus.h"
+#include "organising/dates/ReminderDBus.h"
 #include "organising/search/FileIndex.h"
 
 #include <QCommandLineParser>

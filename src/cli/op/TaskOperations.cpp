@@ -5,15 +5,15 @@
 #include "cli/op/Registry.h"
 
 #include "library/Root.h"
-#include "organising/DueDateDialog.h"
-#include "organising/DueDateTexts.h"
-#include "organising/Reminders.h"
-#include "organising/RepeatRule.h"
-#include "organising/TaskExtraction.h"
-#include "organising/TaskLists.h"
-#include "organising/TaskRepeats.h"
-#include "organising/TaskRows.h"
-#include "organising/Tasks.h"
+#include "organising/dates/DueDateDialog.h"
+#include "organising/dates/DueDateTexts.h"
+#include "organising/dates/Reminders.h"
+#include "organising/dates/RepeatRule.h"
+#include "organising/tasks/TaskExtraction.h"
+#include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskRepeats.h"
+#include "organising/tasks/TaskRows.h"
+#include "organising/tasks/Tasks.h"
 
 namespace tomelet::cli {
 

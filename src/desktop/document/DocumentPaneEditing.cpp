@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The document's pane: pages that are edited in place.
+#include "desktop/document/DocumentPane.h"
+
+#include "desktop/page/FormattingBar.h"
+#include "desktop/page/FormattingCommands.h"
+#include "desktop/page/TMLTWebView.h"
+#include "desktop/text/TMLTTextView.h"
+#include "editor/PageBody.h"
+#include "editor/PastedImages.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/SafeWriter.h"
+#include "library/PathForms.h"
+#include "library/Properties.h"
+
+#include <QBuffer>
+#include <QStackedWidget>
+#include <QWebEnginePage>
+
+namespace tomelet::desktop {
+
+void DocumentPane::connectEditor()
+{
+    connect(m_view, &TMLTWebView::editingWanted, this, &DocumentPane::beginEditingPage);
+    connect(m_view, &TMLTWebView::typedInVain, this, [this] {
+        if (isReadOnlyDocument(path())) tm_showUnlockAlert();
+    });
+    connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
+    connect(m_view, &TMLTWebView::stateChanged, m_bar,
+            qOverload<const FormattingState &>(&FormattingBar::show));
+    connect(m_view, &TMLTWebView::linkWanted, this, &DocumentPane::followLink);
+    connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
+    connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
+    connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
+    connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
+        m_controller.writeTextToFile();
+        m_controller.showDocument();
+    });
+    connect(m_bar, &FormattingBar::wanted, this, &DocumentPane::runCommand);
+    connect(m_bar, &FormattingBar::contentsWanted, this, &DocumentPane::toggleContentsTable);
+}
+
+// The white space around a body is its file's; the engine adds what stands behind the body to it.
+QString DocumentPane::innerHTML() const
+{
+    return m_view->innerHTML().trimmed();
+}
+QString DocumentPane::innerText() const
+{
+    return m_view->innerText();
+}
+QString DocumentPane::outerHTML() const
+{
+    return pageWithBody(m_source, innerHTML());
+}
+
+QString DocumentPane::caretParagraph() const
+{
+    return m_view->caretParagraph().isEmpty() ? m_paragraphOnTop : m_view->caretParagraph();
+}
+
+void DocumentPane::hideFormattingBar()
+{
+    m_bar->hide();
+    m_view->endEditing();
+}
+
+// -- beginning and ending ---------------------------------------------------------------------------------------------
+
+void DocumentPane::beginEditing()
+{
+    shownWidget()->setFocus();
+    if (m_stack->currentWidget() == m_view) beginEditingPage(false);
+}
+
+void DocumentPane::beginEditingPage(bool onLink)
+{
+    if (!m_view->isReady()) return m_view->beginEditing(false); // comes back when the page is there
+    if (!m_controller.shouldBeginEditingInDOMRange(onLink)) return;
+    m_view->beginEditing(showsContentsTable());
+    m_bar->show();
+}
+
+void DocumentPane::settlePage()
+{
+    if (m_isSettling) return;
+    m_isSettling = true;
+    m_view->waitForPage();
+    m_isSettling = false;
+}
+
+// -- commands ---------------------------------------------------------------------------------------------------------
+
+// What the commands of the text are on a page; "" where a page has none.
+static QString scriptOfTextCommand(EditorCommand command, const EditorArguments &arguments)
+{
+    static const QHash<QString, QString> marks{{QStringLiteral("**"), QStringLiteral("bold")},
+                                               {QStringLiteral("*"), QStringLiteral("italic")},
+                                               {QStringLiteral("~~"), QStringLiteral("strikeThrough")},
+                                               {QStringLiteral("`"), QStringLiteral("code")}};
+    switch (command) {
+    case EditorCommand::Markdown:
+        if (const auto mark = marks.constFind(arguments.first); mark != marks.cend())
+            return scriptOfCommand(*mark);
+        return scriptForMarks(arguments.first, arguments.second);
+    case EditorCommand::Heading:
+        return scriptOfCommand(QStringLiteral("paragraph"), arguments.level == 0
+                                                                ? QStringLiteral("p")
+                                                                : QStringLiteral("h%1").arg(arguments.level));
+    case EditorCommand::ToggleList:
+        return scriptOfCommand(QStringLiteral("list"));
+    default:
+        return {};
+    }
+}
+
+void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
+{
+    if (m_stack->currentWidget() == m_text)
+        m_text->apply(command, arguments);
+    else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty())
+        m_view->run(script);
+}
+
+void DocumentPane::runCommand(const QString &command, const QString &argument)
+{
+    m_view->setFocus();
+    if (command == u"image") return insertFiles({argument});
+    m_view->run(scriptOfCommand(command, argument));
+}
+
+bool DocumentPane::showsContentsTable() const
+{
+    return !path().isEmpty() && tm_propertyForKey(path(), QStringLiteral("TOC")).toString() == u"1";
+}
+
+// The property is "1" or absent.
+void DocumentPane::toggleContentsTable()
+{
+    const bool on = !showsContentsTable();
+    if (!path().isEmpty() && on)
+        tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
+    else if (!path().isEmpty())
+        tm_removePropertyForKey(path(), QStringLiteral("TOC"));
+    m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
+}
+
+// -- pictures and files -----------------------------------------------------------------------------------------------
+
+QString DocumentPane::bookOfDocument() const
+{
+    return path().isEmpty() ? m_controller.parentPath() : parentPath(path());
+}
+
+void DocumentPane::insertFiles(const QStringList &files)
+{
+    QString html;
+    for (const QString &file : files)
+        html += htmlForDroppedFile(bookOfDocument(), file);
+    if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
+}
+
+void DocumentPane::insertImage(const QImage &image)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (!image.save(&buffer, "PNG")) return;
+    const QString reference = storeInImages(bookOfDocument(), nameForPastedImage(), bytes);
+    if (!reference.isEmpty()) return m_view->run(scriptOfCommand(QStringLiteral("image"), reference));
+    showAlert(localized(TOMELET_TEXT("Saving Error")),
+              localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(bookOfDocument()));
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,319 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/list/DocumentListModel.h"
+
+#include "desktop/Icons.h"
+#include "desktop/actions/DragData.h"
+#include "desktop/actions/ItemActions.h"
+#include "foundation/Folder.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/ItemPath.h"
+#include "library/OutlineItem.h"
+#include "library/Properties.h"
+#include "organising/dates/DueDateTexts.h"
+#include "organising/tasks/TaskRows.h"
+
+#include <QLocale>
+#include <QMimeData>
+#include <QPointer>
+
+#include <algorithm>
+#include <utility>
+
+namespace tomelet::desktop {
+
+DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
+    : QAbstractListModel(parent)
+    , m_actions(actions)
+{
+}
+
+void DocumentListModel::show(const ListSource &source)
+{
+    beginResetModel();
+    m_taskDates.clear();
+    m_checklists.clear();
+    m_controller.setSource(source);
+    m_controller.getDocumentsInFolder();
+    endResetModel();
+}
+
+static QString pathOf(const QVariantMap &row)
+{
+    return row.value(QStringLiteral("path")).toString();
+}
+
+static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
+{
+    QSet<QString> paths;
+    for (const QVariantMap &row : rows) paths.insert(pathOf(row));
+    return paths;
+}
+
+void DocumentListModel::reload()
+{
+    changeRows([] {});
+}
+
+// The change may already move rows about; the views hear of all of it here, in steps that they can follow.
+void DocumentListModel::changeRows(const std::function<void()> &change)
+{
+    const QList<QVariantMap> before = m_controller.documentsList;
+    m_taskDates.clear();
+    change();
+    m_controller.loadDisplayParameters();
+    m_controller.getDocumentsInFolder();
+    const QList<QVariantMap> after = std::exchange(m_controller.documentsList, before);
+    // What went goes first, what came stands at the end, and then all take their places.
+    removeAllBut(pathsOf(after));
+    appendNew(after);
+    takeOrder(after);
+}
+
+void DocumentListModel::removeAllBut(const QSet<QString> &kept)
+{
+    QList<QVariantMap> &rows = m_controller.documentsList;
+    for (qsizetype last = rows.size(); last-- > 0;) {
+        if (kept.contains(pathOf(rows[last]))) continue;
+        qsizetype first = last;
+        while (first > 0 && !kept.contains(pathOf(rows[first - 1]))) --first;
+        beginRemoveRows({}, int(first), int(last));
+        rows.remove(first, last - first + 1);
+        endRemoveRows();
+        last = first;
+    }
+}
+
+void DocumentListModel::appendNew(const QList<QVariantMap> &after)
+{
+    QList<QVariantMap> &rows = m_controller.documentsList;
+    const QSet<QString> known = pathsOf(rows);
+    QList<QVariantMap> added;
+    for (const QVariantMap &row : after)
+        if (!known.contains(pathOf(row))) added.append(row);
+    if (added.isEmpty()) return;
+    beginInsertRows({}, int(rows.size()), int(rows.size() + added.size() - 1));
+    rows.append(added);
+    endInsertRows();
+}
+
+void DocumentListModel::takeOrder(const QList<QVariantMap> &after)
+{
+    Q_EMIT layoutAboutToBeChanged();
+    const QModelIndexList held = persistentIndexList();
+    QStringList paths;
+    for (const QModelIndex &index : held) paths.append(pathAt(index));
+    const QList<QVariantMap> before = std::exchange(m_controller.documentsList, after);
+    QModelIndexList moved;
+    for (const QString &path : paths) moved.append(indexOfPath(path));
+    changePersistentIndexList(held, moved);
+    Q_EMIT layoutChanged();
+    // Only what differs is told: a name that is being edited would begin anew.
+    QHash<QString, QVariantMap> known;
+    for (const QVariantMap &row : before) known.insert(pathOf(row), row);
+    for (int row = 0; row < after.size(); ++row)
+        if (known.value(pathOf(after[row])) != after[row]) Q_EMIT dataChanged(index(row), index(row));
+}
+
+void DocumentListModel::follow(const QString &from, const QString &to)
+{
+    const QModelIndex index = indexOfPath(from);
+    if (!index.isValid() || parentPath(from) != parentPath(to) || indexOfPath(to).isValid()) return;
+    QVariantMap &row = m_controller.documentsList[index.row()];
+    row.insert(QStringLiteral("path"), to);
+    row.insert(QStringLiteral("title"), lastPathComponent(to));
+    Q_EMIT dataChanged(index, index);
+}
+
+void DocumentListModel::setFilter(const QString &text)
+{
+    m_controller.searchFilter = text;
+    reload();
+}
+
+void DocumentListModel::selectSortOrder(int index)
+{
+    changeRows([&] { m_controller.selectSortOrder(index); });
+}
+
+QString DocumentListModel::pathAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
+    return m_controller.documentsList[index.row()].value(QStringLiteral("path")).toString();
+}
+
+QModelIndex DocumentListModel::indexOfPath(const QString &path) const
+{
+    for (int row = 0; row < rowCount(); ++row)
+        if (m_controller.documentsList[row].value(QStringLiteral("path")).toString() == path) return index(row, 0);
+    return {};
+}
+
+int DocumentListModel::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(m_controller.documentsList.size());
+}
+
+QString DocumentListModel::displayTitle(const QVariantMap &row) const
+{
+    const QString name = row.value(QStringLiteral("title")).toString();
+    if (settings().boolean(QStringLiteral("showFileExtensions"))) return name;
+    return pathWithoutExtension(name);
+}
+
+QDateTime DocumentListModel::shownDate(const QVariantMap &row) const
+{
+    const QString key = m_controller.sortOrder == u"creationDate" ? QStringLiteral("creationDate")
+                                                                  : QStringLiteral("modDate");
+    return row.value(key).toDateTime().toLocalTime();
+}
+
+QString taskStateText(const QString &icon)
+{
+    if (icon.startsWith(u"task-started")) return localized(TOMELET_TEXT("Started"));
+    if (icon == u"task-done") return localized(TOMELET_TEXT("Done"));
+    if (icon == u"task-canceled") return localized(TOMELET_TEXT("Canceled"));
+    return icon.isEmpty() ? localized(TOMELET_TEXT("Not a Task")) : localized(TOMELET_TEXT("Open"));
+}
+
+static QString taskIconOf(const QVariantMap &row)
+{
+    return row.value(QStringLiteral("taskIcon")).toString();
+}
+
+// Formatting a date takes longer than a paint should.
+QString DocumentListModel::taskDate(const QVariantMap &row) const
+{
+    const auto known = m_taskDates.constFind(pathOf(row));
+    if (known != m_taskDates.cend()) return *known;
+    const QDateTime finished = finishingDateOfRow(row);
+    const QString text = finished.isValid()
+                             ? QString(taskStateText(taskIconOf(row)) + QStringLiteral(", ") + tm_fancyWeekdayString(finished))
+                             : tm_weekdayStringWithOffset(dueDateOfRow(row));
+    m_taskDates.insert(pathOf(row), text);
+    return text;
+}
+
+// Counted elsewhere; the row is drawn anew when the number is there.
+qlonglong DocumentListModel::openChecklist(const QVariantMap &row) const
+{
+    if (!settings().boolean(QStringLiteral("showOpenChecklistItems"))) return 0;
+    const QString path = pathOf(row);
+    const QString key = path + row.value(QStringLiteral("modDate")).toDateTime().toString(Qt::ISODateWithMs);
+    const auto known = m_checklists.constFind(key);
+    if (known != m_checklists.cend()) return std::max<qlonglong>(0, *known);
+    m_checklists.insert(key, -1);
+    QPointer<DocumentListModel> self(const_cast<DocumentListModel *>(this));
+    countOpenChecklistItems(path, [self, path, key](qlonglong count) {
+        if (!self) return;
+        self->m_checklists.insert(key, count);
+        // A row that shows nothing new is left alone: its name may be being edited.
+        if (const QModelIndex at = self->indexOfPath(path); at.isValid() && count > 0)
+            Q_EMIT self->dataChanged(at, at);
+    });
+    return 0;
+}
+
+// What the row shows by colour and sign, in words.
+QString DocumentListModel::description(const QVariantMap &row) const
+{
+    QStringList parts;
+    if (const QString icon = taskIconOf(row); !icon.isEmpty()) {
+        parts.append(taskStateText(icon));
+        if (icon.endsWith(u"-due")) parts.append(localized(TOMELET_TEXT("overdue")));
+        if (dueDateOfRow(row).isValid()) parts.append(localized(TOMELET_TEXT("due %1")).arg(taskDate(row)));
+        if (!row.value(QStringLiteral("taskIsRepeating")).toString().isEmpty())
+            parts.append(localized(TOMELET_TEXT("repeats")));
+    }
+    if (const qlonglong open = openChecklist(row); open > 0)
+        parts.append(localized(TOMELET_TEXT("open check boxes: %1")).arg(open));
+    const bool pinned = row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
+    if (pinned) parts.append(localized(TOMELET_TEXT("pinned")));
+    if (!row.value(QStringLiteral("_TMFAV")).toString().isEmpty()) parts.append(localized(TOMELET_TEXT("favorite")));
+    const QString color = row.value(QStringLiteral("cellColor")).toString();
+    if (!color.isEmpty() && color != u"default") parts.append(localized(TOMELET_TEXT("label %1")).arg(color));
+    parts.append(QLocale().toString(shownDate(row), QLocale::ShortFormat));
+    return parts.join(QStringLiteral(", "));
+}
+
+QVariant DocumentListModel::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
+    const QVariantMap &row = m_controller.documentsList[index.row()];
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole: return displayTitle(row);
+    case Qt::DecorationRole:
+        return taskIconOf(row).isEmpty() ? documentIcon(pathOf(row)) : taskStateIcon(taskIconOf(row));
+    case Qt::ToolTipRole: return QString(row.value(QStringLiteral("title")).toString() + u'\n' + description(row));
+    case Qt::AccessibleDescriptionRole: return description(row);
+    case PathRole: return row.value(QStringLiteral("path"));
+    case DateRole: return shownDate(row);
+    case ColorRole: return row.value(QStringLiteral("cellColor"));
+    case PinnedRole: return row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
+    case FavoriteRole: return !row.value(QStringLiteral("_TMFAV")).toString().isEmpty();
+    case TaskIconRole: return taskIconOf(row);
+    case TaskDateRole: return taskIconOf(row).isEmpty() ? QString() : taskDate(row);
+    case OverdueRole: return taskIconOf(row).endsWith(u"-due");
+    case RepeatsRole: return !row.value(QStringLiteral("taskIsRepeating")).toString().isEmpty();
+    case ChecklistRole: return openChecklist(row);
+    default: return {};
+    }
+}
+
+bool DocumentListModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role != Qt::EditRole || value.toString() == displayTitle(m_controller.documentsList.value(index.row())))
+        return false;
+    return m_actions.rename(pathAt(index), value.toString());
+}
+
+Qt::ItemFlags DocumentListModel::flags(const QModelIndex &index) const
+{
+    if (!index.isValid()) return Qt::ItemIsDropEnabled;
+    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
+           Qt::ItemNeverHasChildren;
+}
+
+// -- drag and drop ----------------------------------------------------------------------------------------------------
+
+QStringList DocumentListModel::mimeTypes() const
+{
+    return {QStringLiteral("text/uri-list")};
+}
+
+QMimeData *DocumentListModel::mimeData(const QModelIndexList &indexes) const
+{
+    QStringList paths;
+    for (const QModelIndex &index : indexes) paths.append(pathAt(index));
+    return dragDataFor(paths);
+}
+
+Qt::DropActions DocumentListModel::supportedDropActions() const
+{
+    return Qt::MoveAction | Qt::CopyAction;
+}
+
+bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int, const QModelIndex &)
+{
+    const ListSource &source = m_controller.source();
+    const QStringList paths = pathsIn(data);
+    if (source.smartType == ContextBook)
+        for (const QString &word : source.contexts) m_actions.addContext(paths, word);
+    if (source.smartType != OrdinaryBook) return false;
+    QList<qsizetype> positions;
+    for (const QString &path : paths)
+        if (const QModelIndex own = indexOfPath(path); own.isValid()) positions.append(own.row());
+    if (positions.size() != paths.size() || action == Qt::CopyAction) {
+        m_actions.drop(paths, source.book, action == Qt::CopyAction);
+        return false;
+    }
+    // Documents of this very list, dropped between others, stand there from now on.
+    changeRows([&] {
+        m_controller.moveDocuments(positions, row < 0 ? rowCount() : row);
+        m_controller.selectSortOrder(3);
+    });
+    return false;
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The rows of the document list as an item model over the list's controller.
+#pragma once
+
+#include "organising/lists/DocumentList.h"
+
+#include <QAbstractListModel>
+#include <QHash>
+#include <QSet>
+
+#include <functional>
+
+namespace tomelet::desktop {
+
+class ItemActions;
+
+class DocumentListModel final : public QAbstractListModel
+{
+    Q_OBJECT
+
+public:
+    /// What a row tells beside the standard roles.
+    enum Role {
+        PathRole = Qt::UserRole + 1,
+        DateRole,
+        ColorRole,
+        PinnedRole,
+        FavoriteRole,
+        TaskIconRole, ///< "" for what is no task
+        TaskDateRole, ///< the due date, or when the task was finished, as a text
+        OverdueRole,
+        RepeatsRole,
+        ChecklistRole, ///< how many check boxes are open; 0 while that is not known
+    };
+
+    DocumentListModel(ItemActions &actions, QObject *parent);
+
+    [[nodiscard]] TMLTDocumentListViewController &controller() { return m_controller; }
+    void show(const ListSource &source);
+    /// Reads the rows anew; rows that stay keep their selection.
+    void reload();
+    /// Keeps the row of an item that got another name in its book.
+    void follow(const QString &from, const QString &to);
+    void setFilter(const QString &text);
+    void selectSortOrder(int index);
+    [[nodiscard]] QModelIndex indexOfPath(const QString &path) const;
+    [[nodiscard]] QString pathAt(const QModelIndex &index) const;
+
+    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
+    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] QStringList mimeTypes() const override;
+    [[nodiscard]] QMimeData *mimeData(const QModelIndexList &indexes) const override;
+    [[nodiscard]] Qt::DropActions supportedDropActions() const override;
+    bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
+                      const QModelIndex &parent) override;
+
+private:
+    void changeRows(const std::function<void()> &change);
+    void removeAllBut(const QSet<QString> &kept);
+    void appendNew(const QList<QVariantMap> &after);
+    void takeOrder(const QList<QVariantMap> &after);
+    [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
+    [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
+    [[nodiscard]] QString description(const QVariantMap &row) const;
+    [[nodiscard]] QString taskDate(const QVariantMap &row) const;
+    [[nodiscard]] qlonglong openChecklist(const QVariantMap &row) const;
+
+    ItemActions &m_actions;
+    mutable QHash<QString, QString> m_taskDates;     // by path, until the next reload
+    mutable QHash<QString, qlonglong> m_checklists;  // by path and date of the file; -1 while it is counted
+    TMLTDocumentListViewController m_controller;
+};
+
+/// "Open", "Started", "Done", "Canceled" or "Not a Task", by the name of the task's icon.
+[[nodiscard]] QString taskStateText(const QString &icon);
+
+} // namespace tomelet::desktop

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The main window's search: the field above the list, its options, and the index behind it.
+#include "desktop/MainWindow.h"
+#include "desktop/list/DocumentListModel.h"
+#include "desktop/outline/OutlinePane.h"
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/OutlineItem.h"
+
+#include <QActionGroup>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMenu>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QToolButton>
+
+namespace tomelet::desktop {
+
+QWidget *MainWindow::makeSearchField()
+{
+    m_filter->setPlaceholderText(localized(TOMELET_TEXT("Search")));
+    m_filter->setAccessibleName(localized(TOMELET_TEXT("Search")));
+    m_filter->setClearButtonEnabled(true);
+    auto *options = new QToolButton;
+    options->setText(QStringLiteral("…"));
+    options->setAutoRaise(true);
+    options->setPopupMode(QToolButton::InstantPopup);
+    options->setAccessibleName(localized(TOMELET_TEXT("Search options")));
+    options->setToolTip(localized(TOMELET_TEXT("Search options")));
+    options->setMenu(new QMenu(options));
+    fillSearchOptions(options->menu());
+
+    m_indexProgress->setMaximumWidth(180);
+    m_indexProgress->setFormat(localized(TOMELET_TEXT("Indexing %p%")));
+    m_indexProgress->hide();
+    statusBar()->addPermanentWidget(m_indexProgress);
+    m_index.onProgress = [this](qsizetype done, qsizetype all) {
+        m_indexProgress->setVisible(done < all);
+        m_indexProgress->setRange(0, int(all));
+        m_indexProgress->setValue(int(done));
+    };
+    m_search.emplace(m_listModel->controller(), m_index, static_cast<SearchFieldView &>(*this));
+    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) { m_search->searchFieldDidChange(text); });
+    connect(m_filter, &QLineEdit::returnPressed, this,
+            [this] { m_search->startSpotlightSearchWithString(m_filter->text()); });
+
+    auto *field = new QWidget;
+    auto *layout = new QHBoxLayout(field);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(m_filter, 1);
+    layout->addWidget(options);
+    return field;
+}
+
+void MainWindow::fillSearchOptions(QMenu *menu)
+{
+    const QString title = QStringLiteral("searchTitle");
+    const QString content = QStringLiteral("searchContent");
+    const QString everywhere = QStringLiteral("searchAllBooks");
+    const auto searchAnew = [this] { m_search->startSpotlightSearchWithString(m_filter->text()); };
+    auto *modes = new QActionGroup(menu);
+    const std::pair<const char *, QString> choices[] = {{TOMELET_TEXT("Title and Content"), {}},
+                                                        {TOMELET_TEXT("Title Only"), title},
+                                                        {TOMELET_TEXT("Content Only"), content}};
+    for (const auto &[text, chosen] : choices) {
+        QAction *mode = menu->addAction(localized(text), this, [=, key = chosen] {
+            for (const QString &other : {title, content}) settings().remove(other);
+            if (!key.isEmpty()) settings().setObject(key, true);
+            searchAnew();
+        });
+        mode->setCheckable(true);
+        modes->addAction(mode);
+    }
+    menu->addSeparator();
+    QAction *all = menu->addAction(localized(TOMELET_TEXT("All Books")));
+    all->setCheckable(true);
+    connect(all, &QAction::triggered, this, [=](bool on) {
+        settings().setObject(everywhere, on ? QVariant(true) : QVariant());
+        searchAnew();
+    });
+    connect(menu, &QMenu::aboutToShow, this, [=] {
+        const int mode = settings().boolean(title) ? 1 : settings().boolean(content) ? 2 : 0;
+        modes->actions()[mode]->setChecked(true);
+        all->setChecked(settings().boolean(everywhere));
+    });
+}
+
+void MainWindow::presentIndex()
+{
+    m_index.present();
+}
+
+void MainWindow::reloadList()
+{
+    const ListSource source = m_listModel->controller().source();
+    // The outline shows where the list has gone, and asks for nothing.
+    TMLTOutlineItem *shown = source.smartType == OrdinaryBook ? TMLTOutlineItem::childAtPath(source.book)
+                                                              : TMLTOutlineItem::smartBookOfType(source.smartType);
+    if (shown) m_outline->select(shown, true);
+    m_listModel->reload();
+    updateListTexts();
+}
+
+void MainWindow::showStatus(const QString &text)
+{
+    if (text.isEmpty()) statusBar()->clearMessage();
+    else statusBar()->showMessage(text);
+}
+
+} // namespace tomelet::desktop

@@ -1,0 +1,253 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "desktop/text/TMLTTextView.h"
+
+#include "desktop/text/TextHighlighter.h"
+#include "desktop/text/TextViewLooks.h"
+#include "foundation/Localization.h"
+
+#include <QKeyEvent>
+#include <QMimeData>
+#include <QTextBlock>
+
+#include <algorithm>
+
+namespace tomelet::desktop {
+
+TMLTTextView::TMLTTextView(QWidget *parent)
+    : QPlainTextEdit(parent)
+    , m_highlighter(new TextHighlighter(document()))
+    , m_numbers(new LineNumbers(this))
+{
+    setAccessibleName(localized(TOMELET_TEXT("Text")));
+    setFrameShape(QFrame::NoFrame);
+    document()->setDocumentMargin(20);
+    connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
+        if (m_loading || (removed == 0 && added == 0)) return;
+        m_typing.start();
+        Q_EMIT edited();
+    });
+    m_typing.setSingleShot(true);
+    m_typing.setInterval(1000);
+    connect(&m_typing, &QTimer::timeout, viewport(), qOverload<>(&QWidget::update));
+    m_spelling.setSingleShot(true);
+    m_spelling.setInterval(100);
+    connect(&m_spelling, &QTimer::timeout, this, &TMLTTextView::checkSpelling);
+    connect(this, &QPlainTextEdit::cursorPositionChanged, this, &TMLTTextView::caretMoved);
+    connect(this, &QPlainTextEdit::blockCountChanged, this, &TMLTTextView::placeNumbers);
+    connect(this, &QPlainTextEdit::updateRequest, m_numbers, qOverload<>(&QWidget::update));
+    applyViewSettings();
+}
+
+// Looking for words to break at takes seconds in a line of a million units.
+static bool hasEndlessLine(const QString &text)
+{
+    static constexpr qsizetype longest = 50000;
+    for (qsizetype start = 0, end = 0; end >= 0; start = end + 1) {
+        end = text.indexOf(u'\n', start);
+        if ((end < 0 ? text.size() : end) - start > longest) return true;
+    }
+    return false;
+}
+
+// -- the text ---------------------------------------------------------------------------------------------------------
+
+void TMLTTextView::setDocumentText(const QString &text, bool editable, const HighlightOptions &options)
+{
+    m_loading = true;
+    m_highlighter->pause(true);
+    m_options = options;
+    clear();
+    setWordWrapMode(hasEndlessLine(text) ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setPlainText(text);
+    setReadOnly(!editable);
+    // A caret shows where one is, also where nothing can be typed.
+    setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
+    m_highlighter->pause(false);
+    restyle();
+    m_loading = false;
+}
+
+QString TMLTTextView::documentText() const
+{
+    return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+}
+
+Range TMLTTextView::selection() const
+{
+    const QTextCursor cursor = textCursor();
+    return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+}
+
+void TMLTTextView::select(Range selection)
+{
+    const int last = document()->characterCount() - 1;
+    QTextCursor cursor = textCursor();
+    cursor.setPosition(int(std::clamp<qsizetype>(selection.location, 0, last)));
+    cursor.setPosition(int(std::clamp<qsizetype>(selection.end(), 0, last)), QTextCursor::KeepAnchor);
+    setTextCursor(cursor);
+    ensureCursorVisible();
+}
+
+bool TMLTTextView::isBlankUpToCaretLine() const
+{
+    for (QTextBlock block = textCursor().block(); block.isValid(); block = block.previous())
+        if (!block.text().trimmed().isEmpty()) return false;
+    return true;
+}
+
+void TMLTTextView::restyle()
+{
+    m_highlighter->restyle(m_options, palette());
+}
+
+void TMLTTextView::changeEvent(QEvent *event)
+{
+    QPlainTextEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_highlighter) restyle();
+    if (event->type() == QEvent::FontChange && m_numbers) placeNumbers();
+}
+
+// -- commands ---------------------------------------------------------------------------------------------------------
+
+bool TMLTTextView::apply(EditorCommand command, const EditorArguments &arguments)
+{
+    if (!mayChange()) return false;
+    EditedText edited(documentText(), selection());
+    const bool handled = applyEditorCommand(edited, command, arguments, editorSettings());
+    const Replacement change = edited.change();
+    if (change.range.isFound()) replaceRange(change.range, change.text);
+    select(edited.selection());
+    return handled;
+}
+
+void TMLTTextView::replaceRange(Range range, const QString &text)
+{
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    cursor.setPosition(int(range.location));
+    cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
+    cursor.insertText(text);
+    cursor.endEditBlock();
+}
+
+// -- finding ----------------------------------------------------------------------------------------------------------
+
+static Qt::CaseSensitivity caseFor(const QString &wanted)
+{
+    return TMLTTextView::findsCase(wanted) ? Qt::CaseSensitive : Qt::CaseInsensitive;
+}
+
+bool TMLTTextView::findText(const QString &wanted, bool backward, bool stays)
+{
+    if (wanted.isEmpty()) return false;
+    const QString text = documentText();
+    const Range now = selection();
+    const auto look = [&](qsizetype from) {
+        return backward ? text.lastIndexOf(wanted, from, caseFor(wanted)) : text.indexOf(wanted, from, caseFor(wanted));
+    };
+    const qsizetype from = stays ? now.location : backward ? now.location - 1 : now.end();
+    qsizetype found = backward && from < 0 ? -1 : look(from);
+    if (found < 0) found = look(backward ? -1 : 0);
+    if (found >= 0) select({found, wanted.size()});
+    return found >= 0;
+}
+
+qsizetype TMLTTextView::countOf(const QString &wanted) const
+{
+    if (wanted.isEmpty()) return 0;
+    const QString text = documentText();
+    qsizetype count = 0;
+    for (qsizetype at = text.indexOf(wanted, 0, caseFor(wanted)); at >= 0;
+         at = text.indexOf(wanted, at + wanted.size(), caseFor(wanted)))
+        ++count;
+    return count;
+}
+
+void TMLTTextView::replaceFound(const QString &wanted, const QString &with)
+{
+    const Range now = selection();
+    const QString selected = documentText().mid(now.location, now.length);
+    if (wanted.isEmpty() || selected.compare(wanted, caseFor(wanted)) != 0 || isReadOnly() || !mayChange()) return;
+    replaceRange(now, with);
+    select({now.location + with.size(), 0});
+}
+
+void TMLTTextView::replaceAll(const QString &wanted, const QString &with)
+{
+    if (wanted.isEmpty() || isReadOnly() || !mayChange()) return;
+    QString text = documentText();
+    const qsizetype first = text.indexOf(wanted, 0, caseFor(wanted));
+    if (first < 0) return;
+    const qsizetype end = text.lastIndexOf(wanted, -1, caseFor(wanted)) + wanted.size();
+    QString changed = text.mid(first, end - first);
+    changed.replace(wanted, with, caseFor(wanted));
+    replaceRange({first, end - first}, changed);
+}
+
+namespace {
+
+// Keys for third characters come with a modifier of their own.
+constexpr Qt::KeyboardModifiers forTyping = Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier;
+
+bool isPlainKey(const QKeyEvent &event)
+{
+    return !(event.modifiers() & ~forTyping);
+}
+
+// Characters that closing ones have to do with; all others need no look at the text.
+bool concernsClosing(const QString &typed)
+{
+    return typed.size() == 1 && QStringView(u"()[]{}`\"'").contains(typed[0]);
+}
+
+} // namespace
+
+// True when the key was a command's.
+bool TMLTTextView::applyKey(const QKeyEvent &event)
+{
+    const bool shift = event.modifiers() & Qt::ShiftModifier;
+    switch (event.key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        apply(shift ? EditorCommand::ShiftNewLine : EditorCommand::NewLine);
+        return true;
+    case Qt::Key_Tab: return apply(EditorCommand::Tab);
+    case Qt::Key_Backtab:
+        apply(EditorCommand::ShiftTab);
+        return true;
+    case Qt::Key_Backspace:
+        apply(EditorCommand::DeleteBackward);
+        return true;
+    default: break;
+    }
+    if (!concernsClosing(event.text())) return false;
+    apply(EditorCommand::Type, {event.text(), {}, 0});
+    return true;
+}
+
+void TMLTTextView::keyPressEvent(QKeyEvent *event)
+{
+    const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
+    if (changes && !mayChange()) return event->accept();
+    if (changes && applyKey(*event)) return event->accept();
+    QPlainTextEdit::keyPressEvent(event);
+}
+
+void TMLTTextView::inputMethodEvent(QInputMethodEvent *event)
+{
+    if (mayChange()) QPlainTextEdit::inputMethodEvent(event);
+}
+
+// Editing begins before the first change, whatever makes it.
+void TMLTTextView::focusInEvent(QFocusEvent *event)
+{
+    if (!isReadOnly()) (void)mayChange();
+    QPlainTextEdit::focusInEvent(event);
+}
+
+void TMLTTextView::insertFromMimeData(const QMimeData *source)
+{
+    if (mayChange()) QPlainTextEdit::insertFromMimeData(source);
+}
+
+} // namespace tomelet::desktop

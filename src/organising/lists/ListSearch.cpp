@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "organising/lists/ListSearch.h"
+
+#include "foundation/Localization.h"
+#include "foundation/Platform.h"
+#include "library/OutlineItem.h"
+#include "library/Root.h"
+#include "organising/search/FileIndex.h"
+#include "organising/search/SearchResults.h"
+
+namespace tomelet {
+
+using namespace std::chrono_literals;
+
+static const QString delayedName = QStringLiteral("startSpotlightSearchWithString:");
+
+ListSearch::ListSearch(TMLTDocumentListViewController &list, FileIndex &index, SearchFieldView &view)
+    : m_list(list)
+    , m_index(index)
+    , m_view(view)
+    , m_origin(list.source())
+{
+    m_subscription = notifications().observe(
+        QStringLiteral("TMStartSpotlightSearchNotification"), [this](const QVariantMap &payload) {
+            handleStartSpotlightSearchNotification(payload.value(QStringLiteral("term")).toString());
+        });
+}
+
+ListSearch::~ListSearch()
+{
+    stop();
+}
+
+bool ListSearch::showsResults() const
+{
+    return m_list.source().smartType == SearchResultsBook;
+}
+
+bool ListSearch::canSearch() const
+{
+    const int type = m_list.source().smartType;
+    return type == OrdinaryBook || type == InboxBook || type == SearchResultsBook;
+}
+
+void ListSearch::stop()
+{
+    platform().delayedCalls.cancel(delayedName, {});
+    m_index.stopSearch();
+    m_view.showStatus({});
+}
+
+void ListSearch::searchFieldDidChange(const QString &text)
+{
+    stop();
+    if (text.isEmpty()) return fieldWasEmptied();
+    if (!showsResults() && m_list.searchFilter != text) {
+        m_list.searchFilter = text;
+        m_view.hideSearchOptions();
+        m_view.reloadList();
+    }
+    platform().delayedCalls.schedule(delayedName, {}, 300ms, [this, text] { startSpotlightSearchWithString(text); });
+}
+
+void ListSearch::fieldWasEmptied()
+{
+    const bool filtered = !m_list.searchFilter.isEmpty();
+    m_list.searchFilter.clear();
+    m_view.showSearchOptions();
+    if (showsResults()) m_list.setSource(m_origin);
+    else if (!filtered) return;
+    m_view.reloadList();
+}
+
+void ListSearch::startSpotlightSearchWithString(const QString &text)
+{
+    stop();
+    if (!canSearch()) return;
+    const SearchQuery query = makeSearchQuery(tm_arrayOfSearchTermsInString(text), searchModeOfSettings());
+    if (query.terms.empty()) return;
+    if (!showsResults()) m_origin = m_list.source();
+    const QString scope = searchScope(m_origin.smartType == InboxBook ? inboxFolder() : m_origin.book);
+    m_view.showStatus(localized(TOMELET_TEXT("Searching...")));
+    m_index.search(query, scope,
+                   [this, text, scope](const QStringList &paths) { queryDidFinishGathering(text, scope, paths); });
+}
+
+void ListSearch::queryDidFinishGathering(const QString &text, const QString &scope, const QStringList &paths)
+{
+    m_view.showStatus({});
+    const QStringList stored = storeSearchResults(paths);
+    m_header = searchResultsHeader(text, scope, stored.size());
+    if (!TMLTOutlineItem::smartBookOfType(SearchResultsBook))
+        TMLTOutlineItem::insertSmartChildOfType(SearchResultsBook);
+    m_list.searchFilter.clear();
+    m_list.setSource({m_origin.book, SearchResultsBook, {}});
+    m_view.reloadList();
+}
+
+// Wherever the search comes from, the book on display is its scope; a computed list stands for the whole notebook.
+void ListSearch::handleStartSpotlightSearchNotification(const QString &term)
+{
+    if (!canSearch()) m_list.setSource({tomeletRoot(), OrdinaryBook, {}});
+    startSpotlightSearchWithString(term);
+}
+
+} // namespace tomelet
