@@ -19,7 +19,8 @@ class TakenPort
 {
 public:
     explicit TakenPort(std::uint16_t port)
-        : m_socket(std::make_shared<http::AcceptSocket>(m_context, m_context.get_executor(), [](auto) {}))
+        : m_socket(std::make_shared<http::AcceptSocket>(
+              m_context.get_executor(), [this] { return m_context.get_executor(); }, [](auto) {}))
     {
         http::SocketError error;
         while (!m_socket->acceptOnInterface("127.0.0.1", port, error))

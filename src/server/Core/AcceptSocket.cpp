@@ -2,7 +2,6 @@
 #include "server/Core/AcceptSocket.h"
 
 #include <asio/ip/v6_only.hpp>
-#include <asio/strand.hpp>
 
 #include <array>
 #include <optional>
@@ -59,10 +58,10 @@ std::error_code listenOn(tcp::acceptor &acceptor, const tcp::endpoint &endpoint,
 
 } // namespace
 
-AcceptSocket::AcceptSocket(asio::io_context &context, asio::any_io_executor queue, DidAccept didAccept)
-    : m_context(context)
-    , m_acceptor(queue)
+AcceptSocket::AcceptSocket(asio::any_io_executor queue, NextQueue nextQueue, DidAccept didAccept)
+    : m_acceptor(queue)
     , m_pause(queue)
+    , m_nextQueue(std::move(nextQueue))
     , m_didAccept(std::move(didAccept))
 {}
 
@@ -94,7 +93,7 @@ std::uint16_t AcceptSocket::localPort() const
 
 void AcceptSocket::acceptNext()
 {
-    m_acceptor.async_accept(asio::make_strand(m_context),
+    m_acceptor.async_accept(m_nextQueue(),
                             [self = shared_from_this()](std::error_code error, tcp::socket socket) {
                                 if (!self->m_acceptor.is_open()) return;
                                 if (!error) {

@@ -4,7 +4,7 @@
 
 #include "server/Core/SocketError.h"
 
-#include <asio/io_context.hpp>
+#include <asio/any_io_executor.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
 
@@ -21,8 +21,10 @@ class AcceptSocket : public std::enable_shared_from_this<AcceptSocket>
 public:
     using DidAccept = std::function<void(asio::ip::tcp::socket socket)>;
 
-    /// Each accepted socket has a serial queue of its own in the context.
-    AcceptSocket(asio::io_context &context, asio::any_io_executor queue, DidAccept didAccept);
+    using NextQueue = std::function<asio::any_io_executor()>;
+
+    /// Each accepted socket works on the serial queue that nextQueue gives for it.
+    AcceptSocket(asio::any_io_executor queue, NextQueue nextQueue, DidAccept didAccept);
 
     /// Listens on the interface: "" for all of them, IPv4 and IPv6; "localhost" and "loopback" for this
     /// machine alone; an IP address; or an interface's name such as "eth0". Port 0 lets the system choose.
@@ -37,9 +39,9 @@ public:
 private:
     void acceptNext();
 
-    asio::io_context &m_context;
     asio::ip::tcp::acceptor m_acceptor;
     asio::steady_timer m_pause;
+    NextQueue m_nextQueue;
     DidAccept m_didAccept;
 };
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // One connected socket with queued, asynchronous reads and writes. Each carries a tag that comes back with
-// its result and a time-out. All work and all callbacks happen on the socket's queue, an asio strand.
+// its result and a time-out. All work and all callbacks happen on the socket's queue, which runs one thing at a time.
 #pragma once
 
 #include "server/Core/BodyPiece.h"
@@ -96,6 +96,7 @@ private:
     bool didReceive(ssize_t count, std::size_t asked);
     bool serveWrites();
     ssize_t sendBytes();
+    void cork(bool on);
     ssize_t sendFileStretch();
     bool didSend(std::size_t count);
     void waitForSocket();
@@ -116,6 +117,7 @@ private:
     Clock::time_point m_timerExpiry = Clock::time_point::max();
     bool m_readable = true;
     bool m_writable = true;
+    bool m_corked = false; ///< the system holds back packets that are not full
     bool m_waitingToRead = false;
     bool m_waitingToWrite = false;
     bool m_pumping = false;

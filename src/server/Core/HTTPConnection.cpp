@@ -69,6 +69,8 @@ void HTTPConnection::stop()
 
 void HTTPConnection::socketDidDisconnect(const std::string &)
 {
+    m_endedAtWork = m_working;
+    if (m_working) return; // the request's parts are in use
     if (m_httpResponse) m_httpResponse->connectionDidClose();
     finishResponse();
     die();
@@ -176,6 +178,11 @@ std::shared_ptr<HTTPResponse> HTTPConnection::httpResponseForMethod(const std::s
     const std::string path = filePathForURI(uri);
     if (path.empty() || !exists(path)) return nullptr;
     return HTTPFileResponse::withFilePath(path, weak_from_this());
+}
+
+bool HTTPConnection::mayTakeLong(const std::string &)
+{
+    return false;
 }
 
 std::shared_ptr<WebSocket> HTTPConnection::webSocketForURI(const std::string &)

@@ -56,7 +56,8 @@ public:
     [[nodiscard]] static Params parseParams(std::string_view query);
 
 protected:
-    // ---- Operations that a subclass may override. All run on the connection's queue.
+    // ---- Operations that a subclass may override. All run on the connection's queue, but httpResponseForMethod and
+    // what it calls may run on the work queue instead; nothing else runs for the connection then.
 
     [[nodiscard]] virtual bool supportsMethod(const std::string &method, const std::string &path);
     [[nodiscard]] virtual bool expectsRequestBodyFromMethod(const std::string &method,
@@ -76,6 +77,8 @@ protected:
     /// Null is answered with 404.
     [[nodiscard]] virtual std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
                                                                               const std::string &uri);
+    /// True for requests that are answered on the work queue: the connection waits for that, and no other one does.
+    [[nodiscard]] virtual bool mayTakeLong(const std::string &method);
     [[nodiscard]] virtual std::shared_ptr<WebSocket> webSocketForURI(const std::string &uri);
     /// A body of that many bytes follows, limits::chunkedBody of them when nobody knows; only processBodyData
     /// tells how many really come.
@@ -132,6 +135,9 @@ private:
     void sendContinueIfExpected();
 
     void replyToHTTPRequest();
+    void replyWith(std::shared_ptr<HTTPResponse> response);
+    void replyOnWorkQueue(const std::string &uri);
+    void didFinishWork(std::shared_ptr<HTTPResponse> response);
     bool isAuthenticated();
     bool isDigestAuthenticated();
     bool isBasicAuthenticated();
@@ -174,6 +180,8 @@ private:
     std::optional<bool> m_authorized;
 
     std::shared_ptr<HTTPResponse> m_httpResponse;
+    bool m_working = false;     ///< the request is on the work queue
+    bool m_endedAtWork = false; ///< and meanwhile the connection has ended
     bool m_sentResponseHeaders = false;
     bool m_sendsBody = false;
     bool m_chunked = false;

@@ -8,6 +8,8 @@
 #include "server/Core/Log.h"
 #include "server/Core/Text.h"
 
+#include <asio/post.hpp>
+
 namespace tomelet::http {
 
 namespace {
@@ -46,11 +48,37 @@ void HTTPConnection::replyToHTTPRequest()
     if (version != "HTTP/1.1" && version != "HTTP/1.0") return handleVersionNotSupported(version);
     if (isWebSocketRequest()) return replyToWebSocketRequest(uri);
     if (!isAuthorized()) return handleAuthenticationFailed();
-    m_httpResponse = httpResponseForMethod(m_request.method(), uri);
+    if (m_config->workQueue && mayTakeLong(m_request.method())) return replyOnWorkQueue(uri);
+    replyWith(httpResponseForMethod(m_request.method(), uri));
+}
+
+void HTTPConnection::replyWith(std::shared_ptr<HTTPResponse> response)
+{
+    m_httpResponse = std::move(response);
     if (m_httpResponse)
         sendResponseHeadersAndBody();
     else
         handleResourceNotFound();
+}
+
+// No read and no write is queued meanwhile, so that of all events only the connection's end can come.
+void HTTPConnection::replyOnWorkQueue(const std::string &uri)
+{
+    m_working = true;
+    asio::post(m_config->workQueue, [self = shared_from_this(), uri] {
+        auto response = self->httpResponseForMethod(self->m_request.method(), uri);
+        asio::post(self->connectionQueue(), [self, response = std::move(response)]() mutable {
+            self->didFinishWork(std::move(response));
+        });
+    });
+}
+
+void HTTPConnection::didFinishWork(std::shared_ptr<HTTPResponse> response)
+{
+    m_working = false;
+    if (!m_endedAtWork) return replyWith(std::move(response));
+    m_httpResponse = std::move(response);
+    socketDidDisconnect({});
 }
 
 bool HTTPConnection::isWebSocketRequest() const

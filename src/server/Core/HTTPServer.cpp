@@ -3,18 +3,15 @@
 
 #include "server/Core/AcceptSocket.h"
 #include "server/Core/BonjourService.h"
+#include "server/Core/EventLoops.h"
 #include "server/Core/Log.h"
 #include "server/Core/TemporaryItem.h"
 
-#include <asio/executor_work_guard.hpp>
-#include <asio/io_context.hpp>
 #include <asio/post.hpp>
-#include <asio/strand.hpp>
 #include <asio/thread_pool.hpp>
 
 #include <algorithm>
 #include <condition_variable>
-#include <csignal>
 #include <filesystem>
 #include <future>
 #include <mutex>
@@ -24,22 +21,14 @@ namespace tomelet::http {
 
 namespace {
 
-// More than one in any case: one client's long copy must not hold up all the others.
-unsigned numberOfThreads()
+unsigned numberOfLoops()
 {
-    return std::clamp(std::thread::hardware_concurrency(), 3U, 4U);
+    return std::clamp(std::thread::hardware_concurrency(), 2U, 4U);
 }
+
+constexpr unsigned longWorkers = 2;
 
 constexpr std::chrono::seconds longestFarewell{5};
-
-// A file that is sent to a client that has gone ends in this signal; the call's error says it as well.
-void blockPipeSignal()
-{
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGPIPE);
-    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-}
 
 std::string resolvedRoot(const std::string &path)
 {
@@ -50,8 +39,8 @@ std::string resolvedRoot(const std::string &path)
 
 } // namespace
 
-// What exists between start and stop: threads, sockets, connections. The serial queues are strands: one for
-// the server's own work, and one for each connection.
+// What exists between start and stop: threads, sockets, connections. The serial queues are event loops: each connection
+// stays on one, and what may take long is done elsewhere, so that it holds up nobody.
 class HTTPServer::Running
 {
 public:
@@ -79,10 +68,10 @@ private:
     void didAccept(asio::ip::tcp::socket socket);
     void connectionDidDie(HTTPConnection *connection);
 
-    asio::io_context m_context;
-    asio::executor_work_guard<asio::io_context::executor_type> m_work;
-    asio::any_io_executor m_serverQueue;
+    EventLoops m_loops{numberOfLoops()};
+    asio::any_io_executor m_serverQueue = m_loops.first();
     asio::thread_pool m_fileReaders{1};
+    asio::thread_pool m_workers{longWorkers};
     const std::string m_interface;
     const std::uint16_t m_wantedPort;
     const ConnectionClass m_connectionClass;
@@ -98,14 +87,10 @@ private:
     std::vector<std::shared_ptr<WebSocket>> m_webSockets;
     std::string m_username;
     std::string m_password;
-
-    std::vector<std::thread> m_threads;
 };
 
 HTTPServer::Running::Running(const Settings &settings, std::string username, std::string password)
-    : m_work(asio::make_work_guard(m_context))
-    , m_serverQueue(asio::make_strand(m_context))
-    , m_interface(settings.interface)
+    : m_interface(settings.interface)
     , m_wantedPort(settings.port)
     , m_connectionClass(settings.connectionClass)
     , m_config(std::make_shared<HTTPConfig>())
@@ -114,6 +99,7 @@ HTTPServer::Running::Running(const Settings &settings, std::string username, std
 {
     m_config->documentRoot = resolvedRoot(settings.documentRoot);
     m_config->fileQueue = m_fileReaders.get_executor();
+    m_config->workQueue = m_workers.get_executor();
     m_config->now = settings.now;
     m_config->timeout = settings.timeout;
     m_config->connectionDidDie = [this](HTTPConnection *connection) { connectionDidDie(connection); };
@@ -122,21 +108,19 @@ HTTPServer::Running::Running(const Settings &settings, std::string username, std
         m_webSockets.push_back(std::move(webSocket));
     };
     m_asyncSocket = std::make_shared<AcceptSocket>(
-        m_context, m_serverQueue, [this](asio::ip::tcp::socket socket) { didAccept(std::move(socket)); });
+        m_serverQueue, [this] { return m_loops.next(); },
+        [this](asio::ip::tcp::socket socket) { didAccept(std::move(socket)); });
 }
 
-// Connections are told to close and get a moment for it, then the threads end. What still hangs on the
-// context goes with it.
+// Connections are told to close and get a moment for it, then the threads end.
 HTTPServer::Running::~Running()
 {
     m_bonjour.reset();
     stopListening();
     closeConnections();
-    m_work.reset();
-    m_context.stop();
-    for (std::thread &thread : m_threads)
-        thread.join();
+    m_workers.join();
     m_fileReaders.join();
+    m_loops.stop();
 }
 
 bool HTTPServer::Running::listen(SocketError &error)
@@ -145,11 +129,7 @@ bool HTTPServer::Running::listen(SocketError &error)
     if (!m_asyncSocket->acceptOnInterface(m_interface, m_wantedPort, error)) return false;
     m_port = m_asyncSocket->localPort();
     m_listening = true;
-    for (unsigned i = 0; i < numberOfThreads(); ++i)
-        m_threads.emplace_back([this] {
-            blockPipeSignal();
-            m_context.run();
-        });
+    m_loops.start();
     return true;
 }
 

@@ -96,6 +96,12 @@ std::shared_ptr<HTTPResponse> DAVConnection::httpResponseForMethod(const std::st
     return isOneOf(method, davMethods) ? responseToDAVMethod(method, path) : nullptr;
 }
 
+// Whole trees are copied and deleted, and large bodies brought to the disk.
+bool DAVConnection::mayTakeLong(const std::string &method)
+{
+    return method != "GET" && method != "HEAD" && method != "OPTIONS";
+}
+
 std::shared_ptr<HTTPResponse> DAVConnection::responseToGET(const std::string &uri)
 {
     const std::string path = filePathForURI(uri);

@@ -33,6 +33,7 @@ protected:
     std::string filePathForURI(const std::string &uri, bool allowDirectory = false) override;
     std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
                                                         const std::string &uri) override;
+    bool mayTakeLong(const std::string &method) override;
 
 private:
     std::shared_ptr<HTTPResponse> responseToGET(const std::string &uri);

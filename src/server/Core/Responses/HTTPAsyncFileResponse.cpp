@@ -11,8 +11,7 @@ namespace tomelet::http {
 
 namespace {
 
-constexpr std::uint64_t fetchWindow = 8 * 1024 * 1024; ///< asked for at once
-constexpr std::uint64_t lowMark = fetchWindow / 2; ///< below this much at hand the next window is asked for
+constexpr std::uint64_t largestWindow = 64 * 1024 * 1024;
 
 } // namespace
 
@@ -37,13 +36,15 @@ HTTPAsyncFileResponse::HTTPAsyncFileResponse(std::string path, std::uint64_t siz
 void HTTPAsyncFileResponse::setOffset(std::uint64_t offset)
 {
     HTTPFileResponse::setOffset(offset);
-    if (offset > m_fetchedTo || offset + lowMark < m_fetchedTo) m_fetchedTo = offset;
+    if (offset <= m_fetchedTo && m_fetchedTo - offset <= m_window) return;
+    m_fetchedTo = offset;
+    m_window = firstWindow;
 }
 
 BodyPiece HTTPAsyncFileResponse::readDataOfLength(std::size_t length)
 {
     const std::uint64_t atHand = m_fetchedTo - std::min(m_offset, m_fetchedTo);
-    if (atHand < lowMark) fetchAhead();
+    if (atHand < m_window / 2) fetchAhead();
     if (atHand == 0) {
         m_starved = !isDone();
         return {};
@@ -65,7 +66,8 @@ void HTTPAsyncFileResponse::fetchAhead()
     if (m_fetching || m_fetchedTo >= m_size || !openFileIfNeeded()) return;
     m_fetching = true;
     const std::uint64_t from = m_fetchedTo;
-    const std::uint64_t to = std::min(from + fetchWindow, m_size);
+    const std::uint64_t to = std::min(from + m_window, m_size);
+    m_window = std::min(2 * m_window, largestWindow);
     const auto self = std::static_pointer_cast<HTTPAsyncFileResponse>(shared_from_this());
     asio::post(m_fileQueue, [self, file = m_file, from, to] {
         // A file system without read-ahead costs waiting later and nothing else.

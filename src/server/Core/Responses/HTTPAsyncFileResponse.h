@@ -27,11 +27,14 @@ public:
     bool delayResponseHeaders() override;
 
 private:
+    static constexpr std::uint64_t firstWindow = 2 * 1024 * 1024;
+
     void fetchAhead();
     void didFetch(std::uint64_t from, std::uint64_t to);
 
     asio::any_io_executor m_fileQueue;
     asio::any_io_executor m_ownQueue;
+    std::uint64_t m_window = firstWindow; ///< how much is asked for at once; it grows, so that it is rarely waited for
     std::uint64_t m_fetchedTo = 0; ///< from the offset up to here the file is at hand
     bool m_fetching = false;
     bool m_hasData = false; ///< a first stretch has come
