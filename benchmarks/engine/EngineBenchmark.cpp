@@ -6,6 +6,7 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <ctime>
@@ -118,24 +119,24 @@ double peakMegabytes(const std::string &text)
     return statusMegabytes("VmHWM") - before;
 }
 
+double rate(Convert convert, const std::string &text)
+{
+    const size_t rounds = std::max<size_t>(1, 1000000 / text.size());
+    return static_cast<double>(rounds * text.size()) / 1e6 / secondsFor(convert, std::vector(rounds, text));
+}
+
 void grow(const std::vector<std::string> &texts)
 {
     std::string all;
     for (const std::string &text : texts)
         all += text + "\n\n";
-    std::printf("growth: bytes, MB/s, memory as a multiple of the text\n");
+    std::printf("growth: bytes, MB/s, cmark's MB/s, memory as a multiple of the text\n");
     for (size_t size = 10000; size <= 100000000; size *= 10) {
         std::string text;
         while (text.size() < size)
             text += all.substr(0, size - text.size());
-        const double rounds = size < 1000000 ? 100 : 1;
-        const double start = threadSeconds();
-        for (int i = 0; i < static_cast<int>(rounds); ++i)
-            convertWithEngine(text);
-        const double seconds = (threadSeconds() - start) / rounds;
-        const double bytes = static_cast<double>(text.size());
-        std::printf("  %9zu %8.1f   %.1f\n", text.size(), bytes / 1e6 / seconds,
-                    peakMegabytes(text) * 1e6 / bytes);
+        std::printf("  %9zu %8.1f %8.1f   %.1f\n", text.size(), rate(convertWithEngine, text), rate(convertWithCmark, text),
+                    peakMegabytes(text) * 1e6 / static_cast<double>(text.size()));
     }
 }
 

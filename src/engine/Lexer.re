@@ -7,6 +7,7 @@
 #include "engine/TokenTypes.h"
 
 #include <array>
+#include <string_view>
 
 namespace tomelet::engine {
 
@@ -22,17 +23,71 @@ bool is_no_break_space(const char *p)
     return p[0] == '\xC2' && p[1] == '\xA0';
 }
 
-// Bytes at which a token may begin. A blank begins one only with company, which lexer_next looks at by itself.
-constexpr std::array<bool, 256> make_starters()
+// Whether a token may begin is asked of three bytes, its own and its neighbours, by bits that they must share: each bit is
+// one rule. So no branch is taken inside a run of text.
+enum : unsigned char {
+    ALWAYS = 1,
+    BEFORE_BLANK = 2,    ///< a blank beside blanks or at a line's end
+    BEFORE_PERIOD = 4,   ///< "..." and ". . ."
+    BEFORE_BRACKET = 8,  ///< "!["
+    BEFORE_NO_BREAK = 16, ///< the second byte of a no-break space
+    BEFORE_SAME = 32,    ///< "++}" and "==}"
+    BEHIND_BLANK = 64,   ///< what is text behind visible text in any case
+};
+
+using byte_table = std::array<unsigned char, 256>;
+
+constexpr byte_table make_beginnings()
 {
-    std::array<bool, 256> table{};
-    for (const char c : {'\0', '\t', '\n', '\r', '\\', '\xC2'}) table[static_cast<unsigned char>(c)] = true;
-    for (int c = '!'; c <= '~'; ++c) table[static_cast<size_t>(c)] = char_is(static_cast<char>(c), CHAR_PUNCTUATION | CHAR_DIGIT);
-    for (const char c : {',', ';', '?', '@'}) table[static_cast<unsigned char>(c)] = false;
+    byte_table table{};
+    const auto set = [&table](std::string_view bytes, unsigned char rules) {
+        for (const char c : bytes) table[static_cast<unsigned char>(c)] = rules;
+    };
+    for (int c = '!'; c <= '~'; ++c)
+        if (char_is_punctuation(static_cast<char>(c))) table[static_cast<size_t>(c)] = ALWAYS;
+    set(std::string_view("\0\t\n\r", 4), ALWAYS);
+    set(",;?@", 0);
+    set("0123456789", ALWAYS);
+    set("/:%", BEHIND_BLANK);
+    set("+=", BEFORE_SAME | BEHIND_BLANK);
+    set(" ", BEFORE_BLANK);
+    set(".", BEFORE_PERIOD);
+    set("!", BEFORE_BRACKET);
+    set("\xC2", BEFORE_NO_BREAK);
     return table;
 }
 
-constexpr std::array<bool, 256> starters = make_starters();
+constexpr byte_table make_followers()
+{
+    byte_table table{};
+    const auto add = [&table](std::string_view bytes, unsigned char rule) {
+        for (const char c : bytes) table[static_cast<unsigned char>(c)] |= rule;
+    };
+    for (auto &rules : table) rules = ALWAYS | BEHIND_BLANK;
+    add(" \t\n\r\xC2", BEFORE_BLANK);
+    add(". ", BEFORE_PERIOD);
+    add("[", BEFORE_BRACKET);
+    add("\xA0", BEFORE_NO_BREAK);
+    add("+=", BEFORE_SAME);
+    return table;
+}
+
+constexpr byte_table make_predecessors()
+{
+    byte_table table{};
+    for (size_t c = 0; c < table.size(); ++c)
+        table[c] = char_is_whitespace(static_cast<char>(c)) ? 0xFF : 0xFF & ~BEHIND_BLANK;
+    return table;
+}
+
+constexpr byte_table beginnings = make_beginnings();
+constexpr byte_table followers = make_followers();
+constexpr byte_table predecessors = make_predecessors();
+
+bool may_begin(const char *p)
+{
+    return (beginnings[static_cast<unsigned char>(p[0])] & followers[static_cast<unsigned char>(p[1])]) != 0;
+}
 
 // True when the bytes are a whole UTF-8 character that is no blank and no line end.
 bool is_visible_character(const char *p, const char *limit)
@@ -187,17 +242,14 @@ uint16_t token_here(lexer &l)
 */
 }
 
-// Skips text up to a byte at which a token may begin.
+// Skips text up to bytes at which a token may begin. The first byte stands behind a token and not behind text.
 void skip_plain(lexer &l)
 {
     const char *p = l.cur;
-    for (; p < l.limit; ++p) {
-        if (*p == ' ') {
-            const char next = p[1];
-            if (next == ' ' || next == '\t' || is_line_end(next) || next == '\xC2') break;
-        } else if (starters[static_cast<unsigned char>(*p)])
-            break;
-    }
+    if (p >= l.limit || may_begin(p)) return;
+    do ++p;
+    while (p < l.limit && !(beginnings[static_cast<unsigned char>(p[0])] & followers[static_cast<unsigned char>(p[1])] &
+                            predecessors[static_cast<unsigned char>(p[-1])]));
     l.cur = p;
 }
 

@@ -2,6 +2,7 @@
 #include "engine/Chars.h"
 #include "engine/References.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace tomelet::engine {
@@ -42,7 +43,7 @@ const entity *entity_at(std::string_view text)
 
 std::string unescaped(std::string_view text)
 {
-    if (text.find_first_of("\\&") == std::string_view::npos) return std::string(text);
+    if (std::ranges::none_of(text, [](char c) { return c == '\\' || c == '&'; })) return std::string(text);
     std::string plain;
     plain.reserve(text.size());
     for (size_t i = 0; i < text.size(); ++i) {
