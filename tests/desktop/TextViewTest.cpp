@@ -3,10 +3,12 @@
 #include "tests/support/Notebook.h"
 
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "editor/SpelledWords.h"
 #include "foundation/Platform.h"
 
+#include <QApplication>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
@@ -156,4 +158,58 @@ TEST_F(TextView, wordsAreWhatPeopleSpell)
               QStringLiteral("at|see|so"));
     EXPECT_EQ(words(QStringLiteral("open `code to the end")), QStringLiteral("open"));
     EXPECT_EQ(words(QStringLiteral("a ' ''")), QString());
+}
+
+TEST_F(TextView, completesWhereTheKeysSay)
+{
+    for (const char *name : {"/Note.md", "/Notes.md", "/Work/In.md"}) write(QString::fromLatin1(name));
+    view.completer().setDocument(root, at(QStringLiteral("/Note.md")));
+    view.show();
+    const auto focus = [this] { // which a list that closes takes away without a window manager
+        QApplication::setActiveWindow(&view);
+        view.setFocus();
+    };
+    const auto shows = [&] {
+        focus();
+        return QTest::qWaitFor([this] { return view.completer().isOpen(); }, 5000);
+    };
+
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    EXPECT_EQ(view.completer().offered(), (QStringList{QStringLiteral("Note.md"), QStringLiteral("Notes.md")}));
+    QTest::keyClicks(&view, QStringLiteral("tes"));
+    EXPECT_EQ(view.completer().offered(), QStringList(QStringLiteral("Notes.md")));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Notes.md]]"));
+    view.undo(); // one step
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[notes]]"));
+
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    QTest::keyClick(&view, Qt::Key_Return); // nothing was chosen: a new line as ever
+    EXPECT_FALSE(view.completer().isOpen());
+    EXPECT_TRUE(view.documentText().startsWith(QStringLiteral("[[no"))) << view.documentText().toStdString();
+    EXPECT_TRUE(view.documentText().contains(u'\n'));
+
+    load(QStringLiteral("[["));
+    QTest::keyClick(&view, Qt::Key_Tab); // without typing
+    ASSERT_TRUE(view.completer().isOpen());
+    QTest::keyClick(view.focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(view.completer().isOpen());
+
+    load(QStringLiteral("[[n"));
+    QTest::keyClick(&view, Qt::Key_Tab); // as far as both go
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Note"));
+    view.completer().close();
+    load(QStringLiteral("[[Wo"));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Work/"));
+    ASSERT_TRUE(shows());
+    EXPECT_EQ(view.completer().offered(), QStringList(QStringLiteral("Work/In.md")));
+    view.completer().close();
+    load(QStringLiteral("plain"));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("plain\t"));
 }

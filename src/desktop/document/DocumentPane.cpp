@@ -10,6 +10,7 @@
 #include "desktop/page/PageProfile.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "editor/FormattedPage.h"
 #include "editor/PageBody.h"
 #include "foundation/Directories.h"
@@ -218,6 +219,7 @@ void DocumentPane::updateTitle()
     const QString &path = m_controller.path();
     const QString name = path.isEmpty() ? QString() : lastPathComponent(path);
     m_header->setDocument(path, m_isEdited);
+    m_text->completer().setDocument(bookOfDocument(), path);
     Q_EMIT titleChanged(name);
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/text/TMLTTextView.h"
 
+#include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
 #include "foundation/Localization.h"
@@ -16,6 +17,7 @@ namespace tomelet::desktop {
 TMLTTextView::TMLTTextView(QWidget *parent)
     : QPlainTextEdit(parent)
     , m_highlighter(new TextHighlighter(document()))
+    , m_completer(new TextCompleter(this))
     , m_numbers(new LineNumbers(this))
 {
     setAccessibleName(localized(TOMELET_TEXT("Text")));
@@ -54,6 +56,7 @@ static bool hasEndlessLine(const QString &text)
 void TMLTTextView::setDocumentText(const QString &text, bool editable, const HighlightOptions &options)
 {
     m_loading = true;
+    m_completer->close();
     m_highlighter->pause(true);
     m_options = options;
     clear();
@@ -118,6 +121,15 @@ bool TMLTTextView::apply(EditorCommand command, const EditorArguments &arguments
     if (change.range.isFound()) replaceRange(change.range, change.text);
     select(edited.selection());
     return handled;
+}
+
+void TMLTTextView::replaceInLine(const QTextBlock &line, const EditedText &edited)
+{
+    const Replacement change = edited.change();
+    if (!change.range.isFound() || !mayChange()) return;
+    const int start = line.position();
+    replaceRange({start + change.range.location, change.range.length}, change.text);
+    select({start + edited.selection().location, edited.selection().length});
 }
 
 void TMLTTextView::replaceRange(Range range, const QString &text)
@@ -211,7 +223,7 @@ bool TMLTTextView::applyKey(const QKeyEvent &event)
     case Qt::Key_Enter:
         apply(shift ? EditorCommand::ShiftNewLine : EditorCommand::NewLine);
         return true;
-    case Qt::Key_Tab: return apply(EditorCommand::Tab);
+    case Qt::Key_Tab: return m_completer->completeByTab() || apply(EditorCommand::Tab);
     case Qt::Key_Backtab:
         apply(EditorCommand::ShiftTab);
         return true;
@@ -227,15 +239,19 @@ bool TMLTTextView::applyKey(const QKeyEvent &event)
 
 void TMLTTextView::keyPressEvent(QKeyEvent *event)
 {
+    if (m_completer->isOpen() && m_completer->takeKey(*event)) return event->accept();
     const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
     if (changes && !mayChange()) return event->accept();
-    if (changes && applyKey(*event)) return event->accept();
-    QPlainTextEdit::keyPressEvent(event);
+    if (changes && applyKey(*event)) event->accept();
+    else QPlainTextEdit::keyPressEvent(event);
+    if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
 }
 
 void TMLTTextView::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (mayChange()) QPlainTextEdit::inputMethodEvent(event);
+    if (!mayChange()) return;
+    QPlainTextEdit::inputMethodEvent(event);
+    if (!event->commitString().isEmpty()) m_completer->typed();
 }
 
 // Editing begins before the first change, whatever makes it.

@@ -16,6 +16,7 @@
 namespace tomelet::desktop {
 
 class LineNumbers;
+class TextCompleter;
 class TextHighlighter;
 
 class TMLTTextView final : public QPlainTextEdit
@@ -37,6 +38,8 @@ public:
 
     /// Carries out a command in one undo step. False: no rule of it applied, or the document takes no changes.
     bool apply(EditorCommand command, const EditorArguments &arguments = {});
+    /// Makes the change of one line, which was edited apart, and takes its caret; nothing where no change may be made.
+    void replaceInLine(const QTextBlock &line, const EditedText &edited);
     /// Asked before the text changes by anything but undo; "false" keeps it as it is.
     void setChangeGuard(std::function<bool()> guard) { m_mayChange = std::move(guard); }
 
@@ -58,6 +61,7 @@ public:
     void replaceAll(const QString &wanted, const QString &with);
 
     [[nodiscard]] TextHighlighter &highlighter() { return *m_highlighter; }
+    [[nodiscard]] TextCompleter &completer() { return *m_completer; }
 
 Q_SIGNALS:
     /// The text was changed by a person.
@@ -84,6 +88,7 @@ private:
     void addSuggestions(QMenu *menu, Range place);
 
     TextHighlighter *m_highlighter;
+    TextCompleter *m_completer;
     HighlightOptions m_options;
     std::function<bool()> m_mayChange;
     bool m_loading = false;

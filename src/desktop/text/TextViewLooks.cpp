@@ -3,6 +3,7 @@
 
 #include "desktop/document/SpellChecker.h"
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "editor/SpelledWords.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -86,6 +87,7 @@ void TMLTTextView::placeNumbers()
 
 void TMLTTextView::caretMoved()
 {
+    m_completer->caretMoved();
     QList<QTextEdit::ExtraSelection> marks;
     if (m_marksLine) {
         QTextEdit::ExtraSelection line;
