@@ -9,9 +9,16 @@
 #include "foundation/Platform.h"
 
 #include <QApplication>
+#include <QClipboard>
+#include <QDropEvent>
+#include <QImage>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTextBlock>
+#include <QUrl>
+
+#include <functional>
 
 using namespace tomelet;
 using namespace tomelet::desktop;
@@ -212,4 +219,45 @@ TEST_F(TextView, completesWhereTheKeysSay)
     load(QStringLiteral("plain"));
     QTest::keyClick(&view, Qt::Key_Tab);
     EXPECT_EQ(view.documentText(), QStringLiteral("plain\t"));
+}
+
+TEST_F(TextView, handsOnWhatIsNoText)
+{
+    load(QStringLiteral("one\ntwo"));
+    view.show();
+    QSignalSpy files(&view, &TMLTTextView::filesDropped);
+    QSignalSpy images(&view, &TMLTTextView::imageDropped);
+    QSignalSpy links(&view, &TMLTTextView::linkDropped);
+    const auto paste = [this](const std::function<void(QMimeData &)> &fill) {
+        auto *data = new QMimeData;
+        fill(*data);
+        QApplication::clipboard()->setMimeData(data);
+        view.paste();
+    };
+    paste([](QMimeData &data) { data.setImageData(QImage(2, 2, QImage::Format_RGB32)); });
+    EXPECT_EQ(images.count(), 1);
+    paste([](QMimeData &data) { data.setUrls({QUrl(QStringLiteral("https://example.org/a%20b"))}); });
+    ASSERT_EQ(links.count(), 1);
+    EXPECT_EQ(links[0][0].toString(), QStringLiteral("https://example.org/a%20b"));
+    EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwo"));
+    paste([](QMimeData &data) { // a table's cells come with their picture
+        data.setText(QStringLiteral("three"));
+        data.setImageData(QImage(2, 2, QImage::Format_RGB32));
+    });
+    EXPECT_EQ(images.count(), 1);
+    EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwothree"));
+
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(at(QStringLiteral("/a.md")))});
+    const QPoint start = QPoint(21, 21); // in front of the first letter
+    QDragEnterEvent enter(start, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(start, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, {});
+    drop.setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(view.viewport(), &drop);
+    ASSERT_EQ(files.count(), 1);
+    EXPECT_EQ(files[0][0].toStringList(), QStringList(at(QStringLiteral("/a.md"))));
+    EXPECT_EQ(view.selection(), (Range{0, 0}));
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction); // the file itself stays where it is
 }

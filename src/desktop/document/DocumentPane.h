@@ -90,6 +90,9 @@ private:
     void toggleContentsTable();
     void insertFiles(const QStringList &files);
     void insertImage(const QImage &image);
+    void connectDrops();
+    void insertIntoText(const QString &text);
+    void tellNotStored(const QString &what);
     [[nodiscard]] QString bookOfDocument() const;
     [[nodiscard]] bool showsContentsTable() const;
 

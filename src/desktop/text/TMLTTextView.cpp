@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/text/TMLTTextView.h"
 
+#include "desktop/actions/DragData.h"
 #include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
 #include "foundation/Localization.h"
 
+#include <QDropEvent>
+#include <QImage>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QTextBlock>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -261,9 +265,58 @@ void TMLTTextView::focusInEvent(QFocusEvent *event)
     QPlainTextEdit::focusInEvent(event);
 }
 
+// -- pasting and dropping ---------------------------------------------------------------------------------------------
+
+namespace {
+
+// A picture of a text editor's or table's comes with its text, which is what was meant.
+bool isImageAlone(const QMimeData &data)
+{
+    return data.hasImage() && !data.hasText();
+}
+
+// An address that a browser gives away is a link; one that was copied as text is that text.
+QUrl linkIn(const QMimeData &data)
+{
+    const QList<QUrl> urls = data.urls();
+    return urls.size() == 1 && !urls.first().isLocalFile() && data.hasFormat(QStringLiteral("text/uri-list"))
+               ? urls.first()
+               : QUrl();
+}
+
+// Browsers send the address and the title in two lines of UTF-16.
+QString titleOfLink(const QMimeData &data)
+{
+    const QByteArray bytes = data.data(QStringLiteral("text/x-moz-url"));
+    return QString::fromUtf16(reinterpret_cast<const char16_t *>(bytes.constData()), bytes.size() / 2)
+        .section(u'\n', 1, 1);
+}
+
+} // namespace
+
+bool TMLTTextView::canInsertFromMimeData(const QMimeData *source) const
+{
+    return source->hasUrls() || source->hasImage() || QPlainTextEdit::canInsertFromMimeData(source);
+}
+
 void TMLTTextView::insertFromMimeData(const QMimeData *source)
 {
-    if (mayChange()) QPlainTextEdit::insertFromMimeData(source);
+    if (!mayChange()) return;
+    if (const QStringList files = pathsIn(source); !files.isEmpty()) return Q_EMIT filesDropped(files);
+    if (isImageAlone(*source)) return Q_EMIT imageDropped(qvariant_cast<QImage>(source->imageData()));
+    const QUrl link = linkIn(*source);
+    if (!link.isValid()) return QPlainTextEdit::insertFromMimeData(source);
+    Q_EMIT linkDropped(QString::fromLatin1(link.toEncoded()), titleOfLink(*source));
+}
+
+// Where a document is dropped it is linked: it stays where it came from.
+void TMLTTextView::dropEvent(QDropEvent *event)
+{
+    QPlainTextEdit::dropEvent(event);
+    setFocus();
+    if (!event->mimeData()->hasUrls()) return;
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
 }
 
 } // namespace tomelet::desktop

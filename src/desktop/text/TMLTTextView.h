@@ -66,12 +66,18 @@ public:
 Q_SIGNALS:
     /// The text was changed by a person.
     void edited();
+    /// Pasted or dropped; the caret stands where it goes.
+    void filesDropped(const QStringList &files);
+    void imageDropped(const QImage &image);
+    void linkDropped(const QString &address, const QString &title);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    [[nodiscard]] bool canInsertFromMimeData(const QMimeData *source) const override;
+    void dropEvent(QDropEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
