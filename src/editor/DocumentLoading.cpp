@@ -51,6 +51,7 @@ TMLTDocumentViewController::TMLTDocumentViewController(DocumentView &view)
 
 TMLTDocumentViewController::~TMLTDocumentViewController()
 {
+    m_save.reset();
     cancelPendingSave();
     for (const auto *call : {"reshowDocument", "updateHTML", "beginEditing"})
         platform().delayedCalls.cancel(QString::fromLatin1(call), callArgument());
@@ -95,6 +96,7 @@ bool TMLTDocumentViewController::createNewDocument(const QString &extension, con
 
 void TMLTDocumentViewController::clearState()
 {
+    m_save.reset(); // what it wrote disappears
     cancelPendingSave();
     m_form = {};
     m_md5hash.clear();

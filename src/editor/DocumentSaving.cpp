@@ -93,6 +93,7 @@ void TMLTDocumentViewController::writeSidecarForWebview() const
 
 void TMLTDocumentViewController::writeTextToFile()
 {
+    waitForSave();
     cancelPendingSave();
     if (m_md5hash.isEmpty()) {
         m_isEdited = false;
@@ -104,11 +105,7 @@ void TMLTDocumentViewController::writeTextToFile()
         m_isEdited = false;
         return;
     }
-    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) {
-        m_isEdited = false;
-        m_view.setEdited(false);
-        return logLine(QStringLiteral("text unchanged"));
-    }
+    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) return takeUnchanged(false);
     if (m_forcedSave) logLine(QStringLiteral("## enforced saving %1").arg(m_path));
     if (m_path.isEmpty()) return saveAsNewDocument(content);
     if (isReadOnlyDocument(m_path))
@@ -117,6 +114,13 @@ void TMLTDocumentViewController::writeTextToFile()
     const QString previousPath = m_path;
     if (!m_isTyping && followTitle(content)) return;
     if (writeContent(content)) finishSave(content, previousPath);
+}
+
+void TMLTDocumentViewController::takeUnchanged(bool isEdited)
+{
+    m_isEdited = isEdited;
+    m_view.setEdited(isEdited);
+    logLine(QStringLiteral("text unchanged"));
 }
 
 // One alert for a fault, not one for each pause in typing.
@@ -160,6 +164,12 @@ bool TMLTDocumentViewController::writeContent(const Content &content)
     return true;
 }
 
+void TMLTDocumentViewController::announceSave(const QString &previousPath)
+{
+    if (previousPath != m_path || m_kind == DocumentViewKind::Formatted) postSilentMove(previousPath, m_path);
+    else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
+}
+
 void TMLTDocumentViewController::finishSave(const Content &content, const QString &previousPath)
 {
     noteFile();
@@ -168,9 +178,8 @@ void TMLTDocumentViewController::finishSave(const Content &content, const QStrin
     m_md5hash = md5OfText(content.text, m_form);
     if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;
     updateBacklinks(m_path, m_referencedDocuments);
+    announceSave(previousPath);
     const bool isPage = m_kind == DocumentViewKind::Formatted;
-    if (previousPath != m_path || isPage) postSilentMove(previousPath, m_path);
-    else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
     static const QString code = QStringLiteral("(?s)<code>.*?</code>");
     updateEmbeddedContexts(m_path, isPage ? tm_htmlToPlainQuick(regexSweep(content.text, code, {})) : content.text,
                            m_embeddedContexts);
