@@ -139,7 +139,7 @@ void TMLTDocumentViewController::commitSave(BackgroundSave &save)
     m_md5OfFile = save.md5OfBytes;
     m_shownText = save.text;
     noteFile();
-    m_toldFailure = false;
+    m_failure.clear();
     m_isEdited = m_changes != save.changes;
     m_view.setEdited(m_isEdited);
     takeReferences(m_path, save.facts.references, m_referencedDocuments);

@@ -103,7 +103,8 @@ void TMLTDocumentViewController::clearState()
     m_md5OfFile.clear();
     m_shownText.clear();
     m_formattedMainFrameURL.clear();
-    m_titleIsFirstLineOfText = m_isEditable = m_isEdited = m_forcedSave = m_toldFailure = m_isForeignPage = false;
+    m_titleIsFirstLineOfText = m_isEditable = m_isEdited = m_forcedSave = m_isForeignPage = false;
+    m_failure.clear();
     m_kind = DocumentViewKind::None;
     m_canToggle = false;
     m_embeddedContexts.clear();

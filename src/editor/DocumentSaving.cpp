@@ -74,7 +74,8 @@ QString TMLTDocumentViewController::editableText() const
 QString TMLTDocumentViewController::finalForm(const Content &content) const
 {
     if (m_kind == DocumentViewKind::Formatted)
-        return m_isForeignPage ? m_view.outerHTML() : tm_createFormattedDocWithBody(m_path, content.text);
+        return m_isForeignPage ? m_view.outerHTML()
+                               : tm_createFormattedDocWithBody(m_path.isEmpty() ? m_parentPath : m_path, content.text);
     if (isCombinedMarkdown(m_path)) return combinedForm(content.text);
     const bool isPage = lowerExtension(m_path).startsWith(u"htm");
     if (isPage && !content.text.contains(u"<head>")) return tm_createFormattedDocWithBody(m_path, content.text);
@@ -120,6 +121,7 @@ void TMLTDocumentViewController::takeUnchanged(bool isEdited)
 {
     m_isEdited = isEdited;
     m_view.setEdited(isEdited);
+    if (!isEdited) m_failure.clear();
     logLine(QStringLiteral("text unchanged"));
 }
 
@@ -127,8 +129,25 @@ void TMLTDocumentViewController::takeUnchanged(bool isEdited)
 void TMLTDocumentViewController::tellFailure(const QString &message)
 {
     logLine(QStringLiteral("saving error: %1").arg(message));
-    if (!m_toldFailure) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
-    m_toldFailure = true;
+    const bool isFirst = m_failure.isEmpty();
+    m_failure = message;
+    if (isFirst) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
+}
+
+WriteResult TMLTDocumentViewController::saveCopy(const QString &path) const
+{
+    TextForm form = m_form;
+    return writeFile(path, bytesOfText(finalForm(contentOfView()), form));
+}
+
+void TMLTDocumentViewController::discardChanges()
+{
+    m_save.reset();
+    cancelPendingSave();
+    m_md5hash.clear();
+    m_failure.clear();
+    m_isEdited = m_forcedSave = false;
+    m_view.setEdited(false);
 }
 
 // What somebody else wrote since the document was read would be lost under what was typed here. False: it could not be
@@ -173,7 +192,8 @@ void TMLTDocumentViewController::announceSave(const QString &previousPath)
 void TMLTDocumentViewController::finishSave(const Content &content, const QString &previousPath)
 {
     noteFile();
-    m_isEdited = m_forcedSave = m_toldFailure = false;
+    m_isEdited = m_forcedSave = false;
+    m_failure.clear();
     m_view.setEdited(false);
     m_md5hash = md5OfText(content.text, m_form);
     if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;

@@ -9,6 +9,7 @@
 #include "editor/DocumentForms.h"
 #include "editor/DocumentView.h"
 #include "foundation/NotificationCenter.h"
+#include "foundation/SafeWriter.h"
 #include "foundation/SerialQueue.h"
 
 #include <QDateTime>
@@ -74,6 +75,12 @@ public:
     void autosave();
     /// Ends the save that is under way in the background, if there is one.
     void waitForSave();
+    /// Why the last save failed; "" when it did not.
+    [[nodiscard]] const QString &failure() const { return m_failure; }
+    /// The document as it would be saved, into another file; the document itself stays unsaved.
+    [[nodiscard]] WriteResult saveCopy(const QString &path) const;
+    /// Gives up what is not in the file: nothing is saved any more until editing begins again.
+    void discardChanges();
     /// The next save writes even if the text is the same.
     void forceSave() { m_forcedSave = true; }
     /// Names the file after its first line; false when that name is taken or the file could not be moved.
@@ -164,7 +171,7 @@ private:
     bool m_isTyping = false; ///< the save is one between two keys
     bool m_savesWhileTyping = false; ///< such a save waits
     bool m_forcedSave = false;
-    bool m_toldFailure = false;
+    QString m_failure; ///< was told
     bool m_isForeignPage = false;
     QString m_formattedMainFrameURL;
     QStringList m_embeddedContexts;

@@ -150,7 +150,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
 DocumentPane::~DocumentPane()
 {
     settlePage();
-    m_controller.closeDocument();
+    if (!m_controller.closeDocument()) keepRescue();
 }
 
 void DocumentPane::makeLayout()
@@ -192,8 +192,7 @@ void DocumentPane::makeLayout()
 
 void DocumentPane::showDocument(const QString &path, const QString &anchor)
 {
-    if (m_isSettling) return;
-    settlePage();
+    if (!mayLeave()) return;
     const bool opened = m_controller.openDocument(path);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
@@ -201,8 +200,7 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
 
 void DocumentPane::createDocument(const QString &extension, const QString &book)
 {
-    if (m_isSettling) return;
-    settlePage();
+    if (!mayLeave()) return;
     m_controller.createNewDocument(extension, book);
     updateTitle();
 }
@@ -425,9 +423,11 @@ bool DocumentPane::isKeyWindow() const
 
 void DocumentPane::showAlert(const QString &title, const QString &text)
 {
-    auto *box = new QMessageBox(QMessageBox::NoIcon, title, QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()),
+    if (m_isLeaving) return; // the question says it
+    // As an informative text it would be no wider than the title.
+    auto *box = new QMessageBox(QMessageBox::NoIcon, title,
+                                QStringLiteral("<b>%1</b><p>%2</p>").arg(title.toHtmlEscaped(), text.toHtmlEscaped()),
                                 QMessageBox::Ok, this);
-    box->setInformativeText(text);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }

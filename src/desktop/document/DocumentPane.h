@@ -61,8 +61,13 @@ public:
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 
+    /// Saves what is on display. Where that cannot be, the person is asked what is to become of it; false: it stays.
+    [[nodiscard]] bool mayLeave();
+
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void titleChanged(const QString &title);
@@ -93,6 +98,11 @@ private:
     void connectDrops();
     void insertIntoText(const QString &text);
     void tellNotStored(const QString &what);
+    [[nodiscard]] QString nameOfDocument() const;
+    [[nodiscard]] bool askAboutUnsaved();
+    [[nodiscard]] bool saveElsewhere();
+    void keepRescue();
+    void dropRescue();
     [[nodiscard]] QString bookOfDocument() const;
     [[nodiscard]] bool showsContentsTable() const;
 
@@ -144,6 +154,8 @@ private:
     QString m_base; ///< of the page on display
     QString m_source; ///< the page as it was loaded
     bool m_isSettling = false;
+    bool m_isLeaving = false;
+    QString m_rescue; ///< the copy of a text that could not be saved; "" for none
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;
