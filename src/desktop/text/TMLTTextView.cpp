@@ -47,10 +47,9 @@ TMLTTextView::TMLTTextView(QWidget *parent)
 // Looking for words to break at takes seconds in a line of a million units.
 static bool hasEndlessLine(const QString &text)
 {
-    static constexpr qsizetype longest = 50000;
     for (qsizetype start = 0, end = 0; end >= 0; start = end + 1) {
         end = text.indexOf(u'\n', start);
-        if ((end < 0 ? text.size() : end) - start > longest) return true;
+        if ((end < 0 ? text.size() : end) - start > longestStyledLine) return true;
     }
     return false;
 }
