@@ -15,6 +15,7 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QAbstractTextDocumentLayout>
 #include <QTextBlock>
 #include <QUrl>
 
@@ -260,4 +261,31 @@ TEST_F(TextView, handsOnWhatIsNoText)
     EXPECT_EQ(files[0][0].toStringList(), QStringList(at(QStringLiteral("/a.md"))));
     EXPECT_EQ(view.selection(), (Range{0, 0}));
     EXPECT_EQ(drop.dropAction(), Qt::CopyAction); // the file itself stays where it is
+}
+
+TEST_F(TextView, itemsHangBelowTheirText)
+{
+    view.resize(300, 400);
+    view.show();
+    const QString words = QStringLiteral("some words that need more than one line ");
+    load(QStringLiteral("1. ") + words.repeated(3) + QStringLiteral("\nplain ") + words.repeated(3));
+    const auto lineAt = [&](int block, int line) {
+        const QTextBlock found = view.document()->findBlockByNumber(block);
+        (void)view.document()->documentLayout()->blockBoundingRect(found);
+        return found.layout()->lineAt(line);
+    };
+    const double left = lineAt(1, 1).x();
+    EXPECT_EQ(lineAt(1, 0).x(), left);
+    EXPECT_EQ(lineAt(0, 0).x(), left);
+    const double indent = lineAt(0, 1).x() - left;
+    EXPECT_NEAR(indent, lineAt(0, 0).cursorToX(3) - left, 0.5);
+    EXPECT_GT(indent, 5);
+    EXPECT_NEAR(lineAt(0, 1).width(), lineAt(0, 0).width() - indent, 0.5);
+    view.resize(200, 400); // after each layout
+    EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
+    view.select({0, 3});
+    QTest::keyClick(&view, Qt::Key_Delete); // an item no more
+    EXPECT_EQ(lineAt(0, 1).x(), left);
+    view.undo();
+    EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
 }

@@ -2,6 +2,7 @@
 #include "desktop/text/TMLTTextView.h"
 
 #include "desktop/actions/DragData.h"
+#include "desktop/text/HangingIndents.h"
 #include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
@@ -26,6 +27,7 @@ TMLTTextView::TMLTTextView(QWidget *parent)
 {
     setAccessibleName(localized(TOMELET_TEXT("Text")));
     setFrameShape(QFrame::NoFrame);
+    document()->setDocumentLayout(new HangingIndents(document()));
     document()->setDocumentMargin(20);
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
         if (m_loading || (removed == 0 && added == 0)) return;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/text/TextHighlighter.h"
 
+#include "desktop/text/HangingIndents.h"
+
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTextBlock>
@@ -179,9 +181,13 @@ QTextCharFormat TextHighlighter::formatOf(const HighlightStyle &style) const
 void TextHighlighter::applyTo(const QTextBlock &block, const std::vector<StyledRange> &styles)
 {
     QList<QTextLayout::FormatRange> ranges;
-    for (const StyledRange &style : styles)
+    int prefix = 0;
+    for (const StyledRange &style : styles) {
         ranges.append({int(style.range.location), int(style.range.length), formatOf(style.style)});
-    if (ranges == block.layout()->formats()) return;
+        if (style.style.hangingIndent) prefix = int(style.range.end());
+    }
+    const bool indentChanged = HangingIndents::setPrefix(block, prefix);
+    if (ranges == block.layout()->formats() && !indentChanged) return;
     block.layout()->setFormats(ranges);
     m_document->markContentsDirty(block.position(), block.length());
 }
