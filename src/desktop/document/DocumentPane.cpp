@@ -145,6 +145,8 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     applyViewSettings();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
+    m_moves = notifications().observe(QStringLiteral("TMLTFileMovedNotification"),
+                                      [this](const QVariantMap &) { updateTitle(); });
 }
 
 DocumentPane::~DocumentPane()
@@ -159,11 +161,12 @@ void DocumentPane::makeLayout()
     m_empty->setForegroundRole(QPalette::PlaceholderText);
 
     m_notice->setWordWrap(true);
-    m_notice->setMargin(10);
+    m_notice->setContentsMargins(20, 8, 20, 8);
     m_notice->setAutoFillBackground(true);
-    m_notice->setBackgroundRole(QPalette::ToolTipBase);
-    m_notice->setForegroundRole(QPalette::ToolTipText);
-    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setBackgroundRole(QPalette::Window);
+    m_notice->setForegroundRole(QPalette::WindowText);
+    m_notice->setTextFormat(Qt::RichText);
+    colourNotice();
     m_notice->hide();
 
     for (QWidget *widget : {static_cast<QWidget *>(m_empty), static_cast<QWidget *>(m_view),
@@ -293,6 +296,7 @@ void DocumentPane::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
+    colourNotice();
     m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
     if (m_controller.viewThatIsVisible() == DocumentViewKind::Formatted) updateHTML();
 }
@@ -432,9 +436,23 @@ void DocumentPane::showAlert(const QString &title, const QString &text)
     box->open();
 }
 
+// The colours of a tool tip are those of the page in some themes.
+void DocumentPane::colourNotice()
+{
+    static constexpr float share = 0.2F;
+    const QColor base = palette().color(QPalette::Base);
+    const QColor mark = palette().color(QPalette::Highlight);
+    const auto mix = [](float a, float b) { return a + (b - a) * share; };
+    QPalette colours = m_notice->palette();
+    colours.setColor(QPalette::Window, QColor::fromRgbF(mix(base.redF(), mark.redF()), mix(base.greenF(), mark.greenF()),
+                                                        mix(base.blueF(), mark.blueF())));
+    colours.setColor(QPalette::WindowText, palette().color(QPalette::Text));
+    m_notice->setPalette(colours);
+}
+
 void DocumentPane::showNotice(const QString &title, const QString &text)
 {
-    m_notice->setText(title + u'\n' + text);
+    m_notice->setText(QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped()));
     m_notice->show();
 }
 

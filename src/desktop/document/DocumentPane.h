@@ -6,6 +6,7 @@
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
 #include "editor/TMLTDocumentViewController.h"
+#include "foundation/NotificationCenter.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -74,6 +75,7 @@ Q_SIGNALS:
 
 private:
     void makeLayout();
+    void colourNotice();
     void updateTitle();
     void bring(QWidget *shown);
     /// Runs once when the page that is being loaded is laid out.
@@ -159,6 +161,7 @@ private:
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;
+    NotificationCenter::Subscription m_moves; // after the controller, which takes the new path
 };
 
 } // namespace tomelet::desktop

@@ -153,7 +153,7 @@ void DocumentPane::print()
         return;
     }
     if (showsText()) {
-        m_text->print(printer);
+        m_text->printOnPaper(printer);
         delete printer;
         return;
     }
@@ -174,7 +174,7 @@ void DocumentPane::printToPdf()
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(file);
-    m_text->print(&printer);
+    m_text->printOnPaper(&printer);
 }
 
 } // namespace tomelet::desktop

@@ -7,6 +7,7 @@
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
 #include "foundation/Localization.h"
+#include "foundation/Platform.h"
 
 #include <QDropEvent>
 #include <QImage>
@@ -106,6 +107,29 @@ bool TMLTTextView::isBlankUpToCaretLine() const
 void TMLTTextView::restyle()
 {
     m_highlighter->restyle(m_options, palette());
+}
+
+// The palette of no theme: dark letters, since paper is white.
+static QPalette paperColours()
+{
+    QPalette colours;
+    colours.setColor(QPalette::Base, Qt::white);
+    colours.setColor(QPalette::Text, Qt::black);
+    colours.setColor(QPalette::PlaceholderText, QColor(0x70, 0x70, 0x70));
+    colours.setColor(QPalette::Link, QColor(0x1a, 0x5f, 0xb4));
+    return colours;
+}
+
+void TMLTTextView::printOnPaper(QPagedPaintDevice *printer) const
+{
+    QTextDocument copy;
+    QFont letters = font();
+    if (const auto size = settings().integer(QStringLiteral("printFontSize")); size > 0) letters.setPointSize(int(size));
+    copy.setDefaultFont(letters);
+    copy.setPlainText(documentText());
+    TextHighlighter marks(&copy);
+    marks.restyleAtOnce(m_options, paperColours());
+    copy.print(printer);
 }
 
 void TMLTTextView::changeEvent(QEvent *event)

@@ -36,6 +36,9 @@ public:
     /// Lays the highlighting anew, as after a change of theme.
     void restyle();
 
+    /// Prints the text in colours for paper, whatever those of the screen are.
+    void printOnPaper(QPagedPaintDevice *printer) const;
+
     /// Carries out a command in one undo step. False: no rule of it applied, or the document takes no changes.
     bool apply(EditorCommand command, const EditorArguments &arguments = {});
     /// Makes the change of one line, which was edited apart, and takes its caret; nothing where no change may be made.

@@ -70,6 +70,15 @@ void TextHighlighter::restyle(const HighlightOptions &options, const QPalette &p
     styleAll();
 }
 
+void TextHighlighter::restyleAtOnce(const HighlightOptions &options, const QPalette &palette)
+{
+    m_options = options;
+    m_palette = palette;
+    m_lines = std::make_shared<const Lines>(linesOf(textOf(m_document), m_options));
+    m_nextLine = 0;
+    while (m_lines) applySlice();
+}
+
 // -- the whole --------------------------------------------------------------------------------------------------------
 
 TextHighlighter::Lines TextHighlighter::linesOf(const QString &text, const HighlightOptions &options)
