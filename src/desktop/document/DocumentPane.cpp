@@ -377,7 +377,7 @@ void DocumentPane::setEdited(bool edited)
 
 qlonglong DocumentPane::readingOffset() const
 {
-    if (m_stack->currentWidget() == m_text) return m_text->textCursor().position();
+    if (m_stack->currentWidget() == m_text) return m_text->selection().end();
     return qlonglong(m_view->page()->scrollPosition().y());
 }
 

@@ -6,6 +6,7 @@
 #include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
+#include "editor/SoftBreaks.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 
@@ -47,16 +48,6 @@ TMLTTextView::TMLTTextView(QWidget *parent)
     applyViewSettings();
 }
 
-// Looking for words to break at takes seconds in a line of a million units.
-static bool hasEndlessLine(const QString &text)
-{
-    for (qsizetype start = 0, end = 0; end >= 0; start = end + 1) {
-        end = text.indexOf(u'\n', start);
-        if ((end < 0 ? text.size() : end) - start > longestStyledLine) return true;
-    }
-    return false;
-}
-
 // -- the text ---------------------------------------------------------------------------------------------------------
 
 void TMLTTextView::setDocumentText(const QString &text, bool editable, const HighlightOptions &options)
@@ -66,8 +57,9 @@ void TMLTTextView::setDocumentText(const QString &text, bool editable, const Hig
     m_highlighter->pause(true);
     m_options = options;
     clear();
-    setWordWrapMode(hasEndlessLine(text) ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    setPlainText(text);
+    const QString shown = withSoftBreaks(text);
+    m_hasSoftBreaks = shown.size() != text.size();
+    setPlainText(shown);
     setReadOnly(!editable);
     // A caret shows where one is, also where nothing can be typed.
     setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
@@ -76,18 +68,45 @@ void TMLTTextView::setDocumentText(const QString &text, bool editable, const Hig
     m_loading = false;
 }
 
-QString TMLTTextView::documentText() const
+QString TMLTTextView::shownText() const
 {
     return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+}
+
+QString TMLTTextView::documentText() const
+{
+    return m_hasSoftBreaks ? withoutSoftBreaks(shownText()) : shownText();
+}
+
+Range TMLTTextView::textRange(qsizetype shownStart, qsizetype shownEnd) const
+{
+    if (!m_hasSoftBreaks) return {shownStart, shownEnd - shownStart};
+    const QString shown = shownText();
+    const qsizetype start = textPosition(shown, shownStart);
+    return {start, textPosition(shown, shownEnd) - start};
 }
 
 Range TMLTTextView::selection() const
 {
     const QTextCursor cursor = textCursor();
-    return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+    return textRange(cursor.selectionStart(), cursor.selectionEnd());
+}
+
+QString TMLTTextView::selectedText() const
+{
+    const Range range = selection();
+    return range.length == 0 ? QString() : documentText().mid(range.location, range.length);
 }
 
 void TMLTTextView::select(Range selection)
+{
+    if (!m_hasSoftBreaks) return selectShown(selection);
+    const QString shown = shownText();
+    const qsizetype start = shownPosition(shown, selection.location);
+    selectShown({start, shownPosition(shown, selection.end()) - start});
+}
+
+void TMLTTextView::selectShown(Range selection)
 {
     const int last = document()->characterCount() - 1;
     QTextCursor cursor = textCursor();
@@ -157,11 +176,19 @@ void TMLTTextView::replaceInLine(const QTextBlock &line, const EditedText &edite
     const Replacement change = edited.change();
     if (!change.range.isFound() || !mayChange()) return;
     const int start = line.position();
-    replaceRange({start + change.range.location, change.range.length}, change.text);
-    select({start + edited.selection().location, edited.selection().length});
+    replaceShown({start + change.range.location, change.range.length}, change.text);
+    selectShown({start + edited.selection().location, edited.selection().length});
 }
 
 void TMLTTextView::replaceRange(Range range, const QString &text)
+{
+    if (!m_hasSoftBreaks) return replaceShown(range, text);
+    const QString shown = shownText();
+    const qsizetype start = shownPosition(shown, range.location);
+    replaceShown({start, shownPosition(shown, range.end()) - start}, text);
+}
+
+void TMLTTextView::replaceShown(Range range, const QString &text)
 {
     QTextCursor cursor = textCursor();
     cursor.beginEditBlock();
@@ -207,7 +234,7 @@ qsizetype TMLTTextView::countOf(const QString &wanted) const
 void TMLTTextView::replaceFound(const QString &wanted, const QString &with)
 {
     const Range now = selection();
-    const QString selected = documentText().mid(now.location, now.length);
+    const QString selected = selectedText();
     if (wanted.isEmpty() || selected.compare(wanted, caseFor(wanted)) != 0 || isReadOnly() || !mayChange()) return;
     replaceRange(now, with);
     select({now.location + with.size(), 0});
@@ -272,6 +299,7 @@ void TMLTTextView::keyPressEvent(QKeyEvent *event)
     const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
     if (changes && !mayChange()) return event->accept();
     if (changes && applyKey(*event)) event->accept();
+    else if (m_hasSoftBreaks && mayChange() && deleteForward(*event)) event->accept();
     else QPlainTextEdit::keyPressEvent(event);
     if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
 }
@@ -319,6 +347,14 @@ QString titleOfLink(const QMimeData &data)
 
 } // namespace
 
+QMimeData *TMLTTextView::createMimeDataFromSelection() const
+{
+    if (!m_hasSoftBreaks) return QPlainTextEdit::createMimeDataFromSelection();
+    auto *copied = new QMimeData;
+    copied->setText(selectedText());
+    return copied;
+}
+
 bool TMLTTextView::canInsertFromMimeData(const QMimeData *source) const
 {
     return source->hasUrls() || source->hasImage() || QPlainTextEdit::canInsertFromMimeData(source);
@@ -327,6 +363,7 @@ bool TMLTTextView::canInsertFromMimeData(const QMimeData *source) const
 void TMLTTextView::insertFromMimeData(const QMimeData *source)
 {
     if (!mayChange()) return;
+    leaveSoftBreak();
     if (const QStringList files = pathsIn(source); !files.isEmpty()) return Q_EMIT filesDropped(files);
     if (isImageAlone(*source)) return Q_EMIT imageDropped(qvariant_cast<QImage>(source->imageData()));
     const QUrl link = linkIn(*source);

@@ -30,8 +30,14 @@ public:
     void setDocumentText(const QString &text, bool editable, const HighlightOptions &options);
     /// The text as it stands, with LF for every line end.
     [[nodiscard]] QString documentText() const;
+    /// Positions are those of this text, which is not quite what the widget holds: endless lines are shown in pieces.
     [[nodiscard]] Range selection() const;
     void select(Range selection);
+    [[nodiscard]] QString selectedText() const;
+    /// The block goes on with the line of the one above.
+    [[nodiscard]] bool isPiece(const QTextBlock &block) const;
+    /// Counted from 1.
+    [[nodiscard]] int numberOfLine(const QTextBlock &block) const;
     [[nodiscard]] bool isBlankUpToCaretLine() const;
     /// Lays the highlighting anew, as after a change of theme.
     void restyle();
@@ -79,6 +85,7 @@ protected:
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
     [[nodiscard]] bool canInsertFromMimeData(const QMimeData *source) const override;
     void dropEvent(QDropEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -90,6 +97,12 @@ private:
     [[nodiscard]] bool mayChange() const { return !m_mayChange || m_mayChange(); }
     bool applyKey(const QKeyEvent &event);
     void replaceRange(Range range, const QString &text);
+    void replaceShown(Range range, const QString &text);
+    void selectShown(Range selection);
+    [[nodiscard]] QString shownText() const;
+    [[nodiscard]] Range textRange(qsizetype shownStart, qsizetype shownEnd) const;
+    void leaveSoftBreak();
+    bool deleteForward(const QKeyEvent &event);
     void placeNumbers();
     void caretMoved();
     void checkSpelling();
@@ -101,6 +114,8 @@ private:
     HighlightOptions m_options;
     std::function<bool()> m_mayChange;
     bool m_loading = false;
+    bool m_hasSoftBreaks = false;
+    int m_lastCaret = 0; // tells where the caret comes from
     LineNumbers *m_numbers;
     int m_columnWidth = 0;
     bool m_typewriter = false;
