@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The plain text editor's widget: a key until it is on the screen and a document until it is, beside a bare text widget
-// with the same text. Runs without a screen (QT_QPA_PLATFORM=offscreen).
+// with the same text. Runs without a screen.
 #include "desktop/text/TMLTTextView.h"
 #include "foundation/Platform.h"
 
@@ -18,25 +18,29 @@ constexpr qsizetype megabyte = 1024 * 1024;
 
 QString document()
 {
-    const QString section = QStringLiteral("## A section with `code`\n\nSome *words* that are **strong**, a [link](Other.md), "
-                                           "a [[Wiki Link]] and a [note][^1]. The text goes on for a while, as texts do, "
-                                           "with an <em>odd tag</em> and a context @home.\n\n1. first\n2. second\n"
-                                           "- [ ] to do\n- [x] done\n\n```\ncode\n```\n\n[^1]: A footnote.\n\n");
+    const QString section =
+        QStringLiteral("## A section with `code`\n\nSome *words* that are **strong**, a [link](Other.md), "
+                       "a [[Wiki Link]] and a [note][^1]. The text goes on for a while, as texts do, "
+                       "with an <em>odd tag</em> and a context @home.\n\n1. first\n2. second\n"
+                       "- [ ] to do\n- [x] done\n\n```\ncode\n```\n\n[^1]: A footnote.\n\n");
     return section.repeated(megabyte / section.size() + 1).left(megabyte);
 }
 
 QString endlessLine()
 {
-    return QStringLiteral("{\"key\": \"some *words* that go on\", \"n\": 12345},").repeated(megabyte / 46).left(1'000'000);
+    return QStringLiteral("{\"key\": \"some *words* that go on\", \"n\": 12345},")
+        .repeated(megabyte / 46)
+        .left(1'000'000);
 }
 
-// Large.md is highlighted, and what its background does is over.
+// Until what the background does is over.
 template <typename View>
 void show(View &view, const QString &text)
 {
     view.resize(800, 900);
     view.show();
-    if constexpr (std::is_same_v<View, TMLTTextView>) view.setDocumentText(text, true, highlightOptions(QStringLiteral("md")));
+    if constexpr (std::is_same_v<View, TMLTTextView>)
+        view.setDocumentText(text, true, highlightOptions(QStringLiteral("md")));
     else view.setPlainText(text);
     QTest::qWait(3000);
 }
@@ -56,10 +60,22 @@ void typeInto(benchmark::State &state, const QString &text, int caret)
     }
 }
 
-void typeInLarge(benchmark::State &state) { typeInto<TMLTTextView>(state, document(), megabyte / 2); }
-void typeInLargeBare(benchmark::State &state) { typeInto<QPlainTextEdit>(state, document(), megabyte / 2); }
-void typeInEndless(benchmark::State &state) { typeInto<TMLTTextView>(state, endlessLine(), 500'000); }
-void typeInEndlessBare(benchmark::State &state) { typeInto<QPlainTextEdit>(state, endlessLine(), 500'000); }
+void typeInLarge(benchmark::State &state)
+{
+    typeInto<TMLTTextView>(state, document(), megabyte / 2);
+}
+void typeInLargeBare(benchmark::State &state)
+{
+    typeInto<QPlainTextEdit>(state, document(), megabyte / 2);
+}
+void typeInEndless(benchmark::State &state)
+{
+    typeInto<TMLTTextView>(state, endlessLine(), 500'000);
+}
+void typeInEndlessBare(benchmark::State &state)
+{
+    typeInto<QPlainTextEdit>(state, endlessLine(), 500'000);
+}
 
 template <typename View>
 void open(benchmark::State &state, const QString &text)
@@ -75,10 +91,22 @@ void open(benchmark::State &state, const QString &text)
     }
 }
 
-void openLarge(benchmark::State &state) { open<TMLTTextView>(state, document()); }
-void openLargeBare(benchmark::State &state) { open<QPlainTextEdit>(state, document()); }
-void openEndless(benchmark::State &state) { open<TMLTTextView>(state, endlessLine()); }
-void openEndlessBare(benchmark::State &state) { open<QPlainTextEdit>(state, endlessLine()); }
+void openLarge(benchmark::State &state)
+{
+    open<TMLTTextView>(state, document());
+}
+void openLargeBare(benchmark::State &state)
+{
+    open<QPlainTextEdit>(state, document());
+}
+void openEndless(benchmark::State &state)
+{
+    open<TMLTTextView>(state, endlessLine());
+}
+void openEndlessBare(benchmark::State &state)
+{
+    open<QPlainTextEdit>(state, endlessLine());
+}
 
 BENCHMARK(openLarge)->Unit(benchmark::kMillisecond)->Iterations(5);
 BENCHMARK(openLargeBare)->Unit(benchmark::kMillisecond)->Iterations(5);
@@ -93,6 +121,7 @@ BENCHMARK(typeInEndlessBare)->Unit(benchmark::kMillisecond)->Iterations(5);
 
 int main(int argc, char *argv[])
 {
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     auto platform = std::make_unique<Platform>();
     platform->settings = makeMemorySettings();
