@@ -346,6 +346,19 @@ TEST_F(TextView, endlessLinesAreEditedInPieces)
     EXPECT_TRUE(view.documentText() == QString(text).remove(6 + line.size() - 1, 6));
 }
 
+TEST_F(TextView, endlessLinesArePastedInPieces)
+{
+    load(QStringLiteral("one\ntwo"));
+    const QString line = QStringLiteral("0123456789").repeated(3000);
+    QApplication::clipboard()->setText(line + QStringLiteral("\nend"));
+    view.select({3, 1});
+    view.paste();
+    EXPECT_GT(view.blockCount(), 6);
+    EXPECT_TRUE(view.documentText() == QString(QStringLiteral("one") + line + QStringLiteral("\nendtwo")));
+    view.undo();
+    EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwo"));
+}
+
 // Whatever somebody does with caret and selection: only what is selected goes, and only what is typed comes.
 TEST_F(TextView, noKeyCutsIntoASoftBreak)
 {

@@ -226,7 +226,9 @@ void DocumentPane::updateTitle()
 
 void DocumentPane::bring(QWidget *shown)
 {
-    m_notice->hide();
+    // A document that is loaded anew right away does not take away what was just said about it.
+    static constexpr qint64 readable = 10'000;
+    if (m_noticePath != path() || m_noticeClock.elapsed() > readable) m_notice->hide();
     m_bar->hide();
     m_counts->hide();
     m_view->expectPage(false);
@@ -454,6 +456,8 @@ void DocumentPane::showNotice(const QString &title, const QString &text)
 {
     m_notice->setText(QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped()));
     m_notice->show();
+    m_noticePath = path();
+    m_noticeClock.start();
 }
 
 void DocumentPane::unlock()

@@ -8,6 +8,7 @@
 #include "editor/TMLTDocumentViewController.h"
 #include "foundation/NotificationCenter.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
@@ -144,6 +145,8 @@ private:
 
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
+    QString m_noticePath;
+    QElapsedTimer m_noticeClock;
     QLabel *m_empty;
     FindBar *m_find;
     QLabel *m_counts; ///< words and characters

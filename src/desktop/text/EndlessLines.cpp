@@ -53,6 +53,17 @@ void TMLTTextView::leaveSoftBreak()
     setTextCursor(cursor);
 }
 
+// False for a text without endless lines, or where it cannot be shown in pieces.
+bool TMLTTextView::insertInPieces(const QString &text)
+{
+    const QString shown = withSoftBreaks(text);
+    if (shown.size() == text.size() || (!m_hasSoftBreaks && withoutSoftBreaks(shownText()) != shownText())) return false;
+    m_hasSoftBreaks = true;
+    const QTextCursor cursor = textCursor();
+    replaceShown({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()}, shown);
+    return true;
+}
+
 static std::optional<QTextCursor::MoveOperation> deletionOf(const QKeyEvent &event)
 {
     if (event.matches(QKeySequence::Delete)) return QTextCursor::NextCharacter;

@@ -103,6 +103,7 @@ private:
     [[nodiscard]] Range textRange(qsizetype shownStart, qsizetype shownEnd) const;
     void leaveSoftBreak();
     bool deleteForward(const QKeyEvent &event);
+    bool insertInPieces(const QString &text);
     void placeNumbers();
     void caretMoved();
     void checkSpelling();
