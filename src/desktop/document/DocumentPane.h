@@ -63,6 +63,8 @@ public:
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 
+    /// Where copies of texts lie that could not be saved.
+    [[nodiscard]] static QString folderOfUnsaved();
     /// Saves what is on display. Where that cannot be, the person is asked what is to become of it; false: it stays.
     [[nodiscard]] bool mayLeave();
 

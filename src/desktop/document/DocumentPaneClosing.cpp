@@ -82,10 +82,15 @@ bool DocumentPane::saveElsewhere()
     return bool(written);
 }
 
+QString DocumentPane::folderOfUnsaved()
+{
+    return joinPath(dataDirectory(), QStringLiteral("Unsaved"));
+}
+
 // Where the session ends while the question stands, nobody waits for the answer.
 void DocumentPane::keepRescue()
 {
-    const QString folder = joinPath(dataDirectory(), QStringLiteral("Unsaved"));
+    const QString folder = folderOfUnsaved();
     if (!makeFolder(folder)) return;
     if (m_rescue.isEmpty()) m_rescue = tm_uniqueNameForFileatPath(nameOfDocument(), folder);
     if (const WriteResult written = m_controller.saveCopy(m_rescue); !written) {
