@@ -100,7 +100,8 @@ void TMLTDocumentViewController::startSave()
     m_save = save;
     m_saves.add([this, save] {
         save->run();
-        QMetaObject::invokeMethod(&m_mainThread, [this, save] { completeSave(save); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            &m_mainThread, [this, save] { completeSave(save); }, Qt::QueuedConnection);
     });
 }
 

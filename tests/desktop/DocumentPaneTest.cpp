@@ -54,7 +54,10 @@ protected:
     {
         EXPECT_TRUE(QDir().rename(at(QString::fromLatin1(from)), at(QString::fromLatin1(to))));
     }
-    [[nodiscard]] static QStringList rescued() { return namesInFolder(joinPath(dataDirectory(), QStringLiteral("Unsaved"))); }
+    [[nodiscard]] static QStringList rescued()
+    {
+        return namesInFolder(joinPath(dataDirectory(), QStringLiteral("Unsaved")));
+    }
 
     enum { TryAgain, SaveElsewhere, Discard, Cancel };
     ItemActions actions;
@@ -114,7 +117,8 @@ TEST_F(PaneInWindow, whatIsPastedIsOneStep)
     picture.fill(Qt::red);
     QApplication::clipboard()->setImage(picture);
     view.paste();
-    EXPECT_TRUE(view.documentText().contains(QStringLiteral("](TMImages/Image%20"))) << view.documentText().toStdString();
+    EXPECT_TRUE(view.documentText().contains(QStringLiteral("](TMImages/Image%20")))
+        << view.documentText().toStdString();
     const QStringList stored = names(QStringLiteral("/Book/TMImages"));
     ASSERT_EQ(stored.size(), 1);
     EXPECT_EQ(QImage(at(QStringLiteral("/Book/TMImages/")) + stored[0]).size(), picture.size());
@@ -125,7 +129,8 @@ TEST_F(PaneInWindow, whatIsPastedIsOneStep)
     files->setUrls({QUrl::fromLocalFile(at(QStringLiteral("/Other.md")))});
     QApplication::clipboard()->setMimeData(files);
     view.paste();
-    EXPECT_TRUE(view.documentText().contains(QStringLiteral(" [Other](../Other.md) "))) << view.documentText().toStdString();
+    EXPECT_TRUE(view.documentText().contains(QStringLiteral(" [Other](../Other.md) ")))
+        << view.documentText().toStdString();
     view.undo();
     EXPECT_EQ(view.documentText(), before);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Documents of every kind are opened in the real views, clicked into and closed: no byte and no date may change. More of
-// them come from the folder that TOMELET_CORPUS names, which is copied first.
+// Documents of every kind are opened in the real views, clicked into and closed: no byte and no date may change. More
+// of them come from the folder that TOMELET_CORPUS names, which is copied first.
 #include "tests/support/Notebook.h"
 
 #include "conversion/MarkdownToHtml.h"
@@ -56,9 +56,14 @@ protected:
             {"bom.md", "\xef\xbb\xbf# Title\n"},
             {"utf16.txt", wide},
             {"lone.txt", QByteArray("\xff\xfe\x3d\xd8\x41\x00", 6)},
-            {"binary.txt", QByteArray("\x7f" "ELF\0\1\2\xff\xfe\n", 11)},
+            {"binary.txt", QByteArray("\x7f"
+                                      "ELF\0\1\2\xff\xfe\n",
+                                      11)},
             {"nul.md", QByteArray("a\0b\n", 4)},
-            {"separators.txt", "a\xe2\x80\xa8" "b\xe2\x80\xa9" "c\x0c" "d\x0b\n"},
+            {"separators.txt", "a\xe2\x80\xa8"
+                               "b\xe2\x80\xa9"
+                               "c\x0c"
+                               "d\x0b\n"},
             {"foreign.html", "<html>\r\n<body bgcolor=red>\n<P>un<b>closed <p>x</body>\n\n"},
             {"bare.html", "only text"},
             {"mail.eml", "From: a@b.c\r\nSubject: Hi\r\n\r\nText\r\n"},
@@ -70,9 +75,9 @@ protected:
             {"noextension", text},
         };
         for (const auto &[name, bytes] : odd) write(QStringLiteral("/Odd/") + QString::fromLatin1(name), bytes);
-        write(QStringLiteral("/Odd/own.html"),
-              tm_createFormattedDocWithBody(at(QStringLiteral("/Odd/own.html")), QStringLiteral("<h1>own</h1><p>text</p>"))
-                  .toUtf8());
+        write(QStringLiteral("/Odd/own.html"), tm_createFormattedDocWithBody(at(QStringLiteral("/Odd/own.html")),
+                                                                             QStringLiteral("<h1>own</h1><p>text</p>"))
+                                                   .toUtf8());
     }
     void copyCorpus() const
     {

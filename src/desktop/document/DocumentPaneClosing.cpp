@@ -74,8 +74,8 @@ bool DocumentPane::askAboutUnsaved()
 bool DocumentPane::saveElsewhere()
 {
     const QString name = path().isEmpty() ? nameOfDocument() + QStringLiteral(".md") : lastPathComponent(path());
-    const QString file = QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save Elsewhere")),
-                                                      joinPath(QDir::homePath(), name));
+    const QString file =
+        QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save Elsewhere")), joinPath(QDir::homePath(), name));
     if (file.isEmpty()) return false;
     const WriteResult written = m_controller.saveCopy(file);
     if (!written) QMessageBox::warning(this, localized(TOMELET_TEXT("Saving Error")), written.message);

@@ -57,7 +57,8 @@ void TMLTTextView::leaveSoftBreak()
 bool TMLTTextView::insertInPieces(const QString &text)
 {
     const QString shown = withSoftBreaks(text);
-    if (shown.size() == text.size() || (!m_hasSoftBreaks && withoutSoftBreaks(shownText()) != shownText())) return false;
+    if (shown.size() == text.size() || (!m_hasSoftBreaks && withoutSoftBreaks(shownText()) != shownText()))
+        return false;
     m_hasSoftBreaks = true;
     const QTextCursor cursor = textCursor();
     replaceShown({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()}, shown);
