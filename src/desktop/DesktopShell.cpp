@@ -95,6 +95,10 @@ void DesktopShell::launch(const QString &folder)
             m_window.presentIndex();
         }
         m_application.applicationDidFinishLaunching(keys);
+        const QString copies = DocumentPane::folderOfUnsaved();
+        if (!namesInFolder(copies).isEmpty())
+            m_window.showMessage(localized(TOMELET_TEXT("Some texts could not be saved")),
+                                 localized(TOMELET_TEXT("Copies of them lie in %1.")).arg(copies));
     });
 }
 

@@ -58,6 +58,7 @@ bool TMLTDocumentViewController::shouldChangeText(bool isUndo)
 void TMLTDocumentViewController::textDidChange()
 {
     m_isEdited = true;
+    ++m_changes;
     m_view.setEdited(true);
     if (settings().boolean(QStringLiteral("noAutosaveText"))) return;
     const bool soon = m_kind == DocumentViewKind::PlainText && m_view.isBlankUpToCaretLine();
@@ -71,7 +72,7 @@ void TMLTDocumentViewController::textDidChange()
 void TMLTDocumentViewController::saveAfter(std::chrono::milliseconds pause)
 {
     platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), pause,
-                                     [this] { writeTextToFile(); });
+                                     [this] { autosave(); });
 }
 
 // Who types without a pause loses no more than others when the power fails. The file gets its name at the next pause:
@@ -79,12 +80,13 @@ void TMLTDocumentViewController::saveAfter(std::chrono::milliseconds pause)
 void TMLTDocumentViewController::saveWhileTyping()
 {
     m_isTyping = true;
-    writeTextToFile();
+    autosave();
     m_isTyping = false;
-    if (m_titleIsFirstLineOfText && !m_path.isEmpty() && !m_md5hash.isEmpty())
-        m_forcedSave = m_forcedSave ||
-                       !tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), contentOfView().visibleText);
-    if (m_forcedSave || m_isEdited) saveAfter(600ms);
+    if (m_titleIsFirstLineOfText && !m_path.isEmpty() && !m_md5hash.isEmpty() && !m_forcedSave) {
+        const QString visible = m_kind == DocumentViewKind::Formatted ? m_view.innerText() : m_view.text();
+        m_forcedSave = !tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), visible);
+    }
+    if (m_forcedSave || (m_isEdited && !m_save)) saveAfter(600ms);
 }
 
 } // namespace tomelet

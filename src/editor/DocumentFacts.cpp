@@ -42,10 +42,33 @@ QStringList contextsEmbeddedIn(const QString &path, const QString &text)
     return without(inText, without(inText, verified));
 }
 
+static bool readsContexts(const QString &path)
+{
+    return managesContextsAutomatically() && hasExtractableContexts(path);
+}
+
+static bool managesLinks()
+{
+    return settings().boolean(QStringLiteral("manageLinks"));
+}
+
+TextFacts factsOfText(const QString &path, const QString &text)
+{
+    TextFacts facts;
+    if (readsContexts(path)) facts.contexts = tm_extractTagsFromString(text);
+    if (managesLinks()) facts.references = verifiedReferencesInText(text, path);
+    facts.pictures = tm_setOfEmbeddedPhotos(text);
+    return facts;
+}
+
 void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded)
 {
-    if (!managesContextsAutomatically() || !hasExtractableContexts(path)) return;
-    const QStringList now = tm_extractTagsFromString(text);
+    if (readsContexts(path)) takeEmbeddedContexts(path, tm_extractTagsFromString(text), embedded);
+}
+
+void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringList &embedded)
+{
+    if (!readsContexts(path)) return;
     const QStringList left = without(embedded, now);
     const QStringList came = without(now, embedded);
     if (!left.isEmpty() || !came.isEmpty()) tm_updateContextsRemoving(path, left, came);
@@ -54,8 +77,12 @@ void updateEmbeddedContexts(const QString &path, const QString &text, QStringLis
 
 void updateBacklinks(const QString &path, QStringList &referenced)
 {
-    if (!settings().boolean(QStringLiteral("manageLinks"))) return;
-    const QStringList now = tm_verifiedArrayOfReferencedDocuments(path);
+    if (managesLinks()) takeReferences(path, tm_verifiedArrayOfReferencedDocuments(path), referenced);
+}
+
+void takeReferences(const QString &path, const QStringList &now, QStringList &referenced)
+{
+    if (!managesLinks()) return;
     for (const QString &target : without(referenced, now)) tm_changeBacklinkFrom(target, path, {});
     for (const QString &target : without(now, referenced)) tm_addBacklink(target, path);
     referenced = now;
@@ -71,8 +98,12 @@ void postSilentMove(const QString &from, const QString &to)
 
 void checkEmbeddedImagesInText(const QString &path, const QString &text)
 {
+    takePictures(path, tm_setOfEmbeddedPhotos(text));
+}
+
+void takePictures(const QString &path, const QStringList &inText)
+{
     const QString key = QStringLiteral("Embedded Photos");
-    const QStringList inText = tm_setOfEmbeddedPhotos(text);
     if (inText.isEmpty()) return;
     QStringList known = tm_propertyForKey(path, key).toStringList();
     const QStringList fresh = without(inText, known);

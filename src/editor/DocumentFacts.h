@@ -10,19 +10,34 @@ namespace tomelet {
 
 /// The contexts in the text that the item has in its list as well; empty while contexts are not taken from texts.
 [[nodiscard]] QStringList contextsEmbeddedIn(const QString &path, const QString &text);
+/// What a text says about its document; found out on any thread.
+struct TextFacts
+{
+    QStringList contexts;   ///< empty while they are not taken from such texts
+    QStringList references; ///< of existing items, normalised; empty while links are not managed
+    QStringList pictures;
+};
+[[nodiscard]] TextFacts factsOfText(const QString &path, const QString &text);
+
 /// Gives the item the contexts that came and takes away those that left; `embedded` becomes those of the text.
 void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded);
+/// The same with the contexts of the text.
+void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringList &embedded);
 /// Contexts are read from the texts of such documents.
 [[nodiscard]] bool hasExtractableContexts(const QString &path);
 
 /// Items that the document no longer refers to lose its backlink, new ones get one; `referenced` (normalised paths)
 /// becomes what it refers to now. Nothing while links are not managed.
 void updateBacklinks(const QString &path, QStringList &referenced);
+/// The same with what it refers to now.
+void takeReferences(const QString &path, const QStringList &now, QStringList &referenced);
 
 /// Tells that the document is at a new path, or was written anew at its own; nobody needs to load it again.
 void postSilentMove(const QString &from, const QString &to);
 
 /// Adds the pictures of the text to those that are known of the document.
 void checkEmbeddedImagesInText(const QString &path, const QString &text);
+/// The same with the pictures of the text.
+void takePictures(const QString &path, const QStringList &inText);
 
 } // namespace tomelet

@@ -22,6 +22,9 @@ struct TextForm
 /// The title with the extension of the path.
 [[nodiscard]] QString fileNameFor(const QString &title, const QString &path);
 
+/// The document is called "Title", or "Title 2" where that name was taken, after the first line of the text.
+[[nodiscard]] bool nameFitsTitle(const QString &path, const QString &text);
+
 /// The bytes of a text. Where the encoding has no place for a character the form becomes UTF-8; half of a surrogate
 /// pair, which has no bytes anywhere, becomes U+FFFD.
 [[nodiscard]] QByteArray bytesOfText(const QString &text, TextForm &form);

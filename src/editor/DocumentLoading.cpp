@@ -51,6 +51,7 @@ TMLTDocumentViewController::TMLTDocumentViewController(DocumentView &view)
 
 TMLTDocumentViewController::~TMLTDocumentViewController()
 {
+    m_save.reset();
     cancelPendingSave();
     for (const auto *call : {"reshowDocument", "updateHTML", "beginEditing"})
         platform().delayedCalls.cancel(QString::fromLatin1(call), callArgument());
@@ -95,13 +96,15 @@ bool TMLTDocumentViewController::createNewDocument(const QString &extension, con
 
 void TMLTDocumentViewController::clearState()
 {
+    m_save.reset(); // what it wrote disappears
     cancelPendingSave();
     m_form = {};
     m_md5hash.clear();
     m_md5OfFile.clear();
     m_shownText.clear();
     m_formattedMainFrameURL.clear();
-    m_titleIsFirstLineOfText = m_isEditable = m_isEdited = m_forcedSave = m_toldFailure = m_isForeignPage = false;
+    m_titleIsFirstLineOfText = m_isEditable = m_isEdited = m_forcedSave = m_isForeignPage = false;
+    m_failure.clear();
     m_kind = DocumentViewKind::None;
     m_canToggle = false;
     m_embeddedContexts.clear();

@@ -74,7 +74,8 @@ QString TMLTDocumentViewController::editableText() const
 QString TMLTDocumentViewController::finalForm(const Content &content) const
 {
     if (m_kind == DocumentViewKind::Formatted)
-        return m_isForeignPage ? m_view.outerHTML() : tm_createFormattedDocWithBody(m_path, content.text);
+        return m_isForeignPage ? m_view.outerHTML()
+                               : tm_createFormattedDocWithBody(m_path.isEmpty() ? m_parentPath : m_path, content.text);
     if (isCombinedMarkdown(m_path)) return combinedForm(content.text);
     const bool isPage = lowerExtension(m_path).startsWith(u"htm");
     if (isPage && !content.text.contains(u"<head>")) return tm_createFormattedDocWithBody(m_path, content.text);
@@ -93,6 +94,7 @@ void TMLTDocumentViewController::writeSidecarForWebview() const
 
 void TMLTDocumentViewController::writeTextToFile()
 {
+    waitForSave();
     cancelPendingSave();
     if (m_md5hash.isEmpty()) {
         m_isEdited = false;
@@ -104,11 +106,7 @@ void TMLTDocumentViewController::writeTextToFile()
         m_isEdited = false;
         return;
     }
-    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) {
-        m_isEdited = false;
-        m_view.setEdited(false);
-        return logLine(QStringLiteral("text unchanged"));
-    }
+    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) return takeUnchanged(false);
     if (m_forcedSave) logLine(QStringLiteral("## enforced saving %1").arg(m_path));
     if (m_path.isEmpty()) return saveAsNewDocument(content);
     if (isReadOnlyDocument(m_path))
@@ -119,12 +117,37 @@ void TMLTDocumentViewController::writeTextToFile()
     if (writeContent(content)) finishSave(content, previousPath);
 }
 
+void TMLTDocumentViewController::takeUnchanged(bool isEdited)
+{
+    m_isEdited = isEdited;
+    m_view.setEdited(isEdited);
+    if (!isEdited) m_failure.clear();
+    logLine(QStringLiteral("text unchanged"));
+}
+
 // One alert for a fault, not one for each pause in typing.
 void TMLTDocumentViewController::tellFailure(const QString &message)
 {
     logLine(QStringLiteral("saving error: %1").arg(message));
-    if (!m_toldFailure) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
-    m_toldFailure = true;
+    const bool isFirst = m_failure.isEmpty();
+    m_failure = message;
+    if (isFirst) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
+}
+
+WriteResult TMLTDocumentViewController::saveCopy(const QString &path) const
+{
+    TextForm form = m_form;
+    return writeFile(path, bytesOfText(finalForm(contentOfView()), form));
+}
+
+void TMLTDocumentViewController::discardChanges()
+{
+    m_save.reset();
+    cancelPendingSave();
+    m_md5hash.clear();
+    m_failure.clear();
+    m_isEdited = m_forcedSave = false;
+    m_view.setEdited(false);
 }
 
 // What somebody else wrote since the document was read would be lost under what was typed here. False: it could not be
@@ -160,17 +183,23 @@ bool TMLTDocumentViewController::writeContent(const Content &content)
     return true;
 }
 
+void TMLTDocumentViewController::announceSave(const QString &previousPath)
+{
+    if (previousPath != m_path || m_kind == DocumentViewKind::Formatted) postSilentMove(previousPath, m_path);
+    else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
+}
+
 void TMLTDocumentViewController::finishSave(const Content &content, const QString &previousPath)
 {
     noteFile();
-    m_isEdited = m_forcedSave = m_toldFailure = false;
+    m_isEdited = m_forcedSave = false;
+    m_failure.clear();
     m_view.setEdited(false);
     m_md5hash = md5OfText(content.text, m_form);
     if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;
     updateBacklinks(m_path, m_referencedDocuments);
+    announceSave(previousPath);
     const bool isPage = m_kind == DocumentViewKind::Formatted;
-    if (previousPath != m_path || isPage) postSilentMove(previousPath, m_path);
-    else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
     static const QString code = QStringLiteral("(?s)<code>.*?</code>");
     updateEmbeddedContexts(m_path, isPage ? tm_htmlToPlainQuick(regexSweep(content.text, code, {})) : content.text,
                            m_embeddedContexts);

@@ -15,9 +15,9 @@
 
 namespace tomelet {
 
-// "Title" or, where that name was taken, "Title 2".
-static bool nameFitsTitle(const QString &stem, const QString &text)
+bool nameFitsTitle(const QString &path, const QString &text)
 {
+    const QString stem = nameWithoutExtension(path);
     if (tm_stringMatchesFirstLineOfText(stem, text)) return true;
     qsizetype digits = stem.size();
     while (digits > 0 && stem[digits - 1].isDigit()) --digits;
@@ -28,7 +28,7 @@ static bool nameFitsTitle(const QString &stem, const QString &text)
 // True when the save ends here: the document was renamed and written, or emptied and deleted, or must wait.
 bool TMLTDocumentViewController::followTitle(const Content &content)
 {
-    if (!m_titleIsFirstLineOfText || nameFitsTitle(nameWithoutExtension(m_path), content.visibleText)) return false;
+    if (!m_titleIsFirstLineOfText || nameFitsTitle(m_path, content.visibleText)) return false;
     if (!setForeignVersionAside()) return true;
     const QString title = tm_firstLineOfText(content.visibleText);
     if (title.isEmpty()) {

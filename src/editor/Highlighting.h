@@ -12,6 +12,9 @@
 
 namespace tomelet {
 
+/// Longer lines are not for reading: a view leaves them without marks, which would be laid out anew at each key.
+inline constexpr qsizetype longestStyledLine = 50000;
+
 /// What decides which rows run.
 struct HighlightOptions
 {

@@ -9,13 +9,17 @@
 #include "editor/DocumentForms.h"
 #include "editor/DocumentView.h"
 #include "foundation/NotificationCenter.h"
+#include "foundation/SafeWriter.h"
+#include "foundation/SerialQueue.h"
 
 #include <QDateTime>
+#include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <chrono>
+#include <memory>
 #include <vector>
 
 namespace tomelet {
@@ -67,6 +71,16 @@ public:
 
     // -- saving
     void writeTextToFile();
+    /// What the timers do: the same where it has to be done at once, otherwise in the background.
+    void autosave();
+    /// Ends the save that is under way in the background, if there is one.
+    void waitForSave();
+    /// Why the last save failed; "" when it did not.
+    [[nodiscard]] const QString &failure() const { return m_failure; }
+    /// The document as it would be saved, into another file; the document itself stays unsaved.
+    [[nodiscard]] WriteResult saveCopy(const QString &path) const;
+    /// Gives up what is not in the file: nothing is saved any more until editing begins again.
+    void discardChanges();
     /// The next save writes even if the text is the same.
     void forceSave() { m_forcedSave = true; }
     /// Names the file after its first line; false when that name is taken or the file could not be moved.
@@ -105,6 +119,12 @@ private:
     [[nodiscard]] bool refusesEditing() const;
     [[nodiscard]] QString editableText() const;
 
+    struct BackgroundSave;
+    [[nodiscard]] bool canSaveInBackground() const;
+    void startSave();
+    void completeSave(std::shared_ptr<BackgroundSave> save);
+    void commitSave(BackgroundSave &save);
+    void takeUnchanged(bool isEdited);
     void cancelPendingSave();
     void saveAfter(std::chrono::milliseconds pause);
     void saveWhileTyping();
@@ -120,6 +140,7 @@ private:
     [[nodiscard]] bool setForeignVersionAside();
     bool writeContent(const Content &content);
     void finishSave(const Content &content, const QString &previousPath);
+    void announceSave(const QString &previousPath);
     void tellFailure(const QString &message);
 
     [[nodiscard]] bool isStyleChange(const QString &changedPath) const;
@@ -150,12 +171,18 @@ private:
     bool m_isTyping = false; ///< the save is one between two keys
     bool m_savesWhileTyping = false; ///< such a save waits
     bool m_forcedSave = false;
-    bool m_toldFailure = false;
+    QString m_failure; ///< was told
     bool m_isForeignPage = false;
     QString m_formattedMainFrameURL;
     QStringList m_embeddedContexts;
     QStringList m_referencedDocuments;
     QVariantMap m_currentPlist;
+
+    quint64 m_changes = 0; ///< counts what was typed
+    std::shared_ptr<BackgroundSave> m_save;
+    bool m_savesAgain = false; ///< another save was due meanwhile
+    QObject m_mainThread; // receives what the thread hands back; nothing comes once it is gone
+    SerialQueue m_saves;
 };
 
 /// The document takes no changes: its property `R/O`, a file without write permission, a stored version, or a conflict

@@ -19,20 +19,6 @@
 
 namespace tomelet {
 
-namespace {
-
-// The file itself behind a symbolic link.
-QByteArray targetOf(const QString &path)
-{
-    const QString resolved = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : path;
-    return QFile::encodeName(resolved.isEmpty() ? path : resolved);
-}
-
-QByteArray folderOf(const QByteArray &target)
-{
-    return target.left(std::max<qsizetype>(1, target.lastIndexOf('/')));
-}
-
 // A file that has no name yet, or a hidden one; what was not committed disappears with it.
 class TemporaryFile
 {
@@ -107,6 +93,20 @@ private:
     int m_descriptor = -1;
 };
 
+namespace {
+
+// The file itself behind a symbolic link.
+QByteArray targetOf(const QString &path)
+{
+    const QString resolved = QFileInfo(path).isSymLink() ? QFileInfo(path).canonicalFilePath() : path;
+    return QFile::encodeName(resolved.isEmpty() ? path : resolved);
+}
+
+QByteArray folderOf(const QByteArray &target)
+{
+    return target.left(std::max<qsizetype>(1, target.lastIndexOf('/')));
+}
+
 WriteResult failure(const QString &path)
 {
     const int code = errno;
@@ -134,16 +134,49 @@ void flushFolder(const QByteArray &folder)
 
 } // namespace
 
+// -- one file ---------------------------------------------------------------------------------------------------------
+
+StagedFile::StagedFile(const QString &path, QByteArrayView bytes)
+    : m_path(path)
+    , m_target(targetOf(path))
+    , m_file(std::make_unique<TemporaryFile>(folderOf(m_target)))
+    , m_staged{true, {}}
+{
+    if (m_file->descriptor() < 0 || !m_file->write(bytes)) {
+        m_staged = failure(path);
+        return;
+    }
+    takeOver(m_target, m_file->descriptor());
+    if (::fsync(m_file->descriptor()) != 0) m_staged = failure(path);
+}
+
+StagedFile::~StagedFile() = default;
+
+WriteResult StagedFile::commit()
+{
+    if (!m_staged) return m_staged;
+    return m_file->renameOver(m_target) ? WriteResult{true, {}} : failure(m_path);
+}
+
+void StagedFile::flushName() const
+{
+    flushFolder(folderOf(m_target));
+}
+
 WriteResult writeFile(const QString &path, QByteArrayView bytes)
 {
-    const QByteArray target = targetOf(path);
-    const QByteArray folder = folderOf(target);
-    TemporaryFile file(folder);
-    if (file.descriptor() < 0 || !file.write(bytes)) return failure(path);
-    takeOver(target, file.descriptor());
-    if (::fsync(file.descriptor()) != 0 || !file.renameOver(target)) return failure(path);
-    flushFolder(folder);
-    return {true, {}};
+    StagedFile file(path, bytes);
+    const WriteResult written = file.commit();
+    if (written) file.flushName();
+    return written;
+}
+
+std::optional<FileStamp> fileStamp(const QString &path)
+{
+    struct stat found{};
+    if (::stat(QFile::encodeName(path).constData(), &found) != 0) return std::nullopt;
+    const auto nanoseconds = [](const timespec &time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; };
+    return FileStamp{found.st_ino, found.st_size, nanoseconds(found.st_mtim), nanoseconds(found.st_ctim)};
 }
 
 // -- many files -------------------------------------------------------------------------------------------------------

@@ -8,9 +8,12 @@
 #include <QSet>
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 namespace tomelet {
+
+class TemporaryFile;
 
 struct WriteResult
 {
@@ -22,6 +25,41 @@ struct WriteResult
 /// Writes the bytes beside the target, flushes them to disk, gives them the target's mode and user attributes, and
 /// renames them over it. A symbolic link is followed, so that the link stays. The folder must exist.
 [[nodiscard]] WriteResult writeFile(const QString &path, QByteArrayView bytes);
+
+/// The same in two steps, for whoever may not wait for the disk: the constructor, on any thread, writes the bytes beside
+/// the target and flushes them; commit() only renames. What is not committed disappears.
+class StagedFile
+{
+public:
+    StagedFile(const QString &path, QByteArrayView bytes);
+    ~StagedFile();
+    StagedFile(const StagedFile &) = delete;
+    StagedFile &operator=(const StagedFile &) = delete;
+
+    /// How the first step went.
+    [[nodiscard]] const WriteResult &staged() const { return m_staged; }
+    [[nodiscard]] WriteResult commit();
+    /// Afterwards, on any thread: the new name outlives a loss of power.
+    void flushName() const;
+
+private:
+    QString m_path;
+    QByteArray m_target;
+    std::unique_ptr<TemporaryFile> m_file;
+    WriteResult m_staged;
+};
+
+/// Tells two states of a file apart without reading it.
+struct FileStamp
+{
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 modified = 0; ///< nanoseconds, as the next one
+    qint64 changed = 0;
+    friend bool operator==(const FileStamp &, const FileStamp &) = default;
+};
+/// Nothing where there is no file.
+[[nodiscard]] std::optional<FileStamp> fileStamp(const QString &path);
 
 /// Many files written like one by one, each old or new at any moment, but flushed to disk together: a disk takes a
 /// hundred files in hardly more time than one. Files wait in memory until flush(), or until a good many have gathered.

@@ -1,42 +1,29 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The plain text editor as a person uses it: keys, one undo step a command, highlighting that leaves the text alone.
-#include "tests/support/Notebook.h"
+#include "tests/desktop/TextViewFixture.h"
 
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "editor/SpelledWords.h"
 #include "foundation/Platform.h"
 
+#include <QApplication>
+#include <QClipboard>
+#include <QDropEvent>
+#include <QImage>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QAbstractTextDocumentLayout>
 #include <QTextBlock>
+#include <QUrl>
+
+#include <functional>
 
 using namespace tomelet;
 using namespace tomelet::desktop;
-
-namespace {
-
-class TextView : public tomelet::test::Notebook
-{
-protected:
-    TextView()
-    {
-        for (const char *key : {"AutoIndentLists", "IndentWithTabs", "insertClosingCharacters"})
-            settings().setObject(QString::fromLatin1(key), true);
-    }
-    void load(const QString &text, bool editable = true)
-    {
-        view.setDocumentText(text, editable, highlightOptions(QStringLiteral("md")));
-        view.moveCursor(QTextCursor::End);
-    }
-    [[nodiscard]] QList<QTextLayout::FormatRange> formatsOfLine(int line) const
-    {
-        return view.document()->findBlockByNumber(line).layout()->formats();
-    }
-    TMLTTextView view;
-};
-
-} // namespace
+using tomelet::test::TextView;
 
 TEST_F(TextView, everyCommandIsOneUndoStep)
 {
@@ -156,4 +143,126 @@ TEST_F(TextView, wordsAreWhatPeopleSpell)
               QStringLiteral("at|see|so"));
     EXPECT_EQ(words(QStringLiteral("open `code to the end")), QStringLiteral("open"));
     EXPECT_EQ(words(QStringLiteral("a ' ''")), QString());
+}
+
+TEST_F(TextView, completesWhereTheKeysSay)
+{
+    for (const char *name : {"/Note.md", "/Notes.md", "/Work/In.md"}) write(QString::fromLatin1(name));
+    view.completer().setDocument(root, at(QStringLiteral("/Note.md")));
+    view.show();
+    const auto focus = [this] { // which a list that closes takes away without a window manager
+        QApplication::setActiveWindow(&view);
+        view.setFocus();
+    };
+    const auto shows = [&] {
+        focus();
+        return QTest::qWaitFor([this] { return view.completer().isOpen(); }, 5000);
+    };
+
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    EXPECT_EQ(view.completer().offered(), (QStringList{QStringLiteral("Note.md"), QStringLiteral("Notes.md")}));
+    QTest::keyClicks(&view, QStringLiteral("tes"));
+    EXPECT_EQ(view.completer().offered(), QStringList(QStringLiteral("Notes.md")));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Notes.md]]"));
+    view.undo(); // one step
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[notes]]"));
+
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    QTest::keyClick(&view, Qt::Key_Return); // nothing was chosen: a new line as ever
+    EXPECT_FALSE(view.completer().isOpen());
+    EXPECT_TRUE(view.documentText().startsWith(QStringLiteral("[[no"))) << view.documentText().toStdString();
+    EXPECT_TRUE(view.documentText().contains(u'\n'));
+
+    load(QStringLiteral("[["));
+    QTest::keyClick(&view, Qt::Key_Tab); // without typing
+    ASSERT_TRUE(view.completer().isOpen());
+    QTest::keyClick(view.focusWidget(), Qt::Key_Escape);
+    EXPECT_FALSE(view.completer().isOpen());
+
+    load(QStringLiteral("[[n"));
+    QTest::keyClick(&view, Qt::Key_Tab); // as far as both go
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Note"));
+    view.completer().close();
+    load(QStringLiteral("[[Wo"));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("[[Work/"));
+    ASSERT_TRUE(shows());
+    EXPECT_EQ(view.completer().offered(), QStringList(QStringLiteral("Work/In.md")));
+    view.completer().close();
+    load(QStringLiteral("plain"));
+    QTest::keyClick(&view, Qt::Key_Tab);
+    EXPECT_EQ(view.documentText(), QStringLiteral("plain\t"));
+}
+
+TEST_F(TextView, handsOnWhatIsNoText)
+{
+    load(QStringLiteral("one\ntwo"));
+    view.show();
+    QSignalSpy files(&view, &TMLTTextView::filesDropped);
+    QSignalSpy images(&view, &TMLTTextView::imageDropped);
+    QSignalSpy links(&view, &TMLTTextView::linkDropped);
+    const auto paste = [this](const std::function<void(QMimeData &)> &fill) {
+        auto *data = new QMimeData;
+        fill(*data);
+        QApplication::clipboard()->setMimeData(data);
+        view.paste();
+    };
+    paste([](QMimeData &data) { data.setImageData(QImage(2, 2, QImage::Format_RGB32)); });
+    EXPECT_EQ(images.count(), 1);
+    paste([](QMimeData &data) { data.setUrls({QUrl(QStringLiteral("https://example.org/a%20b"))}); });
+    ASSERT_EQ(links.count(), 1);
+    EXPECT_EQ(links[0][0].toString(), QStringLiteral("https://example.org/a%20b"));
+    EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwo"));
+    paste([](QMimeData &data) { // a table's cells come with their picture
+        data.setText(QStringLiteral("three"));
+        data.setImageData(QImage(2, 2, QImage::Format_RGB32));
+    });
+    EXPECT_EQ(images.count(), 1);
+    EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwothree"));
+
+    QMimeData dragged;
+    dragged.setUrls({QUrl::fromLocalFile(at(QStringLiteral("/a.md")))});
+    const QPoint start = QPoint(21, 21); // in front of the first letter
+    QDragEnterEvent enter(start, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, {});
+    QApplication::sendEvent(view.viewport(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(start, Qt::CopyAction | Qt::MoveAction, &dragged, Qt::LeftButton, {});
+    drop.setDropAction(Qt::MoveAction);
+    QApplication::sendEvent(view.viewport(), &drop);
+    ASSERT_EQ(files.count(), 1);
+    EXPECT_EQ(files[0][0].toStringList(), QStringList(at(QStringLiteral("/a.md"))));
+    EXPECT_EQ(view.selection(), (Range{0, 0}));
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction); // the file itself stays where it is
+}
+
+TEST_F(TextView, itemsHangBelowTheirText)
+{
+    view.resize(300, 400);
+    view.show();
+    const QString words = QStringLiteral("some words that need more than one line ");
+    load(QStringLiteral("1. ") + words.repeated(3) + QStringLiteral("\nplain ") + words.repeated(3));
+    const auto lineAt = [&](int block, int line) {
+        const QTextBlock found = view.document()->findBlockByNumber(block);
+        (void)view.document()->documentLayout()->blockBoundingRect(found);
+        return found.layout()->lineAt(line);
+    };
+    const double left = lineAt(1, 1).x();
+    EXPECT_EQ(lineAt(1, 0).x(), left);
+    EXPECT_EQ(lineAt(0, 0).x(), left);
+    const double indent = lineAt(0, 1).x() - left;
+    EXPECT_NEAR(indent, lineAt(0, 0).cursorToX(3) - left, 0.5);
+    EXPECT_GT(indent, 5);
+    EXPECT_NEAR(lineAt(0, 1).width(), lineAt(0, 0).width() - indent, 0.5);
+    view.resize(200, 400); // after each layout
+    EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
+    view.select({0, 3});
+    QTest::keyClick(&view, Qt::Key_Delete); // an item no more
+    EXPECT_EQ(lineAt(0, 1).x(), left);
+    view.undo();
+    EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
 }

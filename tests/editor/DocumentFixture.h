@@ -57,7 +57,12 @@ protected:
         view.visibleText = visible;
         controller.textDidChange();
     }
-    static void pause() { platform().delayedCalls.drain(); }
+    void pause()
+    {
+        platform().delayedCalls.drain();
+        controller.waitForSave();
+        platform().delayedCalls.drain();
+    }
 
     FakeDocumentView view;
     TMLTDocumentViewController controller{view};

@@ -10,6 +10,7 @@
 #include "desktop/page/PageProfile.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "editor/FormattedPage.h"
 #include "editor/PageBody.h"
 #include "foundation/Directories.h"
@@ -144,12 +145,14 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     applyViewSettings();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
+    m_moves = notifications().observe(QStringLiteral("TMLTFileMovedNotification"),
+                                      [this](const QVariantMap &) { updateTitle(); });
 }
 
 DocumentPane::~DocumentPane()
 {
     settlePage();
-    m_controller.closeDocument();
+    if (!m_controller.closeDocument()) keepRescue();
 }
 
 void DocumentPane::makeLayout()
@@ -158,11 +161,12 @@ void DocumentPane::makeLayout()
     m_empty->setForegroundRole(QPalette::PlaceholderText);
 
     m_notice->setWordWrap(true);
-    m_notice->setMargin(10);
+    m_notice->setContentsMargins(20, 8, 20, 8);
     m_notice->setAutoFillBackground(true);
-    m_notice->setBackgroundRole(QPalette::ToolTipBase);
-    m_notice->setForegroundRole(QPalette::ToolTipText);
-    m_notice->setTextFormat(Qt::PlainText);
+    m_notice->setBackgroundRole(QPalette::Window);
+    m_notice->setForegroundRole(QPalette::WindowText);
+    m_notice->setTextFormat(Qt::RichText);
+    colourNotice();
     m_notice->hide();
 
     for (QWidget *widget : {static_cast<QWidget *>(m_empty), static_cast<QWidget *>(m_view),
@@ -191,8 +195,7 @@ void DocumentPane::makeLayout()
 
 void DocumentPane::showDocument(const QString &path, const QString &anchor)
 {
-    if (m_isSettling) return;
-    settlePage();
+    if (!mayLeave()) return;
     const bool opened = m_controller.openDocument(path);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
@@ -200,8 +203,7 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
 
 void DocumentPane::createDocument(const QString &extension, const QString &book)
 {
-    if (m_isSettling) return;
-    settlePage();
+    if (!mayLeave()) return;
     m_controller.createNewDocument(extension, book);
     updateTitle();
 }
@@ -218,12 +220,15 @@ void DocumentPane::updateTitle()
     const QString &path = m_controller.path();
     const QString name = path.isEmpty() ? QString() : lastPathComponent(path);
     m_header->setDocument(path, m_isEdited);
+    m_text->completer().setDocument(bookOfDocument(), path);
     Q_EMIT titleChanged(name);
 }
 
 void DocumentPane::bring(QWidget *shown)
 {
-    m_notice->hide();
+    // A document that is loaded anew right away does not take away what was just said about it.
+    static constexpr qint64 readable = 10'000;
+    if (m_noticePath != path() || m_noticeClock.elapsed() > readable) m_notice->hide();
     m_bar->hide();
     m_counts->hide();
     m_view->expectPage(false);
@@ -293,6 +298,7 @@ void DocumentPane::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
+    colourNotice();
     m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
     if (m_controller.viewThatIsVisible() == DocumentViewKind::Formatted) updateHTML();
 }
@@ -373,7 +379,7 @@ void DocumentPane::setEdited(bool edited)
 
 qlonglong DocumentPane::readingOffset() const
 {
-    if (m_stack->currentWidget() == m_text) return m_text->textCursor().position();
+    if (m_stack->currentWidget() == m_text) return m_text->selection().end();
     return qlonglong(m_view->page()->scrollPosition().y());
 }
 
@@ -423,17 +429,35 @@ bool DocumentPane::isKeyWindow() const
 
 void DocumentPane::showAlert(const QString &title, const QString &text)
 {
-    auto *box = new QMessageBox(QMessageBox::NoIcon, title, QStringLiteral("<b>%1</b>").arg(title.toHtmlEscaped()),
+    if (m_isLeaving) return; // the question says it
+    // As an informative text it would be no wider than the title.
+    auto *box = new QMessageBox(QMessageBox::NoIcon, title,
+                                QStringLiteral("<b>%1</b><p>%2</p>").arg(title.toHtmlEscaped(), text.toHtmlEscaped()),
                                 QMessageBox::Ok, this);
-    box->setInformativeText(text);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->open();
 }
 
+// The colours of a tool tip are those of the page in some themes.
+void DocumentPane::colourNotice()
+{
+    static constexpr float share = 0.2F;
+    const QColor base = palette().color(QPalette::Base);
+    const QColor mark = palette().color(QPalette::Highlight);
+    const auto mix = [](float a, float b) { return a + (b - a) * share; };
+    QPalette colours = m_notice->palette();
+    colours.setColor(QPalette::Window, QColor::fromRgbF(mix(base.redF(), mark.redF()), mix(base.greenF(), mark.greenF()),
+                                                        mix(base.blueF(), mark.blueF())));
+    colours.setColor(QPalette::WindowText, palette().color(QPalette::Text));
+    m_notice->setPalette(colours);
+}
+
 void DocumentPane::showNotice(const QString &title, const QString &text)
 {
-    m_notice->setText(title + u'\n' + text);
+    m_notice->setText(QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped()));
     m_notice->show();
+    m_noticePath = path();
+    m_noticeClock.start();
 }
 
 void DocumentPane::unlock()

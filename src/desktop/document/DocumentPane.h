@@ -6,7 +6,9 @@
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
 #include "editor/TMLTDocumentViewController.h"
+#include "foundation/NotificationCenter.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 #include <QWidget>
 
@@ -61,14 +63,22 @@ public:
     /// Larger and smaller letters; 0 for the actual size.
     void zoom(int steps);
 
+    /// Where copies of texts lie that could not be saved.
+    [[nodiscard]] static QString folderOfUnsaved();
+    /// Saves what is on display. Where that cannot be, the person is asked what is to become of it; false: it stays.
+    [[nodiscard]] bool mayLeave();
+
 protected:
     void changeEvent(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 Q_SIGNALS:
     void titleChanged(const QString &title);
 
 private:
     void makeLayout();
+    void colourNotice();
     void updateTitle();
     void bring(QWidget *shown);
     /// Runs once when the page that is being loaded is laid out.
@@ -90,6 +100,14 @@ private:
     void toggleContentsTable();
     void insertFiles(const QStringList &files);
     void insertImage(const QImage &image);
+    void connectDrops();
+    void insertIntoText(const QString &text);
+    void tellNotStored(const QString &what);
+    [[nodiscard]] QString nameOfDocument() const;
+    [[nodiscard]] bool askAboutUnsaved();
+    [[nodiscard]] bool saveElsewhere();
+    void keepRescue();
+    void dropRescue();
     [[nodiscard]] QString bookOfDocument() const;
     [[nodiscard]] bool showsContentsTable() const;
 
@@ -129,6 +147,8 @@ private:
 
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
+    QString m_noticePath;
+    QElapsedTimer m_noticeClock;
     QLabel *m_empty;
     FindBar *m_find;
     QLabel *m_counts; ///< words and characters
@@ -141,9 +161,12 @@ private:
     QString m_base; ///< of the page on display
     QString m_source; ///< the page as it was loaded
     bool m_isSettling = false;
+    bool m_isLeaving = false;
+    QString m_rescue; ///< the copy of a text that could not be saved; "" for none
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;
+    NotificationCenter::Subscription m_moves; // after the controller, which takes the new path
 };
 
 } // namespace tomelet::desktop

@@ -6,6 +6,7 @@
 #include "desktop/page/FormattingCommands.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
+#include "editor/DroppedText.h"
 #include "editor/PageBody.h"
 #include "editor/PastedImages.h"
 #include "foundation/Folder.h"
@@ -32,6 +33,7 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::linkWanted, this, &DocumentPane::followLink);
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
+    connectDrops();
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
         m_controller.writeTextToFile();
@@ -153,8 +155,34 @@ QString DocumentPane::bookOfDocument() const
     return path().isEmpty() ? m_controller.parentPath() : parentPath(path());
 }
 
+void DocumentPane::connectDrops()
+{
+    connect(m_text, &TMLTTextView::filesDropped, this, &DocumentPane::insertFiles);
+    connect(m_text, &TMLTTextView::imageDropped, this, &DocumentPane::insertImage);
+    connect(m_text, &TMLTTextView::linkDropped, this, [this](const QString &address, const QString &title) {
+        insertIntoText(textForLink(dropTargetFor(path(), bookOfDocument()), address, title));
+    });
+}
+
+void DocumentPane::insertIntoText(const QString &text)
+{
+    if (!text.isEmpty()) m_text->apply(EditorCommand::SmartReplace, {text, {}, 0});
+}
+
+void DocumentPane::tellNotStored(const QString &what)
+{
+    showAlert(localized(TOMELET_TEXT("Saving Error")), what);
+}
+
 void DocumentPane::insertFiles(const QStringList &files)
 {
+    if (showsText()) {
+        QStringList failed;
+        insertIntoText(textForDroppedFiles(dropTargetFor(path(), bookOfDocument()), files, failed));
+        if (!failed.isEmpty())
+            tellNotStored(localized(TOMELET_TEXT("%1 could not be copied.")).arg(failed.join(QStringLiteral(", "))));
+        return;
+    }
     QString html;
     for (const QString &file : files)
         html += htmlForDroppedFile(bookOfDocument(), file);
@@ -166,10 +194,12 @@ void DocumentPane::insertImage(const QImage &image)
     QByteArray bytes;
     QBuffer buffer(&bytes);
     if (!image.save(&buffer, "PNG")) return;
-    const QString reference = storeInImages(bookOfDocument(), nameForPastedImage(), bytes);
-    if (!reference.isEmpty()) return m_view->run(scriptOfCommand(QStringLiteral("image"), reference));
-    showAlert(localized(TOMELET_TEXT("Saving Error")),
-              localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(bookOfDocument()));
+    const QString inserted = showsText() ? textForPastedImage(dropTargetFor(path(), bookOfDocument()), bytes)
+                                         : storeInImages(bookOfDocument(), nameForPastedImage(), bytes);
+    if (inserted.isEmpty())
+        return tellNotStored(localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(bookOfDocument()));
+    if (showsText()) insertIntoText(inserted);
+    else m_view->run(scriptOfCommand(QStringLiteral("image"), inserted));
 }
 
 } // namespace tomelet::desktop

@@ -55,7 +55,7 @@ void DocumentPane::openFind(bool replaces)
 {
     const bool isPage = m_stack->currentWidget() == m_view;
     if (!isPage && !showsText()) return;
-    const QString selected = showsText() ? m_text->textCursor().selectedText() : m_view->selectedText();
+    const QString selected = showsText() ? m_text->selectedText() : m_view->selectedText();
     m_find->open(selected.left(200), replaces && (showsText() ? !m_text->isReadOnly() : m_view->isEditing()));
 }
 
@@ -103,7 +103,7 @@ void DocumentPane::count()
     static SerialQueue queue;
     const bool isPage = m_stack->currentWidget() == m_view && m_view->isReady();
     if (!showsText() && !isPage) return m_counts->hide();
-    const QString selected = showsText() ? m_text->textCursor().selectedText() : QString();
+    const QString selected = showsText() ? m_text->selectedText() : QString();
     const QString text = !selected.isEmpty() ? selected
                          : showsText()       ? m_text->documentText()
                                              : m_view->innerText();
@@ -153,7 +153,7 @@ void DocumentPane::print()
         return;
     }
     if (showsText()) {
-        m_text->print(printer);
+        m_text->printOnPaper(printer);
         delete printer;
         return;
     }
@@ -174,7 +174,7 @@ void DocumentPane::printToPdf()
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(file);
-    m_text->print(&printer);
+    m_text->printOnPaper(&printer);
 }
 
 } // namespace tomelet::desktop

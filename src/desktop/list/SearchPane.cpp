@@ -35,8 +35,15 @@ QWidget *MainWindow::makeSearchField()
     m_indexProgress->setFormat(localized(TOMELET_TEXT("Indexing %p%")));
     m_indexProgress->hide();
     statusBar()->addPermanentWidget(m_indexProgress);
-    m_index.onProgress = [this](qsizetype done, qsizetype all) {
+    // An empty bar tells nothing.
+    const auto showBar = [this] {
+        statusBar()->setVisible(!statusBar()->currentMessage().isEmpty() || !m_indexProgress->isHidden());
+    };
+    connect(statusBar(), &QStatusBar::messageChanged, this, showBar);
+    showBar();
+    m_index.onProgress = [this, showBar](qsizetype done, qsizetype all) {
         m_indexProgress->setVisible(done < all);
+        showBar();
         m_indexProgress->setRange(0, int(all));
         m_indexProgress->setValue(int(done));
     };

@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/text/TMLTTextView.h"
 
+#include "desktop/text/HangingIndents.h"
+#include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
+#include "editor/SoftBreaks.h"
 #include "foundation/Localization.h"
+#include "foundation/Platform.h"
 
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QTextBlock>
 
 #include <algorithm>
@@ -16,10 +19,12 @@ namespace tomelet::desktop {
 TMLTTextView::TMLTTextView(QWidget *parent)
     : QPlainTextEdit(parent)
     , m_highlighter(new TextHighlighter(document()))
+    , m_completer(new TextCompleter(this))
     , m_numbers(new LineNumbers(this))
 {
     setAccessibleName(localized(TOMELET_TEXT("Text")));
     setFrameShape(QFrame::NoFrame);
+    document()->setDocumentLayout(new HangingIndents(document()));
     document()->setDocumentMargin(20);
     connect(document(), &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
         if (m_loading || (removed == 0 && added == 0)) return;
@@ -38,27 +43,18 @@ TMLTTextView::TMLTTextView(QWidget *parent)
     applyViewSettings();
 }
 
-// Looking for words to break at takes seconds in a line of a million units.
-static bool hasEndlessLine(const QString &text)
-{
-    static constexpr qsizetype longest = 50000;
-    for (qsizetype start = 0, end = 0; end >= 0; start = end + 1) {
-        end = text.indexOf(u'\n', start);
-        if ((end < 0 ? text.size() : end) - start > longest) return true;
-    }
-    return false;
-}
-
 // -- the text ---------------------------------------------------------------------------------------------------------
 
 void TMLTTextView::setDocumentText(const QString &text, bool editable, const HighlightOptions &options)
 {
     m_loading = true;
+    m_completer->close();
     m_highlighter->pause(true);
     m_options = options;
     clear();
-    setWordWrapMode(hasEndlessLine(text) ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
-    setPlainText(text);
+    const QString shown = withSoftBreaks(text);
+    m_hasSoftBreaks = shown.size() != text.size();
+    setPlainText(shown);
     setReadOnly(!editable);
     // A caret shows where one is, also where nothing can be typed.
     setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
@@ -67,18 +63,45 @@ void TMLTTextView::setDocumentText(const QString &text, bool editable, const Hig
     m_loading = false;
 }
 
-QString TMLTTextView::documentText() const
+QString TMLTTextView::shownText() const
 {
     return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
+}
+
+QString TMLTTextView::documentText() const
+{
+    return m_hasSoftBreaks ? withoutSoftBreaks(shownText()) : shownText();
+}
+
+Range TMLTTextView::textRange(qsizetype shownStart, qsizetype shownEnd) const
+{
+    if (!m_hasSoftBreaks) return {shownStart, shownEnd - shownStart};
+    const QString shown = shownText();
+    const qsizetype start = textPosition(shown, shownStart);
+    return {start, textPosition(shown, shownEnd) - start};
 }
 
 Range TMLTTextView::selection() const
 {
     const QTextCursor cursor = textCursor();
-    return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+    return textRange(cursor.selectionStart(), cursor.selectionEnd());
+}
+
+QString TMLTTextView::selectedText() const
+{
+    const Range range = selection();
+    return range.length == 0 ? QString() : documentText().mid(range.location, range.length);
 }
 
 void TMLTTextView::select(Range selection)
+{
+    if (!m_hasSoftBreaks) return selectShown(selection);
+    const QString shown = shownText();
+    const qsizetype start = shownPosition(shown, selection.location);
+    selectShown({start, shownPosition(shown, selection.end()) - start});
+}
+
+void TMLTTextView::selectShown(Range selection)
 {
     const int last = document()->characterCount() - 1;
     QTextCursor cursor = textCursor();
@@ -120,7 +143,24 @@ bool TMLTTextView::apply(EditorCommand command, const EditorArguments &arguments
     return handled;
 }
 
+void TMLTTextView::replaceInLine(const QTextBlock &line, const EditedText &edited)
+{
+    const Replacement change = edited.change();
+    if (!change.range.isFound() || !mayChange()) return;
+    const int start = line.position();
+    replaceShown({start + change.range.location, change.range.length}, change.text);
+    selectShown({start + edited.selection().location, edited.selection().length});
+}
+
 void TMLTTextView::replaceRange(Range range, const QString &text)
+{
+    if (!m_hasSoftBreaks) return replaceShown(range, text);
+    const QString shown = shownText();
+    const qsizetype start = shownPosition(shown, range.location);
+    replaceShown({start, shownPosition(shown, range.end()) - start}, text);
+}
+
+void TMLTTextView::replaceShown(Range range, const QString &text)
 {
     QTextCursor cursor = textCursor();
     cursor.beginEditBlock();
@@ -166,7 +206,7 @@ qsizetype TMLTTextView::countOf(const QString &wanted) const
 void TMLTTextView::replaceFound(const QString &wanted, const QString &with)
 {
     const Range now = selection();
-    const QString selected = documentText().mid(now.location, now.length);
+    const QString selected = selectedText();
     if (wanted.isEmpty() || selected.compare(wanted, caseFor(wanted)) != 0 || isReadOnly() || !mayChange()) return;
     replaceRange(now, with);
     select({now.location + with.size(), 0});
@@ -211,7 +251,7 @@ bool TMLTTextView::applyKey(const QKeyEvent &event)
     case Qt::Key_Enter:
         apply(shift ? EditorCommand::ShiftNewLine : EditorCommand::NewLine);
         return true;
-    case Qt::Key_Tab: return apply(EditorCommand::Tab);
+    case Qt::Key_Tab: return m_completer->completeByTab() || apply(EditorCommand::Tab);
     case Qt::Key_Backtab:
         apply(EditorCommand::ShiftTab);
         return true;
@@ -227,15 +267,20 @@ bool TMLTTextView::applyKey(const QKeyEvent &event)
 
 void TMLTTextView::keyPressEvent(QKeyEvent *event)
 {
+    if (m_completer->isOpen() && m_completer->takeKey(*event)) return event->accept();
     const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
     if (changes && !mayChange()) return event->accept();
-    if (changes && applyKey(*event)) return event->accept();
-    QPlainTextEdit::keyPressEvent(event);
+    if (changes && applyKey(*event)) event->accept();
+    else if (m_hasSoftBreaks && mayChange() && deleteForward(*event)) event->accept();
+    else QPlainTextEdit::keyPressEvent(event);
+    if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
 }
 
 void TMLTTextView::inputMethodEvent(QInputMethodEvent *event)
 {
-    if (mayChange()) QPlainTextEdit::inputMethodEvent(event);
+    if (!mayChange()) return;
+    QPlainTextEdit::inputMethodEvent(event);
+    if (!event->commitString().isEmpty()) m_completer->typed();
 }
 
 // Editing begins before the first change, whatever makes it.
@@ -243,11 +288,6 @@ void TMLTTextView::focusInEvent(QFocusEvent *event)
 {
     if (!isReadOnly()) (void)mayChange();
     QPlainTextEdit::focusInEvent(event);
-}
-
-void TMLTTextView::insertFromMimeData(const QMimeData *source)
-{
-    if (mayChange()) QPlainTextEdit::insertFromMimeData(source);
 }
 
 } // namespace tomelet::desktop

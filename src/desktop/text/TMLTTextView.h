@@ -16,6 +16,7 @@
 namespace tomelet::desktop {
 
 class LineNumbers;
+class TextCompleter;
 class TextHighlighter;
 
 class TMLTTextView final : public QPlainTextEdit
@@ -29,14 +30,25 @@ public:
     void setDocumentText(const QString &text, bool editable, const HighlightOptions &options);
     /// The text as it stands, with LF for every line end.
     [[nodiscard]] QString documentText() const;
+    /// Positions are those of this text, which is not quite what the widget holds: endless lines are shown in pieces.
     [[nodiscard]] Range selection() const;
     void select(Range selection);
+    [[nodiscard]] QString selectedText() const;
+    /// The block goes on with the line of the one above.
+    [[nodiscard]] bool isPiece(const QTextBlock &block) const;
+    /// Counted from 1.
+    [[nodiscard]] int numberOfLine(const QTextBlock &block) const;
     [[nodiscard]] bool isBlankUpToCaretLine() const;
     /// Lays the highlighting anew, as after a change of theme.
     void restyle();
 
+    /// Prints the text in colours for paper, whatever those of the screen are.
+    void printOnPaper(QPagedPaintDevice *printer) const;
+
     /// Carries out a command in one undo step. False: no rule of it applied, or the document takes no changes.
     bool apply(EditorCommand command, const EditorArguments &arguments = {});
+    /// Makes the change of one line, which was edited apart, and takes its caret; nothing where no change may be made.
+    void replaceInLine(const QTextBlock &line, const EditedText &edited);
     /// Asked before the text changes by anything but undo; "false" keeps it as it is.
     void setChangeGuard(std::function<bool()> guard) { m_mayChange = std::move(guard); }
 
@@ -58,16 +70,24 @@ public:
     void replaceAll(const QString &wanted, const QString &with);
 
     [[nodiscard]] TextHighlighter &highlighter() { return *m_highlighter; }
+    [[nodiscard]] TextCompleter &completer() { return *m_completer; }
 
 Q_SIGNALS:
     /// The text was changed by a person.
     void edited();
+    /// Pasted or dropped; the caret stands where it goes.
+    void filesDropped(const QStringList &files);
+    void imageDropped(const QImage &image);
+    void linkDropped(const QString &address, const QString &title);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
+    [[nodiscard]] QMimeData *createMimeDataFromSelection() const override;
+    [[nodiscard]] bool canInsertFromMimeData(const QMimeData *source) const override;
+    void dropEvent(QDropEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
@@ -77,6 +97,13 @@ private:
     [[nodiscard]] bool mayChange() const { return !m_mayChange || m_mayChange(); }
     bool applyKey(const QKeyEvent &event);
     void replaceRange(Range range, const QString &text);
+    void replaceShown(Range range, const QString &text);
+    void selectShown(Range selection);
+    [[nodiscard]] QString shownText() const;
+    [[nodiscard]] Range textRange(qsizetype shownStart, qsizetype shownEnd) const;
+    void leaveSoftBreak();
+    bool deleteForward(const QKeyEvent &event);
+    bool insertInPieces(const QString &text);
     void placeNumbers();
     void caretMoved();
     void checkSpelling();
@@ -84,9 +111,12 @@ private:
     void addSuggestions(QMenu *menu, Range place);
 
     TextHighlighter *m_highlighter;
+    TextCompleter *m_completer;
     HighlightOptions m_options;
     std::function<bool()> m_mayChange;
     bool m_loading = false;
+    bool m_hasSoftBreaks = false;
+    int m_lastCaret = 0; // tells where the caret comes from
     LineNumbers *m_numbers;
     int m_columnWidth = 0;
     bool m_typewriter = false;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/text/TextHighlighter.h"
 
+#include "desktop/text/HangingIndents.h"
+
 #include <QCoreApplication>
 #include <QPointer>
 #include <QTextBlock>
@@ -68,6 +70,15 @@ void TextHighlighter::restyle(const HighlightOptions &options, const QPalette &p
     styleAll();
 }
 
+void TextHighlighter::restyleAtOnce(const HighlightOptions &options, const QPalette &palette)
+{
+    m_options = options;
+    m_palette = palette;
+    m_lines = std::make_shared<const Lines>(linesOf(textOf(m_document), m_options));
+    m_nextLine = 0;
+    while (m_lines) applySlice();
+}
+
 // -- the whole --------------------------------------------------------------------------------------------------------
 
 TextHighlighter::Lines TextHighlighter::linesOf(const QString &text, const HighlightOptions &options)
@@ -75,13 +86,13 @@ TextHighlighter::Lines TextHighlighter::linesOf(const QString &text, const Highl
     std::vector<qsizetype> starts{0};
     for (qsizetype at = text.indexOf(u'\n'); at >= 0; at = text.indexOf(u'\n', at + 1)) starts.push_back(at + 1);
     Lines lines(starts.size());
+    const auto endOf = [&](size_t line) { return line + 1 < starts.size() ? starts[line + 1] - 1 : text.size(); };
     for (const StyledRange &style : stylesInRange(text, {0, text.size()}, options)) {
         auto line = size_t(std::ranges::upper_bound(starts, style.range.location) - starts.begin() - 1);
         for (; line < starts.size() && starts[line] < style.range.end(); ++line) {
             const qsizetype from = std::max(style.range.location, starts[line]);
-            const qsizetype lineEnd = line + 1 < starts.size() ? starts[line + 1] - 1 : text.size();
-            const qsizetype to = std::min(style.range.end(), lineEnd);
-            if (to > from) lines[line].push_back({{from - starts[line], to - from}, style.style});
+            const qsizetype to = std::min(style.range.end(), endOf(line));
+            if (to > from && endOf(line) - starts[line] <= longestStyledLine) lines[line].push_back({{from - starts[line], to - from}, style.style});
         }
     }
     return lines;
@@ -141,6 +152,7 @@ void TextHighlighter::contentsChanged(int position, int, int added)
     const QTextBlock first = m_document->findBlock(position);
     const QTextBlock at = m_document->findBlock(position + added);
     const QTextBlock last = at.isValid() ? at : m_document->lastBlock();
+    if (first == last && first.length() > longestStyledLine) return applyTo(first, {});
     const bool atStart = first.position() == 0;
     QString text = atStart ? QString() : QStringLiteral("\n");
     for (QTextBlock block = first; block.isValid(); block = block.next()) {
@@ -178,9 +190,13 @@ QTextCharFormat TextHighlighter::formatOf(const HighlightStyle &style) const
 void TextHighlighter::applyTo(const QTextBlock &block, const std::vector<StyledRange> &styles)
 {
     QList<QTextLayout::FormatRange> ranges;
-    for (const StyledRange &style : styles)
+    int prefix = 0;
+    for (const StyledRange &style : styles) {
         ranges.append({int(style.range.location), int(style.range.length), formatOf(style.style)});
-    if (ranges == block.layout()->formats()) return;
+        if (style.style.hangingIndent) prefix = int(style.range.end());
+    }
+    const bool indentChanged = HangingIndents::setPrefix(block, prefix);
+    if (ranges == block.layout()->formats() && !indentChanged) return;
     block.layout()->setFormats(ranges);
     m_document->markContentsDirty(block.position(), block.length());
 }

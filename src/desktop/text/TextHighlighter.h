@@ -28,6 +28,8 @@ public:
 
     /// Styles the whole document anew, with these rules and colours.
     void restyle(const HighlightOptions &options, const QPalette &palette);
+    /// The same at once, for a copy that is to be printed.
+    void restyleAtOnce(const HighlightOptions &options, const QPalette &palette);
     /// The text is about to be replaced as a whole: the paragraphs need no styling one by one.
     void pause(bool paused) { m_paused = paused; }
 

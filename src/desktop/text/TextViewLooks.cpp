@@ -3,6 +3,7 @@
 
 #include "desktop/document/SpellChecker.h"
 #include "desktop/text/TMLTTextView.h"
+#include "desktop/text/TextCompleter.h"
 #include "editor/SpelledWords.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -36,9 +37,14 @@ void LineNumbers::paintEvent(QPaintEvent *event)
     painter.fillRect(event->rect(), palette().color(QPalette::Base));
     painter.setPen(palette().color(QPalette::PlaceholderText));
     const QFontMetrics metrics(m_view->font());
-    for (const auto &[block, top] : m_view->visibleBlocks())
-        painter.drawText(0, int(top), width() - 8, metrics.height(), Qt::AlignRight,
-                         QString::number(block.blockNumber() + 1));
+    int number = 0;
+    for (const auto &[block, top] : m_view->visibleBlocks()) {
+        const bool isPiece = m_view->isPiece(block);
+        if (number == 0) number = m_view->numberOfLine(block);
+        else if (!isPiece) ++number;
+        if (!isPiece)
+            painter.drawText(0, int(top), width() - 8, metrics.height(), Qt::AlignRight, QString::number(number));
+    }
 }
 
 // -- the view's own drawing -------------------------------------------------------------------------------------------
@@ -86,6 +92,8 @@ void TMLTTextView::placeNumbers()
 
 void TMLTTextView::caretMoved()
 {
+    leaveSoftBreak();
+    m_completer->caretMoved();
     QList<QTextEdit::ExtraSelection> marks;
     if (m_marksLine) {
         QTextEdit::ExtraSelection line;
@@ -187,8 +195,10 @@ Range TMLTTextView::wordAt(const QPoint &position) const
     const QTextCursor cursor = cursorForPosition(position);
     const int inBlock = cursor.positionInBlock();
     for (const Range word : spelledWords(cursor.block().text()))
-        if (inBlock >= word.location && inBlock <= word.end())
-            return {cursor.block().position() + word.location, word.length};
+        if (inBlock >= word.location && inBlock <= word.end()) {
+            const qsizetype start = cursor.block().position() + word.location;
+            return textRange(start, start + word.length);
+        }
     return Range{Range::notFound, 0};
 }
 

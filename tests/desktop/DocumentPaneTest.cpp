@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A document's pane in its window: what is dropped and pasted, and texts that cannot be saved.
+#include "tests/support/Notebook.h"
+
+#include "desktop/actions/ItemActions.h"
+#include "desktop/document/DocumentHeader.h"
+#include "desktop/document/DocumentPane.h"
+#include "desktop/text/TMLTTextView.h"
+#include "foundation/Directories.h"
+#include "foundation/Folder.h"
+#include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
+#include "library/ItemOperations.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QImage>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMimeData>
+#include <QTest>
+#include <QUrl>
+
+#include <functional>
+#include <utility>
+
+using namespace tomelet;
+using namespace tomelet::desktop;
+
+namespace {
+
+class PaneInWindow : public tomelet::test::Notebook
+{
+protected:
+    PaneInWindow()
+    {
+        settings().setObject(QStringLiteral("showMarkdownAsPlainText"), true);
+        write(QStringLiteral("/Book/Note.md"), "Note\n");
+        write(QStringLiteral("/Other.md"));
+        window.setCentralWidget(pane);
+        window.show();
+        pane->showDocument(at(QStringLiteral("/Book/Note.md")));
+        pane->textView()->setFocus();
+        QTest::keyClicks(pane->textView(), QStringLiteral("typed "));
+        platform().ask = [this](const Question &question) {
+            questions.append(question.title);
+            whileAsked();
+            return answer;
+        };
+    }
+    ~PaneInWindow() override { delete pane; }
+    void moveBook(const char *from, const char *to) const
+    {
+        EXPECT_TRUE(QDir().rename(at(QString::fromLatin1(from)), at(QString::fromLatin1(to))));
+    }
+    [[nodiscard]] static QStringList rescued()
+    {
+        return namesInFolder(joinPath(dataDirectory(), QStringLiteral("Unsaved")));
+    }
+
+    enum { TryAgain, SaveElsewhere, Discard, Cancel };
+    ItemActions actions;
+    QMainWindow window;
+    DocumentPane *pane = new DocumentPane(actions);
+    QStringList questions;
+    int answer = Cancel;
+    std::function<void()> whileAsked = [] {};
+};
+
+} // namespace
+
+TEST_F(PaneInWindow, theTextStaysUntilItIsSaved)
+{
+    moveBook("/Book", "/Gone");
+    EXPECT_FALSE(window.close());
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(questions, QStringList(QStringLiteral("\"Note.md\" could not be saved")));
+    EXPECT_EQ(rescued(), QStringList(QStringLiteral("Note.md")));
+    pane->showDocument(at(QStringLiteral("/Other.md")));
+    EXPECT_EQ(pane->path(), at(QStringLiteral("/Book/Note.md")));
+    EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("typed Note\n"));
+    EXPECT_EQ(questions.size(), 2);
+
+    answer = TryAgain;
+    whileAsked = [this] { moveBook("/Gone", "/Book"); };
+    EXPECT_TRUE(window.close());
+    EXPECT_EQ(questions.size(), 3);
+    EXPECT_EQ(read(QStringLiteral("/Book/typed Note.md")), QByteArray("typed Note\n"));
+    EXPECT_EQ(rescued(), QStringList());
+}
+
+TEST_F(PaneInWindow, whatIsGivenUpIsGone)
+{
+    moveBook("/Book", "/Gone");
+    answer = Discard;
+    EXPECT_TRUE(window.close());
+    EXPECT_EQ(rescued(), QStringList());
+    EXPECT_FALSE(exists(QStringLiteral("/Book")));
+    EXPECT_EQ(read(QStringLiteral("/Gone/Note.md")), QByteArray("Note\n"));
+}
+
+TEST_F(PaneInWindow, aPaneThatGoesWithoutAQuestionLeavesACopy)
+{
+    moveBook("/Book", "/Gone");
+    delete std::exchange(pane, nullptr);
+    EXPECT_EQ(questions, QStringList());
+    ASSERT_EQ(rescued(), QStringList(QStringLiteral("Note.md")));
+    EXPECT_EQ(readFile(joinPath(dataDirectory(), QStringLiteral("Unsaved/Note.md"))), QByteArray("typed Note\n"));
+}
+
+TEST_F(PaneInWindow, whatIsPastedIsOneStep)
+{
+    TMLTTextView &view = *pane->textView();
+    const QString before = view.documentText();
+    QImage picture(3, 3, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QApplication::clipboard()->setImage(picture);
+    view.paste();
+    EXPECT_TRUE(view.documentText().contains(QStringLiteral("](TMImages/Image%20")))
+        << view.documentText().toStdString();
+    const QStringList stored = names(QStringLiteral("/Book/TMImages"));
+    ASSERT_EQ(stored.size(), 1);
+    EXPECT_EQ(QImage(at(QStringLiteral("/Book/TMImages/")) + stored[0]).size(), picture.size());
+    view.undo();
+    EXPECT_EQ(view.documentText(), before);
+
+    auto *files = new QMimeData;
+    files->setUrls({QUrl::fromLocalFile(at(QStringLiteral("/Other.md")))});
+    QApplication::clipboard()->setMimeData(files);
+    view.paste();
+    EXPECT_TRUE(view.documentText().contains(QStringLiteral(" [Other](../Other.md) ")))
+        << view.documentText().toStdString();
+    view.undo();
+    EXPECT_EQ(view.documentText(), before);
+}
+
+TEST_F(PaneInWindow, theHeaderFollowsAMove)
+{
+    ASSERT_TRUE(tm_moveItemToPath(at(QStringLiteral("/Book/Note.md")), at(QStringLiteral("/Book/New.md"))));
+    notifications().post(QStringLiteral("TMLTFileMovedNotification"),
+                         {{QStringLiteral("originalPath"), at(QStringLiteral("/Book/Note.md"))},
+                          {QStringLiteral("newPath"), at(QStringLiteral("/Book/New.md"))}});
+    bool shown = false;
+    for (const QLabel *label : pane->header()->findChildren<QLabel *>())
+        shown = shown || label->text().startsWith(QStringLiteral("New.md"));
+    EXPECT_TRUE(shown);
+}

@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Saves that run beside the typing: what happens meanwhile is neither lost nor written over.
+#include "tests/editor/DocumentFixture.h"
+
+#include "foundation/FileOperations.h"
+#include "library/ItemOperations.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+using namespace tomelet;
+using tomelet::test::DocumentController;
+
+namespace {
+
+class BackgroundSave : public DocumentController
+{
+protected:
+    BackgroundSave()
+    {
+        path = document(QStringLiteral("/a.txt"), "one\r\ntwo\r\n");
+        controller.openDocument(path);
+    }
+    // Typed, and the save has begun.
+    void begin(const QString &text)
+    {
+        type(text);
+        controller.autosave();
+    }
+    QString path;
+};
+
+} // namespace
+
+TEST_F(BackgroundSave, typingGoesOnMeanwhile)
+{
+    QStringList told;
+    const auto heard =
+        notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [&](const QVariantMap &) {
+            told += QString::fromUtf8(read(QStringLiteral("/a.txt")));
+        });
+    begin(QStringLiteral("one\n2\n"));
+    EXPECT_TRUE(controller.isEdited());
+    type(QStringLiteral("one\n2\n3\n"));
+    controller.waitForSave();
+    EXPECT_EQ(told, QStringList(QStringLiteral("one\r\n2\r\n"))); // told when it stands on the disk
+    EXPECT_TRUE(controller.isEdited());
+    EXPECT_TRUE(view.edited);
+    pause();
+    EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("one\r\n2\r\n3\r\n"));
+    EXPECT_FALSE(controller.isEdited());
+    EXPECT_EQ(view.loads, 1);
+}
+
+TEST_F(BackgroundSave, whoNeedsTheFileWaits)
+{
+    begin(QStringLiteral("one\n2\n"));
+    type(QStringLiteral("last\n"));
+    EXPECT_TRUE(controller.closeDocument());
+    EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("last\r\n"));
+
+    controller.openDocument(path);
+    begin(QStringLiteral("undone\n"));
+    type(QStringLiteral("last\n")); // as the file was when the save began
+    EXPECT_TRUE(controller.closeDocument());
+    EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("last\r\n"));
+}
+
+TEST_F(BackgroundSave, theEventLoopEndsIt)
+{
+    begin(QStringLiteral("one\n2\n"));
+    for (int turn = 0; turn < 5000 && controller.isEdited(); ++turn) {
+        QCoreApplication::processEvents();
+        QThread::msleep(1);
+    }
+    EXPECT_FALSE(controller.isEdited());
+    EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("one\r\n2\r\n"));
+}
+
+TEST_F(BackgroundSave, whatComesBetweenIsKept)
+{
+    begin(QStringLiteral("typed\n"));
+    overwrite(path, "written there\n");
+    controller.waitForSave();
+    EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("typed\r\n"));
+    EXPECT_EQ(read(QStringLiteral("/a (changed elsewhere).txt")), QByteArray("written there\n"));
+
+    begin(QStringLiteral("typed on\n"));
+    EXPECT_TRUE(tm_moveItemToPath(path, at(QStringLiteral("/b.txt"))));
+    notifications().post(
+        QStringLiteral("TMLTFileMovedNotification"),
+        {{QStringLiteral("originalPath"), path}, {QStringLiteral("newPath"), at(QStringLiteral("/b.txt"))}});
+    controller.waitForSave();
+    EXPECT_EQ(read(QStringLiteral("/b.txt")), QByteArray("typed on\r\n"));
+    EXPECT_FALSE(exists(QStringLiteral("/a.txt")));
+
+    begin(QStringLiteral("protected\n"));
+    tm_setProperty(at(QStringLiteral("/b.txt")), QStringLiteral("1"), QStringLiteral("R/O"));
+    controller.waitForSave();
+    EXPECT_EQ(read(QStringLiteral("/b.txt")), QByteArray("typed on\r\n"));
+    EXPECT_TRUE(controller.isEdited());
+    EXPECT_EQ(view.alerts.last(), QStringLiteral("Saving Error"));
+    EXPECT_EQ(names(QStringLiteral("/")).filter(QStringLiteral(".tomelet")), QStringList());
+}

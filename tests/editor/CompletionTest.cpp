@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What is completed in a plain text: where, with what, and what then stands there.
+#include "editor/Completion.h"
+#include "foundation/Platform.h"
+#include "library/Properties.h"
+#include "library/RecentItems.h"
+#include "organising/contexts/Contexts.h"
+#include "tests/support/Notebook.h"
+
+using namespace tomelet;
+
+namespace {
+
+class Completion : public tomelet::test::Notebook
+{
+protected:
+    Completion()
+    {
+        settings().setObject(QStringLiteral("contextsEnabled"), true);
+        settings().setObject(QStringLiteral("extractContextsAutomatically"), true);
+    }
+    // "|" marks the caret.
+    static std::optional<CompletionPlace> placeIn(QString line)
+    {
+        const qsizetype caret = line.indexOf(u'|');
+        return completionPlace(line.remove(caret, 1), caret);
+    }
+    [[nodiscard]] QStringList offered(const QString &line, const QString &book) const
+    {
+        const auto place = placeIn(line);
+        if (!place) return {};
+        return completionsFor(completionCandidates(*place, book, book + QStringLiteral("/Note.md")), *place);
+    }
+    static QString completed(QString text, const QString &completion, bool isWhole = true)
+    {
+        const qsizetype caret = text.indexOf(u'|');
+        text.remove(caret, 1);
+        const auto place = completionPlace(text, caret);
+        if (!place) return QStringLiteral("nowhere");
+        EditedText edited(text, {caret, 0});
+        complete(edited, *place, completion, isWhole);
+        return QString(edited.text()).insert(edited.selection().location, u'|');
+    }
+};
+
+} // namespace
+
+TEST_F(Completion, placesAreFoundByWhatStandsBeforeTheCaret)
+{
+    struct Row
+    {
+        const char *line;
+        int kind; ///< -1 for nowhere
+        const char *typed;
+    };
+    const Row rows[] = {
+        {"see [[No|", 0, "No"},
+        {"see [[No|]]", 0, "No"},
+        {"[[a]] and [[b/c d|", 0, "b/c d"},
+        {"[[|", 0, ""},
+        {"[[a]]|", -1, ""},
+        {"[a|", -1, ""},
+        {"call @ho|", 1, "@ho"},
+        {"@|", 1, "@"},
+        {"a@ho|", -1, ""},
+        {"@@ho|", -1, ""},
+        {"> %no|", 2, "no"},
+        {">%|", 2, ""},
+        {"> %note% text|", -1, ""},
+        {"a > %no|", -1, ""},
+        {"[word](class:im|)", 2, "im"},
+        {"plain|", -1, ""},
+    };
+    for (const Row &row : rows) {
+        const auto place = placeIn(QString::fromLatin1(row.line));
+        ASSERT_EQ(place.has_value(), row.kind >= 0) << row.line;
+        if (!place) continue;
+        EXPECT_EQ(int(place->kind), row.kind) << row.line;
+        EXPECT_EQ(place->typed, QString::fromLatin1(row.typed)) << row.line;
+    }
+    const QString far = QString(100000, u'x') + QStringLiteral(" [[No");
+    EXPECT_EQ(completionPlace(far, far.size())->start, 100003);
+}
+
+TEST_F(Completion, pathsAreThoseOfOneFolderAndTheRecentOnes)
+{
+    for (const char *name :
+         {"/Work/Note.md", "/Work/Notes 10.md", "/Work/Notes 9.md", "/Work/Other.txt", "/Work/North/In.md",
+          "/Work/.hidden.md", "/Work/Note.md.plist", "/Home/Nothing.md", "/Home/No [x].md", "/Nowhere.md"})
+        write(QString::fromLatin1(name));
+    tm_addToRecentItems(at(QStringLiteral("/Home/Nothing.md")));
+    tm_addToRecentItems(at(QStringLiteral("/Work/Notes 9.md")));
+    const QString book = at(QStringLiteral("/Work"));
+    EXPECT_EQ(offered(QStringLiteral("[[no|"), book),
+              (QStringList{QStringLiteral("North/"), QStringLiteral("Note.md"), QStringLiteral("Notes 9.md"),
+                           QStringLiteral("Notes 10.md"), QStringLiteral("../Home/Nothing.md")}));
+    EXPECT_EQ(offered(QStringLiteral("[[North/|"), book), QStringList(QStringLiteral("North/In.md")));
+    EXPECT_EQ(offered(QStringLiteral("[[../home/|"), book), QStringList());
+    EXPECT_EQ(offered(QStringLiteral("[[../Home/n|"), book), QStringList(QStringLiteral("../Home/Nothing.md")));
+    EXPECT_EQ(offered(QStringLiteral("[[/No|"), book), QStringList(QStringLiteral("/Nowhere.md")));
+    EXPECT_EQ(offered(QStringLiteral("[[Note.md|"), book), QStringList());
+    EXPECT_EQ(offered(QStringLiteral("[[../../|"), book), QStringList()); // nothing from outside
+}
+
+TEST_F(Completion, contextsAndClassesAreTheKnownOnes)
+{
+    tm_collectTagsFromText(write(QStringLiteral("/a.md")), QStringLiteral("@home"));
+    tm_collectTagsFromText(write(QStringLiteral("/b.md")), QStringLiteral("@Hospital #house"));
+    EXPECT_EQ(offered(QStringLiteral("to @ho|"), root),
+              (QStringList{QStringLiteral("@home"), QStringLiteral("@Hospital")}));
+    EXPECT_EQ(offered(QStringLiteral("#|"), root), QStringList(QStringLiteral("#house")));
+
+    write(QStringLiteral("/TMResources/CSS/Own.css"), "@tm_classes: note, nice, box;\n");
+    tm_setProperty(root, QStringLiteral("TMResources/CSS/Own.css"), QStringLiteral("CSS"));
+    EXPECT_EQ(offered(QStringLiteral("> %n|"), root), (QStringList{QStringLiteral("note"), QStringLiteral("nice")}));
+
+    settings().setObject(QStringLiteral("contextsEnabled"), false);
+    EXPECT_EQ(offered(QStringLiteral("to @ho|"), root), QStringList());
+}
+
+TEST_F(Completion, whatClosesItComesOnce)
+{
+    EXPECT_EQ(completed(QStringLiteral("[[no|"), QStringLiteral("Note.md")), QStringLiteral("[[Note.md]]|"));
+    EXPECT_EQ(completed(QStringLiteral("[[no|]] x"), QStringLiteral("Note.md")), QStringLiteral("[[Note.md]]| x"));
+    EXPECT_EQ(completed(QStringLiteral("[[no|] x"), QStringLiteral("Note.md")), QStringLiteral("[[Note.md]]| x"));
+    EXPECT_EQ(completed(QStringLiteral("[[no|"), QStringLiteral("North/")), QStringLiteral("[[North/|"));
+    EXPECT_EQ(completed(QStringLiteral("[[no|"), QStringLiteral("Not"), false), QStringLiteral("[[Not|"));
+    EXPECT_EQ(completed(QStringLiteral("@ho|, x"), QStringLiteral("@home")), QStringLiteral("@home|, x"));
+    EXPECT_EQ(completed(QStringLiteral("> %n|"), QStringLiteral("note")), QStringLiteral("> %note%|"));
+    EXPECT_EQ(completed(QStringLiteral("> %n|%"), QStringLiteral("note")), QStringLiteral("> %note%|"));
+    EXPECT_EQ(completed(QStringLiteral("[a](class:n|)"), QStringLiteral("note")), QStringLiteral("[a](class:note|)"));
+}
+
+TEST_F(Completion, whatIsCommonIsFoundInAnyCase)
+{
+    const QString typed = QStringLiteral("no");
+    EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("notes.md")}, typed), QStringLiteral("Note"));
+    EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("../Nope.md")}, typed), typed);
+    EXPECT_EQ(commonBeginning({}, typed), typed);
+}
