@@ -7,7 +7,7 @@ window.tm = (() => {
   const selection = window.getSelection();
   const maximumHistory = 64 * 1024 * 1024; // characters in all steps together
   const typingPause = 1000; // milliseconds; a longer one begins another step
-  const boxes = 'li.tm_checkbox, li.tm_checkbox_done';
+  const boxes = window.tmBoxes.selector;
   const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
   let dirty = false;
   let contents = false;
@@ -197,18 +197,8 @@ window.tm = (() => {
     if (box) { box.checked = done; box.toggleAttribute('checked', done); }
   }
   const toggleDone = () => touched(boxes).forEach(item => setBox(item, item.classList.contains('tm_checkbox')));
-  // The box stands in front of the item's own text.
-  function boxAt(x, y) {
-    for (const item of body.querySelectorAll(boxes)) {
-      const place = item.getBoundingClientRect();
-      const line = parseFloat(getComputedStyle(item).lineHeight) || 20;
-      const size = parseFloat(getComputedStyle(item).fontSize) * 1.6;
-      if (x < place.left && x > place.left - size && y >= place.top && y < place.top + line) return item;
-    }
-    return null;
-  }
   function click(x, y) {
-    const item = boxAt(x, y);
+    const item = window.tmBoxes.at(x, y);
     if (item) setBox(item, item.classList.contains('tm_checkbox'));
     return Boolean(item);
   }

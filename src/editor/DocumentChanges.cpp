@@ -92,7 +92,7 @@ void TMLTDocumentViewController::checkIfDocumentNeedsReload(const QString &chang
         if (m_isEdited) return; // the next save keeps both versions
         const qlonglong offset = m_view.readingOffset();
         showDocument();
-        if (offset > 0) m_view.restoreOffset(offset);
+        m_view.restoreOffset(offset); // not where it was when the document was left the last time
         return;
     }
     if (!style) return;

@@ -35,6 +35,8 @@ public:
     [[nodiscard]] DocumentViewKind viewThatIsVisible() const { return m_kind; }
     [[nodiscard]] bool presentingToggledView() const { return m_presentingToggledView; }
     [[nodiscard]] bool canToggle() const { return m_canToggle; }
+    /// The page on display is made from Markdown.
+    [[nodiscard]] bool showsMarkdown() const;
     [[nodiscard]] TextEncoding stringEncoding() const { return m_form.encoding; }
     [[nodiscard]] const QString &md5hash() const { return m_md5hash; }
     [[nodiscard]] bool titleIsFirstLineOfText() const { return m_titleIsFirstLineOfText; }

@@ -354,6 +354,41 @@ TEST_F(FormattedEditing, readOnlyDocumentsStayClosed)
     EXPECT_FALSE(pane.view()->isEditing());
 }
 
+TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
+{
+    const QByteArray source = "Tasks\n\n- [ ] one\n- [x] two\n" + QByteArray("\nline\n").repeated(200);
+    path = write(QStringLiteral("/Tasks.md"), source);
+    settings().setObject(QStringLiteral("showMarkdownAsPlainText"), false);
+    pane.resize(800, 300);
+    pane.show();
+    QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
+    pane.showDocument(path);
+    ASSERT_TRUE(loaded.wait(20000));
+    const auto boxAt = [this](int number) {
+        return script(QStringLiteral("{ window.scrollTo(0, 20); const r = document.querySelectorAll('li')[%1].getBoundingClientRect();"
+                                     "({x: r.left - 8, y: r.top + 8}) }").arg(number)).toMap();
+    };
+    const auto click = [this, &boxAt](int number) {
+        const QVariantMap place = boxAt(number);
+        QTest::mouseClick(pane.view()->focusProxy(), Qt::LeftButton, {},
+                          QPoint(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt()));
+    };
+    const auto shown = [this] {
+        return script(QStringLiteral("[...document.querySelectorAll('li')].map(e => e.className).join()")).toString();
+    };
+    click(0);
+    EXPECT_TRUE(comes([&] { return read(QStringLiteral("/Tasks.md")) == QByteArray(source).replace("[ ] one", "[x] one"); }));
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox_done"); }));
+    click(1);
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox"); }));
+    EXPECT_EQ(script(QStringLiteral("window.scrollY")).toInt(), 20);
+    EXPECT_EQ(loaded.count(), 1);
+    actions.undoStack().undo();
+    actions.undoStack().undo();
+    EXPECT_EQ(read(QStringLiteral("/Tasks.md")), source);
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox,tm_checkbox_done"); }));
+}
+
 TEST(PageBody, findsItsBody)
 {
     EXPECT_EQ(pageWithBody(QStringLiteral("<p>a"), QStringLiteral("b")), QStringLiteral("b"));

@@ -7,6 +7,7 @@
 #include "desktop/document/DocumentHeader.h"
 #include "desktop/document/FindBar.h"
 #include "desktop/page/FormattingBar.h"
+#include "desktop/page/FormattingCommands.h"
 #include "desktop/page/PageProfile.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
@@ -121,6 +122,7 @@ static constexpr qsizetype longestTextPage = 500 * 1024;
 
 DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     : QWidget(parent)
+    , m_actions(actions)
     , m_header(new DocumentHeader(actions))
     , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
@@ -137,6 +139,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     m_view->setPage(page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
+    connect(page, &QWebEnginePage::loadFinished, this, [this] { m_isLoading = false; });
     makeLayout();
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
     connectEditor();
@@ -251,8 +254,25 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
     updateTitle();
 }
 
+bool DocumentPane::showsPageOf(const QString &document, const QString &base) const
+{
+    return m_stack->currentWidget() == m_view && !m_isLoading && !document.isEmpty() && m_livePath == document &&
+           m_base == base;
+}
+
+// The page again after a change of its text: it takes the new content where it stands, without a flicker.
+static QString scriptForContent(const QString &page)
+{
+    return QStringLiteral("{ const page = new DOMParser().parseFromString('%1', 'text/html');"
+                          "if (document.head.innerHTML !== page.head.innerHTML)"
+                          " document.head.innerHTML = page.head.innerHTML;"
+                          "document.body.replaceWith(page.body); }")
+        .arg(escapedForScript(page));
+}
+
 void DocumentPane::showPage(const QString &html, const QString &base)
 {
+    const bool stays = m_controller.showsMarkdown() && showsPageOf(path(), base);
     m_base = base;
     m_source = html;
     bring(m_view);
@@ -260,6 +280,14 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
     const QUrl address = addressOf(base);
     const QString page = pageToShow(html, address, palette());
+    if (stays) return m_view->page()->runJavaScript(scriptForContent(page), 1);
+    load(page, address);
+    m_livePath = path();
+}
+
+void DocumentPane::load(const QString &page, const QUrl &address)
+{
+    m_isLoading = true;
     if (page.size() < longestTextPage) return m_view->setHtml(page, address);
 
     const QString pages = joinPath(workingDirectory(), QStringLiteral("pages"));
@@ -279,8 +307,10 @@ void DocumentPane::showPdf(const QString &path, qlonglong page)
     m_base = path;
     bring(m_view);
     updateTitle();
+    m_livePath.clear();
     QUrl address = QUrl::fromLocalFile(path);
     if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
+    m_isLoading = true;
     m_view->load(address);
 }
 
@@ -299,6 +329,7 @@ void DocumentPane::changeEvent(QEvent *event)
 
 void DocumentPane::runWhenLoaded(const QString &script)
 {
+    if (!m_isLoading) return m_view->page()->runJavaScript(script, 1);
     connect(m_view->page(), &QWebEnginePage::loadFinished, this,
             [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
 }
@@ -379,8 +410,13 @@ qlonglong DocumentPane::readingOffset() const
 
 void DocumentPane::restoreOffset(qlonglong offset)
 {
-    if (m_stack->currentWidget() == m_text) m_text->select({offset, 0});
-    else if (offset > 0) runWhenLoaded(QStringLiteral("window.scrollTo(0, %1)").arg(offset));
+    if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
+    m_wantedOffset = offset;
+    // The last wish of a load counts.
+    QTimer::singleShot(0, this, [this] {
+        if (m_wantedOffset >= 0) runWhenLoaded(QStringLiteral("window.scrollTo(0, %1)").arg(m_wantedOffset));
+        m_wantedOffset = -1;
+    });
 }
 
 // Compared by letters and digits, so that marks and blanks do not matter.

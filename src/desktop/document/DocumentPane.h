@@ -5,6 +5,7 @@
 
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
+#include "editor/PageBoxes.h"
 #include "editor/TMLTDocumentViewController.h"
 
 #include <QTimer>
@@ -71,11 +72,14 @@ private:
     void makeLayout();
     void updateTitle();
     void bring(QWidget *shown);
-    /// Runs once when the page that is being loaded is laid out.
+    /// Runs once when the page that is being loaded is laid out, at once where none is.
+    [[nodiscard]] bool showsPageOf(const QString &document, const QString &base) const;
+    void load(const QString &page, const QUrl &address);
     void runWhenLoaded(const QString &script);
     void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url);
     void unlock();
+    void toggleBox(const PageBox &box);
     void connectEditor();
     void connectFinding();
     [[nodiscard]] bool showsText() const;
@@ -127,6 +131,7 @@ private:
     void addToBackList(const QString &path) override;
     [[nodiscard]] QString contextOfList() const override { return {}; }
 
+    ItemActions &m_actions;
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;
@@ -141,6 +146,9 @@ private:
     QString m_base; ///< of the page on display
     QString m_source; ///< the page as it was loaded
     bool m_isSettling = false;
+    QString m_livePath;          ///< of the document whose page the view holds
+    bool m_isLoading = false;
+    qlonglong m_wantedOffset = -1; ///< the page scrolls there next
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;

@@ -29,10 +29,20 @@ constexpr int inputDelay = 40;  // milliseconds; the page has a key by then
 constexpr int watchDelay = 500; // between looks that no input asked for
 constexpr int longestWait = 2000;
 
+QString scriptFile(const QString &name)
+{
+    return QString::fromUtf8(readFile(resourcePath(QStringLiteral("editor/") + name)).value_or(QByteArray()));
+}
+
+QString boxesScript()
+{
+    static const QString script = scriptFile(QStringLiteral("boxes.js"));
+    return script;
+}
+
 QString editingScript()
 {
-    static const QString script =
-        QString::fromUtf8(readFile(resourcePath(QStringLiteral("editor/editing.js"))).value_or(QByteArray()));
+    static const QString script = boxesScript() + scriptFile(QStringLiteral("editing.js"));
     return script;
 }
 
@@ -231,9 +241,10 @@ bool TMLTWebView::keyPressed(const QKeyEvent &event)
 
 bool TMLTWebView::mouseReleased(const QMouseEvent &event)
 {
-    if (!m_mayBeEdited || event.button() != Qt::LeftButton) return false;
+    if (event.button() != Qt::LeftButton) return false;
     const QPointF at = event.position() / zoomFactor();
     const QString place = QStringLiteral("(%1, %2)").arg(at.x()).arg(at.y());
+    if (!m_mayBeEdited) return lookForBox(place), false;
     if (m_editing && event.modifiers() == Qt::ControlModifier) {
         page()->runJavaScript(QStringLiteral("tm.linkAt") + place, editorWorld,
                               [self = QPointer(this)](const QVariant &address) {
@@ -245,6 +256,19 @@ bool TMLTWebView::mouseReleased(const QMouseEvent &event)
     if (!m_editing) Q_EMIT editingWanted(!m_hovered.isEmpty());
     run(QStringLiteral("tm.click") + place);
     return false;
+}
+
+void TMLTWebView::lookForBox(const QString &place)
+{
+    page()->runJavaScript(
+        boxesScript() + QStringLiteral("tmBoxes.told") + place, editorWorld,
+        [self = QPointer(this), number = m_page](const QVariant &answer) {
+            const QVariantMap box = answer.toMap();
+            if (!self || self->m_page != number || box.isEmpty()) return;
+            Q_EMIT self->boxClicked({box.value(QStringLiteral("number")).toLongLong(),
+                                     box.value(QStringLiteral("count")).toLongLong(),
+                                     box.value(QStringLiteral("done")).toBool()});
+        });
 }
 
 // A picture of a text editor's or table's comes with its text, which is what was meant.

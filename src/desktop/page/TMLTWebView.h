@@ -3,6 +3,8 @@
 // last told of itself at hand, as scripts in a page answer in their own time.
 #pragma once
 
+#include "editor/PageBoxes.h"
+
 #include <QImage>
 #include <QTimer>
 #include <QVariantMap>
@@ -67,6 +69,8 @@ Q_SIGNALS:
     void edited();
     void stateChanged(const tomelet::desktop::FormattingState &state);
     void linkWanted(const QUrl &url);
+    /// A check box of a page that cannot be edited was clicked; the page shows it as before.
+    void boxClicked(const tomelet::PageBox &box);
     void imagePasted(const QImage &image);
     void filesDropped(const QStringList &paths);
 
@@ -81,6 +85,7 @@ private:
     void loaded(bool fine);
     bool keyPressed(const QKeyEvent &event);
     bool mouseReleased(const QMouseEvent &event);
+    void lookForBox(const QString &place);
     bool pasteImage();
     void addSuggestions(QMenu *menu);
     void inputHappened();
