@@ -146,14 +146,15 @@ void TMLTDocumentViewController::reloadCurrentDocument()
 
 void TMLTDocumentViewController::documentMoved(const QString &originalPath, const QString &newPath, bool silentReload)
 {
-    if (m_path.isEmpty() || originalPath.isEmpty() || originalPath == newPath) return;
+    if (m_path.isEmpty() || originalPath.isEmpty()) return;
+    if (originalPath == newPath) return checkIfDocumentNeedsReload(newPath); // written in another view
     if (m_path != originalPath && !isBelow(m_path, originalPath)) return;
     // Who gives the document a name of their own does not want the first line's back with the next save.
     if (m_path == originalPath && nameWithoutExtension(newPath) != nameWithoutExtension(originalPath))
         m_titleIsFirstLineOfText = false;
     m_path = newPath + m_path.mid(originalPath.size());
     m_parentPath = tomelet::parentPath(m_path);
-    if (silentReload) return;
+    if (silentReload) return checkIfDocumentNeedsReload(m_path);
     platform().delayedCalls.schedule(QStringLiteral("reshowDocument"), callArgument(), 300ms, [this] {
         writeTextToFile();
         if (!m_isEdited) showDocument();

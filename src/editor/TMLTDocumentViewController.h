@@ -69,6 +69,8 @@ public:
 
     // -- saving
     void writeTextToFile();
+    /// The same before the person turns to another view, unless texts are saved on command only.
+    void saveTyping();
     /// The next save writes even if the text is the same.
     void forceSave() { m_forcedSave = true; }
     /// Names the file after its first line; false when that name is taken or the file could not be moved.

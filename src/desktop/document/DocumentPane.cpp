@@ -49,10 +49,34 @@ namespace tomelet::desktop {
 
 namespace {
 
+using LinkFollower = std::function<void(const QUrl &, bool inNewTab)>;
+
+// Takes the place of the window that a link asks for, until it knows the address.
+class NewTab final : public QWebEnginePage
+{
+public:
+    NewTab(QObject *parent, LinkFollower follow)
+        : QWebEnginePage(pageProfile(), parent)
+        , m_follow(std::move(follow))
+    {
+    }
+
+protected:
+    bool acceptNavigationRequest(const QUrl &url, NavigationType, bool) override
+    {
+        m_follow(url, true);
+        deleteLater();
+        return false;
+    }
+
+private:
+    LinkFollower m_follow;
+};
+
 class Page final : public QWebEnginePage
 {
 public:
-    Page(QObject *parent, std::function<void(const QUrl &)> follow)
+    Page(QObject *parent, LinkFollower follow)
         : QWebEnginePage(pageProfile(), parent)
         , m_follow(std::move(follow))
     {
@@ -64,12 +88,13 @@ protected:
         if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
         const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
         if (sameDocument) return true;
-        m_follow(url);
+        m_follow(url, false);
         return false;
     }
+    QWebEnginePage *createWindow(WebWindowType) override { return new NewTab(this, m_follow); }
 
 private:
-    std::function<void(const QUrl &)> m_follow;
+    LinkFollower m_follow;
 };
 
 bool isDark(const QPalette &palette)
@@ -120,9 +145,10 @@ QString pageToShow(const QString &html, const QUrl &address, const QPalette &pal
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
 static constexpr qsizetype longestTextPage = 500 * 1024;
 
-DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
+DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *parent)
     : QWidget(parent)
     , m_actions(actions)
+    , m_isOfMainWindow(isOfMainWindow)
     , m_header(new DocumentHeader(actions))
     , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
@@ -135,7 +161,9 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     , m_controller(*this)
 {
     // The page waits for its answer, so what may ask a question comes after it.
-    auto *page = new Page(m_view, [this](const QUrl &url) { QTimer::singleShot(0, this, [this, url] { followLink(url); }); });
+    auto *page = new Page(m_view, [this](const QUrl &url, bool inNewTab) {
+        QTimer::singleShot(0, this, [this, url, inNewTab] { followLink(url, inNewTab); });
+    });
     m_view->setPage(page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
@@ -151,6 +179,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
 
 DocumentPane::~DocumentPane()
 {
+    blockSignals(true); // who listens may be half gone
     settlePage();
     m_controller.closeDocument();
 }
@@ -199,6 +228,18 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
     const bool opened = m_controller.openDocument(path);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
+}
+
+bool DocumentPane::closeDocument()
+{
+    showDocument({});
+    return path().isEmpty() && !m_controller.isEdited();
+}
+
+void DocumentPane::saveTyping()
+{
+    settlePage();
+    m_controller.saveTyping();
 }
 
 void DocumentPane::createDocument(const QString &extension, const QString &book)
@@ -364,7 +405,7 @@ static QString itemOfLink(const QUrl &url)
     return QDir::cleanPath(fullPathOf(withoutTomeletScheme(text)));
 }
 
-void DocumentPane::followLink(const QUrl &url)
+void DocumentPane::followLink(const QUrl &url, bool inNewTab)
 {
     QString item = itemOfLink(url);
     if (item.isEmpty()) {
@@ -373,7 +414,9 @@ void DocumentPane::followLink(const QUrl &url)
     }
     if (!itemExists(tm_pathWithoutAnchor(item)) && !itemExists(item))
         item = tm_findAlternativePathExcludingOrPrompt(item, {path()}, path());
-    if (!item.isEmpty()) notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
+    if (item.isEmpty()) return;
+    if (inNewTab) Q_EMIT newTabWanted(item);
+    else notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
 }
 
 // -- text -------------------------------------------------------------------------------------------------------------

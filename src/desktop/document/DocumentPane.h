@@ -29,12 +29,16 @@ class DocumentPane final : public QWidget, private DocumentView
     Q_OBJECT
 
 public:
-    explicit DocumentPane(ItemActions &actions, QWidget *parent = nullptr);
+    explicit DocumentPane(ItemActions &actions, bool isOfMainWindow = true, QWidget *parent = nullptr);
     ~DocumentPane() override;
 
     /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     void showDocument(const QString &path, const QString &anchor = {});
+    /// Saves what is on display and shows nothing; false when it could not be saved and stays.
+    bool closeDocument();
+    /// What was typed goes into the file now.
+    void saveTyping();
     [[nodiscard]] const QString &path() const { return m_controller.path(); }
     [[nodiscard]] TMLTWebView *view() { return m_view; }
     [[nodiscard]] TMLTTextView *textView() { return m_text; }
@@ -67,6 +71,8 @@ protected:
 
 Q_SIGNALS:
     void titleChanged(const QString &title);
+    /// A link was clicked in the way that asks for a tab of its own.
+    void newTabWanted(const QString &path);
 
 private:
     void makeLayout();
@@ -77,7 +83,7 @@ private:
     void load(const QString &page, const QUrl &address);
     void runWhenLoaded(const QString &script);
     void scrollToAnchor(const QString &anchor);
-    void followLink(const QUrl &url);
+    void followLink(const QUrl &url, bool inNewTab = false);
     void unlock();
     void toggleBox(const PageBox &box);
     void connectEditor();
@@ -127,11 +133,12 @@ private:
     void tm_showUnlockAlert() override;
     void showAlert(const QString &title, const QString &text) override;
     void showNotice(const QString &title, const QString &text) override;
-    [[nodiscard]] bool isMainWindow() const override { return true; }
+    [[nodiscard]] bool isMainWindow() const override { return m_isOfMainWindow; }
     void addToBackList(const QString &path) override;
     [[nodiscard]] QString contextOfList() const override { return {}; }
 
     ItemActions &m_actions;
+    bool m_isOfMainWindow;
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QLabel *m_empty;

@@ -32,7 +32,7 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::stateChanged, m_bar,
             qOverload<const FormattingState &>(&FormattingBar::show));
     connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
-    connect(m_view, &TMLTWebView::linkWanted, this, &DocumentPane::followLink);
+    connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
