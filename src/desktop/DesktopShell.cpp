@@ -56,6 +56,7 @@ DesktopShell::DesktopShell()
 {
     http::setLogSink([](const std::string &line) { logLine(QString::fromStdString(line)); });
     connect(&m_window, &MainWindow::preferencesWanted, this, &DesktopShell::showPreferences);
+    connect(&m_window, &MainWindow::quitWanted, this, &DesktopShell::closeAll);
     m_window.setApplication(m_application);
     platform().ask = [this](const Question &question) { return askWithBox(&m_window, question); };
     connect(&m_theme, &Theme::desktopChanged, this,
@@ -153,6 +154,7 @@ void DesktopShell::openWindow(const QList<WindowEntry> &entries)
     if (there.isEmpty()) return;
     auto *window = new DocumentWindow(m_window.itemActions(), there);
     m_extraWindows.append(window);
+    connect(window, &DocumentWindow::quitWanted, this, &DesktopShell::closeAll);
     if (there.first().minimized == u"1") window->showMinimized();
     else window->show();
 }
@@ -202,6 +204,13 @@ void DesktopShell::showPreferences()
         &m_window);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
+}
+
+// The main window notes what the others show, so it is the first to go.
+void DesktopShell::closeAll()
+{
+    m_window.close();
+    QApplication::closeAllWindows();
 }
 
 void DesktopShell::closeMainWindow()

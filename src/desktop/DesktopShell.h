@@ -61,6 +61,7 @@ public:
 private:
     void openWindow(const QList<WindowEntry> &entries);
     void showPreferences();
+    void closeAll();
 
     AppDelegate m_application;
     Theme m_theme;

@@ -8,7 +8,6 @@
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QMenuBar>
 
@@ -49,14 +48,14 @@ DocumentWindow::DocumentWindow(ItemActions &actions, const QList<WindowEntry> &e
 void DocumentWindow::makeMenus(ItemActions &actions)
 {
     QMenu *file = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
-    addCommand(file, TOMELET_TEXT("New Ta&b"), QKeySequence::AddTab, this,
+    addCommand(file, TOMELET_TEXT("New Ta&b"), QKeySequence(QStringLiteral("Ctrl+Shift+T")), this,
                [this] { m_desk->openInNewTab(m_desk->current()->path(), true); });
     addCommand(file, TOMELET_TEXT("&Close Tab"), QKeySequence(QStringLiteral("Ctrl+W")), this,
                [this] { m_desk->closeTab(); });
     addCommand(file, TOMELET_TEXT("Close &Window"), QKeySequence(QStringLiteral("Ctrl+Shift+W")), this,
                [this] { close(); });
     file->addSeparator();
-    addCommand(file, TOMELET_TEXT("&Quit"), QKeySequence::Quit, this, [] { QApplication::closeAllWindows(); });
+    addCommand(file, TOMELET_TEXT("&Quit"), QKeySequence::Quit, this, [this] { Q_EMIT quitWanted(); });
     QMenu *edit = menuBar()->addMenu(localized(TOMELET_TEXT("&Edit")));
     QAction *undo = actions.undoStack().createUndoAction(this, localized(TOMELET_TEXT("&Undo")));
     undo->setShortcut(QKeySequence::Undo);

@@ -22,6 +22,9 @@ public:
     /// The window as the next session gets it back; nothing when it shows no document.
     [[nodiscard]] QList<WindowEntry> entries(const QString &group) const;
 
+Q_SIGNALS:
+    void quitWanted();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
 

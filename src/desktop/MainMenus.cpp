@@ -51,7 +51,7 @@ void MainWindow::makeBookMenu()
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
     add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { createDocument({}); });
     add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); });
-    add(menu, TOMELET_TEXT("Open in New &Tab"), QKeySequence::AddTab, [this] { openSelectionInTabs(); });
+    add(menu, TOMELET_TEXT("Open in New &Tab"), QKeySequence(QStringLiteral("Ctrl+Shift+T")), [this] { openSelectionInTabs(); });
     add(menu, TOMELET_TEXT("Open Bes&ide"), QKeySequence(QStringLiteral("Ctrl+Shift+Return")), [this] {
         const QStringList paths = selectedDocuments();
         if (!paths.isEmpty()) m_desk->openBeside(paths.first());
@@ -85,7 +85,7 @@ void MainWindow::makeBookMenu()
     });
     makeLabelMenu(menu->addMenu(localized(TOMELET_TEXT("&Label"))));
     menu->addSeparator();
-    add(menu, TOMELET_TEXT("&Quit"), QKeySequence::Quit, [] { QApplication::closeAllWindows(); });
+    add(menu, TOMELET_TEXT("&Quit"), QKeySequence::Quit, [this] { Q_EMIT quitWanted(); });
 }
 
 void MainWindow::makeLabelMenu(QMenu *menu)

@@ -64,6 +64,7 @@ public:
 Q_SIGNALS:
     void extraWindowWanted(const QString &path);
     void preferencesWanted();
+    void quitWanted();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
