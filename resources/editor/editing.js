@@ -211,12 +211,6 @@ window.tm = (() => {
   }
 
   // -- tables
-  const cells = row => [...row.cells];
-  function emptyCell(tag) {
-    const cell = document.createElement(tag);
-    cell.append(document.createElement('br'));
-    return cell;
-  }
   function insertTable(rows, columns) {
     const row = '<tr>' + '<td><br></td>'.repeat(columns) + '</tr>';
     const id = Date.now();
@@ -226,20 +220,12 @@ window.tm = (() => {
     if (table) caretIn(table.rows[0].cells[0]);
   }
   function insertRow(below) {
-    const rows = touched('tr');
-    if (!rows.length) return;
-    const model = below ? rows[rows.length - 1] : rows[0];
-    const row = document.createElement('tr');
-    row.append(...cells(model).map(cell => {
-      const made = emptyCell('td');
-      if (cell.colSpan > 1) made.colSpan = cell.colSpan;
-      return made;
-    }));
-    const head = model.closest('thead');
-    const firstBody = model.closest('table').tBodies[0];
-    if (head && below && firstBody) firstBody.prepend(row);
-    else model[below ? 'after' : 'before'](row);
-    return row;
+    const chosen = touched('td, th');
+    return chosen.length ? window.tmTables.insertRow(chosen, below) : null;
+  }
+  function insertColumn(after) {
+    const chosen = touched('td, th');
+    if (chosen.length) window.tmTables.insertColumn(chosen, after);
   }
   function removeTable(table) {
     const left = document.createElement('p');
@@ -247,54 +233,16 @@ window.tm = (() => {
     table.replaceWith(left);
     caretIn(left);
   }
-  function removeRows() {
-    const rows = touched('tr');
-    if (!rows.length) return;
-    const table = rows[0].closest('table');
-    const column = around('td, th')?.cellIndex ?? 0;
-    const all = [...table.rows];
-    const next = all[all.indexOf(rows[rows.length - 1]) + 1] || all[all.indexOf(rows[0]) - 1];
-    rows.forEach(row => row.remove());
-    if (!next) return removeTable(table);
-    caretIn(next.cells[Math.min(column, next.cells.length - 1)] || next);
-  }
-  // The first grid column of a cell: those in front of it may span several.
-  const columnOf = cell => cells(cell.parentElement).slice(0, cell.cellIndex).reduce((sum, c) => sum + c.colSpan, 0);
-  function cellAtColumn(row, column) {
-    let from = 0;
-    for (const cell of row.cells) {
-      if (column < from + cell.colSpan) return {cell, from};
-      from += cell.colSpan;
-    }
-    return null;
-  }
-  function insertColumn(after) {
-    const chosen = touched('td, th');
-    if (!chosen.length) return;
-    const columns = chosen.map(columnOf);
-    const column = after ? Math.max(...columns) : Math.min(...columns);
-    for (const row of chosen[0].closest('table').rows) {
-      const found = cellAtColumn(row, column);
-      if (!found) row.append(emptyCell('td'));
-      else if (found.from < column || (after && found.cell.colSpan > 1)) found.cell.colSpan += 1;
-      else found.cell[after ? 'after' : 'before'](emptyCell(found.cell.tagName));
-    }
-  }
-  function removeColumns() {
+  function removeCells(remove) {
     const chosen = touched('td, th');
     if (!chosen.length) return;
     const table = chosen[0].closest('table');
-    const row = chosen[0].parentElement;
-    const columns = [...new Set(chosen.map(columnOf))].sort((a, b) => b - a);
-    for (const each of [...table.rows])
-      for (const column of columns) {
-        const found = cellAtColumn(each, column);
-        if (found && found.cell.colSpan > 1) found.cell.colSpan -= 1;
-        else found?.cell.remove();
-      }
-    if (![...table.rows].some(each => each.cells.length)) return removeTable(table);
-    caretIn(row.cells[Math.min(columns[columns.length - 1], row.cells.length - 1)] || row);
+    const next = remove(chosen);
+    if (next) caretIn(next);
+    else removeTable(table);
   }
+  const removeRows = () => removeCells(window.tmTables.removeRows);
+  const removeColumns = () => removeCells(window.tmTables.removeColumns);
   // The tabulator walks through a table and indents in a list; false where it is a character.
   function tab(back) {
     const cell = around('td, th');
@@ -302,7 +250,7 @@ window.tm = (() => {
       const all = [...cell.closest('table').querySelectorAll('td, th')];
       const next = all[all.indexOf(cell) + (back ? -1 : 1)];
       if (next) caretIn(next);
-      else if (!back) caretIn(insertRow(true).cells[0]);
+      else if (!back) { const row = insertRow(true); caretIn(row.cells[0] || row); }
     } else if (around('li')) document.execCommand(back ? 'outdent' : 'indent');
     else if (!back) document.execCommand('insertText', false, '\t');
   }
@@ -360,40 +308,6 @@ window.tm = (() => {
     else writeContents();
   }
 
-  // -- replacing; words without capitals are meant in either case
-  const finding = from => new RegExp(from.replace(/[.*+?^${}()|[\]\\\/]/g, '\\$&'),
-                                     from === from.toLowerCase() ? 'gui' : 'gu');
-  function textNodes() {
-    const walker = document.createTreeWalker(body, NodeFilter.SHOW_TEXT);
-    const nodes = [];
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) nodes.push(node);
-    return nodes;
-  }
-  function replaceAll(from, to) {
-    if (from) for (const node of textNodes()) {
-      const text = node.data.replace(finding(from), () => to);
-      if (text !== node.data) node.data = text;
-    }
-  }
-  // The first place from the caret on, or from the start of the page.
-  function replaceNext(from, to) {
-    if (!from) return;
-    const nodes = textNodes();
-    const here = nodes.findIndex(node => node === selection.anchorNode ||
-      (selection.anchorNode?.compareDocumentPosition(node) & Node.DOCUMENT_POSITION_FOLLOWING));
-    const start = Math.max(here, 0);
-    for (const node of [...nodes.slice(start), ...nodes.slice(0, start + 1)]) {
-      const wanted = finding(from);
-      const begun = node === selection.anchorNode && node === nodes[start];
-      wanted.lastIndex = begun ? Math.min(selection.anchorOffset, selection.focusOffset) : 0;
-      const found = wanted.exec(node.data);
-      if (!found) continue;
-      node.replaceData(found.index, found[0].length, to);
-      selection.collapse(node, found.index + to.length);
-      return;
-    }
-  }
-
   // -- talking
   function isMarked() {
     const paper = [body, document.documentElement].map(e => getComputedStyle(e).backgroundColor);
@@ -449,6 +363,7 @@ window.tm = (() => {
   }
   const start = () => ({html, text: body.innerText});
   return {begin, start, report, run, undo, redo, click, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
-          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, replaceAll, replaceNext, restyle,
+          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
+          replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};
 })();

@@ -119,6 +119,11 @@ struct Row
 constexpr const char *table =
     "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td>1</td><td>2</td></tr></tbody></table>";
 
+// Two rows high on the left, two columns wide at the bottom.
+constexpr const char *spans = "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+                              "<tr><td id='d'>d</td><td id='e'>e</td></tr>"
+                              "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>";
+
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
     {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')",
@@ -152,6 +157,40 @@ const Row rows[] = {
      "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
     {"columns", table, "td", 0, "td", 0, "tm.removeColumns()",
      "<table><tbody><tr><th>b</th></tr><tr><td>2</td></tr></tbody></table>"},
+    {"row inside of a span", spans, "#b", 0, "#b", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='3'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td><br></td><td><br></td></tr><tr><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"row below a span", spans, "#a", 0, "#a", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td id='e'>e</td></tr><tr><td><br></td><td><br></td><td><br></td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"row above one with a wide cell", spans, "#g", 0, "#g", 0, "tm.insertRow(false)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td id='e'>e</td></tr><tr><td><br></td><td colspan='2'><br></td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"the first row of a span", spans, "#c", 0, "#c", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='a'>a</td><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"the last row of a span", spans, "#d", 0, "#d", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='a'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"all rows of a span", spans, "#a", 0, "#a", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"column beside a high cell", spans, "#d", 0, "#d", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td><br></td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td><br></td><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td><br></td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"column inside of a wide cell", spans, "#d", 0, "#d", 0, "tm.insertColumn(true)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td><br></td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td><br></td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='3'>g</td></tr></tbody></table>"},
+    {"the column of a high cell", spans, "#f", 0, "#f", 0, "tm.removeColumns()",
+     "<table><tbody><tr><td id='b'>b</td><td id='c'>c</td></tr><tr><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"a column of a wide cell", spans, "#e", 0, "#e", 0, "tm.removeColumns()",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td></tr><tr><td id='d'>d</td></tr>"
+     "<tr><td id='f'>f</td><td id='g'>g</td></tr></tbody></table>"},
     {"the last row", "<table><tbody><tr><td>1</td></tr></tbody></table>", "td", 0, "td", 0, "tm.removeRows()",
      "<p><br></p>"},
     {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
@@ -325,11 +364,29 @@ TEST_F(FormattedEditing, replacingStaysOutsideOfTags)
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceNext('note', 'text')")),
               QStringLiteral("<p class=\"note\">Note a text.</p><p>no<b>te</b> NOTE (x)</p>"));
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', '$&<')")),
-              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; (x)</p>"));
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>$&amp;&lt; $&amp;&lt; (x)</p>"));
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('(x)', '')")),
-              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; </p>"));
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>$&amp;&lt; $&amp;&lt; </p>"));
     undoAll(3);
     EXPECT_EQ(body(), QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+}
+
+TEST_F(FormattedEditing, wordsAreReplacedAcrossTags)
+{
+    const QString before = QStringLiteral("<p>no<b>te</b>, <i>a</i> no<b>t<i>e</i>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te"
+                                          "</li></ul><p>two\n words, two&nbsp;words</p>");
+    open(before);
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', 'word')")),
+              QStringLiteral("<p>word, <i>a</i> word<b>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te</li></ul>"
+                             "<p>two\n words, two&nbsp;words</p>"));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceAll('two words', 'Three')")).endsWith(QStringLiteral("<p>Three, Three</p>")));
+    undoAll(2);
+    EXPECT_EQ(body(), before);
+    select(QStringLiteral("p > b"), 1, QStringLiteral("p > b"), 1);
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', '')")).startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', 'x')")).startsWith(QStringLiteral("<p>x, <i>a</i> <b>s</b></p>")));
+    undoAll(1);
+    EXPECT_TRUE(body().startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
 }
 
 TEST_F(FormattedEditing, newDocumentsAreNamedAfterTheirFirstLine)

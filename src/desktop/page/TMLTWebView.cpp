@@ -42,7 +42,8 @@ QString boxesScript()
 
 QString editingScript()
 {
-    static const QString script = boxesScript() + scriptFile(QStringLiteral("editing.js"));
+    static const QString script = boxesScript() + scriptFile(QStringLiteral("tables.js")) +
+                                  scriptFile(QStringLiteral("replacing.js")) + scriptFile(QStringLiteral("editing.js"));
     return script;
 }
 
