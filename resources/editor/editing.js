@@ -5,80 +5,42 @@
 window.tm = (() => {
   const body = document.body;
   const selection = window.getSelection();
-  const maximumHistory = 64 * 1024 * 1024; // characters in all steps together
-  const typingPause = 1000; // milliseconds; a longer one begins another step
   const boxes = window.tmBoxes.selector;
   const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
-  let dirty = false;
+  const smallPage = 100 * 1024; // characters; what such a page holds is told with each change
+  const {place, goTo} = window.tmHistory;
   let contents = false;
-  const observer = new MutationObserver(() => { dirty = true; });
-  const watched = {childList: true, subtree: true, characterData: true, attributes: true};
-
-  // -- places: a node as the way to it from the body, so that a place outlives a restored page
-  function wayTo(node) {
-    const way = [];
-    for (; node && node !== body; node = node.parentNode)
-      way.unshift([...node.parentNode.childNodes].indexOf(node));
-    return way;
-  }
-  function nodeAt(way) {
-    let node = body;
-    for (const index of way) node = node.childNodes[index] || node;
-    return node;
-  }
-  function place() {
-    if (!body.contains(selection.anchorNode)) return null;
-    return [wayTo(selection.anchorNode), selection.anchorOffset, wayTo(selection.focusNode), selection.focusOffset];
-  }
-  const lengthOf = node => node.nodeType === Node.TEXT_NODE ? node.length : node.childNodes.length;
-  function goTo(saved) {
-    if (!saved) return;
-    const [from, to] = [nodeAt(saved[0]), nodeAt(saved[2])];
-    selection.setBaseAndExtent(from, Math.min(saved[1], lengthOf(from)), to, Math.min(saved[3], lengthOf(to)));
-  }
+  let untold = false; // a change that was not told yet
+  let weight = 0;     // characters of the page
   function caretIn(node) { selection.collapse(node, 0); }
 
-  // -- history: the whole body before and after each command; typing without a pause is one step
-  const steps = [];
-  let at = 0;
-  let html = '';
-  const copyOfBody = () => { const copy = new DocumentFragment(); copy.append(...body.cloneNode(true).childNodes); return copy; };
-  const step = kind => ({nodes: copyOfBody(), size: html.length, place: place(), kind, time: Date.now()});
+  // -- steps
   function note(kind) {
-    dirty = observer.takeRecords().length > 0 || dirty;
-    if (!dirty) {
-      if (steps[at]) steps[at].place = place() || steps[at].place;
-      return false;
-    }
-    dirty = false;
-    markBoxes();
-    dropSpelledOutStyles();
-    liftBlocks();
+    if (window.tmHistory.note(kind, tidy)) untold = true;
+  }
+  function tidy(nodes) {
+    const changed = nodes.filter(node => node.nodeType === Node.ELEMENT_NODE);
+    markBoxes(changed);
+    dropSpelledOutStyles(changed);
+    liftBlocks(changed.filter(node => node.isConnected));
     if (contents) writeContents();
-    observer.takeRecords();
-    const now = body.innerHTML;
-    if (now === html) return false;
-    html = now;
-    const last = steps[at];
-    const joins = kind === 'typing' && last.kind === 'typing' && Date.now() - last.time < typingPause;
-    steps.length = joins ? at : at + 1;
-    steps.push(step(kind));
-    at = steps.length - 1;
-    for (let size = steps.reduce((sum, s) => sum + s.size, 0); size > maximumHistory && at > 1; --at)
-      size -= steps.shift().size;
-    return true;
   }
-  function moveTo(index) {
-    at = index;
-    body.replaceChildren(steps[at].nodes.cloneNode(true));
-    goTo(steps[at].place);
-    observer.takeRecords();
-    dirty = false;
-    html = body.innerHTML;
-    steps[at].kind = 'restored';
-    changed = true;
-  }
-  let changed = false;
+  const within = (nodes, selector) =>
+    nodes.flatMap(node => [...(node.matches(selector) ? [node] : []), ...node.querySelectorAll(selector)]);
+
+  // Typing is undone by words: a step ends where a word begins, and where writing turns into deleting.
+  let lastInput = '';
+  let lastWasBlank = false;
+  document.addEventListener('beforeinput', event => {
+    const kind = event.inputType.startsWith('delete') ? 'delete' : 'insert';
+    const isBlank = kind === 'insert' && !(event.data ?? '').trim();
+    if (kind !== lastInput || (lastWasBlank && !isBlank)) {
+      note('typing');
+      window.tmHistory.endStep();
+    }
+    lastInput = kind;
+    lastWasBlank = isBlank;
+  });
 
   function keepingSelection(action) {
     const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
@@ -87,8 +49,8 @@ window.tm = (() => {
       selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
   }
   // The engine spells out the style sheet's looks where it joins or moves paragraphs; they are nobody's formatting.
-  function dropSpelledOutStyles() {
-    const spelled = [...body.querySelectorAll('[style*="var(--"]')];
+  function dropSpelledOutStyles(nodes) {
+    const spelled = within(nodes, '[style*="var(--"]');
     if (spelled.length) keepingSelection(() => {
       for (const each of spelled) {
         each.removeAttribute('style');
@@ -97,8 +59,8 @@ window.tm = (() => {
     });
   }
   // It also puts lists and tables into paragraphs, where markup has no place for them.
-  function liftBlocks() {
-    const wrong = [...body.querySelectorAll('p')].filter(p => [...p.children].some(e => e.matches(blocks)));
+  function liftBlocks(nodes) {
+    const wrong = within(nodes, 'p').filter(p => [...p.children].some(e => e.matches(blocks)));
     if (wrong.length) keepingSelection(() => wrong.forEach(paragraph => {
       const parts = [];
       for (const node of [...paragraph.childNodes]) {
@@ -113,8 +75,8 @@ window.tm = (() => {
   }
 
   // A box that was clicked says so in its markup, which alone is kept.
-  function markBoxes() {
-    for (const box of body.querySelectorAll('input[type=checkbox]'))
+  function markBoxes(nodes) {
+    for (const box of within(nodes, 'input[type=checkbox]'))
       if (box.checked !== box.hasAttribute('checked')) box.toggleAttribute('checked', box.checked);
   }
 
@@ -279,7 +241,7 @@ window.tm = (() => {
     const saved = place();
     const shift = table ? 0 : 1;
     const headings = [...body.querySelectorAll('h1, h2, h3, h4, h5, h6')].filter(h => !h.closest('#TOC') &&
-                                                                                     h.innerText.trim());
+                                                                                     h.textContent.trim());
     const list = document.createElement('ul');
     headings.forEach((heading, index) => {
       if (!heading.id) heading.id = `tm_heading_${index + 1}_${Date.now().toString(36)}`;
@@ -288,7 +250,7 @@ window.tm = (() => {
       item.style.marginLeft = `${(heading.tagName[1] - 1) * 1.2}em`;
       const link = document.createElement('a');
       link.href = `#${heading.id}`;
-      link.textContent = heading.innerText.trim();
+      link.textContent = heading.textContent.trim();
       item.append(link);
       list.append(item);
     });
@@ -314,42 +276,52 @@ window.tm = (() => {
     return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
-  function report(afterReturn) {
+  // What the page holds is told when it changed: at once for a small page, else when all is asked for.
+  function report(afterReturn, all) {
     if (afterReturn) newItem();
-    if (document.designMode === 'on' && note('typing')) changed = true;
-    const news = changed;
-    changed = false;
+    if (document.designMode === 'on') note('typing');
+    const tells = untold && (all || weight <= smallPage);
+    const html = tells ? body.innerHTML : '';
+    if (tells) [untold, weight] = [false, html.length];
     return {
-      changed: news, html: news ? html : '', text: news ? body.innerText : '',
+      changed: tells, pending: untold, html, text: tells ? body.innerText : '',
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
       list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
-      selected: selection.toString().slice(0, 1000), canUndo: at > 0, canRedo: at + 1 < steps.length,
+      selected: selection.toString().slice(0, 1000),
+      canUndo: window.tmHistory.canUndo(), canRedo: window.tmHistory.canRedo(),
     };
   }
   function run(action) {
     if (document.designMode !== 'on') return report();
-    if (note('typing')) changed = true;
+    note('typing');
     if (!selection.rangeCount || !body.contains(selection.anchorNode)) selection.collapse(body, 0);
-    action();
-    dirty = true;
-    if (note('command')) changed = true;
+    try {
+      action();
+    } finally {
+      note('command');
+    }
+    lastInput = '';
     return report();
   }
-  function undo() { if (note('typing')) changed = true; if (at > 0) moveTo(at - 1); return report(); }
-  function redo() { if (note('typing')) changed = true; if (at + 1 < steps.length) moveTo(at + 1); return report(); }
+  function step(go) {
+    note('typing');
+    if (go()) untold = true;
+    lastInput = '';
+    return report();
+  }
+  const undo = () => step(window.tmHistory.undo);
+  const redo = () => step(window.tmHistory.redo);
 
   // An empty page gets the paragraph that typing goes to.
   if (!body.firstElementChild && !body.textContent.trim()) body.innerHTML = '<p><br></p>';
-  html = body.innerHTML;
-  steps.push(step('start'));
   function begin(keepsContents) {
     if (document.designMode === 'on') return report();
     contents = keepsContents;
     const saved = place();
     document.designMode = 'on';
     document.execCommand('defaultParagraphSeparator', false, 'p');
-    observer.observe(body, watched);
+    window.tmHistory.begin();
     // A place that was there before is none to type at until it is set again.
     selection.removeAllRanges();
     window.focus();
@@ -361,7 +333,11 @@ window.tm = (() => {
     document.head.innerHTML = head;
     if (language) document.documentElement.lang = language;
   }
-  const start = () => ({html, text: body.innerText});
+  function start() {
+    const html = body.innerHTML;
+    weight = html.length;
+    return {html, text: body.innerText};
+  }
   return {begin, start, report, run, undo, redo, click, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,

@@ -338,9 +338,34 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
     const QPoint box(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt());
     QTest::mouseClick(keys, Qt::LeftButton, {}, box);
     EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 4; ++i) // the box, the mark, a word, a blank
         QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, typingIsUndoneByWords)
+{
+    open(QStringLiteral("<p>a</p><p>z</p>"));
+    QWidget *keys = pane.view()->focusProxy();
+    keys->setFocus();
+    select(QStringLiteral("p"), 1, QStringLiteral("p"), 1);
+    const auto shows = [this](const char *text) {
+        return comes([&] { return body() == QString::fromUtf8(text).replace(u'_', QStringLiteral("&nbsp;")); });
+    };
+    QTest::keyClicks(keys, QStringLiteral("b one two"));
+    QTest::keyClick(keys, Qt::Key_Backspace);
+    QTest::keyClick(keys, Qt::Key_Backspace);
+    QTest::keyClick(keys, Qt::Key_Return);
+    QTest::keyClicks(keys, QStringLiteral("x"));
+    ASSERT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
+    const char *back[] = {"<p>ab one t</p><p><br></p><p>z</p>", "<p>ab one t</p><p>z</p>", "<p>ab one two</p><p>z</p>",
+                          "<p>ab one_</p><p>z</p>", "<p>ab_</p><p>z</p>", "<p>a</p><p>z</p>"};
+    for (const char *state : back) {
+        QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(shows(state)) << state << "\n" << body().toStdString();
+    }
+    for (int i = 0; i < 6; ++i) QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
 }
 
 TEST_F(FormattedEditing, pictureOfTheClipboardIsPasted)

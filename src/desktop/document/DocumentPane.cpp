@@ -144,6 +144,7 @@ QString pageToShow(const QString &html, const QUrl &address, const QPalette &pal
 
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
 static constexpr qsizetype longestTextPage = 500 * 1024;
+static constexpr int warmUpDelay = 300; // milliseconds; the text comes first
 
 DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *parent)
     : QWidget(parent)
@@ -168,6 +169,9 @@ DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *p
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
     connect(page, &QWebEnginePage::loadFinished, this, [this] { m_isLoading = false; });
+    m_warmUp.setSingleShot(true);
+    m_warmUp.setInterval(warmUpDelay);
+    connect(&m_warmUp, &QTimer::timeout, this, &DocumentPane::warmUp);
     makeLayout();
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
     connectEditor();
@@ -293,37 +297,46 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
     m_text->setDocumentText(text, editable, highlightOptionsForItem(path()));
     bring(m_text);
     updateTitle();
+    m_warmUp.start();
 }
 
-bool DocumentPane::showsPageOf(const QString &document, const QString &base) const
-{
-    return m_stack->currentWidget() == m_view && !m_isLoading && !document.isEmpty() && m_livePath == document &&
-           m_base == base;
-}
-
-// The page again after a change of its text: it takes the new content where it stands, without a flicker.
-static QString scriptForContent(const QString &page)
+// Puts a page in the place of another that has the same address, without a flicker and at a fraction of the time.
+static QString scriptForContent(const QString &page, bool keepsPlace)
 {
     return QStringLiteral("{ const page = new DOMParser().parseFromString('%1', 'text/html');"
                           "if (document.head.innerHTML !== page.head.innerHTML)"
                           " document.head.innerHTML = page.head.innerHTML;"
-                          "document.body.replaceWith(page.body); }")
-        .arg(escapedForScript(page));
+                          "document.body.replaceWith(page.body); %2 }")
+        .arg(escapedForScript(page), keepsPlace ? QString() : QStringLiteral("window.scrollTo(0, 0);"));
 }
 
 void DocumentPane::showPage(const QString &html, const QString &base)
 {
-    const bool stays = m_controller.showsMarkdown() && showsPageOf(path(), base);
+    const QUrl address = addressOf(base);
+    const bool isMarkdown = m_controller.showsMarkdown();
+    const bool isInPlace = isMarkdown && !m_isLoading && m_liveAddress == address;
+    m_keepsPlace = isInPlace && m_stack->currentWidget() == m_view && m_livePath == path();
     m_base = base;
     m_source = html;
     bring(m_view);
     updateTitle();
     m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
-    const QUrl address = addressOf(base);
-    const QString page = pageToShow(html, address, palette());
-    if (stays) return m_view->page()->runJavaScript(scriptForContent(page), 1);
-    load(page, address);
     m_livePath = path();
+    m_liveAddress = isMarkdown ? address : QUrl();
+    const QString page = pageToShow(html, address, palette());
+    if (!isInPlace) return load(page, address);
+    m_view->page()->runJavaScript(scriptForContent(page, m_keepsPlace), 1);
+    QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
+}
+
+// While Markdown is shown as text its page gets a place to come to, so that the person does not wait for the engine.
+void DocumentPane::warmUp()
+{
+    const QUrl address = addressOf(path());
+    if (!showsText() || !hasMarkdownExtension(path()) || m_isLoading || m_liveAddress == address) return;
+    load(QStringLiteral("<html><head></head><body></body></html>"), address);
+    m_livePath.clear();
+    m_liveAddress = address;
 }
 
 void DocumentPane::load(const QString &page, const QUrl &address)
@@ -349,6 +362,7 @@ void DocumentPane::showPdf(const QString &path, qlonglong page)
     bring(m_view);
     updateTitle();
     m_livePath.clear();
+    m_liveAddress.clear();
     QUrl address = QUrl::fromLocalFile(path);
     if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
     m_isLoading = true;
@@ -454,6 +468,7 @@ qlonglong DocumentPane::readingOffset() const
 void DocumentPane::restoreOffset(qlonglong offset)
 {
     if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
+    if (m_keepsPlace) return;
     m_wantedOffset = offset;
     // The last wish of a load counts.
     QTimer::singleShot(0, this, [this] {

@@ -9,6 +9,7 @@
 #include "editor/TMLTDocumentViewController.h"
 
 #include <QTimer>
+#include <QUrl>
 #include <QWidget>
 
 class QImage;
@@ -79,8 +80,8 @@ private:
     void updateTitle();
     void bring(QWidget *shown);
     /// Runs once when the page that is being loaded is laid out, at once where none is.
-    [[nodiscard]] bool showsPageOf(const QString &document, const QString &base) const;
     void load(const QString &page, const QUrl &address);
+    void warmUp();
     void runWhenLoaded(const QString &script);
     void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url, bool inNewTab = false);
@@ -153,8 +154,11 @@ private:
     QString m_base; ///< of the page on display
     QString m_source; ///< the page as it was loaded
     bool m_isSettling = false;
-    QString m_livePath;          ///< of the document whose page the view holds
+    QString m_livePath;    ///< of the document whose page the view holds
+    QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
     bool m_isLoading = false;
+    bool m_keepsPlace = false; ///< the page was put in place of its older self, and is scrolled as that was
+    QTimer m_warmUp;
     qlonglong m_wantedOffset = -1; ///< the page scrolls there next
     QString m_paragraphOnTop;
     bool m_isEdited = false;

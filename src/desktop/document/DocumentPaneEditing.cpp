@@ -37,6 +37,8 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
+        m_liveAddress.clear();
+        m_isLoading = false;
         m_controller.writeTextToFile();
         m_controller.showDocument();
     });

@@ -27,6 +27,7 @@ namespace {
 constexpr quint32 editorWorld = 1;
 constexpr int inputDelay = 40;  // milliseconds; the page has a key by then
 constexpr int watchDelay = 500; // between looks that no input asked for
+constexpr int contentDelay = 250; // a long page is not read at each key
 constexpr int longestWait = 2000;
 
 QString scriptFile(const QString &name)
@@ -42,8 +43,12 @@ QString boxesScript()
 
 QString editingScript()
 {
-    static const QString script = boxesScript() + scriptFile(QStringLiteral("tables.js")) +
-                                  scriptFile(QStringLiteral("replacing.js")) + scriptFile(QStringLiteral("editing.js"));
+    static const QString script = [] {
+        QString all = boxesScript();
+        for (const char *name : {"tables.js", "replacing.js", "history.js", "editing.js"})
+            all += scriptFile(QString::fromLatin1(name));
+        return all;
+    }();
     return script;
 }
 
@@ -55,6 +60,9 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     m_afterInput.setSingleShot(true);
     m_afterInput.setInterval(inputDelay);
     m_watch.setInterval(watchDelay);
+    m_content.setSingleShot(true);
+    m_content.setInterval(contentDelay);
+    connect(&m_content, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report(false, true)")); });
     connect(&m_afterInput, &QTimer::timeout, this, [this] {
         ask(m_returnPressed ? QStringLiteral("tm.report(true)") : QStringLiteral("tm.report()"));
         m_returnPressed = false;
@@ -107,6 +115,7 @@ void TMLTWebView::endEditing()
     m_editing = false;
     m_afterInput.stop();
     m_watch.stop();
+    m_content.stop();
 }
 
 void TMLTWebView::ask(const QString &script, std::function<void()> then)
@@ -124,12 +133,16 @@ void TMLTWebView::ask(const QString &script, std::function<void()> then)
 void TMLTWebView::take(const QVariantMap &answer)
 {
     if (!m_editing || !answer.contains(QStringLiteral("html"))) return;
+    const bool waits = answer.value(QStringLiteral("pending")).toBool() && !m_content.isActive();
+    if (waits) m_content.start();
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
     Q_EMIT stateChanged(
         {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
          answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
          answer.value(QStringLiteral("inTable")).toBool()});
+    // A save that comes first finds what was there before, and another follows.
+    if (waits) Q_EMIT edited();
     if (!answer.value(QStringLiteral("changed")).toBool()) return;
     m_html = answer.value(QStringLiteral("html")).toString();
     m_text = answer.value(QStringLiteral("text")).toString();
@@ -155,7 +168,7 @@ void TMLTWebView::waitForPage()
     bool answered = false;
     QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
     QTimer::singleShot(m_afterInput.isActive() ? inputDelay : 0, &loop, [&] {
-        ask(QStringLiteral("tm.report()"), [&answered, target = QPointer(&loop)] {
+        ask(QStringLiteral("tm.report(false, true)"), [&answered, target = QPointer(&loop)] {
             if (!target) return;
             answered = true;
             target->quit();

@@ -103,6 +103,7 @@ private:
     QString m_selected;
     QString m_hovered;
     QTimer m_afterInput; // lets the page take the input before it is asked
+    QTimer m_content;    // a long page tells what it holds a while after a change
     QTimer m_watch;      // for what no key tells, such as the menu of the page
 };
 
