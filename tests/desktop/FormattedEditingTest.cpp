@@ -471,6 +471,27 @@ TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
     EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox,tm_checkbox_done"); }));
 }
 
+TEST_F(FormattedEditing, longPagesAreLaidOutBitByBitAndScrollToTheirPlace)
+{
+    QByteArray source = "Long\n";
+    for (int i = 0; i < 3000; ++i) source += "\nParagraph " + QByteArray::number(i) + QByteArray(" and some words of it").repeated(5 + i % 7) + "\n";
+    settings().setObject(QStringLiteral("showMarkdownAsPlainText"), false);
+    path = write(QStringLiteral("/Long.md"), source);
+    tm_setProperty(path, QStringLiteral("60000"), QStringLiteral("Offset"));
+    pane.resize(800, 300);
+    pane.show();
+    pane.showDocument(path);
+    const auto rule = [this] { return script(QStringLiteral("document.getElementById('tm_long_page')?.textContent ?? 'none'")).toString(); };
+    const QString onTop = QStringLiteral("document.elementFromPoint(400, 100)?.textContent.slice(0, 15)");
+    EXPECT_TRUE(comes([&] { return script(QStringLiteral("window.scrollY")).toInt() == 60000; }));
+    const QString early = script(onTop).toString();
+    EXPECT_TRUE(early.startsWith(QStringLiteral("Paragraph"))) << early.toStdString();
+    EXPECT_TRUE(comes([&] { return rule().isEmpty(); })) << rule().toStdString();
+    EXPECT_EQ(script(onTop).toString(), early);
+    EXPECT_EQ(script(QStringLiteral("window.scrollY")).toInt(), 60000);
+    EXPECT_EQ(read(QStringLiteral("/Long.md")), source);
+}
+
 TEST(PageBody, findsItsBody)
 {
     EXPECT_EQ(pageWithBody(QStringLiteral("<p>a"), QStringLiteral("b")), QStringLiteral("b"));

@@ -18,6 +18,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
+#include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
@@ -130,6 +131,17 @@ QUrl addressOf(const QString &base)
     return QUrl::fromLocalFile((isFolder(base) ? base : parentPath(base)) + u'/');
 }
 
+// The rule that longpage.js takes back; the first screens are laid out at once.
+const QString longPageRule = QStringLiteral(
+    "<style id=\"tm_long_page\">body > :nth-child(n+41) "
+    "{ content-visibility: auto; contain-intrinsic-size: auto 4em; }</style>\n</head>");
+
+QString withLongPageRule(QString page)
+{
+    const qsizetype end = page.indexOf(u"</head>");
+    return end < 0 ? page : page.replace(end, 7, longPageRule);
+}
+
 // With what is needed to show it; nothing of this goes into a file.
 QString pageToShow(const QString &html, const QUrl &address, const QPalette &palette)
 {
@@ -144,6 +156,10 @@ QString pageToShow(const QString &html, const QUrl &address, const QPalette &pal
 
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
 static constexpr qsizetype longestTextPage = 500 * 1024;
+// A page made from Markdown that is longer is laid out bit by bit.
+static constexpr qsizetype longestPageAtOnce = 300 * 1024;
+static constexpr int layOutDelay = 300; // milliseconds after which the rest follows
+static constexpr int layOutPause = 30;  // between two bits
 static constexpr int warmUpDelay = 300; // milliseconds; the text comes first
 
 DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *parent)
@@ -169,6 +185,8 @@ DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *p
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
     connect(page, &QWebEnginePage::loadFinished, this, [this] { m_isLoading = false; });
+    m_layOut.setSingleShot(true);
+    connect(&m_layOut, &QTimer::timeout, this, &DocumentPane::layOutMore);
     m_warmUp.setSingleShot(true);
     m_warmUp.setInterval(warmUpDelay);
     connect(&m_warmUp, &QTimer::timeout, this, &DocumentPane::warmUp);
@@ -234,6 +252,13 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
 }
 
+static QString longPageScript()
+{
+    static const QString script = QString::fromUtf8(
+        readFile(resourcePath(QStringLiteral("editor/longpage.js"))).value_or(QByteArray()));
+    return script;
+}
+
 bool DocumentPane::closeDocument()
 {
     showDocument({});
@@ -271,6 +296,7 @@ void DocumentPane::updateTitle()
 
 void DocumentPane::bring(QWidget *shown)
 {
+    m_isLong = false;
     m_notice->hide();
     m_bar->hide();
     m_counts->hide();
@@ -323,10 +349,24 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
     m_livePath = path();
     m_liveAddress = isMarkdown ? address : QUrl();
-    const QString page = pageToShow(html, address, palette());
-    if (!isInPlace) return load(page, address);
-    m_view->page()->runJavaScript(scriptForContent(page, m_keepsPlace), 1);
+    m_isLong = isMarkdown && html.size() > longestPageAtOnce;
+    QString page = pageToShow(html, address, palette());
+    if (m_isLong) page = withLongPageRule(page);
+    if (isInPlace) m_view->page()->runJavaScript(scriptForContent(page, m_keepsPlace), 1);
+    else load(page, address);
+    if (m_isLong) runWhenLoaded(longPageScript());
+    m_layOut.start(layOutDelay);
+    if (!isInPlace) return;
     QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
+}
+
+void DocumentPane::layOutMore()
+{
+    if (!m_isLong) return;
+    if (m_isLoading) return m_layOut.start(layOutDelay);
+    m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1, [self = QPointer(this)](const QVariant &more) {
+        if (self && more.toBool()) self->m_layOut.start(layOutPause);
+    });
 }
 
 // While Markdown is shown as text its page gets a place to come to, so that the person does not wait for the engine.
@@ -472,22 +512,24 @@ void DocumentPane::restoreOffset(qlonglong offset)
     m_wantedOffset = offset;
     // The last wish of a load counts.
     QTimer::singleShot(0, this, [this] {
-        if (m_wantedOffset >= 0) runWhenLoaded(QStringLiteral("window.scrollTo(0, %1)").arg(m_wantedOffset));
+        const QString scroll = m_isLong ? QStringLiteral("tmLongPage.scrollTo(%1)") : QStringLiteral("window.scrollTo(0, %1)");
+        if (m_wantedOffset >= 0) runWhenLoaded(scroll.arg(m_wantedOffset));
         m_wantedOffset = -1;
     });
 }
 
 // Compared by letters and digits, so that marks and blanks do not matter.
+static const QString paragraphs = QStringLiteral("'p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd'");
 static const QString letters = QStringLiteral("const letters = t => t.replace(/[^\\p{L}\\p{N}]/gu, '');"
-                                              "const paragraphs = [...document.querySelectorAll("
-                                              "'p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd')];");
+                                              "const paragraphs = [...document.querySelectorAll(%1)];")
+                                   .arg(paragraphs);
 
 void DocumentPane::scrollToText(const QString &text)
 {
     const QString list = QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact));
     runWhenLoaded(QStringLiteral("{ %1 const wanted = letters(%2[0]);"
-                                 "const found = paragraphs.find(e => letters(e.innerText) === wanted) ||"
-                                 "paragraphs.find(e => letters(e.innerText).includes(wanted));"
+                                 "const found = paragraphs.find(e => letters(e.textContent) === wanted) ||"
+                                 "paragraphs.find(e => letters(e.textContent).includes(wanted));"
                                  "if (found) found.scrollIntoView({block: 'center'}); }")
                       .arg(letters, list));
 }
@@ -497,9 +539,11 @@ void DocumentPane::toggleView()
 {
     if (m_stack->currentWidget() == m_text) return m_controller.tm_togglePlainTextAndFormattedView();
     settlePage();
-    const QString script = QStringLiteral("{ %1 const top = paragraphs.find(e => e.getBoundingClientRect().top >= 0);"
-                                          "top && window.scrollY > 0 ? top.innerText : ''; }")
-                               .arg(letters);
+    const QString script = QStringLiteral("{ let top = null;"
+                                          "for (let y = 2; y < innerHeight && !top && scrollY > 0; y += 8)"
+                                          " top = document.elementFromPoint(innerWidth / 2, y)?.closest(%1);"
+                                          "top ? top.innerText : ''; }")
+                               .arg(paragraphs);
     m_view->page()->runJavaScript(script, 1, [self = QPointer(this)](const QVariant &paragraph) {
         if (!self) return;
         self->m_paragraphOnTop = paragraph.toString();

@@ -82,6 +82,7 @@ private:
     /// Runs once when the page that is being loaded is laid out, at once where none is.
     void load(const QString &page, const QUrl &address);
     void warmUp();
+    void layOutMore();
     void runWhenLoaded(const QString &script);
     void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url, bool inNewTab = false);
@@ -157,8 +158,10 @@ private:
     QString m_livePath;    ///< of the document whose page the view holds
     QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
     bool m_isLoading = false;
+    bool m_isLong = false; ///< the page is laid out bit by bit
     bool m_keepsPlace = false; ///< the page was put in place of its older self, and is scrolled as that was
     QTimer m_warmUp;
+    QTimer m_layOut;
     qlonglong m_wantedOffset = -1; ///< the page scrolls there next
     QString m_paragraphOnTop;
     bool m_isEdited = false;
