@@ -276,12 +276,24 @@ window.tm = (() => {
     return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
+  // The body's markup that gives the same page again: the first line end of such elements is not read, and a carriage
+  // return that stands as itself is read as a line end.
+  const losesLine = e => e.firstChild?.nodeType === Node.TEXT_NODE && e.firstChild.data.startsWith('\n');
+  const losing = node => [...node.querySelectorAll('pre, textarea, listing')].filter(losesLine);
+  function markup() {
+    let source = body;
+    if (losing(body).length) {
+      source = body.cloneNode(true);
+      for (const each of losing(source)) each.firstChild.insertData(0, '\n');
+    }
+    return source.innerHTML.replaceAll('\r', '&#13;');
+  }
   // What the page holds is told when it changed: at once for a small page, else when all is asked for.
   function report(afterReturn, all) {
     if (afterReturn) newItem();
     if (document.designMode === 'on') note('typing');
     const tells = untold && (all || weight <= smallPage);
-    const html = tells ? body.innerHTML : '';
+    const html = tells ? markup() : '';
     if (tells) [untold, weight] = [false, html.length];
     return {
       changed: tells, pending: untold, html, text: tells ? body.innerText : '',
@@ -334,7 +346,7 @@ window.tm = (() => {
     if (language) document.documentElement.lang = language;
   }
   function start() {
-    const html = body.innerHTML;
+    const html = markup();
     weight = html.length;
     return {html, text: body.innerText};
   }
