@@ -50,6 +50,10 @@ window.tm = (() => {
   }
   // The engine spells out the style sheet's looks where it joins or moves paragraphs; they are nobody's formatting.
   function dropSpelledOutStyles(nodes) {
+    for (const each of within(nodes, '[style*="text-align: initial"]')) {
+      each.style.removeProperty('text-align');
+      if (!each.getAttribute('style')) each.removeAttribute('style');
+    }
     const spelled = within(nodes, '[style*="var(--"]');
     if (spelled.length) keepingSelection(() => {
       for (const each of spelled) {
@@ -163,6 +167,11 @@ window.tm = (() => {
     const item = window.tmBoxes.at(x, y);
     if (item) setBox(item, item.classList.contains('tm_checkbox'));
     return Boolean(item);
+  }
+  function caretAt(x, y) {
+    const range = document.caretRangeFromPoint(x, y);
+    if (range && body.contains(range.startContainer)) selection.collapse(range.startContainer, range.startOffset);
+    return report();
   }
   // A new item does not take over that the one before it is done.
   function newItem() {
@@ -350,7 +359,7 @@ window.tm = (() => {
     weight = html.length;
     return {html, text: body.innerText};
   }
-  return {begin, start, report, run, undo, redo, click, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
+  return {begin, start, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};

@@ -16,7 +16,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileInfo>
+#include <QDropEvent>
 #include <QImage>
+#include <QMimeData>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -384,6 +386,46 @@ TEST_F(FormattedEditing, typingIsUndoneByWords)
     }
     for (int i = 0; i < 6; ++i) QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, dropsComeInWhereTheyAreLetGo)
+{
+    open(QStringLiteral("<p>one</p><p id=\"z\">two</p>"));
+    const QString before = body();
+    const QVariantMap place = script(QStringLiteral("{ const r = document.getElementById('z').getBoundingClientRect();"
+                                                    "({x: r.left + 1, y: r.top + r.height / 2}) }"))
+                                  .toMap();
+    const auto drop = [this, &place](QMimeData &data) {
+        const QPointF at(place[QStringLiteral("x")].toDouble(), place[QStringLiteral("y")].toDouble());
+        QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(pane.view(), &enter);
+        QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(pane.view(), &event);
+        pane.view()->waitForPage();
+    };
+    QMimeData file;
+    file.setUrls({QUrl::fromLocalFile(write(QStringLiteral("/Other.md")))});
+    drop(file);
+    EXPECT_EQ(body(), QStringLiteral("<p>one</p><p id=\"z\"><a href=\"file://%1/Other.md\">Other</a>two</p>").arg(root));
+    undoAll(1);
+    EXPECT_EQ(body(), before);
+
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    QMimeData ofBrowser;
+    ofBrowser.setImageData(picture);
+    ofBrowser.setHtml(QStringLiteral("<meta charset=\"utf-8\"><img src=\"http://example.org/a.png\" alt=\"x\">"));
+    drop(ofBrowser);
+    EXPECT_TRUE(body().contains(QStringLiteral("<p id=\"z\"><img src=\"TMImages/"))) << body().toStdString();
+    ASSERT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
+
+    pane.showDocument({});
+    tm_setProperty(path, QStringLiteral("1"), QStringLiteral("R/O"));
+    QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    pane.showDocument(path);
+    ASSERT_TRUE(ready.wait(20000));
+    drop(ofBrowser);
+    EXPECT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
 }
 
 TEST_F(FormattedEditing, pictureOfTheClipboardIsPasted)

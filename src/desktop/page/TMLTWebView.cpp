@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPointer>
+#include <QRegularExpression>
 #include <QWebEngineContextMenuRequest>
 #include <QWebEnginePage>
 
@@ -229,6 +230,23 @@ QStringList localFiles(const QMimeData *data)
     return paths;
 }
 
+// A picture of a table's or text editor's comes with its text, which is what was meant; that of a browser's with its
+// address or its tag alone.
+bool isPicture(const QMimeData &data)
+{
+    if (!data.hasImage()) return false;
+    if (!data.hasHtml()) return !data.hasFormat(QStringLiteral("text/plain"));
+    QString html = data.html();
+    html.remove(QRegularExpression(QStringLiteral("<!--.*?-->|<img\\b[^>]*>|</?(?:html|head|body|meta|a)\\b[^>]*>"),
+                                   QRegularExpression::CaseInsensitiveOption));
+    return html.trimmed().isEmpty();
+}
+
+bool holdsFilesOrPicture(const QMimeData &data)
+{
+    return !localFiles(&data).isEmpty() || isPicture(data);
+}
+
 } // namespace
 
 bool TMLTWebView::keyPressed(const QKeyEvent &event)
@@ -285,21 +303,33 @@ void TMLTWebView::lookForBox(const QString &place)
         });
 }
 
-// A picture of a text editor's or table's comes with its text, which is what was meant.
 bool TMLTWebView::pasteImage()
 {
     const QMimeData *copied = QApplication::clipboard()->mimeData();
-    if (!copied) return false;
-    if (const QStringList files = localFiles(copied); !files.isEmpty())
-        return Q_EMIT filesDropped(files), true;
-    if (!copied->hasImage() || copied->hasText() || copied->hasHtml()) return false;
-    Q_EMIT imagePasted(qvariant_cast<QImage>(copied->imageData()));
+    return copied && takeFilesOrPicture(*copied);
+}
+
+bool TMLTWebView::takeFilesOrPicture(const QMimeData &given)
+{
+    if (const QStringList files = localFiles(&given); !files.isEmpty()) return Q_EMIT filesDropped(files), true;
+    if (!isPicture(given)) return false;
+    Q_EMIT imagePasted(qvariant_cast<QImage>(given.imageData()));
     return true;
+}
+
+// It comes in where it was let go; a document that takes no changes stores nothing either.
+void TMLTWebView::dropped(QDropEvent &event)
+{
+    event.acceptProposedAction();
+    if (!m_editing) Q_EMIT editingWanted(false);
+    if (!m_editing) return Q_EMIT typedInVain();
+    const QPointF at = event.position() / zoomFactor();
+    ask(QStringLiteral("tm.caretAt(%1, %2)").arg(at.x()).arg(at.y()));
+    takeFilesOrPicture(*event.mimeData());
 }
 
 bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
 {
-    const auto files = [event] { return localFiles(static_cast<QDropEvent *>(event)->mimeData()); };
     switch (event->type()) {
     case QEvent::ShortcutOverride:
         if (!m_editing || !isOwnKey(*static_cast<QKeyEvent *>(event))) break;
@@ -315,22 +345,36 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
     case QEvent::InputMethod:
         inputHappened();
         break;
-    case QEvent::DragEnter:
-    case QEvent::DragMove:
-        if (!m_mayBeEdited || files().isEmpty()) break;
-        static_cast<QDropEvent *>(event)->acceptProposedAction();
-        return true;
-    case QEvent::Drop:
-        inputHappened();
-        if (!m_mayBeEdited || files().isEmpty()) break;
-        if (!m_editing) Q_EMIT editingWanted(false);
-        Q_EMIT filesDropped(files());
-        static_cast<QDropEvent *>(event)->acceptProposedAction();
-        return true;
     default:
         break;
     }
     return QWebEngineView::eventFilter(watched, event);
+}
+
+// -- drops ------------------------------------------------------------------------------------------------------------
+
+void TMLTWebView::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (takesDrop(*event->mimeData())) event->acceptProposedAction();
+    else QWebEngineView::dragEnterEvent(event);
+}
+
+void TMLTWebView::dragMoveEvent(QDragMoveEvent *event)
+{
+    if (takesDrop(*event->mimeData())) event->acceptProposedAction();
+    else QWebEngineView::dragMoveEvent(event);
+}
+
+void TMLTWebView::dropEvent(QDropEvent *event)
+{
+    inputHappened();
+    if (takesDrop(*event->mimeData())) dropped(*event);
+    else QWebEngineView::dropEvent(event);
+}
+
+bool TMLTWebView::takesDrop(const QMimeData &given) const
+{
+    return m_mayBeEdited && holdsFilesOrPicture(given);
 }
 
 void TMLTWebView::addSuggestions(QMenu *menu)

@@ -12,6 +12,8 @@
 
 #include <functional>
 
+class QMimeData;
+
 namespace tomelet::desktop {
 
 /// What the formatting bar shows of the place that the caret is at.
@@ -78,6 +80,9 @@ protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void ask(const QString &script, std::function<void()> then = {});
@@ -87,6 +92,9 @@ private:
     bool mouseReleased(const QMouseEvent &event);
     void lookForBox(const QString &place);
     bool pasteImage();
+    bool takeFilesOrPicture(const QMimeData &given);
+    [[nodiscard]] bool takesDrop(const QMimeData &given) const;
+    void dropped(QDropEvent &event);
     void addSuggestions(QMenu *menu);
     void inputHappened();
 
