@@ -359,7 +359,18 @@ window.tm = (() => {
     weight = html.length;
     return {html, text: body.innerText};
   }
-  return {begin, start, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
+  // The document as another view of it left it; the caret stays where it is.
+  function take(page) {
+    const saved = place();
+    document.designMode = 'off';
+    const fresh = new DOMParser().parseFromString(page, 'text/html');
+    body.replaceChildren(...fresh.body.childNodes);
+    goTo(saved);
+    window.tmHistory.begin();
+    untold = false;
+    return start();
+  }
+  return {begin, start, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};

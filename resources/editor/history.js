@@ -130,7 +130,11 @@ window.tmHistory = (() => {
     put(step.from, step.before.length, step.after, step.placeAfter);
     return true;
   }
+  // Forgets all steps.
   function begin() {
+    forget();
+    steps.length = at = 0;
+    joins = false;
     const nodes = [...body.childNodes];
     shadow = shadowOf(nodes, nodes.map(copyOf));
     observer.observe(body, watched);

@@ -154,7 +154,10 @@ void TMLTDocumentViewController::documentMoved(const QString &originalPath, cons
         m_titleIsFirstLineOfText = false;
     m_path = newPath + m_path.mid(originalPath.size());
     m_parentPath = tomelet::parentPath(m_path);
-    if (silentReload) return checkIfDocumentNeedsReload(m_path);
+    if (silentReload) {
+        m_view.addToBackList(m_path);
+        return checkIfDocumentNeedsReload(m_path);
+    }
     platform().delayedCalls.schedule(QStringLiteral("reshowDocument"), callArgument(), 300ms, [this] {
         writeTextToFile();
         if (!m_isEdited) showDocument();

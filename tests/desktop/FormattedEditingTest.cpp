@@ -316,6 +316,27 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
     EXPECT_EQ(body(), QStringLiteral("<p>one</p>"));
 }
 
+TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
+{
+    open(QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>"));
+    QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
+    select(QStringLiteral("#z"), 2, QStringLiteral("#z"), 2);
+    QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    QTest::qWait(20);
+    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p id=\"z\">two</p>");
+    ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, other).toUtf8()));
+    notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
+    ASSERT_TRUE(ready.wait(20000));
+    EXPECT_FALSE(pane.view()->isEditing());
+    EXPECT_EQ(body(), other);
+    Q_EMIT pane.view()->editingWanted(false);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("X")));
+    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("two"), QStringLiteral("twXo")));
+    undoAll(2);
+    EXPECT_EQ(body(), other);
+    EXPECT_EQ(loaded.count(), 0);
+}
+
 TEST_F(FormattedEditing, picturesGoBesideTheDocument)
 {
     open(QStringLiteral("<p>one</p>"));

@@ -336,12 +336,20 @@ static QString scriptForContent(const QString &page, bool keepsPlace)
         .arg(escapedForScript(page), keepsPlace ? QString() : QStringLiteral("window.scrollTo(0, 0);"));
 }
 
+// The head but for the title, which follows the text.
+static QString lookOf(const QString &page)
+{
+    return regexSweep(headOfPage(page), QStringLiteral("(?s)<title>.*?</title>"), {});
+}
+
 void DocumentPane::showPage(const QString &html, const QString &base)
 {
     const QUrl address = addressOf(base);
     const bool isMarkdown = m_controller.showsMarkdown();
     const bool isInPlace = isMarkdown && !m_isLoading && m_liveAddress == address;
-    m_keepsPlace = isInPlace && m_stack->currentWidget() == m_view && m_livePath == path();
+    const bool isShown = m_stack->currentWidget() == m_view && !path().isEmpty() && m_livePath == path();
+    const bool isEditor = !isMarkdown && isShown && m_view->isReady() && lookOf(html) == lookOf(m_source);
+    m_keepsPlace = isShown && (isInPlace || isEditor);
     m_base = base;
     m_source = html;
     bring(m_view);
@@ -352,12 +360,12 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     m_isLong = isMarkdown && html.size() > longestPageAtOnce;
     QString page = pageToShow(html, address, palette());
     if (m_isLong) page = withLongPageRule(page);
+    QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
+    if (isEditor) return m_view->takePage(html);
     if (isInPlace) m_view->page()->runJavaScript(scriptForContent(page, m_keepsPlace), 1);
     else load(page, address);
     if (m_isLong) runWhenLoaded(longPageScript());
     m_layOut.start(layOutDelay);
-    if (!isInPlace) return;
-    QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
 }
 
 void DocumentPane::layOutMore()

@@ -88,18 +88,26 @@ void TMLTWebView::expectPage(bool mayBeEdited)
 
 void TMLTWebView::loaded(bool fine)
 {
-    if (!fine || !m_mayBeEdited || m_ready) return;
-    page()->runJavaScript(editingScript() + QStringLiteral("tm.start()"), editorWorld,
-                          [self = QPointer(this), number = m_page](const QVariant &answer) {
-                              if (!self || self->m_page != number || self->m_ready) return;
-                              const QVariantMap start = answer.toMap();
-                              if (!start.contains(QStringLiteral("html"))) return;
-                              self->m_html = start.value(QStringLiteral("html")).toString();
-                              self->m_text = start.value(QStringLiteral("text")).toString();
-                              self->m_ready = true;
-                              Q_EMIT self->ready();
-                              if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
-                          });
+    if (fine && m_mayBeEdited && !m_ready) start(editingScript() + QStringLiteral("tm.start()"));
+}
+
+void TMLTWebView::takePage(const QString &page)
+{
+    start(QStringLiteral("tm.take('%1')").arg(escapedForScript(page)));
+}
+
+void TMLTWebView::start(const QString &script)
+{
+    page()->runJavaScript(script, editorWorld, [self = QPointer(this), number = m_page](const QVariant &answer) {
+        if (!self || self->m_page != number || self->m_ready) return;
+        const QVariantMap start = answer.toMap();
+        if (!start.contains(QStringLiteral("html"))) return;
+        self->m_html = start.value(QStringLiteral("html")).toString();
+        self->m_text = start.value(QStringLiteral("text")).toString();
+        self->m_ready = true;
+        Q_EMIT self->ready();
+        if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
+    });
 }
 
 void TMLTWebView::beginEditing(bool keepsContentsTable)

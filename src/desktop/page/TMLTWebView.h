@@ -35,6 +35,8 @@ public:
 
     /// Before each page: whether the one that is loaded now may become editable. Forgets the one before it.
     void expectPage(bool mayBeEdited);
+    /// After expectPage, for a page that is editable already: it gets the body of this one, and the caret stays.
+    void takePage(const QString &page);
     /// Makes the page editable and puts the caret into it; a page that is still loading follows when it is
     /// there.
     void beginEditing(bool keepsContentsTable);
@@ -88,6 +90,7 @@ private:
     void ask(const QString &script, std::function<void()> then = {});
     void take(const QVariantMap &answer);
     void loaded(bool fine);
+    void start(const QString &script);
     bool keyPressed(const QKeyEvent &event);
     bool mouseReleased(const QMouseEvent &event);
     void lookForBox(const QString &place);
