@@ -285,27 +285,54 @@ window.tm = (() => {
     return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
-  // The body's markup that gives the same page again: the first line end of such elements is not read, and a carriage
-  // return that stands as itself is read as a line end.
+  // The markup that gives the same page again: the first line end of such elements is not read, and a carriage return
+  // that stands as itself is read as a line end.
   const losesLine = e => e.firstChild?.nodeType === Node.TEXT_NODE && e.firstChild.data.startsWith('\n');
-  const losing = node => [...node.querySelectorAll('pre, textarea, listing')].filter(losesLine);
-  function markup() {
-    let source = body;
-    if (losing(body).length) {
-      source = body.cloneNode(true);
+  const losing = node => node.querySelectorAll ? within([node], 'pre, textarea, listing').filter(losesLine) : [];
+  function markupOf(node) {
+    let source = node;
+    if (losing(node).length) {
+      source = node.cloneNode(true);
       for (const each of losing(source)) each.firstChild.insertData(0, '\n');
     }
-    return source.innerHTML.replaceAll('\r', '&#13;');
+    if (source.outerHTML === undefined) {
+      const holder = document.createElement('div');
+      holder.append(source.cloneNode(true));
+      return holder.innerHTML.replaceAll('\r', '&#13;');
+    }
+    return source.outerHTML.replaceAll('\r', '&#13;');
+  }
+  // As the engine gives the text of a whole page, but part by part: an empty line between paragraphs, one line end
+  // between other blocks.
+  function textOf(parts) {
+    let text = '';
+    let wanted = 0;
+    for (const {live, text: own} of parts) {
+      const breaks = !live.matches?.(blocks) ? 0 : live.tagName === 'P' ? 2 : 1;
+      if (!own.trim() && (text === '' || wanted || breaks)) continue;
+      if (text) text += '\n'.repeat(Math.max(wanted, breaks));
+      text += own;
+      wanted = breaks;
+    }
+    return text;
+  }
+  // What did not change since it was asked for the last time is not read again.
+  function content() {
+    const parts = window.tmHistory.parts();
+    for (const part of parts)
+      if (part.html === undefined)
+        Object.assign(part, {html: markupOf(part.live), text: part.live.innerText ?? (part.live.nodeType === Node.TEXT_NODE ? part.live.data : '')});
+    return {html: parts.map(part => part.html).join(''), text: textOf(parts)};
   }
   // What the page holds is told when it changed: at once for a small page, else when all is asked for.
   function report(afterReturn, all) {
     if (afterReturn) newItem();
     if (document.designMode === 'on') note('typing');
     const tells = untold && (all || weight <= smallPage);
-    const html = tells ? markup() : '';
+    const {html, text} = tells ? content() : {html: '', text: ''};
     if (tells) [untold, weight] = [false, html.length];
     return {
-      changed: tells, pending: untold, html, text: tells ? body.innerText : '',
+      changed: tells, pending: untold, html, text,
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
       list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
@@ -355,7 +382,7 @@ window.tm = (() => {
     if (language) document.documentElement.lang = language;
   }
   function start() {
-    const html = markup();
+    const html = [...body.childNodes].map(markupOf).join('');
     weight = html.length;
     return {html, text: body.innerText};
   }

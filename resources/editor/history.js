@@ -139,6 +139,8 @@ window.tmHistory = (() => {
     shadow = shadowOf(nodes, nodes.map(copyOf));
     observer.observe(body, watched);
   }
-  return {begin, note, undo, redo, place, goTo, endStep: () => { joins = false; },
+  // One record for each node right below the body, the same one as long as nothing in the node changed.
+  const parts = () => shadow;
+  return {begin, note, undo, redo, place, goTo, parts, endStep: () => { joins = false; },
           canUndo: () => at > 0, canRedo: () => at < steps.length};
 })();
