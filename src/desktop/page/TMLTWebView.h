@@ -87,6 +87,9 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    // Out of the page's own reach, and also there where pages run no scripts.
+    static constexpr quint32 editorWorld = 1;
+
     void ask(const QString &script, std::function<void()> then = {});
     void take(const QVariantMap &answer);
     void loaded(bool fine);
