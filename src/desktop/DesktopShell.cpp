@@ -62,7 +62,7 @@ DesktopShell::DesktopShell()
     connect(&m_theme, &Theme::desktopChanged, this,
             [this](bool dark) { m_application.systemAppearanceChanged(dark); });
     connect(&m_window, &MainWindow::extraWindowWanted, this,
-            [this](const QString &path) { openWindow({{path, {}, true, {}, {}, {}}}); });
+            [this](const QString &path) { openWindow({{path, {}, true, {}, {}}}); });
 }
 
 void DesktopShell::launch(const QString &folder)

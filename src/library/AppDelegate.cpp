@@ -284,7 +284,7 @@ QString copyInto(const QString &path, const QString &folder)
 bool AppDelegate::openDroppedFile(const QString &path, bool ask)
 {
     const auto open = [this](const QString &document) {
-        m_shell.openItemsInNewWindow({{document, {}, false, {}, {}, {}}});
+        m_shell.openItemsInNewWindow({{document, {}, false, {}, {}}});
         return true;
     };
     if (tm_itemIsChildOfTomelet(path)) {

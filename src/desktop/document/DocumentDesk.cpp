@@ -180,7 +180,7 @@ QList<WindowEntry> DocumentDesk::entries(const QString &group) const
         const QStringList paths = side->paths();
         for (int i = 0; i < paths.size(); ++i) {
             if (paths[i].isEmpty()) continue;
-            WindowEntry entry{paths[i], group, i == side->currentIndex(), {}, {}, {}};
+            WindowEntry entry{paths[i], group, i == side->currentIndex(), {}, {}};
             if (side == m_second) entry.side = QStringLiteral("1");
             entries.append(entry);
         }
