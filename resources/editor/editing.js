@@ -5,80 +5,42 @@
 window.tm = (() => {
   const body = document.body;
   const selection = window.getSelection();
-  const maximumHistory = 64 * 1024 * 1024; // characters in all steps together
-  const typingPause = 1000; // milliseconds; a longer one begins another step
-  const boxes = 'li.tm_checkbox, li.tm_checkbox_done';
+  const boxes = window.tmBoxes.selector;
   const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
-  let dirty = false;
+  const smallPage = 100 * 1024; // characters; what such a page holds is told with each change
+  const {place, goTo} = window.tmHistory;
   let contents = false;
-  const observer = new MutationObserver(() => { dirty = true; });
-  const watched = {childList: true, subtree: true, characterData: true, attributes: true};
-
-  // -- places: a node as the way to it from the body, so that a place outlives a restored page
-  function wayTo(node) {
-    const way = [];
-    for (; node && node !== body; node = node.parentNode)
-      way.unshift([...node.parentNode.childNodes].indexOf(node));
-    return way;
-  }
-  function nodeAt(way) {
-    let node = body;
-    for (const index of way) node = node.childNodes[index] || node;
-    return node;
-  }
-  function place() {
-    if (!body.contains(selection.anchorNode)) return null;
-    return [wayTo(selection.anchorNode), selection.anchorOffset, wayTo(selection.focusNode), selection.focusOffset];
-  }
-  const lengthOf = node => node.nodeType === Node.TEXT_NODE ? node.length : node.childNodes.length;
-  function goTo(saved) {
-    if (!saved) return;
-    const [from, to] = [nodeAt(saved[0]), nodeAt(saved[2])];
-    selection.setBaseAndExtent(from, Math.min(saved[1], lengthOf(from)), to, Math.min(saved[3], lengthOf(to)));
-  }
+  let untold = false; // a change that was not told yet
+  let weight = 0;     // characters of the page
   function caretIn(node) { selection.collapse(node, 0); }
 
-  // -- history: the whole body before and after each command; typing without a pause is one step
-  const steps = [];
-  let at = 0;
-  let html = '';
-  const copyOfBody = () => { const copy = new DocumentFragment(); copy.append(...body.cloneNode(true).childNodes); return copy; };
-  const step = kind => ({nodes: copyOfBody(), size: html.length, place: place(), kind, time: Date.now()});
+  // -- steps
   function note(kind) {
-    dirty = observer.takeRecords().length > 0 || dirty;
-    if (!dirty) {
-      if (steps[at]) steps[at].place = place() || steps[at].place;
-      return false;
-    }
-    dirty = false;
-    markBoxes();
-    dropSpelledOutStyles();
-    liftBlocks();
+    if (window.tmHistory.note(kind, tidy)) untold = true;
+  }
+  function tidy(nodes) {
+    const changed = nodes.filter(node => node.nodeType === Node.ELEMENT_NODE);
+    markBoxes(changed);
+    dropSpelledOutStyles(changed);
+    liftBlocks(changed.filter(node => node.isConnected));
     if (contents) writeContents();
-    observer.takeRecords();
-    const now = body.innerHTML;
-    if (now === html) return false;
-    html = now;
-    const last = steps[at];
-    const joins = kind === 'typing' && last.kind === 'typing' && Date.now() - last.time < typingPause;
-    steps.length = joins ? at : at + 1;
-    steps.push(step(kind));
-    at = steps.length - 1;
-    for (let size = steps.reduce((sum, s) => sum + s.size, 0); size > maximumHistory && at > 1; --at)
-      size -= steps.shift().size;
-    return true;
   }
-  function moveTo(index) {
-    at = index;
-    body.replaceChildren(steps[at].nodes.cloneNode(true));
-    goTo(steps[at].place);
-    observer.takeRecords();
-    dirty = false;
-    html = body.innerHTML;
-    steps[at].kind = 'restored';
-    changed = true;
-  }
-  let changed = false;
+  const within = (nodes, selector) =>
+    nodes.flatMap(node => [...(node.matches(selector) ? [node] : []), ...node.querySelectorAll(selector)]);
+
+  // Typing is undone by words: a step ends where a word begins, and where writing turns into deleting.
+  let lastInput = '';
+  let lastWasBlank = false;
+  document.addEventListener('beforeinput', event => {
+    const kind = event.inputType.startsWith('delete') ? 'delete' : 'insert';
+    const isBlank = kind === 'insert' && !(event.data ?? '').trim();
+    if (kind !== lastInput || (lastWasBlank && !isBlank)) {
+      note('typing');
+      window.tmHistory.endStep();
+    }
+    lastInput = kind;
+    lastWasBlank = isBlank;
+  });
 
   function keepingSelection(action) {
     const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
@@ -87,8 +49,12 @@ window.tm = (() => {
       selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
   }
   // The engine spells out the style sheet's looks where it joins or moves paragraphs; they are nobody's formatting.
-  function dropSpelledOutStyles() {
-    const spelled = [...body.querySelectorAll('[style*="var(--"]')];
+  function dropSpelledOutStyles(nodes) {
+    for (const each of within(nodes, '[style*="text-align: initial"]')) {
+      each.style.removeProperty('text-align');
+      if (!each.getAttribute('style')) each.removeAttribute('style');
+    }
+    const spelled = within(nodes, '[style*="var(--"]');
     if (spelled.length) keepingSelection(() => {
       for (const each of spelled) {
         each.removeAttribute('style');
@@ -97,8 +63,8 @@ window.tm = (() => {
     });
   }
   // It also puts lists and tables into paragraphs, where markup has no place for them.
-  function liftBlocks() {
-    const wrong = [...body.querySelectorAll('p')].filter(p => [...p.children].some(e => e.matches(blocks)));
+  function liftBlocks(nodes) {
+    const wrong = within(nodes, 'p').filter(p => [...p.children].some(e => e.matches(blocks)));
     if (wrong.length) keepingSelection(() => wrong.forEach(paragraph => {
       const parts = [];
       for (const node of [...paragraph.childNodes]) {
@@ -113,8 +79,8 @@ window.tm = (() => {
   }
 
   // A box that was clicked says so in its markup, which alone is kept.
-  function markBoxes() {
-    for (const box of body.querySelectorAll('input[type=checkbox]'))
+  function markBoxes(nodes) {
+    for (const box of within(nodes, 'input[type=checkbox]'))
       if (box.checked !== box.hasAttribute('checked')) box.toggleAttribute('checked', box.checked);
   }
 
@@ -197,20 +163,15 @@ window.tm = (() => {
     if (box) { box.checked = done; box.toggleAttribute('checked', done); }
   }
   const toggleDone = () => touched(boxes).forEach(item => setBox(item, item.classList.contains('tm_checkbox')));
-  // The box stands in front of the item's own text.
-  function boxAt(x, y) {
-    for (const item of body.querySelectorAll(boxes)) {
-      const place = item.getBoundingClientRect();
-      const line = parseFloat(getComputedStyle(item).lineHeight) || 20;
-      const size = parseFloat(getComputedStyle(item).fontSize) * 1.6;
-      if (x < place.left && x > place.left - size && y >= place.top && y < place.top + line) return item;
-    }
-    return null;
-  }
   function click(x, y) {
-    const item = boxAt(x, y);
+    const item = window.tmBoxes.at(x, y);
     if (item) setBox(item, item.classList.contains('tm_checkbox'));
     return Boolean(item);
+  }
+  function caretAt(x, y) {
+    const range = document.caretRangeFromPoint(x, y);
+    if (range && body.contains(range.startContainer)) selection.collapse(range.startContainer, range.startOffset);
+    return report();
   }
   // A new item does not take over that the one before it is done.
   function newItem() {
@@ -221,12 +182,6 @@ window.tm = (() => {
   }
 
   // -- tables
-  const cells = row => [...row.cells];
-  function emptyCell(tag) {
-    const cell = document.createElement(tag);
-    cell.append(document.createElement('br'));
-    return cell;
-  }
   function insertTable(rows, columns) {
     const row = '<tr>' + '<td><br></td>'.repeat(columns) + '</tr>';
     const id = Date.now();
@@ -236,20 +191,12 @@ window.tm = (() => {
     if (table) caretIn(table.rows[0].cells[0]);
   }
   function insertRow(below) {
-    const rows = touched('tr');
-    if (!rows.length) return;
-    const model = below ? rows[rows.length - 1] : rows[0];
-    const row = document.createElement('tr');
-    row.append(...cells(model).map(cell => {
-      const made = emptyCell('td');
-      if (cell.colSpan > 1) made.colSpan = cell.colSpan;
-      return made;
-    }));
-    const head = model.closest('thead');
-    const firstBody = model.closest('table').tBodies[0];
-    if (head && below && firstBody) firstBody.prepend(row);
-    else model[below ? 'after' : 'before'](row);
-    return row;
+    const chosen = touched('td, th');
+    return chosen.length ? window.tmTables.insertRow(chosen, below) : null;
+  }
+  function insertColumn(after) {
+    const chosen = touched('td, th');
+    if (chosen.length) window.tmTables.insertColumn(chosen, after);
   }
   function removeTable(table) {
     const left = document.createElement('p');
@@ -257,54 +204,16 @@ window.tm = (() => {
     table.replaceWith(left);
     caretIn(left);
   }
-  function removeRows() {
-    const rows = touched('tr');
-    if (!rows.length) return;
-    const table = rows[0].closest('table');
-    const column = around('td, th')?.cellIndex ?? 0;
-    const all = [...table.rows];
-    const next = all[all.indexOf(rows[rows.length - 1]) + 1] || all[all.indexOf(rows[0]) - 1];
-    rows.forEach(row => row.remove());
-    if (!next) return removeTable(table);
-    caretIn(next.cells[Math.min(column, next.cells.length - 1)] || next);
-  }
-  // The first grid column of a cell: those in front of it may span several.
-  const columnOf = cell => cells(cell.parentElement).slice(0, cell.cellIndex).reduce((sum, c) => sum + c.colSpan, 0);
-  function cellAtColumn(row, column) {
-    let from = 0;
-    for (const cell of row.cells) {
-      if (column < from + cell.colSpan) return {cell, from};
-      from += cell.colSpan;
-    }
-    return null;
-  }
-  function insertColumn(after) {
-    const chosen = touched('td, th');
-    if (!chosen.length) return;
-    const columns = chosen.map(columnOf);
-    const column = after ? Math.max(...columns) : Math.min(...columns);
-    for (const row of chosen[0].closest('table').rows) {
-      const found = cellAtColumn(row, column);
-      if (!found) row.append(emptyCell('td'));
-      else if (found.from < column || (after && found.cell.colSpan > 1)) found.cell.colSpan += 1;
-      else found.cell[after ? 'after' : 'before'](emptyCell(found.cell.tagName));
-    }
-  }
-  function removeColumns() {
+  function removeCells(remove) {
     const chosen = touched('td, th');
     if (!chosen.length) return;
     const table = chosen[0].closest('table');
-    const row = chosen[0].parentElement;
-    const columns = [...new Set(chosen.map(columnOf))].sort((a, b) => b - a);
-    for (const each of [...table.rows])
-      for (const column of columns) {
-        const found = cellAtColumn(each, column);
-        if (found && found.cell.colSpan > 1) found.cell.colSpan -= 1;
-        else found?.cell.remove();
-      }
-    if (![...table.rows].some(each => each.cells.length)) return removeTable(table);
-    caretIn(row.cells[Math.min(columns[columns.length - 1], row.cells.length - 1)] || row);
+    const next = remove(chosen);
+    if (next) caretIn(next);
+    else removeTable(table);
   }
+  const removeRows = () => removeCells(window.tmTables.removeRows);
+  const removeColumns = () => removeCells(window.tmTables.removeColumns);
   // The tabulator walks through a table and indents in a list; false where it is a character.
   function tab(back) {
     const cell = around('td, th');
@@ -312,7 +221,7 @@ window.tm = (() => {
       const all = [...cell.closest('table').querySelectorAll('td, th')];
       const next = all[all.indexOf(cell) + (back ? -1 : 1)];
       if (next) caretIn(next);
-      else if (!back) caretIn(insertRow(true).cells[0]);
+      else if (!back) { const row = insertRow(true); caretIn(row.cells[0] || row); }
     } else if (around('li')) document.execCommand(back ? 'outdent' : 'indent');
     else if (!back) document.execCommand('insertText', false, '\t');
   }
@@ -341,7 +250,7 @@ window.tm = (() => {
     const saved = place();
     const shift = table ? 0 : 1;
     const headings = [...body.querySelectorAll('h1, h2, h3, h4, h5, h6')].filter(h => !h.closest('#TOC') &&
-                                                                                     h.innerText.trim());
+                                                                                     h.textContent.trim());
     const list = document.createElement('ul');
     headings.forEach((heading, index) => {
       if (!heading.id) heading.id = `tm_heading_${index + 1}_${Date.now().toString(36)}`;
@@ -350,7 +259,7 @@ window.tm = (() => {
       item.style.marginLeft = `${(heading.tagName[1] - 1) * 1.2}em`;
       const link = document.createElement('a');
       link.href = `#${heading.id}`;
-      link.textContent = heading.innerText.trim();
+      link.textContent = heading.textContent.trim();
       item.append(link);
       list.append(item);
     });
@@ -370,82 +279,97 @@ window.tm = (() => {
     else writeContents();
   }
 
-  // -- replacing; words without capitals are meant in either case
-  const finding = from => new RegExp(from.replace(/[.*+?^${}()|[\]\\\/]/g, '\\$&'),
-                                     from === from.toLowerCase() ? 'gui' : 'gu');
-  function textNodes() {
-    const walker = document.createTreeWalker(body, NodeFilter.SHOW_TEXT);
-    const nodes = [];
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) nodes.push(node);
-    return nodes;
-  }
-  function replaceAll(from, to) {
-    if (from) for (const node of textNodes()) {
-      const text = node.data.replace(finding(from), () => to);
-      if (text !== node.data) node.data = text;
-    }
-  }
-  // The first place from the caret on, or from the start of the page.
-  function replaceNext(from, to) {
-    if (!from) return;
-    const nodes = textNodes();
-    const here = nodes.findIndex(node => node === selection.anchorNode ||
-      (selection.anchorNode?.compareDocumentPosition(node) & Node.DOCUMENT_POSITION_FOLLOWING));
-    const start = Math.max(here, 0);
-    for (const node of [...nodes.slice(start), ...nodes.slice(0, start + 1)]) {
-      const wanted = finding(from);
-      const begun = node === selection.anchorNode && node === nodes[start];
-      wanted.lastIndex = begun ? Math.min(selection.anchorOffset, selection.focusOffset) : 0;
-      const found = wanted.exec(node.data);
-      if (!found) continue;
-      node.replaceData(found.index, found[0].length, to);
-      selection.collapse(node, found.index + to.length);
-      return;
-    }
-  }
-
   // -- talking
   function isMarked() {
     const paper = [body, document.documentElement].map(e => getComputedStyle(e).backgroundColor);
     return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
-  function report(afterReturn) {
+  // The markup that gives the same page again: the first line end of such elements is not read, and a carriage return
+  // that stands as itself is read as a line end.
+  const losesLine = e => e.firstChild?.nodeType === Node.TEXT_NODE && e.firstChild.data.startsWith('\n');
+  const losing = node => node.querySelectorAll ? within([node], 'pre, textarea, listing').filter(losesLine) : [];
+  function markupOf(node) {
+    let source = node;
+    if (losing(node).length) {
+      source = node.cloneNode(true);
+      for (const each of losing(source)) each.firstChild.insertData(0, '\n');
+    }
+    if (source.outerHTML === undefined) {
+      const holder = document.createElement('div');
+      holder.append(source.cloneNode(true));
+      return holder.innerHTML.replaceAll('\r', '&#13;');
+    }
+    return source.outerHTML.replaceAll('\r', '&#13;');
+  }
+  // As the engine gives the text of a whole page, but part by part: an empty line between paragraphs, one line end
+  // between other blocks.
+  function textOf(parts) {
+    let text = '';
+    let wanted = 0;
+    for (const {live, text: own} of parts) {
+      const breaks = !live.matches?.(blocks) ? 0 : live.tagName === 'P' ? 2 : 1;
+      if (!own.trim() && (text === '' || wanted || breaks)) continue;
+      if (text) text += '\n'.repeat(Math.max(wanted, breaks));
+      text += own;
+      wanted = breaks;
+    }
+    return text;
+  }
+  // What did not change since it was asked for the last time is not read again.
+  function content() {
+    const parts = window.tmHistory.parts();
+    for (const part of parts)
+      if (part.html === undefined)
+        Object.assign(part, {html: markupOf(part.live), text: part.live.innerText ?? (part.live.nodeType === Node.TEXT_NODE ? part.live.data : '')});
+    return {html: parts.map(part => part.html).join(''), text: textOf(parts)};
+  }
+  // What the page holds is told when it changed: at once for a small page, else when all is asked for.
+  function report(afterReturn, all) {
     if (afterReturn) newItem();
-    if (document.designMode === 'on' && note('typing')) changed = true;
-    const news = changed;
-    changed = false;
+    if (document.designMode === 'on') note('typing');
+    const tells = untold && (all || weight <= smallPage);
+    const {html, text} = tells ? content() : {html: '', text: ''};
+    if (tells) [untold, weight] = [false, html.length];
     return {
-      changed: news, html: news ? html : '', text: news ? body.innerText : '',
+      changed: tells, pending: untold, html, text,
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
       list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
-      selected: selection.toString().slice(0, 1000), canUndo: at > 0, canRedo: at + 1 < steps.length,
+      selected: selection.toString().slice(0, 1000),
+      canUndo: window.tmHistory.canUndo(), canRedo: window.tmHistory.canRedo(),
     };
   }
   function run(action) {
     if (document.designMode !== 'on') return report();
-    if (note('typing')) changed = true;
+    note('typing');
     if (!selection.rangeCount || !body.contains(selection.anchorNode)) selection.collapse(body, 0);
-    action();
-    dirty = true;
-    if (note('command')) changed = true;
+    try {
+      action();
+    } finally {
+      note('command');
+    }
+    lastInput = '';
     return report();
   }
-  function undo() { if (note('typing')) changed = true; if (at > 0) moveTo(at - 1); return report(); }
-  function redo() { if (note('typing')) changed = true; if (at + 1 < steps.length) moveTo(at + 1); return report(); }
+  function step(go) {
+    note('typing');
+    if (go()) untold = true;
+    lastInput = '';
+    return report();
+  }
+  const undo = () => step(window.tmHistory.undo);
+  const redo = () => step(window.tmHistory.redo);
 
   // An empty page gets the paragraph that typing goes to.
   if (!body.firstElementChild && !body.textContent.trim()) body.innerHTML = '<p><br></p>';
-  html = body.innerHTML;
-  steps.push(step('start'));
   function begin(keepsContents) {
     if (document.designMode === 'on') return report();
     contents = keepsContents;
     const saved = place();
     document.designMode = 'on';
     document.execCommand('defaultParagraphSeparator', false, 'p');
-    observer.observe(body, watched);
+    window.tmHistory.begin();
     // A place that was there before is none to type at until it is set again.
     selection.removeAllRanges();
     window.focus();
@@ -457,8 +381,24 @@ window.tm = (() => {
     document.head.innerHTML = head;
     if (language) document.documentElement.lang = language;
   }
-  const start = () => ({html, text: body.innerText});
-  return {begin, start, report, run, undo, redo, click, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
-          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, replaceAll, replaceNext, restyle,
+  function start() {
+    const html = [...body.childNodes].map(markupOf).join('');
+    weight = html.length;
+    return {html, text: body.innerText};
+  }
+  // The document as another view of it left it; the caret stays where it is.
+  function take(page) {
+    const saved = place();
+    document.designMode = 'off';
+    const fresh = new DOMParser().parseFromString(page, 'text/html');
+    body.replaceChildren(...fresh.body.childNodes);
+    goTo(saved);
+    window.tmHistory.begin();
+    untold = false;
+    return start();
+  }
+  return {begin, start, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
+          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
+          replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};
 })();

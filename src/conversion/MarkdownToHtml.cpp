@@ -42,20 +42,28 @@ bool isOn(const char *key)
     return settings().boolean(QString::fromLatin1(key));
 }
 
-Conversion begin(const QString &receiver)
+Conversion conversionOfFile(const QString &path, const QString &text)
 {
     Conversion work;
-    work.receiver = receiver;
-    work.converter = int(settings().integer(QStringLiteral("MarkdownConverter")));
-    work.isFile = receiver.startsWith(u'/') && !receiver.contains(u'\n') && itemExists(receiver);
-    work.text = receiver;
-    if (!work.isFile) return work;
-    const auto decoded = readTextFile(receiver);
-    work.text = decoded ? decoded->text : QString();
-    work.wantsTOC = isNonEmptyProperty(tm_propertyForKey(receiver, QStringLiteral("TOC")));
-    work.converter = int(tm_markdownConverterAtPath(receiver));
+    work.receiver = path;
+    work.isFile = true;
+    work.text = text;
+    work.wantsTOC = isNonEmptyProperty(tm_propertyForKey(path, QStringLiteral("TOC")));
+    work.converter = int(tm_markdownConverterAtPath(path));
     // The sign for the preparation that the style brings a renderer of formulas.
-    if (tm_inheritedStyleSheet(receiver).contains(u"mathjax", Qt::CaseInsensitive)) work.text += mathMark;
+    if (tm_inheritedStyleSheet(path).contains(u"mathjax", Qt::CaseInsensitive)) work.text += mathMark;
+    return work;
+}
+
+Conversion begin(const QString &receiver)
+{
+    if (receiver.startsWith(u'/') && !receiver.contains(u'\n') && itemExists(receiver)) {
+        const auto decoded = readTextFile(receiver);
+        return conversionOfFile(receiver, decoded ? decoded->text : QString());
+    }
+    Conversion work;
+    work.receiver = work.text = receiver;
+    work.converter = int(settings().integer(QStringLiteral("MarkdownConverter")));
     return work;
 }
 
@@ -202,11 +210,8 @@ QString repaired(const Conversion &work, QString html)
     return tm_removeParagraphsNestedInCustomClasses(html);
 }
 
-} // namespace
-
-QString tm_markdownToHTML(const QString &pathOrText)
+QString pageOf(Conversion work)
 {
-    Conversion work = begin(pathOrText);
     keepPlainRepresentation(work);
     work.text = tm_stringPreparedForConversionWith(work.text, work.converter);
     nameParentLinks(work);
@@ -214,11 +219,23 @@ QString tm_markdownToHTML(const QString &pathOrText)
     work.text = regexSweep(work.text, QStringLiteral(R"((?<!`)\[>>([^\]].+?)\])"), {});
     addDiagramScript(work);
     const QString body = repaired(work, engineOutput(work));
-    const QString page = tm_createFormattedDocWithBody(pathOrText, body);
+    const QString page = tm_createFormattedDocWithBody(work.receiver, body);
     if (work.plainRepresentation.isEmpty()) return page;
     QString kept = work.plainRepresentation;
     kept.replace(QStringLiteral("-->"), QStringLiteral("\\-\\-\\>"));
     return plainRepresentationMark + kept + QStringLiteral(" \n-->\n\n") + page;
+}
+
+} // namespace
+
+QString tm_markdownToHTML(const QString &pathOrText)
+{
+    return pageOf(begin(pathOrText));
+}
+
+QString markdownPageWithText(const QString &path, const QString &text)
+{
+    return pageOf(conversionOfFile(path, text));
 }
 
 // -- the frame --------------------------------------------------------------------------------------------------------

@@ -2,6 +2,7 @@
 #include "desktop/DesktopShell.h"
 
 #include "desktop/PreferencesWindow.h"
+#include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -48,19 +49,6 @@ HeldKeys heldKeys()
     return {keys == Qt::AltModifier, keys == Qt::ControlModifier};
 }
 
-QString frameText(const QRect &frame)
-{
-    return QStringLiteral("{{%1, %2}, {%3, %4}}").arg(frame.x()).arg(frame.y()).arg(frame.width()).arg(frame.height());
-}
-
-QRect frameFrom(const QString &text)
-{
-    QString numbers = text;
-    const QStringList parts = numbers.remove(u'{').remove(u'}').split(u',');
-    if (parts.size() != 4) return {};
-    return {int(parts[0].toDouble()), int(parts[1].toDouble()), int(parts[2].toDouble()), int(parts[3].toDouble())};
-}
-
 } // namespace
 
 DesktopShell::DesktopShell()
@@ -69,12 +57,13 @@ DesktopShell::DesktopShell()
 {
     http::setLogSink([](const std::string &line) { logLine(QString::fromStdString(line)); });
     connect(&m_window, &MainWindow::preferencesWanted, this, &DesktopShell::showPreferences);
+    connect(&m_window, &MainWindow::quitWanted, this, &DesktopShell::closeAll);
     m_window.setApplication(m_application);
     platform().ask = [this](const Question &question) { return askWithBox(&m_window, question); };
     connect(&m_theme, &Theme::desktopChanged, this,
             [this](bool dark) { m_application.systemAppearanceChanged(dark); });
     connect(&m_window, &MainWindow::extraWindowWanted, this,
-            [this](const QString &path) { openWindow({path, {}, false, {}, {}}); });
+            [this](const QString &path) { openWindow({{path, {}, true, {}, {}}}); });
 }
 
 void DesktopShell::launch(const QString &folder)
@@ -84,6 +73,7 @@ void DesktopShell::launch(const QString &folder)
     setDark(settings().boolean(QStringLiteral("darkTheme")));
     if (!folder.isEmpty() && makeFolder(folder)) m_application.tm_setRootToPath(QDir(folder).absolutePath());
     m_application.applicationWillFinishLaunching(keys);
+    m_window.restoreLayout();
     m_window.show();
     m_delivery.emplace(m_reminders);
     // The first paint comes before anything is read that it does not show.
@@ -161,40 +151,44 @@ QString DesktopShell::pickFolder(const QString &message, const QString &prompt)
 
 // -- extra windows ----------------------------------------------------------------------------------------------------
 
-void DesktopShell::openWindow(const WindowEntry &entry)
+void DesktopShell::openWindow(const QList<WindowEntry> &entries)
 {
-    if (!itemExists(entry.path)) return;
-    auto *window = new QMainWindow;
-    window->setAttribute(Qt::WA_DeleteOnClose);
-    auto *pane = new DocumentPane(m_window.itemActions(), window);
-    window->setCentralWidget(pane);
-    window->setWindowTitle(lastPathComponent(entry.path));
-    window->resize(820, 900);
-    if (const QRect frame = frameFrom(entry.frame); frame.isValid()) window->setGeometry(frame);
-    pane->showDocument(entry.path);
+    QList<WindowEntry> there;
+    for (const WindowEntry &entry : entries)
+        if (itemExists(entry.path)) there.append(entry);
+    if (there.isEmpty()) return;
+    auto *window = new DocumentWindow(m_window.itemActions(), there);
     m_extraWindows.append(window);
-    if (entry.minimized == u"1") window->showMinimized();
+    connect(window, &DocumentWindow::quitWanted, this, &DesktopShell::closeAll);
+    if (there.first().minimized == u"1") window->showMinimized();
     else window->show();
 }
 
+// Tabs of one number belong to one window; "0" is the main window's, and an entry without a number stands alone.
 void DesktopShell::openItemsInNewWindow(const QList<WindowEntry> &entries)
 {
-    for (const WindowEntry &entry : entries) openWindow(entry);
+    for (qsizetype i = 0; i < entries.size();) {
+        const QString group = entries[i].tab;
+        QList<WindowEntry> tabs{entries[i++]};
+        while (!group.isEmpty() && i < entries.size() && entries[i].tab == group) tabs.append(entries[i++]);
+        if (group == u"0") m_window.desk().restore(tabs);
+        else openWindow(tabs);
+    }
 }
 
+// The one document of a window without tabs is kept by itself.
 SessionState DesktopShell::sessionState()
 {
     SessionState state;
     state.mainWindowVisible = m_window.isVisible();
     state.mainWindowShowsNotebook = m_window.showsNotebook();
     state.mainDocument = m_window.documentOnDisplay();
+    m_window.saveLayout();
+    if (const QList<WindowEntry> tabs = m_window.desk().entries(QStringLiteral("0")); tabs.size() > 1)
+        state.windows = tabs;
     int group = 0;
-    for (const QPointer<QMainWindow> &window : m_extraWindows) {
-        const auto *pane = window ? qobject_cast<DocumentPane *>(window->centralWidget()) : nullptr;
-        if (!pane || pane->path().isEmpty() || (!window->isVisible() && !window->isMinimized())) continue;
-        state.windows.append({pane->path(), QString::number(++group), true, frameText(window->geometry()),
-                              window->isMinimized() ? QStringLiteral("1") : QStringLiteral("0")});
-    }
+    for (const QPointer<DocumentWindow> &window : m_extraWindows)
+        if (window) state.windows += window->entries(QString::number(++group));
     return state;
 }
 
@@ -215,6 +209,13 @@ void DesktopShell::showPreferences()
         &m_window);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();
+}
+
+// The main window notes what the others show, so it is the first to go.
+void DesktopShell::closeAll()
+{
+    m_window.close();
+    QApplication::closeAllWindows();
 }
 
 void DesktopShell::closeMainWindow()

@@ -2,6 +2,7 @@
 // The windows behind the application's logic.
 #pragma once
 
+#include "desktop/DocumentWindow.h"
 #include "desktop/MainWindow.h"
 #include "desktop/Theme.h"
 #include "library/AppDelegate.h"
@@ -17,8 +18,6 @@
 class QTimer;
 
 namespace tomelet::desktop {
-
-class DocumentPane;
 
 /// Reminders of the desktop, which bring the window to the front when the person answers one.
 class WindowReminders final : public ReminderPresenter
@@ -60,8 +59,9 @@ public:
     void quit() override;
 
 private:
-    void openWindow(const WindowEntry &entry);
+    void openWindow(const QList<WindowEntry> &entries);
     void showPreferences();
+    void closeAll();
 
     AppDelegate m_application;
     Theme m_theme;
@@ -69,7 +69,7 @@ private:
     ServerControl m_server;
     WindowReminders m_reminders{m_window};
     std::optional<ReminderDelivery> m_delivery; // from the moment on at which the root is known
-    QList<QPointer<QMainWindow>> m_extraWindows;
+    QList<QPointer<DocumentWindow>> m_extraWindows;
 };
 
 } // namespace tomelet::desktop

@@ -2,6 +2,8 @@
 // The main window's menus and keys.
 #include "desktop/MainWindow.h"
 
+#include "desktop/MenuCommands.h"
+#include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
 #include "desktop/document/InfoPanel.h"
 #include "desktop/list/DocumentDelegate.h"
@@ -27,18 +29,16 @@ namespace tomelet::desktop {
 
 QAction *MainWindow::add(QMenu *menu, const char *text, const QKeySequence &keys, std::function<void()> action)
 {
-    QAction *made = menu->addAction(localized(text));
-    made->setShortcut(keys);
-    connect(made, &QAction::triggered, this, std::move(action));
-    return made;
+    return addCommand(menu, text, keys, this, std::move(action));
 }
 
 void MainWindow::makeActions()
 {
     makeBookMenu();
     makeEditMenu();
-    makeTextMenu();
-    makeDocumentMenu();
+    addTextMenu(this, m_desk);
+    addDocumentMenu(this, m_desk,
+                    {[this](const QString &extension) { createDocument(extension); }, [this] { toggleFullScreen(); }});
     makeViewMenu();
     makeOrganiseMenu();
     makeTaskMenu();
@@ -51,9 +51,15 @@ void MainWindow::makeBookMenu()
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
     add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { createDocument({}); });
     add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); });
+    add(menu, TOMELET_TEXT("Open in New &Tab"), QKeySequence(QStringLiteral("Ctrl+Shift+T")), [this] { openSelectionInTabs(); });
+    add(menu, TOMELET_TEXT("Open Bes&ide"), QKeySequence(QStringLiteral("Ctrl+Shift+Return")), [this] {
+        const QStringList paths = selectedDocuments();
+        if (!paths.isEmpty()) m_desk->openBeside(paths.first());
+    });
     add(menu, TOMELET_TEXT("Open in E&xtra Window"), QKeySequence(QStringLiteral("Ctrl+Return")), [this] {
         for (const QString &path : selectedDocuments()) Q_EMIT extraWindowWanted(path);
     });
+    add(menu, TOMELET_TEXT("&Close Tab"), QKeySequence(QStringLiteral("Ctrl+W")), [this] { m_desk->closeTab(); });
     add(menu, TOMELET_TEXT("Open in Other &Program"), QKeySequence(QStringLiteral("Ctrl+Shift+O")), [this] {
         forSelection([](const QStringList &paths) {
             for (const QString &path : paths) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
@@ -79,7 +85,7 @@ void MainWindow::makeBookMenu()
     });
     makeLabelMenu(menu->addMenu(localized(TOMELET_TEXT("&Label"))));
     menu->addSeparator();
-    add(menu, TOMELET_TEXT("&Quit"), QKeySequence::Quit, [] { QApplication::closeAllWindows(); });
+    add(menu, TOMELET_TEXT("&Quit"), QKeySequence::Quit, [this] { Q_EMIT quitWanted(); });
 }
 
 void MainWindow::makeLabelMenu(QMenu *menu)
@@ -152,7 +158,7 @@ void MainWindow::makeViewMenu()
     add(menu, TOMELET_TEXT("Go to B&ooks"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { m_outline->setFocus(); });
     add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { focusList(); });
     add(menu, TOMELET_TEXT("Go to Docu&ment"), QKeySequence(QStringLiteral("Ctrl+3")),
-        [this] { m_document->shownWidget()->setFocus(); });
+        [this] { document()->shownWidget()->setFocus(); });
     add(menu, TOMELET_TEXT("&Next Pane"), QKeySequence(Qt::Key_F6), [this] { focusNextPane(1); });
     add(menu, TOMELET_TEXT("&Previous Pane"), QKeySequence(QStringLiteral("Shift+F6")), [this] { focusNextPane(-1); });
     menu->addSeparator();
@@ -160,12 +166,9 @@ void MainWindow::makeViewMenu()
     info->setShortcut(QKeySequence(QStringLiteral("Ctrl+Alt+I"))); // italics have the shorter one
     menu->addAction(info);
     menu->addSeparator();
-    add(menu, TOMELET_TEXT("Larger"), QKeySequence::ZoomIn,
-        [this] { m_document->zoom(1); });
-    add(menu, TOMELET_TEXT("Smaller"), QKeySequence::ZoomOut,
-        [this] { m_document->zoom(-1); });
-    add(menu, TOMELET_TEXT("Actual Size"), QKeySequence(QStringLiteral("Ctrl+0")),
-        [this] { m_document->zoom(0); });
+    addTabCommands(menu, m_desk);
+    menu->addSeparator();
+    addZoomCommands(menu, m_desk);
 }
 
 void MainWindow::makeStorageMenu()

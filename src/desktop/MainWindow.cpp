@@ -3,6 +3,7 @@
 
 #include "desktop/WelcomePane.h"
 #include "desktop/actions/TaskActions.h"
+#include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
 #include "desktop/document/InfoPanel.h"
 #include "desktop/list/DocumentListModel.h"
@@ -50,7 +51,7 @@ MainWindow::MainWindow(QWidget *parent)
     , m_filter(new QLineEdit)
     , m_indexProgress(new QProgressBar)
     , m_listStack(new QStackedWidget)
-    , m_document(new DocumentPane(m_actions))
+    , m_desk(new DocumentDesk(m_actions, true))
     , m_info(new InfoPanel)
     , m_splitter(new QSplitter)
     , m_pages(new QStackedWidget)
@@ -99,7 +100,7 @@ void MainWindow::makePanes()
 
     m_splitter->addWidget(m_outline);
     m_splitter->addWidget(m_listSide);
-    m_splitter->addWidget(m_document);
+    m_splitter->addWidget(m_desk);
     m_splitter->setHandleWidth(1);
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setStretchFactor(2, 1);
@@ -121,15 +122,14 @@ void MainWindow::makePanes()
     connect(m_list, &DocumentListView::openWanted, this, [this](const QModelIndex &index) {
         const QString path = m_listModel->pathAt(index);
         if (pathIsPlainBook(path)) showItem(path);
-        else m_document->shownWidget()->setFocus(Qt::TabFocusReason);
+        else document()->shownWidget()->setFocus(Qt::TabFocusReason);
     });
     connect(m_list, &DocumentListView::toggleWanted, this,
             [this](const QStringList &paths) { toggleTasks(m_actions, paths); });
     connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
-    connect(m_document, &DocumentPane::titleChanged, this, [this](const QString &title) {
-        m_info->setDocument(m_document->path());
-        setWindowTitle(title.isEmpty() ? QStringLiteral("Tomelet") : title + QStringLiteral(" — Tomelet"));
-    });
+    connect(m_list, &DocumentListView::newTabWanted, this,
+            [this](const QModelIndex &index) { m_desk->openInNewTab(m_listModel->pathAt(index), false); });
+    connect(m_desk, &DocumentDesk::currentChanged, this, &MainWindow::documentChanged);
 }
 
 void MainWindow::showWelcome(const WelcomeChoices &choices)
@@ -153,7 +153,7 @@ void MainWindow::showAllPanes()
 {
     m_outline->show();
     m_listSide->show();
-    m_document->show();
+    m_desk->show();
 }
 
 bool MainWindow::showsNotebook() const
@@ -163,7 +163,7 @@ bool MainWindow::showsNotebook() const
 
 QString MainWindow::documentOnDisplay() const
 {
-    return m_document->path();
+    return document()->path();
 }
 
 void MainWindow::showMessage(const QString &title, const QString &text)
@@ -182,7 +182,7 @@ void MainWindow::showSource(const ListSource &source)
     m_outline->setBookOnDisplay(source.book);
     m_listModel->show(source);
     m_list->scrollToTop();
-    if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) m_document->showDocument({});
+    if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) document()->showDocument({});
     updateListTexts();
 }
 
@@ -208,9 +208,35 @@ void MainWindow::updateListTexts()
 void MainWindow::documentSelected()
 {
     const QStringList paths = selectedDocuments();
-    if (paths.size() != 1 || paths.first() == m_document->path() || pathIsPlainBook(paths.first())) return;
-    m_document->showDocument(paths.first());
+    if (paths.size() != 1 || paths.first() == document()->path() || pathIsPlainBook(paths.first())) return;
+    document()->showDocument(paths.first());
     tm_addToRecentItems(paths.first());
+}
+
+DocumentPane *MainWindow::document() const
+{
+    return m_desk->current();
+}
+
+// The list follows to the document of another tab or side.
+void MainWindow::documentChanged()
+{
+    const QString path = document()->path();
+    m_info->setDocument(path);
+    setWindowTitle(path.isEmpty() ? QStringLiteral("Tomelet") : lastPathComponent(path) + QStringLiteral(" — Tomelet"));
+    if (std::exchange(m_lastDocument, document()) == document()) return;
+    const QModelIndex index = m_listModel->indexOfPath(path);
+    if (m_list->selectionModel()->selectedRows().size() > 1 || selectedDocuments() == QStringList{path}) return;
+    if (index.isValid()) m_list->selectOnly(index);
+    else if (!path.isEmpty()) m_list->clearSelection();
+}
+
+void MainWindow::openSelectionInTabs()
+{
+    const QStringList paths = selectedDocuments();
+    if (paths.isEmpty()) m_desk->openInNewTab({}, true);
+    for (const QString &path : paths)
+        if (!pathIsPlainBook(path)) m_desk->openInNewTab(path, true);
 }
 
 void MainWindow::showItem(const QString &path)
@@ -231,7 +257,7 @@ void MainWindow::showItem(const QString &path)
         m_list->selectOnly(index);
         m_list->scrollTo(index);
     }
-    m_document->showDocument(full, anchor);
+    document()->showDocument(full, anchor);
     tm_addToRecentItems(full);
 }
 
@@ -281,6 +307,10 @@ void MainWindow::observe()
     m_subscriptions.push_back(
         notifications().observe(remindersRebuiltNotification, [this](const QVariantMap &) { dueTasksChanged(); }));
     onPath("TMLTShowItemAtPathNotification", "path", [this](const QString &path) { showItem(path); });
+    onPath("TMLTOpenItemsInNewTabNotification", "path",
+           [this](const QString &path) { m_desk->openInNewTab(path, true); });
+    onPath("TMLTOpenItemsInNewWindowNotification", "path",
+           [this](const QString &path) { Q_EMIT extraWindowWanted(path); });
     onPath("TMLTNewBookSelectedNotification", "path", [this](const QString &path) {
         showSource({path, OrdinaryBook, {}});
         m_outlineController.expandPathToItem(path);
@@ -311,7 +341,7 @@ void MainWindow::waitForRoot()
 
 void MainWindow::newRoot()
 {
-    m_document->showDocument({});
+    m_desk->closeAll();
     m_actions.undoStack().clear();
     presentIndex();
     const QString report = m_outlineController.newRootSelected();
@@ -366,13 +396,46 @@ void MainWindow::focusList()
 
 void MainWindow::focusNextPane(int step)
 {
-    const QList<QWidget *> panes{m_outline, m_list, m_document->shownWidget()};
+    QList<QWidget *> panes{m_outline, m_list};
+    for (DocumentPane *pane : m_desk->visiblePanes()) panes.append(pane->shownWidget());
     qsizetype at = 0;
     for (qsizetype i = 0; i < panes.size(); ++i)
         if (panes[i]->hasFocus() || panes[i]->isAncestorOf(focusWidget())) at = i;
     QWidget *next = panes[(at + step + panes.size()) % panes.size()];
     if (next == m_list) focusList();
     else next->setFocus(Qt::TabFocusReason);
+}
+
+static const QString geometryKey = QStringLiteral("mainWindowGeometry");
+static const QString panesKey = QStringLiteral("mainWindowPanes");
+
+void MainWindow::restoreLayout()
+{
+    restoreGeometry(QByteArray::fromBase64(settings().string(geometryKey).toLatin1()));
+    m_splitter->restoreState(QByteArray::fromBase64(settings().string(panesKey).toLatin1()));
+}
+
+void MainWindow::saveLayout() const
+{
+    if (isFullScreen() || !showsNotebook()) return;
+    settings().setObject(geometryKey, QString::fromLatin1(saveGeometry().toBase64()));
+    settings().setObject(panesKey, QString::fromLatin1(m_splitter->saveState().toBase64()));
+}
+
+void MainWindow::createDocument(const QString &extension)
+{
+    document()->createDocument(extension, m_listModel->controller().source().book);
+}
+
+// The document alone, its text in a column that the eye can follow.
+void MainWindow::toggleFullScreen()
+{
+    const bool full = !isFullScreen();
+    if (full) showFullScreen();
+    else showNormal();
+    m_outline->setVisible(!full);
+    m_listSide->setVisible(!full);
+    for (DocumentPane *pane : m_desk->panes()) pane->setFullScreen(full);
 }
 
 void MainWindow::closeEvent(QCloseEvent *event)

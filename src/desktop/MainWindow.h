@@ -28,6 +28,7 @@ namespace tomelet::desktop {
 
 class DocumentListModel;
 class DocumentListView;
+class DocumentDesk;
 class DocumentPane;
 class InfoPanel;
 class OutlinePane;
@@ -48,6 +49,10 @@ public:
     void showMessage(const QString &title, const QString &text);
     [[nodiscard]] bool showsNotebook() const;
     [[nodiscard]] QString documentOnDisplay() const;
+    [[nodiscard]] DocumentDesk &desk() { return *m_desk; }
+    /// Where the window and its panes stood the last time.
+    void restoreLayout();
+    void saveLayout() const;
     [[nodiscard]] ItemActions &itemActions() { return m_actions; }
     [[nodiscard]] TMLTOutlineController &outlineController() { return m_outlineController; }
 
@@ -59,6 +64,7 @@ public:
 Q_SIGNALS:
     void extraWindowWanted(const QString &path);
     void preferencesWanted();
+    void quitWanted();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -68,9 +74,6 @@ private:
     void makeActions();
     void makeBookMenu();
     void makeEditMenu();
-    void makeTextMenu();
-    void makeDocumentMenu();
-    void addLook(QMenu *menu, const char *text, const QString &key, qlonglong whenOn);
     void createDocument(const QString &extension);
     void toggleFullScreen();
     void makeViewMenu();
@@ -110,7 +113,10 @@ private:
 
     void showSource(const ListSource &source);
     void updateListTexts();
+    [[nodiscard]] DocumentPane *document() const;
     void documentSelected();
+    void documentChanged();
+    void openSelectionInTabs();
     void reloadListFor(const QString &path);
     void waitForRoot();
     void newRoot();
@@ -133,7 +139,8 @@ private:
     QLineEdit *m_filter;
     QProgressBar *m_indexProgress;
     QStackedWidget *m_listStack;
-    DocumentPane *m_document;
+    DocumentDesk *m_desk;
+    DocumentPane *m_lastDocument = nullptr; ///< only to be compared
     InfoPanel *m_info;
     QSplitter *m_splitter;
     QStackedWidget *m_pages;

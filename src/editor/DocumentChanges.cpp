@@ -92,7 +92,7 @@ void TMLTDocumentViewController::checkIfDocumentNeedsReload(const QString &chang
         if (m_isEdited) return; // the next save keeps both versions
         const qlonglong offset = m_view.readingOffset();
         showDocument();
-        if (offset > 0) m_view.restoreOffset(offset);
+        m_view.restoreOffset(offset); // not where it was when the document was left the last time
         return;
     }
     if (!style) return;
@@ -146,14 +146,18 @@ void TMLTDocumentViewController::reloadCurrentDocument()
 
 void TMLTDocumentViewController::documentMoved(const QString &originalPath, const QString &newPath, bool silentReload)
 {
-    if (m_path.isEmpty() || originalPath.isEmpty() || originalPath == newPath) return;
+    if (m_path.isEmpty() || originalPath.isEmpty()) return;
+    if (originalPath == newPath) return checkIfDocumentNeedsReload(newPath); // written in another view
     if (m_path != originalPath && !isBelow(m_path, originalPath)) return;
     // Who gives the document a name of their own does not want the first line's back with the next save.
     if (m_path == originalPath && nameWithoutExtension(newPath) != nameWithoutExtension(originalPath))
         m_titleIsFirstLineOfText = false;
     m_path = newPath + m_path.mid(originalPath.size());
     m_parentPath = tomelet::parentPath(m_path);
-    if (silentReload) return;
+    if (silentReload) {
+        m_view.addToBackList(m_path);
+        return checkIfDocumentNeedsReload(m_path);
+    }
     platform().delayedCalls.schedule(QStringLiteral("reshowDocument"), callArgument(), 300ms, [this] {
         writeTextToFile();
         if (!m_isEdited) showDocument();

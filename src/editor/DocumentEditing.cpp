@@ -69,6 +69,11 @@ void TMLTDocumentViewController::textDidChange()
                                      [this] { saveWhileTyping(); });
 }
 
+void TMLTDocumentViewController::saveTyping()
+{
+    if (m_isEdited && !settings().boolean(QStringLiteral("noAutosaveText"))) writeTextToFile();
+}
+
 void TMLTDocumentViewController::saveAfter(std::chrono::milliseconds pause)
 {
     platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), pause,

@@ -115,11 +115,23 @@ QString cleanedBody(const QString &html)
 
 namespace {
 
+// Where the target of a link ends whose label is closed here, or the same place.
+qsizetype behindTarget(QStringView paragraph, qsizetype at)
+{
+    if (!paragraph.sliced(at).startsWith(u"](")) return at;
+    const qsizetype end = paragraph.indexOf(u')', at);
+    return end < 0 ? at : end;
+}
+
+// Without the targets of links, which no page shows.
 QString lettersAlone(QStringView paragraph)
 {
     QString letters;
-    for (const QChar unit : paragraph)
+    for (qsizetype i = 0; i < paragraph.size(); ++i) {
+        i = behindTarget(paragraph, i);
+        const QChar unit = paragraph[i];
         if (unit.isLetterOrNumber() || unit.isSurrogate()) letters += unit;
+    }
     return letters;
 }
 

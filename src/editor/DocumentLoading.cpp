@@ -180,6 +180,12 @@ void TMLTDocumentViewController::showReadText(const QByteArray &bytes)
 
 // -- pages ------------------------------------------------------------------------------------------------------------
 
+bool TMLTDocumentViewController::showsMarkdown() const
+{
+    if (m_kind != DocumentViewKind::Formatted || m_path.isEmpty()) return false;
+    return isCombinedMarkdown(m_path) || (hasPlainTextExtension(m_path) && !lowerExtension(m_path).startsWith(u"htm"));
+}
+
 void TMLTDocumentViewController::loadFormatted()
 {
     const FormattedPage page = formattedPageFor(m_path);
@@ -194,6 +200,8 @@ void TMLTDocumentViewController::loadFormatted()
         m_md5OfFile = bytes ? md5OfBytes(*bytes) : QString();
         m_embeddedContexts = contextsEmbeddedIn(m_path, tm_htmlToPlainQuick(tm_getInnerHTML(decoded.text)));
         if (!page.isForeign) checkEmbeddedImagesInText(m_path, page.html);
+    } else if (const auto source = showsMarkdown() ? readFile(m_path) : std::nullopt) {
+        m_md5OfFile = md5OfBytes(*source);
     }
     m_view.showPage(page.html, page.base);
 }

@@ -20,6 +20,15 @@ QString withoutRawText(const QString &page)
     return blanked;
 }
 
+// Where the head ends in front of the body's tag: what no head may hold begins the body before its tag does.
+qsizetype endOfHead(const QString &markup, qsizetype bodyTag)
+{
+    static const QString head =
+        QStringLiteral(R"((?is)\A(?:\s|<!doctype[^>]*>|</?(?:html|head|meta|link|base|noscript|template)\b[^>]*>)*+)");
+    const Range allowed = rangeOfPattern(markup, head, 0, {0, bodyTag});
+    return allowed.isFound() ? allowed.end() : bodyTag;
+}
+
 } // namespace
 
 QString pageWithBody(const QString &source, const QString &body)
@@ -29,6 +38,8 @@ QString pageWithBody(const QString &source, const QString &body)
     const bool hasTag = start.isFound();
     if (!hasTag) start = rangeOfPattern(markup, QStringLiteral(R"((?i)</head\s*>)"));
     if (!start.isFound()) return body;
+    if (const qsizetype end = endOfHead(markup, start.location); end < start.location)
+        return pageWithBody(source.left(end) + source.mid(start.location), body);
     const bool endsBody = rangeOfPattern(markup, QStringLiteral(R"((?i)</body\s*>)")).isFound();
     const bool endsPage = rangeOfPattern(markup, QStringLiteral(R"((?i)</html\s*>)")).isFound();
     return source.left(start.end()) + body + (endsBody ? u"</body>" : u"") +

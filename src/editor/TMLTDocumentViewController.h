@@ -39,6 +39,8 @@ public:
     [[nodiscard]] DocumentViewKind viewThatIsVisible() const { return m_kind; }
     [[nodiscard]] bool presentingToggledView() const { return m_presentingToggledView; }
     [[nodiscard]] bool canToggle() const { return m_canToggle; }
+    /// The page on display is made from Markdown.
+    [[nodiscard]] bool showsMarkdown() const;
     [[nodiscard]] TextEncoding stringEncoding() const { return m_form.encoding; }
     [[nodiscard]] const QString &md5hash() const { return m_md5hash; }
     [[nodiscard]] bool titleIsFirstLineOfText() const { return m_titleIsFirstLineOfText; }
@@ -81,6 +83,8 @@ public:
     [[nodiscard]] WriteResult saveCopy(const QString &path) const;
     /// Gives up what is not in the file: nothing is saved any more until editing begins again.
     void discardChanges();
+    /// The same before the person turns to another view, unless texts are saved on command only.
+    void saveTyping();
     /// The next save writes even if the text is the same.
     void forceSave() { m_forcedSave = true; }
     /// Names the file after its first line; false when that name is taken or the file could not be moved.

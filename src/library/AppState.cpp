@@ -46,7 +46,7 @@ static WindowEntry entryFrom(const QVariantMap &map)
 {
     return {map.value(QStringLiteral("path")).toString(), map.value(QStringLiteral("tab")).toString(),
             map.value(QStringLiteral("selected")).toString() == u"1", map.value(QStringLiteral("frame")).toString(),
-            map.value(QStringLiteral("minimized")).toString()};
+            map.value(QStringLiteral("minimized")).toString(), map.value(QStringLiteral("side")).toString()};
 }
 
 static QVariantMap mapFrom(const WindowEntry &entry)
@@ -56,6 +56,7 @@ static QVariantMap mapFrom(const WindowEntry &entry)
     if (entry.selected) map.insert(QStringLiteral("selected"), QStringLiteral("1"));
     if (!entry.frame.isEmpty()) map.insert(QStringLiteral("frame"), entry.frame);
     if (!entry.minimized.isEmpty()) map.insert(QStringLiteral("minimized"), entry.minimized);
+    if (!entry.side.isEmpty()) map.insert(QStringLiteral("side"), entry.side);
     return map;
 }
 

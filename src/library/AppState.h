@@ -17,6 +17,7 @@ struct WindowEntry
     bool selected = false;
     QString frame;     ///< "{{x, y}, {width, height}}" of the text column; extra windows only
     QString minimized; ///< "1" or "0"; extra windows only
+    QString side = {}; ///< "1" for a tab of the right-hand side, where two stand beside each other
 };
 
 [[nodiscard]] QStringList savedExpandedPaths();

@@ -16,7 +16,9 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QFileInfo>
+#include <QDropEvent>
 #include <QImage>
+#include <QMimeData>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -119,6 +121,11 @@ struct Row
 constexpr const char *table =
     "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td>1</td><td>2</td></tr></tbody></table>";
 
+// Two rows high on the left, two columns wide at the bottom.
+constexpr const char *spans = "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+                              "<tr><td id='d'>d</td><td id='e'>e</td></tr>"
+                              "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>";
+
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
     {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')",
@@ -152,6 +159,40 @@ const Row rows[] = {
      "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
     {"columns", table, "td", 0, "td", 0, "tm.removeColumns()",
      "<table><tbody><tr><th>b</th></tr><tr><td>2</td></tr></tbody></table>"},
+    {"row inside of a span", spans, "#b", 0, "#b", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='3'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td><br></td><td><br></td></tr><tr><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"row below a span", spans, "#a", 0, "#a", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td id='e'>e</td></tr><tr><td><br></td><td><br></td><td><br></td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"row above one with a wide cell", spans, "#g", 0, "#g", 0, "tm.insertRow(false)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td id='e'>e</td></tr><tr><td><br></td><td colspan='2'><br></td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"the first row of a span", spans, "#c", 0, "#c", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='a'>a</td><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"the last row of a span", spans, "#d", 0, "#d", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='a'>a</td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"all rows of a span", spans, "#a", 0, "#a", 0, "tm.removeRows()",
+     "<table><tbody><tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"column beside a high cell", spans, "#d", 0, "#d", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td><br></td><td id='b'>b</td><td id='c'>c</td></tr>"
+     "<tr><td><br></td><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td><br></td><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"column inside of a wide cell", spans, "#d", 0, "#d", 0, "tm.insertColumn(true)",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td><td><br></td><td id='c'>c</td></tr>"
+     "<tr><td id='d'>d</td><td><br></td><td id='e'>e</td></tr>"
+     "<tr><td id='f'>f</td><td id='g' colspan='3'>g</td></tr></tbody></table>"},
+    {"the column of a high cell", spans, "#f", 0, "#f", 0, "tm.removeColumns()",
+     "<table><tbody><tr><td id='b'>b</td><td id='c'>c</td></tr><tr><td id='d'>d</td><td id='e'>e</td></tr>"
+     "<tr><td id='g' colspan='2'>g</td></tr></tbody></table>"},
+    {"a column of a wide cell", spans, "#e", 0, "#e", 0, "tm.removeColumns()",
+     "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td></tr><tr><td id='d'>d</td></tr>"
+     "<tr><td id='f'>f</td><td id='g'>g</td></tr></tbody></table>"},
     {"the last row", "<table><tbody><tr><td>1</td></tr></tbody></table>", "td", 0, "td", 0, "tm.removeRows()",
      "<p><br></p>"},
     {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
@@ -242,6 +283,24 @@ TEST_F(FormattedEditing, foreignPagesKeepAllThatIsNotTheirBody)
               "<body onload=\"x()\" class='a'><p>New Text</p></body>\n</html>\n");
 }
 
+TEST_F(FormattedEditing, whatIsSavedReadsAsTheSamePage)
+{
+    const QByteArray source = "<p>a</p><pre>\n\n  code</pre><p>x&#13;y &lt;b&gt; \xc2\xa0</p><textarea>\n\nt</textarea>"
+                              "<!-- c --><svg viewBox=\"0 0 1 1\"><path d=\"M0 0\"></path></svg><details open=\"\"><summary>s</summary></details>";
+    path = write(QStringLiteral("/Foreign.html"), "<html><head><title>t</title></head><body>" + source + "</body></html>");
+    QByteArray before;
+    for (const char *letter : {"Q", "W", "Z"}) {
+        show();
+        select(QStringLiteral("p"), 0, QStringLiteral("p"), 0);
+        afterScript(scriptOfCommand(QStringLiteral("text"), QString::fromLatin1(letter)));
+        pane.showDocument({});
+        const QByteArray after = read(QStringLiteral("/Foreign.html"));
+        EXPECT_EQ(before.isEmpty() ? QByteArray() : QByteArray(after).replace(letter, ""), before);
+        before = after;
+    }
+    EXPECT_EQ(before, "<html><head><title>t</title></head><body>" + QByteArray(source).replace("<p>a", "<p>ZWQa").replace("\xc2\xa0", "&nbsp;") + "</body>\n</html>\n");
+}
+
 TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
 {
     open(QStringLiteral("<p>one</p>"));
@@ -255,6 +314,27 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
               QStringLiteral("31px"));
     undoAll(2);
     EXPECT_EQ(body(), QStringLiteral("<p>one</p>"));
+}
+
+TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
+{
+    open(QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>"));
+    QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
+    select(QStringLiteral("#z"), 2, QStringLiteral("#z"), 2);
+    QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    QTest::qWait(20);
+    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p id=\"z\">two</p>");
+    ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, other).toUtf8()));
+    notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
+    ASSERT_TRUE(ready.wait(20000));
+    EXPECT_FALSE(pane.view()->isEditing());
+    EXPECT_EQ(body(), other);
+    Q_EMIT pane.view()->editingWanted(false);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("X")));
+    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("two"), QStringLiteral("twXo")));
+    undoAll(2);
+    EXPECT_EQ(body(), other);
+    EXPECT_EQ(loaded.count(), 0);
 }
 
 TEST_F(FormattedEditing, picturesGoBesideTheDocument)
@@ -299,9 +379,74 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
     const QPoint box(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt());
     QTest::mouseClick(keys, Qt::LeftButton, {}, box);
     EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 4; ++i) // the box, the mark, a word, a blank
         QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, typingIsUndoneByWords)
+{
+    open(QStringLiteral("<p>a</p><p>z</p>"));
+    QWidget *keys = pane.view()->focusProxy();
+    keys->setFocus();
+    select(QStringLiteral("p"), 1, QStringLiteral("p"), 1);
+    const auto shows = [this](const char *text) {
+        return comes([&] { return body() == QString::fromUtf8(text).replace(u'_', QStringLiteral("&nbsp;")); });
+    };
+    QTest::keyClicks(keys, QStringLiteral("b one two"));
+    QTest::keyClick(keys, Qt::Key_Backspace);
+    QTest::keyClick(keys, Qt::Key_Backspace);
+    QTest::keyClick(keys, Qt::Key_Return);
+    QTest::keyClicks(keys, QStringLiteral("x"));
+    ASSERT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
+    const char *back[] = {"<p>ab one t</p><p><br></p><p>z</p>", "<p>ab one t</p><p>z</p>", "<p>ab one two</p><p>z</p>",
+                          "<p>ab one_</p><p>z</p>", "<p>ab_</p><p>z</p>", "<p>a</p><p>z</p>"};
+    for (const char *state : back) {
+        QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(shows(state)) << state << "\n" << body().toStdString();
+    }
+    for (int i = 0; i < 6; ++i) QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, dropsComeInWhereTheyAreLetGo)
+{
+    open(QStringLiteral("<p>one</p><p id=\"z\">two</p>"));
+    const QString before = body();
+    const QVariantMap place = script(QStringLiteral("{ const r = document.getElementById('z').getBoundingClientRect();"
+                                                    "({x: r.left + 1, y: r.top + r.height / 2}) }"))
+                                  .toMap();
+    const auto drop = [this, &place](QMimeData &data) {
+        const QPointF at(place[QStringLiteral("x")].toDouble(), place[QStringLiteral("y")].toDouble());
+        QDragEnterEvent enter(at.toPoint(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(pane.view(), &enter);
+        QDropEvent event(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(pane.view(), &event);
+        pane.view()->waitForPage();
+    };
+    QMimeData file;
+    file.setUrls({QUrl::fromLocalFile(write(QStringLiteral("/Other.md")))});
+    drop(file);
+    EXPECT_EQ(body(), QStringLiteral("<p>one</p><p id=\"z\"><a href=\"file://%1/Other.md\">Other</a>two</p>").arg(root));
+    undoAll(1);
+    EXPECT_EQ(body(), before);
+
+    QImage picture(4, 4, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    QMimeData ofBrowser;
+    ofBrowser.setImageData(picture);
+    ofBrowser.setHtml(QStringLiteral("<meta charset=\"utf-8\"><img src=\"http://example.org/a.png\" alt=\"x\">"));
+    drop(ofBrowser);
+    EXPECT_TRUE(body().contains(QStringLiteral("<p id=\"z\"><img src=\"TMImages/"))) << body().toStdString();
+    ASSERT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
+
+    pane.showDocument({});
+    tm_setProperty(path, QStringLiteral("1"), QStringLiteral("R/O"));
+    QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    pane.showDocument(path);
+    ASSERT_TRUE(ready.wait(20000));
+    drop(ofBrowser);
+    EXPECT_EQ(names(QStringLiteral("/TMImages")).size(), 1);
 }
 
 TEST_F(FormattedEditing, pictureOfTheClipboardIsPasted)
@@ -325,11 +470,29 @@ TEST_F(FormattedEditing, replacingStaysOutsideOfTags)
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceNext('note', 'text')")),
               QStringLiteral("<p class=\"note\">Note a text.</p><p>no<b>te</b> NOTE (x)</p>"));
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', '$&<')")),
-              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; (x)</p>"));
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>$&amp;&lt; $&amp;&lt; (x)</p>"));
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('(x)', '')")),
-              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>no<b>te</b> $&amp;&lt; </p>"));
+              QStringLiteral("<p class=\"note\">$&amp;&lt; a text.</p><p>$&amp;&lt; $&amp;&lt; </p>"));
     undoAll(3);
     EXPECT_EQ(body(), QStringLiteral("<p class=\"note\">Note a note.</p><p>no<b>te</b> NOTE (x)</p>"));
+}
+
+TEST_F(FormattedEditing, wordsAreReplacedAcrossTags)
+{
+    const QString before = QStringLiteral("<p>no<b>te</b>, <i>a</i> no<b>t<i>e</i>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te"
+                                          "</li></ul><p>two\n words, two&nbsp;words</p>");
+    open(before);
+    EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', 'word')")),
+              QStringLiteral("<p>word, <i>a</i> word<b>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te</li></ul>"
+                             "<p>two\n words, two&nbsp;words</p>"));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceAll('two words', 'Three')")).endsWith(QStringLiteral("<p>Three, Three</p>")));
+    undoAll(2);
+    EXPECT_EQ(body(), before);
+    select(QStringLiteral("p > b"), 1, QStringLiteral("p > b"), 1);
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', '')")).startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', 'x')")).startsWith(QStringLiteral("<p>x, <i>a</i> <b>s</b></p>")));
+    undoAll(1);
+    EXPECT_TRUE(body().startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
 }
 
 TEST_F(FormattedEditing, newDocumentsAreNamedAfterTheirFirstLine)
@@ -354,6 +517,62 @@ TEST_F(FormattedEditing, readOnlyDocumentsStayClosed)
     EXPECT_FALSE(pane.view()->isEditing());
 }
 
+TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
+{
+    const QByteArray source = "Tasks\n\n- [ ] one\n- [x] two\n" + QByteArray("\nline\n").repeated(200);
+    path = write(QStringLiteral("/Tasks.md"), source);
+    settings().setObject(QStringLiteral("showMarkdownAsPlainText"), false);
+    pane.resize(800, 300);
+    pane.show();
+    QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
+    pane.showDocument(path);
+    ASSERT_TRUE(loaded.wait(20000));
+    const auto boxAt = [this](int number) {
+        return script(QStringLiteral("{ window.scrollTo(0, 20); const r = document.querySelectorAll('li')[%1].getBoundingClientRect();"
+                                     "({x: r.left - 8, y: r.top + 8}) }").arg(number)).toMap();
+    };
+    const auto click = [this, &boxAt](int number) {
+        const QVariantMap place = boxAt(number);
+        QTest::mouseClick(pane.view()->focusProxy(), Qt::LeftButton, {},
+                          QPoint(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt()));
+    };
+    const auto shown = [this] {
+        return script(QStringLiteral("[...document.querySelectorAll('li')].map(e => e.className).join()")).toString();
+    };
+    click(0);
+    EXPECT_TRUE(comes([&] { return read(QStringLiteral("/Tasks.md")) == QByteArray(source).replace("[ ] one", "[x] one"); }));
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox_done"); }));
+    click(1);
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox"); }));
+    EXPECT_EQ(script(QStringLiteral("window.scrollY")).toInt(), 20);
+    EXPECT_EQ(loaded.count(), 1);
+    actions.undoStack().undo();
+    actions.undoStack().undo();
+    EXPECT_EQ(read(QStringLiteral("/Tasks.md")), source);
+    EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox,tm_checkbox_done"); }));
+}
+
+TEST_F(FormattedEditing, longPagesAreLaidOutBitByBitAndScrollToTheirPlace)
+{
+    QByteArray source = "Long\n";
+    for (int i = 0; i < 3000; ++i) source += "\nParagraph " + QByteArray::number(i) + QByteArray(" and some words of it").repeated(5 + i % 7) + "\n";
+    settings().setObject(QStringLiteral("showMarkdownAsPlainText"), false);
+    path = write(QStringLiteral("/Long.md"), source);
+    tm_setProperty(path, QStringLiteral("60000"), QStringLiteral("Offset"));
+    pane.resize(800, 300);
+    pane.show();
+    pane.showDocument(path);
+    const auto rule = [this] { return script(QStringLiteral("document.getElementById('tm_long_page')?.textContent ?? 'none'")).toString(); };
+    const QString onTop = QStringLiteral("document.elementFromPoint(400, 100)?.textContent.slice(0, 15)");
+    EXPECT_TRUE(comes([&] { return script(QStringLiteral("window.scrollY")).toInt() == 60000; }));
+    const QString early = script(onTop).toString();
+    EXPECT_TRUE(early.startsWith(QStringLiteral("Paragraph"))) << early.toStdString();
+    EXPECT_TRUE(comes([&] { return rule().isEmpty(); })) << rule().toStdString();
+    EXPECT_EQ(script(onTop).toString(), early);
+    EXPECT_EQ(script(QStringLiteral("window.scrollY")).toInt(), 60000);
+    EXPECT_EQ(read(QStringLiteral("/Long.md")), source);
+}
+
 TEST(PageBody, findsItsBody)
 {
     EXPECT_EQ(pageWithBody(QStringLiteral("<p>a"), QStringLiteral("b")), QStringLiteral("b"));
@@ -361,6 +580,8 @@ TEST(PageBody, findsItsBody)
               QStringLiteral("<head><!-- <body> --></head>b"));
     EXPECT_EQ(pageWithBody(QStringLiteral("<body title='a>b'>c</body>d"), QStringLiteral("e")),
               QStringLiteral("<body title='a>b'>e</body>"));
+    EXPECT_EQ(pageWithBody(QStringLiteral("<!DOCTYPE html><html>\n<head><style>p</style>stray <b>text</b></head>\n<body class=x>c</body>"), QStringLiteral("e")),
+              QStringLiteral("<!DOCTYPE html><html>\n<head><style>p</style><body class=x>e</body>"));
     EXPECT_EQ(headOfPage(QStringLiteral("<html><head x><title></head></title></head>")),
               QStringLiteral("<title></head></title>"));
 }

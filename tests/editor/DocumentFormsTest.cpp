@@ -58,6 +58,8 @@ TEST(DocumentForms, paragraphsFoundAgain)
     EXPECT_EQ(positionOfParagraph(text, QStringLiteral("item")), 34);
     EXPECT_EQ(positionOfParagraph(text, QStringLiteral("Some marked text.")), 9);
     EXPECT_EQ(positionOfParagraph(text, QStringLiteral("elsewhere")), -1);
+    const QString links = QStringLiteral("one\n\na [link](Some/Where.md) and ![more](b.png) [x](open\n");
+    EXPECT_EQ(positionOfParagraph(links, QStringLiteral("a link and more x(open")), 5);
     EXPECT_EQ(positionOfParagraph({}, QStringLiteral("a")), -1);
 }
 

@@ -101,6 +101,27 @@ private:
     QList<DeletionRecord> m_records;
 };
 
+class BoxStep final : public Step
+{
+public:
+    BoxStep(const QString &text, QString path, const PageBox &box)
+        : Step(text)
+        , m_path(std::move(path))
+        , m_box(box)
+    {
+    }
+    void undo() override { again(); }
+    void again() override
+    {
+        m_box.isDone = !m_box.isDone;
+        if (toggleBox(m_path, m_box) != BoxResult::Toggled) setObsolete(true);
+    }
+
+private:
+    QString m_path;
+    PageBox m_box; ///< as it was before the last toggling
+};
+
 class ContextsStep final : public Step
 {
 public:
@@ -258,6 +279,14 @@ void ItemActions::setBookOrder(const QString &book, const QStringList &names)
 }
 
 // -- contexts ---------------------------------------------------------------------------------------------------------
+
+BoxResult ItemActions::toggleBox(const QString &path, const PageBox &box)
+{
+    const BoxResult result = tomelet::toggleBox(path, box);
+    if (result == BoxResult::Toggled)
+        m_undoStack.push(new BoxStep(localized(TOMELET_TEXT("Check Box")), path, box));
+    return result;
+}
 
 void ItemActions::setContexts(const QString &path, const QStringList &words)
 {

@@ -2,6 +2,8 @@
 // What a person does to items, each as one step that can be undone.
 #pragma once
 
+#include "editor/PageBoxes.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QUndoStack>
@@ -30,6 +32,9 @@ public:
     /// Takes something new, made elsewhere, as a step that can be undone.
     void noteCreation(const QString &stepName, const QString &path);
     void setBookOrder(const QString &book, const QStringList &names);
+
+    /// Ticks or opens a check box of a page that is made from Markdown.
+    BoxResult toggleBox(const QString &path, const PageBox &box);
 
     /// Gives the items exactly these contexts.
     void setContexts(const QString &path, const QStringList &words);

@@ -33,7 +33,7 @@ void MainWindow::makeOrganiseMenu()
 void MainWindow::makeContextCommands(QMenu *menu)
 {
     add(menu, TOMELET_TEXT("&Contexts of the Document"), QKeySequence(QStringLiteral("Ctrl+Shift+K")), [this] {
-        m_document->header()->contextsField()->setFocus(Qt::ShortcutFocusReason);
+        document()->header()->contextsField()->setFocus(Qt::ShortcutFocusReason);
     });
     add(menu, TOMELET_TEXT("&Exclude Contexts..."), {}, [this] {
         if (const QStringList words = m_outline->selectedContexts(); !words.isEmpty()) m_actions.excludeContexts(words);

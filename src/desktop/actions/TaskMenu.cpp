@@ -45,7 +45,7 @@ void MainWindow::makeTaskMenu()
 QStringList MainWindow::taskTargets() const
 {
     const QStringList selected = selectedDocuments();
-    return itemsInTasklists(selected.isEmpty() ? QStringList{m_document->path()} : selected);
+    return itemsInTasklists(selected.isEmpty() ? QStringList{document()->path()} : selected);
 }
 
 // The book selected in the outline, or else the one that the list shows.
@@ -139,7 +139,7 @@ void MainWindow::extractTasks()
     const QStringList selected = selectedDocuments();
     notifications().post(QStringLiteral("TMLTSaveCurrentDocument"));
     const QStringList made =
-        extractTasksOf(m_actions, selected.isEmpty() ? QStringList{m_document->path()} : selected);
+        extractTasksOf(m_actions, selected.isEmpty() ? QStringList{document()->path()} : selected);
     showMessage(made.size() == 1 ? localized(TOMELET_TEXT("One task was made."))
                                  : localized(TOMELET_TEXT("%1 tasks were made.")).arg(made.size()),
                 made.isEmpty()

@@ -1,24 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/document/DocumentPane.h"
 
-#include "conversion/EmbeddedStyle.h"
-#include "conversion/Page.h"
-#include "conversion/Patterns.h"
 #include "desktop/document/DocumentHeader.h"
 #include "desktop/document/FindBar.h"
 #include "desktop/page/FormattingBar.h"
-#include "desktop/page/PageProfile.h"
+#include "desktop/page/LinkPage.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
 #include "desktop/text/TextCompleter.h"
-#include "editor/FormattedPage.h"
-#include "editor/PageBody.h"
-#include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
-#include "foundation/Log.h"
 #include "foundation/Platform.h"
-#include "foundation/SafeWriter.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
@@ -43,85 +35,14 @@
 #include <QVBoxLayout>
 #include <QWebEnginePage>
 
-#include <functional>
-
 namespace tomelet::desktop {
 
-namespace {
+static constexpr int warmUpDelay = 300; // milliseconds; the text comes first
 
-class Page final : public QWebEnginePage
-{
-public:
-    Page(QObject *parent, std::function<void(const QUrl &)> follow)
-        : QWebEnginePage(pageProfile(), parent)
-        , m_follow(std::move(follow))
-    {
-    }
-
-protected:
-    bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override
-    {
-        if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
-        const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
-        if (sameDocument) return true;
-        m_follow(url);
-        return false;
-    }
-
-private:
-    std::function<void(const QUrl &)> m_follow;
-};
-
-bool isDark(const QPalette &palette)
-{
-    return palette.color(QPalette::Base).lightness() < palette.color(QPalette::Text).lightness();
-}
-
-// The engine takes its scheme from the desktop at start and cannot be told another one per page, so the question for
-// it is answered in the style sheets of the page's own head.
-QString pageInScheme(const QString &html, const QPalette &palette)
-{
-    const bool dark = isDark(palette);
-    const qsizetype end = html.indexOf(u"</head>");
-    if (end < 0 || html.left(end).indexOf(u"<head>") < 0) return html;
-    QString head = html.left(end);
-    const QString yes = QStringLiteral("all");
-    const QString no = QStringLiteral("not all");
-    const QString question = QStringLiteral("\\(\\s*prefers-color-scheme\\s*:\\s*%1\\s*\\)");
-    head = regexSweep(head, question.arg(QStringLiteral("dark")), dark ? yes : no);
-    head = regexSweep(head, question.arg(QStringLiteral("light")), dark ? no : yes);
-    head = regexSweep(head, QStringLiteral("color-scheme\\s*:\\s*light\\s+dark"),
-                      dark ? QStringLiteral("color-scheme: dark") : QStringLiteral("color-scheme: light"));
-    // The canvas of a dark page has a colour of its own otherwise; a sheet of the document's goes before this.
-    const QString canvas = QStringLiteral("<head>\n<style>html { background-color: %1; }</style>")
-                               .arg(palette.color(QPalette::Base).name());
-    head.replace(head.indexOf(u"<head>"), 6, canvas);
-    return head + html.mid(end);
-}
-
-QUrl addressOf(const QString &base)
-{
-    if (!base.startsWith(u'/')) return QUrl(base);
-    return QUrl::fromLocalFile((isFolder(base) ? base : parentPath(base)) + u'/');
-}
-
-// With what is needed to show it; nothing of this goes into a file.
-QString pageToShow(const QString &html, const QUrl &address, const QPalette &palette)
-{
-    QString page = pageInScheme(html, palette);
-    const qsizetype head = page.indexOf(u"<head>");
-    if (head >= 0)
-        page.replace(head, 6, QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded())));
-    return page;
-}
-
-} // namespace
-
-// A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
-static constexpr qsizetype longestTextPage = 500 * 1024;
-
-DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
+DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *parent)
     : QWidget(parent)
+    , m_actions(actions)
+    , m_isOfMainWindow(isOfMainWindow)
     , m_header(new DocumentHeader(actions))
     , m_notice(new QLabel)
     , m_empty(new QLabel(localized(TOMELET_TEXT("Select a document to read it here."))))
@@ -134,10 +55,18 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
     , m_controller(*this)
 {
     // The page waits for its answer, so what may ask a question comes after it.
-    auto *page = new Page(m_view, [this](const QUrl &url) { QTimer::singleShot(0, this, [this, url] { followLink(url); }); });
+    auto *page = new LinkPage(m_view, [this](const QUrl &url, bool inNewTab) {
+        QTimer::singleShot(0, this, [this, url, inNewTab] { followLink(url, inNewTab); });
+    });
     m_view->setPage(page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
     page->setBackgroundColor(palette().color(QPalette::Base));
+    connect(page, &QWebEnginePage::loadFinished, this, [this] { m_isLoading = false; });
+    m_layOut.setSingleShot(true);
+    connect(&m_layOut, &QTimer::timeout, this, &DocumentPane::layOutMore);
+    m_warmUp.setSingleShot(true);
+    m_warmUp.setInterval(warmUpDelay);
+    connect(&m_warmUp, &QTimer::timeout, this, &DocumentPane::warmUp);
     makeLayout();
     m_text->setChangeGuard([this] { return m_controller.shouldChangeText(false); });
     connectEditor();
@@ -151,6 +80,7 @@ DocumentPane::DocumentPane(ItemActions &actions, QWidget *parent)
 
 DocumentPane::~DocumentPane()
 {
+    blockSignals(true); // who listens may be half gone
     settlePage();
     if (!m_controller.closeDocument()) keepRescue();
 }
@@ -201,6 +131,18 @@ void DocumentPane::showDocument(const QString &path, const QString &anchor)
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
 }
 
+bool DocumentPane::closeDocument()
+{
+    showDocument({});
+    return path().isEmpty() && !m_controller.isEdited();
+}
+
+void DocumentPane::saveTyping()
+{
+    settlePage();
+    m_controller.saveTyping();
+}
+
 void DocumentPane::createDocument(const QString &extension, const QString &book)
 {
     if (!mayLeave()) return;
@@ -226,6 +168,7 @@ void DocumentPane::updateTitle()
 
 void DocumentPane::bring(QWidget *shown)
 {
+    m_isLong = false;
     // A document that is loaded anew right away does not take away what was just said about it.
     static constexpr qint64 readable = 10'000;
     if (m_noticePath != path() || m_noticeClock.elapsed() > readable) m_notice->hide();
@@ -254,74 +197,7 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
     m_text->setDocumentText(text, editable, highlightOptionsForItem(path()));
     bring(m_text);
     updateTitle();
-}
-
-void DocumentPane::showPage(const QString &html, const QString &base)
-{
-    m_base = base;
-    m_source = html;
-    bring(m_view);
-    updateTitle();
-    m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
-    const QUrl address = addressOf(base);
-    const QString page = pageToShow(html, address, palette());
-    if (page.size() < longestTextPage) return m_view->setHtml(page, address);
-
-    const QString pages = joinPath(workingDirectory(), QStringLiteral("pages"));
-    makeFolder(pages);
-    const QString file = joinPath(pages, QString::number(quintptr(this), 36) + QStringLiteral(".html"));
-    if (writeFile(file, page.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
-}
-
-// Pages of the network are another program's work.
-void DocumentPane::showAddress(const QString &)
-{
-    showPage(pageForItem(path()), path());
-}
-
-void DocumentPane::showPdf(const QString &path, qlonglong page)
-{
-    m_base = path;
-    bring(m_view);
-    updateTitle();
-    QUrl address = QUrl::fromLocalFile(path);
-    if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
-    m_view->load(address);
-}
-
-void DocumentPane::showPreview(const QString &path)
-{
-    showPage(pageForItem(path), path);
-}
-
-void DocumentPane::changeEvent(QEvent *event)
-{
-    QWidget::changeEvent(event);
-    if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
-    colourNotice();
-    m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
-    if (m_controller.viewThatIsVisible() == DocumentViewKind::Formatted) updateHTML();
-}
-
-void DocumentPane::runWhenLoaded(const QString &script)
-{
-    connect(m_view->page(), &QWebEnginePage::loadFinished, this,
-            [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
-}
-
-// A page that is being edited takes the new head alone, and keeps caret, history and position.
-void DocumentPane::updateHTML()
-{
-    if (m_view->isEditing()) {
-        const QString fresh = path().isEmpty() ? m_source : formattedPageFor(path()).html;
-        if (tm_removeGeneratorTomelet(fresh) != tm_removeGeneratorTomelet(m_source))
-            logLine(QStringLiteral("reloading after updateHTML"));
-        m_source = fresh;
-        return m_view->restyle(headOfPage(pageToShow(fresh, addressOf(m_base), palette())));
-    }
-    const qlonglong offset = readingOffset();
-    if (const FormattedPage page = formattedPageFor(path()); !page.html.isEmpty()) showPage(page.html, page.base);
-    restoreOffset(offset);
+    m_warmUp.start();
 }
 
 // The item of the notebook that an address means, with its anchor; "" for what lies outside.
@@ -339,7 +215,7 @@ static QString itemOfLink(const QUrl &url)
     return QDir::cleanPath(fullPathOf(withoutTomeletScheme(text)));
 }
 
-void DocumentPane::followLink(const QUrl &url)
+void DocumentPane::followLink(const QUrl &url, bool inNewTab)
 {
     QString item = itemOfLink(url);
     if (item.isEmpty()) {
@@ -348,7 +224,9 @@ void DocumentPane::followLink(const QUrl &url)
     }
     if (!itemExists(tm_pathWithoutAnchor(item)) && !itemExists(item))
         item = tm_findAlternativePathExcludingOrPrompt(item, {path()}, path());
-    if (!item.isEmpty()) notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
+    if (item.isEmpty()) return;
+    if (inNewTab) Q_EMIT newTabWanted(item);
+    else notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
 }
 
 // -- text -------------------------------------------------------------------------------------------------------------
@@ -358,7 +236,6 @@ Range DocumentPane::selection() const { return m_text->selection(); }
 void DocumentPane::select(Range selection) { m_text->select(selection); }
 bool DocumentPane::isBlankUpToCaretLine() const { return m_text->isBlankUpToCaretLine(); }
 void DocumentPane::restylePlainText() { m_text->restyle(); }
-QString DocumentPane::mainFrameURL() const { return m_base; }
 
 void DocumentPane::zoom(int steps)
 {
@@ -373,51 +250,6 @@ void DocumentPane::setEdited(bool edited)
     if (edited == m_isEdited) return;
     m_isEdited = edited;
     updateTitle();
-}
-
-// -- positions --------------------------------------------------------------------------------------------------------
-
-qlonglong DocumentPane::readingOffset() const
-{
-    if (m_stack->currentWidget() == m_text) return m_text->selection().end();
-    return qlonglong(m_view->page()->scrollPosition().y());
-}
-
-void DocumentPane::restoreOffset(qlonglong offset)
-{
-    if (m_stack->currentWidget() == m_text) m_text->select({offset, 0});
-    else if (offset > 0) runWhenLoaded(QStringLiteral("window.scrollTo(0, %1)").arg(offset));
-}
-
-// Compared by letters and digits, so that marks and blanks do not matter.
-static const QString letters = QStringLiteral("const letters = t => t.replace(/[^\\p{L}\\p{N}]/gu, '');"
-                                              "const paragraphs = [...document.querySelectorAll("
-                                              "'p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd')];");
-
-void DocumentPane::scrollToText(const QString &text)
-{
-    const QString list = QString::fromUtf8(QJsonDocument(QJsonArray{text}).toJson(QJsonDocument::Compact));
-    runWhenLoaded(QStringLiteral("{ %1 const wanted = letters(%2[0]);"
-                                 "const found = paragraphs.find(e => letters(e.innerText) === wanted) ||"
-                                 "paragraphs.find(e => letters(e.innerText).includes(wanted));"
-                                 "if (found) found.scrollIntoView({block: 'center'}); }")
-                      .arg(letters, list));
-}
-
-// The page tells its topmost paragraph in its own time; then the text is shown at it.
-void DocumentPane::toggleView()
-{
-    if (m_stack->currentWidget() == m_text) return m_controller.tm_togglePlainTextAndFormattedView();
-    settlePage();
-    const QString script = QStringLiteral("{ %1 const top = paragraphs.find(e => e.getBoundingClientRect().top >= 0);"
-                                          "top && window.scrollY > 0 ? top.innerText : ''; }")
-                               .arg(letters);
-    m_view->page()->runJavaScript(script, 1, [self = QPointer(this)](const QVariant &paragraph) {
-        if (!self) return;
-        self->m_paragraphOnTop = paragraph.toString();
-        self->m_controller.tm_togglePlainTextAndFormattedView();
-        self->beginEditing();
-    });
 }
 
 // -- the window -------------------------------------------------------------------------------------------------------

@@ -5,11 +5,13 @@
 
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
+#include "editor/PageBoxes.h"
 #include "editor/TMLTDocumentViewController.h"
 #include "foundation/NotificationCenter.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
+#include <QUrl>
 #include <QWidget>
 
 class QImage;
@@ -30,12 +32,16 @@ class DocumentPane final : public QWidget, private DocumentView
     Q_OBJECT
 
 public:
-    explicit DocumentPane(ItemActions &actions, QWidget *parent = nullptr);
+    explicit DocumentPane(ItemActions &actions, bool isOfMainWindow = true, QWidget *parent = nullptr);
     ~DocumentPane() override;
 
     /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     void showDocument(const QString &path, const QString &anchor = {});
+    /// Saves what is on display and shows nothing; false when it could not be saved and stays.
+    bool closeDocument();
+    /// What was typed goes into the file now.
+    void saveTyping();
     [[nodiscard]] const QString &path() const { return m_controller.path(); }
     [[nodiscard]] TMLTWebView *view() { return m_view; }
     [[nodiscard]] TMLTTextView *textView() { return m_text; }
@@ -75,17 +81,23 @@ protected:
 
 Q_SIGNALS:
     void titleChanged(const QString &title);
+    /// A link was clicked in the way that asks for a tab of its own.
+    void newTabWanted(const QString &path);
 
 private:
     void makeLayout();
     void colourNotice();
     void updateTitle();
     void bring(QWidget *shown);
-    /// Runs once when the page that is being loaded is laid out.
+    /// Runs once when the page that is being loaded is laid out, at once where none is.
+    void load(const QString &page, const QUrl &address);
+    void warmUp();
+    void layOutMore();
     void runWhenLoaded(const QString &script);
     void scrollToAnchor(const QString &anchor);
-    void followLink(const QUrl &url);
+    void followLink(const QUrl &url, bool inNewTab = false);
     void unlock();
+    void toggleBox(const PageBox &box);
     void connectEditor();
     void connectFinding();
     [[nodiscard]] bool showsText() const;
@@ -141,10 +153,12 @@ private:
     void tm_showUnlockAlert() override;
     void showAlert(const QString &title, const QString &text) override;
     void showNotice(const QString &title, const QString &text) override;
-    [[nodiscard]] bool isMainWindow() const override { return true; }
+    [[nodiscard]] bool isMainWindow() const override { return m_isOfMainWindow; }
     void addToBackList(const QString &path) override;
     [[nodiscard]] QString contextOfList() const override { return {}; }
 
+    ItemActions &m_actions;
+    bool m_isOfMainWindow;
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say
     QString m_noticePath;
@@ -163,6 +177,14 @@ private:
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue; ///< the copy of a text that could not be saved; "" for none
+    QString m_livePath;    ///< of the document whose page the view holds
+    QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
+    bool m_isLoading = false;
+    bool m_isLong = false; ///< the page is laid out bit by bit
+    bool m_keepsPlace = false; ///< the page was put in place of its older self, and is scrolled as that was
+    QTimer m_warmUp;
+    QTimer m_layOut;
+    qlonglong m_wantedOffset = -1; ///< the page scrolls there next
     QString m_paragraphOnTop;
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;

@@ -2,6 +2,7 @@
 // The document's pane: pages that are edited in place.
 #include "desktop/document/DocumentPane.h"
 
+#include "desktop/actions/ItemActions.h"
 #include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
 #include "desktop/page/TMLTWebView.h"
@@ -11,6 +12,7 @@
 #include "editor/PastedImages.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
+#include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
@@ -30,12 +32,15 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
     connect(m_view, &TMLTWebView::stateChanged, m_bar,
             qOverload<const FormattingState &>(&FormattingBar::show));
-    connect(m_view, &TMLTWebView::linkWanted, this, &DocumentPane::followLink);
+    connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
+    connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
     connectDrops();
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
+        m_liveAddress.clear();
+        m_isLoading = false;
         m_controller.writeTextToFile();
         m_controller.showDocument();
     });
@@ -90,6 +95,23 @@ void DocumentPane::settlePage()
     m_isSettling = true;
     m_view->waitForPage();
     m_isSettling = false;
+}
+
+// What is typed in another view of the text goes into the file first, as the box is found there.
+void DocumentPane::toggleBox(const PageBox &box)
+{
+    if (!m_controller.showsMarkdown()) return;
+    if (isReadOnlyDocument(path())) return tm_showUnlockAlert();
+    notifications().post(QStringLiteral("TMLTSaveCurrentDocument"));
+    switch (m_actions.toggleBox(path(), box)) {
+    case BoxResult::Toggled:
+        return;
+    case BoxResult::NotFound:
+        return showNotice(localized(TOMELET_TEXT("This box cannot be ticked here")),
+                          localized(TOMELET_TEXT("Its line is not in the text of this document.")));
+    case BoxResult::NotWritten:
+        return showAlert(localized(TOMELET_TEXT("Saving Error")), path());
+    }
 }
 
 // -- commands ---------------------------------------------------------------------------------------------------------

@@ -1,23 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The main window's menu of what is done to the text of a document.
-#include "desktop/MainWindow.h"
+// The menu of what is done to the text of a document.
+#include "desktop/MenuCommands.h"
 
+#include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
 #include "foundation/Localization.h"
 
+#include <QMainWindow>
 #include <QMenuBar>
 
 namespace tomelet::desktop {
 
-void MainWindow::makeTextMenu()
+void addTextMenu(QMainWindow *window, DocumentDesk *desk)
 {
-    QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("Te&xt")));
-    add(menu, TOMELET_TEXT("Switch between &Text and Page"), QKeySequence(QStringLiteral("Ctrl+E")),
-        [this] { m_document->toggleView(); });
+    QMenu *menu = window->menuBar()->addMenu(localized(TOMELET_TEXT("Te&xt")));
+    addCommand(menu, TOMELET_TEXT("Switch between &Text and Page"), QKeySequence(QStringLiteral("Ctrl+E")), desk,
+               [desk] { desk->current()->toggleView(); });
     menu->addSeparator();
-    const auto command = [this, menu](const char *text, const QString &keys, EditorCommand kind,
+    const auto command = [desk, menu](const char *text, const QString &keys, EditorCommand kind,
                                       const EditorArguments &arguments = {}) {
-        add(menu, text, QKeySequence(keys), [this, kind, arguments] { m_document->applyToText(kind, arguments); });
+        addCommand(menu, text, QKeySequence(keys), desk,
+                   [desk, kind, arguments] { desk->current()->applyToText(kind, arguments); });
     };
     const auto marks = [](const QString &mark) { return EditorArguments{mark, mark, 0}; };
     command(TOMELET_TEXT("&Bold"), QStringLiteral("Ctrl+B"), EditorCommand::Markdown, marks(QStringLiteral("**")));

@@ -41,6 +41,10 @@ QModelIndex DocumentListView::taskRingAt(const QPoint &position) const
 // A press on the ring selects nothing: the document on display stays there.
 void DocumentListView::mousePressEvent(QMouseEvent *event)
 {
+    if (event->button() == Qt::MiddleButton) {
+        if (const QModelIndex index = indexAt(event->pos()); index.isValid()) Q_EMIT newTabWanted(index);
+        return;
+    }
     m_pressed = event->button() == Qt::LeftButton ? taskRingAt(event->pos()) : QModelIndex();
     if (!m_pressed.isValid()) QListView::mousePressEvent(event);
 }

@@ -2,37 +2,42 @@
 #include "desktop/page/TMLTWebView.h"
 
 #include "desktop/page/FormattingCommands.h"
-#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 
-#include <QApplication>
-#include <QChildEvent>
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDropEvent>
 #include <QEventLoop>
-#include <QMenu>
-#include <QMimeData>
 #include <QPointer>
-#include <QWebEngineContextMenuRequest>
 #include <QWebEnginePage>
 
 namespace tomelet::desktop {
 
 namespace {
 
-// Out of the page's own reach, and also there where pages run no scripts.
-constexpr quint32 editorWorld = 1;
 constexpr int inputDelay = 40;  // milliseconds; the page has a key by then
 constexpr int watchDelay = 500; // between looks that no input asked for
+constexpr int contentDelay = 250; // a long page is not read at each key
 constexpr int longestWait = 2000;
+
+QString scriptFile(const QString &name)
+{
+    return QString::fromUtf8(readFile(resourcePath(QStringLiteral("editor/") + name)).value_or(QByteArray()));
+}
+
+QString boxesScript()
+{
+    static const QString script = scriptFile(QStringLiteral("boxes.js"));
+    return script;
+}
 
 QString editingScript()
 {
-    static const QString script =
-        QString::fromUtf8(readFile(resourcePath(QStringLiteral("editor/editing.js"))).value_or(QByteArray()));
+    static const QString script = [] {
+        QString all = boxesScript();
+        for (const char *name : {"tables.js", "replacing.js", "history.js", "editing.js"})
+            all += scriptFile(QString::fromLatin1(name));
+        return all;
+    }();
     return script;
 }
 
@@ -44,6 +49,9 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     m_afterInput.setSingleShot(true);
     m_afterInput.setInterval(inputDelay);
     m_watch.setInterval(watchDelay);
+    m_content.setSingleShot(true);
+    m_content.setInterval(contentDelay);
+    connect(&m_content, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report(false, true)")); });
     connect(&m_afterInput, &QTimer::timeout, this, [this] {
         ask(m_returnPressed ? QStringLiteral("tm.report(true)") : QStringLiteral("tm.report()"));
         m_returnPressed = false;
@@ -68,18 +76,26 @@ void TMLTWebView::expectPage(bool mayBeEdited)
 
 void TMLTWebView::loaded(bool fine)
 {
-    if (!fine || !m_mayBeEdited || m_ready) return;
-    page()->runJavaScript(editingScript() + QStringLiteral("tm.start()"), editorWorld,
-                          [self = QPointer(this), number = m_page](const QVariant &answer) {
-                              if (!self || self->m_page != number || self->m_ready) return;
-                              const QVariantMap start = answer.toMap();
-                              if (!start.contains(QStringLiteral("html"))) return;
-                              self->m_html = start.value(QStringLiteral("html")).toString();
-                              self->m_text = start.value(QStringLiteral("text")).toString();
-                              self->m_ready = true;
-                              Q_EMIT self->ready();
-                              if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
-                          });
+    if (fine && m_mayBeEdited && !m_ready) start(editingScript() + QStringLiteral("tm.start()"));
+}
+
+void TMLTWebView::takePage(const QString &page)
+{
+    start(QStringLiteral("tm.take('%1')").arg(escapedForScript(page)));
+}
+
+void TMLTWebView::start(const QString &script)
+{
+    page()->runJavaScript(script, editorWorld, [self = QPointer(this), number = m_page](const QVariant &answer) {
+        if (!self || self->m_page != number || self->m_ready) return;
+        const QVariantMap start = answer.toMap();
+        if (!start.contains(QStringLiteral("html"))) return;
+        self->m_html = start.value(QStringLiteral("html")).toString();
+        self->m_text = start.value(QStringLiteral("text")).toString();
+        self->m_ready = true;
+        Q_EMIT self->ready();
+        if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
+    });
 }
 
 void TMLTWebView::beginEditing(bool keepsContentsTable)
@@ -96,6 +112,7 @@ void TMLTWebView::endEditing()
     m_editing = false;
     m_afterInput.stop();
     m_watch.stop();
+    m_content.stop();
 }
 
 void TMLTWebView::ask(const QString &script, std::function<void()> then)
@@ -113,12 +130,16 @@ void TMLTWebView::ask(const QString &script, std::function<void()> then)
 void TMLTWebView::take(const QVariantMap &answer)
 {
     if (!m_editing || !answer.contains(QStringLiteral("html"))) return;
+    const bool waits = answer.value(QStringLiteral("pending")).toBool() && !m_content.isActive();
+    if (waits) m_content.start();
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
     Q_EMIT stateChanged(
         {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
          answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
          answer.value(QStringLiteral("inTable")).toBool()});
+    // A save that comes first finds what was there before, and another follows.
+    if (waits) Q_EMIT edited();
     if (!answer.value(QStringLiteral("changed")).toBool()) return;
     m_html = answer.value(QStringLiteral("html")).toString();
     m_text = answer.value(QStringLiteral("text")).toString();
@@ -144,7 +165,7 @@ void TMLTWebView::waitForPage()
     bool answered = false;
     QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
     QTimer::singleShot(m_afterInput.isActive() ? inputDelay : 0, &loop, [&] {
-        ask(QStringLiteral("tm.report()"), [&answered, target = QPointer(&loop)] {
+        ask(QStringLiteral("tm.report(false, true)"), [&answered, target = QPointer(&loop)] {
             if (!target) return;
             answered = true;
             target->quit();
@@ -155,177 +176,17 @@ void TMLTWebView::waitForPage()
     if (!answered) logLine(QStringLiteral("the page does not answer"));
 }
 
-// -- input ------------------------------------------------------------------------------------------------------------
-
-// Keys and the mouse go to a child that the engine makes when it likes.
-bool TMLTWebView::event(QEvent *event)
+void TMLTWebView::lookForBox(const QString &place)
 {
-    if (event->type() == QEvent::ChildPolished || event->type() == QEvent::ChildAdded) {
-        auto *child = static_cast<QChildEvent *>(event)->child();
-        if (child->isWidgetType()) child->installEventFilter(this);
-    }
-    return QWebEngineView::event(event);
-}
-
-void TMLTWebView::inputHappened()
-{
-    if (m_editing && !m_afterInput.isActive()) m_afterInput.start();
-}
-
-namespace {
-
-bool isTyping(const QKeyEvent &event)
-{
-    const bool plain =
-        !(event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier));
-    return plain && !event.text().isEmpty() && event.key() != Qt::Key_Escape;
-}
-
-// Keys that the editor takes for itself, before menus and the engine do.
-QString commandOfKey(const QKeyEvent &event)
-{
-    const QKeySequence keys(event.keyCombination());
-    for (const FormattingCommand &command : formattingCommands())
-        if (*command.keys && keys == QKeySequence(QString::fromLatin1(command.keys)))
-            return QString::fromLatin1(command.name);
-    return {};
-}
-
-bool isOwnKey(const QKeyEvent &event)
-{
-    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo) ||
-           event.matches(QKeySequence::Paste) || !commandOfKey(event).isEmpty();
-}
-
-QStringList localFiles(const QMimeData *data)
-{
-    QStringList paths;
-    for (const QUrl &url : data->urls())
-        if (url.isLocalFile()) paths.append(url.toLocalFile());
-    return paths;
-}
-
-} // namespace
-
-bool TMLTWebView::keyPressed(const QKeyEvent &event)
-{
-    if (!m_editing) {
-        if (m_ready && isTyping(event)) {
-            Q_EMIT editingWanted(false);
-            if (!m_editing) Q_EMIT typedInVain();
-        }
-        return false;
-    }
-    inputHappened();
-    if (event.matches(QKeySequence::Undo)) return undo(), true;
-    if (event.matches(QKeySequence::Redo)) return redo(), true;
-    if (event.matches(QKeySequence::Paste)) return pasteImage();
-    if (const QString command = commandOfKey(event); !command.isEmpty())
-        return run(scriptOfCommand(command)), true;
-    const bool back = event.key() == Qt::Key_Backtab;
-    if (event.key() == Qt::Key_Tab || back)
-        return run(back ? QStringLiteral("tm.tab(true)") : QStringLiteral("tm.tab(false)")), true;
-    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) m_returnPressed = true;
-    return false;
-}
-
-bool TMLTWebView::mouseReleased(const QMouseEvent &event)
-{
-    if (!m_mayBeEdited || event.button() != Qt::LeftButton) return false;
-    const QPointF at = event.position() / zoomFactor();
-    const QString place = QStringLiteral("(%1, %2)").arg(at.x()).arg(at.y());
-    if (m_editing && event.modifiers() == Qt::ControlModifier) {
-        page()->runJavaScript(QStringLiteral("tm.linkAt") + place, editorWorld,
-                              [self = QPointer(this)](const QVariant &address) {
-                                  const QUrl url(address.toString());
-                                  if (self && !url.isEmpty()) Q_EMIT self->linkWanted(url);
-                              });
-        return false;
-    }
-    if (!m_editing) Q_EMIT editingWanted(!m_hovered.isEmpty());
-    run(QStringLiteral("tm.click") + place);
-    return false;
-}
-
-// A picture of a text editor's or table's comes with its text, which is what was meant.
-bool TMLTWebView::pasteImage()
-{
-    const QMimeData *copied = QApplication::clipboard()->mimeData();
-    if (!copied) return false;
-    if (const QStringList files = localFiles(copied); !files.isEmpty())
-        return Q_EMIT filesDropped(files), true;
-    if (!copied->hasImage() || copied->hasText() || copied->hasHtml()) return false;
-    Q_EMIT imagePasted(qvariant_cast<QImage>(copied->imageData()));
-    return true;
-}
-
-bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
-{
-    const auto files = [event] { return localFiles(static_cast<QDropEvent *>(event)->mimeData()); };
-    switch (event->type()) {
-    case QEvent::ShortcutOverride:
-        if (!m_editing || !isOwnKey(*static_cast<QKeyEvent *>(event))) break;
-        event->accept();
-        return true;
-    case QEvent::KeyPress:
-        if (keyPressed(*static_cast<QKeyEvent *>(event))) return true;
-        break;
-    case QEvent::MouseButtonRelease:
-        inputHappened();
-        if (mouseReleased(*static_cast<QMouseEvent *>(event))) return true;
-        break;
-    case QEvent::InputMethod:
-        inputHappened();
-        break;
-    case QEvent::DragEnter:
-    case QEvent::DragMove:
-        if (!m_mayBeEdited || files().isEmpty()) break;
-        static_cast<QDropEvent *>(event)->acceptProposedAction();
-        return true;
-    case QEvent::Drop:
-        inputHappened();
-        if (!m_mayBeEdited || files().isEmpty()) break;
-        if (!m_editing) Q_EMIT editingWanted(false);
-        Q_EMIT filesDropped(files());
-        static_cast<QDropEvent *>(event)->acceptProposedAction();
-        return true;
-    default:
-        break;
-    }
-    return QWebEngineView::eventFilter(watched, event);
-}
-
-void TMLTWebView::addSuggestions(QMenu *menu)
-{
-    const QWebEngineContextMenuRequest *request = lastContextMenuRequest();
-    if (!request || request->misspelledWord().isEmpty()) return;
-    QAction *first = menu->actions().value(0);
-    for (const QString &better : request->spellCheckerSuggestions()) {
-        auto *action = new QAction(better, menu);
-        connect(action, &QAction::triggered, this, [this, better] { page()->replaceMisspelledWord(better); });
-        menu->insertAction(first, action);
-    }
-    menu->insertSeparator(first);
-}
-
-void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
-{
-    QMenu *menu = createStandardContextMenu();
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    if (m_editing) {
-        // The engine's own history knows nothing of commands.
-        for (const auto action : {QWebEnginePage::Undo, QWebEnginePage::Redo})
-            menu->removeAction(page()->action(action));
-        addSuggestions(menu);
-        menu->addSeparator();
-        for (const FormattingCommand &command : formattingCommands()) {
-            const QString name = QString::fromLatin1(command.name);
-            if (!name.startsWith(u"row") && !name.startsWith(u"column") && !name.startsWith(u"remove"))
-                continue;
-            menu->addAction(localized(command.text), this, [this, name] { run(scriptOfCommand(name)); });
-        }
-    }
-    menu->popup(event->globalPos());
+    page()->runJavaScript(
+        boxesScript() + QStringLiteral("tmBoxes.told") + place, editorWorld,
+        [self = QPointer(this), number = m_page](const QVariant &answer) {
+            const QVariantMap box = answer.toMap();
+            if (!self || self->m_page != number || box.isEmpty()) return;
+            Q_EMIT self->boxClicked({box.value(QStringLiteral("number")).toLongLong(),
+                                     box.value(QStringLiteral("count")).toLongLong(),
+                                     box.value(QStringLiteral("done")).toBool()});
+        });
 }
 
 } // namespace tomelet::desktop

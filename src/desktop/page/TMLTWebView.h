@@ -3,12 +3,16 @@
 // last told of itself at hand, as scripts in a page answer in their own time.
 #pragma once
 
+#include "editor/PageBoxes.h"
+
 #include <QImage>
 #include <QTimer>
 #include <QVariantMap>
 #include <QWebEngineView>
 
 #include <functional>
+
+class QMimeData;
 
 namespace tomelet::desktop {
 
@@ -31,6 +35,8 @@ public:
 
     /// Before each page: whether the one that is loaded now may become editable. Forgets the one before it.
     void expectPage(bool mayBeEdited);
+    /// After expectPage, for a page that is editable already: it gets the body of this one, and the caret stays.
+    void takePage(const QString &page);
     /// Makes the page editable and puts the caret into it; a page that is still loading follows when it is
     /// there.
     void beginEditing(bool keepsContentsTable);
@@ -67,6 +73,8 @@ Q_SIGNALS:
     void edited();
     void stateChanged(const tomelet::desktop::FormattingState &state);
     void linkWanted(const QUrl &url);
+    /// A check box of a page that cannot be edited was clicked; the page shows it as before.
+    void boxClicked(const tomelet::PageBox &box);
     void imagePasted(const QImage &image);
     void filesDropped(const QStringList &paths);
 
@@ -74,14 +82,25 @@ protected:
     bool event(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dragMoveEvent(QDragMoveEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
+    // Out of the page's own reach, and also there where pages run no scripts.
+    static constexpr quint32 editorWorld = 1;
+
     void ask(const QString &script, std::function<void()> then = {});
     void take(const QVariantMap &answer);
     void loaded(bool fine);
+    void start(const QString &script);
     bool keyPressed(const QKeyEvent &event);
     bool mouseReleased(const QMouseEvent &event);
+    void lookForBox(const QString &place);
     bool pasteImage();
+    bool takeFilesOrPicture(const QMimeData &given);
+    [[nodiscard]] bool takesDrop(const QMimeData &given) const;
+    void dropped(QDropEvent &event);
     void addSuggestions(QMenu *menu);
     void inputHappened();
 
@@ -98,6 +117,7 @@ private:
     QString m_selected;
     QString m_hovered;
     QTimer m_afterInput; // lets the page take the input before it is asked
+    QTimer m_content;    // a long page tells what it holds a while after a change
     QTimer m_watch;      // for what no key tells, such as the menu of the page
 };
 

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A page that follows no link itself: it tells where one leads, and whether that is wanted in a tab of its own.
+#pragma once
+
+#include <QWebEnginePage>
+
+#include <functional>
+
+namespace tomelet::desktop {
+
+using LinkFollower = std::function<void(const QUrl &, bool inNewTab)>;
+
+class LinkPage final : public QWebEnginePage
+{
+public:
+    LinkPage(QObject *parent, LinkFollower follow);
+
+protected:
+    bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;
+    QWebEnginePage *createWindow(WebWindowType type) override;
+
+private:
+    LinkFollower m_follow;
+};
+
+} // namespace tomelet::desktop
