@@ -41,17 +41,15 @@ bool DocumentPane::mayLeave()
     if (m_isLeaving || m_isSettling) return false;
     settlePage();
     m_isLeaving = true;
-    bool leaves = false;
     bool asks = true;
     while (asks) {
         m_controller.writeTextToFile();
-        leaves = !m_controller.isEdited();
-        asks = !leaves && askAboutUnsaved();
+        asks = m_controller.isEdited() && askAboutUnsaved();
     }
     m_isLeaving = false;
-    leaves = !m_controller.isEdited();
-    if (leaves) dropRescue();
-    return leaves;
+    if (m_controller.isEdited()) return false;
+    dropRescue();
+    return true;
 }
 
 // True when saving is to be tried again. What is given up, or saved elsewhere, counts as edited no more.
