@@ -16,7 +16,7 @@ namespace {
 
 constexpr int inputDelay = 40;    // milliseconds; the page has a key by then
 constexpr int watchDelay = 500;   // between looks that no input asked for
-constexpr int contentDelay = 150; // a long page is not read at each key
+constexpr int contentDelay = 80; // a long page is not read at each key
 constexpr int longestWait = 2000;
 
 QString scriptFile(const QString &name)
