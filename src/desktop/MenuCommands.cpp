@@ -25,13 +25,15 @@ void addTabCommands(QMenu *menu, DocumentDesk *desk)
     const auto keys = [](const char *first, const char *second) {
         return QList{QKeySequence(QString::fromLatin1(first)), QKeySequence(QString::fromLatin1(second))};
     };
-    addCommand(menu, TOMELET_TEXT("Ne&xt Tab"), {}, desk, [desk] { desk->tabs()->step(1); })
-        ->setShortcuts(keys("Ctrl+Tab", "Ctrl+PgDown"));
-    addCommand(menu, TOMELET_TEXT("Pre&vious Tab"), {}, desk, [desk] { desk->tabs()->step(-1); })
-        ->setShortcuts(keys("Ctrl+Shift+Tab", "Ctrl+PgUp"));
-    QAction *split = addCommand(menu, TOMELET_TEXT("T&wo Documents Beside Each Other"),
-                                QKeySequence(QStringLiteral("Ctrl+\\")), desk,
-                                [desk] { desk->setSplit(!desk->isSplit()); });
+    addCommand(menu, TOMELET_TEXT("Ne&xt Tab"), {}, desk, [desk] {
+        desk->tabs()->step(1);
+    })->setShortcuts(keys("Ctrl+Tab", "Ctrl+PgDown"));
+    addCommand(menu, TOMELET_TEXT("Pre&vious Tab"), {}, desk, [desk] {
+        desk->tabs()->step(-1);
+    })->setShortcuts(keys("Ctrl+Shift+Tab", "Ctrl+PgUp"));
+    QAction *split =
+        addCommand(menu, TOMELET_TEXT("T&wo Documents Beside Each Other"), QKeySequence(QStringLiteral("Ctrl+\\")),
+                   desk, [desk] { desk->setSplit(!desk->isSplit()); });
     split->setCheckable(true);
     QObject::connect(desk, &DocumentDesk::splitChanged, split, &QAction::setChecked);
 }

@@ -48,19 +48,20 @@ PatternMatches bracketsOf(const QString &path, const QString &source)
 QString labelled(const QString &source, const PatternMatches &brackets)
 {
     Edits edits;
-    for (size_t i = brackets.size(); i-- > 0;)
-        edits.replace({brackets[i].range().end(), 0}, labelFor(i));
+    for (size_t i = brackets.size(); i-- > 0;) edits.replace({brackets[i].range().end(), 0}, labelFor(i));
     return edits.appliedTo(source);
 }
 
 QString pageOf(const QString &path, const QString &source)
 {
-    return isCombinedMarkdown(path) ? tm_stripMarkdownFromHTML(combinedForm(source)) : markdownPageWithText(path, source);
+    return isCombinedMarkdown(path) ? tm_stripMarkdownFromHTML(combinedForm(source))
+                                    : markdownPageWithText(path, source);
 }
 
 PatternMatches boxesOf(const QString &page)
 {
-    static const QString item = QStringLiteral(R"x(<li\s[^>]*?class="(?:[^"]*\s)?tm_checkbox(_done)?(?:\s[^"]*)?"[^>]*>)x");
+    static const QString item =
+        QStringLiteral(R"x(<li\s[^>]*?class="(?:[^"]*\s)?tm_checkbox(_done)?(?:\s[^"]*)?"[^>]*>)x");
     static const QString label = QStringLiteral(R"((?:\s*<p>)*\s*(?:\x{F6DE}([\x{F6E0}-\x{F6E9}]+)\x{F6DF})?)");
     return matchesOfPattern(page, item + label);
 }

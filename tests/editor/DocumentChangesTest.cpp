@@ -276,3 +276,30 @@ TEST_F(DocumentController, contextsLinksAndPicturesAreNoted)
     EXPECT_EQ(tm_propertyForKey(path, QStringLiteral("Embedded Photos")).toStringList(),
               QStringList(QStringLiteral("TMImages/x.png")));
 }
+
+TEST_F(DocumentController, anotherViewTakesInWhatThisOneSaved)
+{
+    const QString path = document(QStringLiteral("/Title.md"), "Title\n\ntext\n");
+    FakeDocumentView otherView;
+    TMLTDocumentViewController other(otherView);
+    ASSERT_TRUE(controller.openDocument(path));
+    ASSERT_TRUE(other.openDocument(path));
+    type(QStringLiteral("Title\n\ntext and more\n"));
+    pause();
+    EXPECT_EQ(otherView.plainText, QStringLiteral("Title\n\ntext and more\n"));
+    type(QStringLiteral("New\n\ntext and more\n"));
+    pause();
+    EXPECT_EQ(other.path(), at(QStringLiteral("/New.md")));
+    EXPECT_EQ(otherView.plainText, QStringLiteral("New\n\ntext and more\n"));
+    EXPECT_TRUE(otherView.backList.contains(at(QStringLiteral("/New.md"))));
+    ASSERT_TRUE(other.shouldChangeText(false));
+    otherView.plainText = QStringLiteral("New\n\nby the other\n");
+    other.textDidChange();
+    settings().setObject(QStringLiteral("noAutosaveText"), true);
+    other.saveTyping();
+    EXPECT_TRUE(other.isEdited()); // such texts are saved on command only
+    settings().remove(QStringLiteral("noAutosaveText"));
+    other.saveTyping();
+    EXPECT_EQ(view.plainText, QStringLiteral("New\n\nby the other\n"));
+    EXPECT_EQ(names({}).filter(QStringLiteral(".md")), QStringList{QStringLiteral("New.md")});
+}

@@ -103,11 +103,13 @@ TEST_F(PageBoxes, markdownInsideOfAPage)
 {
     const QString path = write(QStringLiteral("/Note.html"), {});
     tm_setProperty(path, QStringLiteral("OK"), QStringLiteral("Markdown"));
-    write(QStringLiteral("/Note.html"), "<!-- Plain Text Representation:\nList\n\n- [ ] a \\-\\-\\> b\n- [x] c \n-->\n\n");
+    write(QStringLiteral("/Note.html"),
+          "<!-- Plain Text Representation:\nList\n\n- [ ] a \\-\\-\\> b\n- [x] c \n-->\n\n");
     const std::vector<PageBox> boxes = boxesOnPage(path);
     ASSERT_EQ(boxes.size(), 2U);
     ASSERT_EQ(toggleBox(path, boxes[0]), BoxResult::Toggled);
     const QByteArray after = read(QStringLiteral("/Note.html"));
-    EXPECT_TRUE(after.startsWith("<!-- Plain Text Representation:\nList\n\n- [x] a \\-\\-\\> b\n- [x] c")) << after.toStdString();
+    EXPECT_TRUE(after.startsWith("<!-- Plain Text Representation:\nList\n\n- [x] a \\-\\-\\> b\n- [x] c"))
+        << after.toStdString();
     EXPECT_EQ(after.count("tm_checkbox_done\">"), 2);
 }

@@ -32,7 +32,10 @@ static constexpr qsizetype longestPageAtOnce = 300 * 1024;
 static constexpr int layOutDelay = 300; // milliseconds after which the rest follows
 static constexpr int layOutPause = 30;  // between two bits
 
-QString DocumentPane::mainFrameURL() const { return m_base; }
+QString DocumentPane::mainFrameURL() const
+{
+    return m_base;
+}
 
 void DocumentPane::showPage(const QString &html, const QString &base)
 {
@@ -64,9 +67,10 @@ void DocumentPane::layOutMore()
 {
     if (!m_isLong) return;
     if (m_isLoading) return m_layOut.start(layOutDelay);
-    m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1, [self = QPointer(this)](const QVariant &more) {
-        if (self && more.toBool()) self->m_layOut.start(layOutPause);
-    });
+    m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1,
+                                  [self = QPointer(this)](const QVariant &more) {
+                                      if (self && more.toBool()) self->m_layOut.start(layOutPause);
+                                  });
 }
 
 // While Markdown is shown as text its page gets a place to come to, so that the person does not wait for the engine.
@@ -126,8 +130,9 @@ void DocumentPane::changeEvent(QEvent *event)
 void DocumentPane::runWhenLoaded(const QString &script)
 {
     if (!m_isLoading) return m_view->page()->runJavaScript(script, 1);
-    connect(m_view->page(), &QWebEnginePage::loadFinished, this,
-            [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
+    connect(
+        m_view->page(), &QWebEnginePage::loadFinished, this,
+        [this, script] { m_view->page()->runJavaScript(script, 1); }, Qt::SingleShotConnection);
 }
 
 // A page that is being edited takes the new head alone, and keeps caret, history and position.
@@ -160,7 +165,8 @@ void DocumentPane::restoreOffset(qlonglong offset)
     m_wantedOffset = offset;
     // The last wish of a load counts.
     QTimer::singleShot(0, this, [this] {
-        const QString scroll = m_isLong ? QStringLiteral("tmLongPage.scrollTo(%1)") : QStringLiteral("window.scrollTo(0, %1)");
+        const QString scroll =
+            m_isLong ? QStringLiteral("tmLongPage.scrollTo(%1)") : QStringLiteral("window.scrollTo(0, %1)");
         if (m_wantedOffset >= 0) runWhenLoaded(scroll.arg(m_wantedOffset));
         m_wantedOffset = -1;
     });

@@ -16,8 +16,7 @@ public:
     NewTab(QObject *parent, LinkFollower follow)
         : QWebEnginePage(pageProfile(), parent)
         , m_follow(std::move(follow))
-    {
-    }
+    {}
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType, bool) override
@@ -36,8 +35,7 @@ private:
 LinkPage::LinkPage(QObject *parent, LinkFollower follow)
     : QWebEnginePage(pageProfile(), parent)
     , m_follow(std::move(follow))
-{
-}
+{}
 
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {

@@ -40,9 +40,9 @@ QString pageInScheme(const QString &html, const QPalette &palette)
 }
 
 // The rule that longpage.js takes back; the first screens are laid out at once.
-const QString longPageRule = QStringLiteral(
-    "<style id=\"tm_long_page\">body > :nth-child(n+41) "
-    "{ content-visibility: auto; contain-intrinsic-size: auto 4em; }</style>\n</head>");
+const QString longPageRule =
+    QStringLiteral("<style id=\"tm_long_page\">body > :nth-child(n+41) "
+                   "{ content-visibility: auto; contain-intrinsic-size: auto 4em; }</style>\n</head>");
 
 } // namespace
 
@@ -57,7 +57,8 @@ QString pageToShow(const QString &html, const QUrl &address, const QPalette &pal
     QString page = pageInScheme(html, palette);
     const qsizetype head = page.indexOf(u"<head>");
     if (head >= 0)
-        page.replace(head, 6, QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded())));
+        page.replace(head, 6,
+                     QStringLiteral("<head>\n<base href=\"%1\">").arg(QString::fromLatin1(address.toEncoded())));
     return page;
 }
 
@@ -69,8 +70,8 @@ QString withLongPageRule(QString page)
 
 QString longPageScript()
 {
-    static const QString script = QString::fromUtf8(
-        readFile(resourcePath(QStringLiteral("editor/longpage.js"))).value_or(QByteArray()));
+    static const QString script =
+        QString::fromUtf8(readFile(resourcePath(QStringLiteral("editor/longpage.js"))).value_or(QByteArray()));
     return script;
 }
 

@@ -14,9 +14,9 @@ namespace tomelet::desktop {
 
 namespace {
 
-constexpr int inputDelay = 40;  // milliseconds; the page has a key by then
-constexpr int watchDelay = 500; // between looks that no input asked for
-constexpr int contentDelay = 250; // a long page is not read at each key
+constexpr int inputDelay = 40;    // milliseconds; the page has a key by then
+constexpr int watchDelay = 500;   // between looks that no input asked for
+constexpr int contentDelay = 80; // a long page is not read at each key
 constexpr int longestWait = 2000;
 
 QString scriptFile(const QString &name)
@@ -118,12 +118,11 @@ void TMLTWebView::endEditing()
 void TMLTWebView::ask(const QString &script, std::function<void()> then)
 {
     if (!m_editing) return;
-    page()->runJavaScript(
-        script, editorWorld,
-        [self = QPointer(this), number = m_page, then = std::move(then)](const QVariant &answer) {
-            if (self && self->m_page == number) self->take(answer.toMap());
-            if (self && then) then();
-        });
+    page()->runJavaScript(script, editorWorld,
+                          [self = QPointer(this), number = m_page, then = std::move(then)](const QVariant &answer) {
+                              if (self && self->m_page == number) self->take(answer.toMap());
+                              if (self && then) then();
+                          });
 }
 
 // A script that failed answers nothing, and nothing happened.
@@ -134,10 +133,10 @@ void TMLTWebView::take(const QVariantMap &answer)
     if (waits) m_content.start();
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
-    Q_EMIT stateChanged(
-        {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
-         answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
-         answer.value(QStringLiteral("inTable")).toBool()});
+    Q_EMIT stateChanged({answer.value(QStringLiteral("block")).toString(),
+                         answer.value(QStringLiteral("list")).toString(), answer.value(QStringLiteral("state")).toMap(),
+                         answer.value(QStringLiteral("marked")).toBool(),
+                         answer.value(QStringLiteral("inTable")).toBool()});
     // A save that comes first finds what was there before, and another follows.
     if (waits) Q_EMIT edited();
     if (!answer.value(QStringLiteral("changed")).toBool()) return;
@@ -178,15 +177,14 @@ void TMLTWebView::waitForPage()
 
 void TMLTWebView::lookForBox(const QString &place)
 {
-    page()->runJavaScript(
-        boxesScript() + QStringLiteral("tmBoxes.told") + place, editorWorld,
-        [self = QPointer(this), number = m_page](const QVariant &answer) {
-            const QVariantMap box = answer.toMap();
-            if (!self || self->m_page != number || box.isEmpty()) return;
-            Q_EMIT self->boxClicked({box.value(QStringLiteral("number")).toLongLong(),
-                                     box.value(QStringLiteral("count")).toLongLong(),
-                                     box.value(QStringLiteral("done")).toBool()});
-        });
+    page()->runJavaScript(boxesScript() + QStringLiteral("tmBoxes.told") + place, editorWorld,
+                          [self = QPointer(this), number = m_page](const QVariant &answer) {
+                              const QVariantMap box = answer.toMap();
+                              if (!self || self->m_page != number || box.isEmpty()) return;
+                              Q_EMIT self->boxClicked({box.value(QStringLiteral("number")).toLongLong(),
+                                                       box.value(QStringLiteral("count")).toLongLong(),
+                                                       box.value(QStringLiteral("done")).toBool()});
+                          });
 }
 
 } // namespace tomelet::desktop

@@ -39,8 +39,7 @@ namespace {
 
 bool isTyping(const QKeyEvent &event)
 {
-    const bool plain =
-        !(event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier));
+    const bool plain = !(event.modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier | Qt::GroupSwitchModifier));
     return plain && !event.text().isEmpty() && event.key() != Qt::Key_Escape;
 }
 
@@ -100,8 +99,7 @@ bool TMLTWebView::keyPressed(const QKeyEvent &event)
     if (event.matches(QKeySequence::Undo)) return undo(), true;
     if (event.matches(QKeySequence::Redo)) return redo(), true;
     if (event.matches(QKeySequence::Paste)) return pasteImage();
-    if (const QString command = commandOfKey(event); !command.isEmpty())
-        return run(scriptOfCommand(command)), true;
+    if (const QString command = commandOfKey(event); !command.isEmpty()) return run(scriptOfCommand(command)), true;
     const bool back = event.key() == Qt::Key_Backtab;
     if (event.key() == Qt::Key_Tab || back)
         return run(back ? QStringLiteral("tm.tab(true)") : QStringLiteral("tm.tab(false)")), true;
@@ -167,11 +165,8 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
         inputHappened();
         if (mouseReleased(*static_cast<QMouseEvent *>(event))) return true;
         break;
-    case QEvent::InputMethod:
-        inputHappened();
-        break;
-    default:
-        break;
+    case QEvent::InputMethod: inputHappened(); break;
+    default: break;
     }
     return QWebEngineView::eventFilter(watched, event);
 }
@@ -227,8 +222,7 @@ void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
         menu->addSeparator();
         for (const FormattingCommand &command : formattingCommands()) {
             const QString name = QString::fromLatin1(command.name);
-            if (!name.startsWith(u"row") && !name.startsWith(u"column") && !name.startsWith(u"remove"))
-                continue;
+            if (!name.startsWith(u"row") && !name.startsWith(u"column") && !name.startsWith(u"remove")) continue;
             menu->addAction(localized(command.text), this, [this, name] { run(scriptOfCommand(name)); });
         }
     }
