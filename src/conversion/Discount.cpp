@@ -181,7 +181,7 @@ QString withContentsPlaced(QString html, const QString &table)
     return edits.appliedTo(html);
 }
 
-// The library marks a task by a glyph; style sheets and the way back know it by its class.
+// The library marks a task by a glyph and a blank; style sheets and the way back know it by its class.
 QString withTaskClasses(const QString &html)
 {
     QString result = html;
@@ -189,7 +189,7 @@ QString withTaskClasses(const QString &html)
                                       {QStringLiteral("&#x2611;"), QStringLiteral("tm_checkbox_done")}})
         result = regexSweep(result, QStringLiteral("<li class=\"github_checkbox\">((?:<p>)?)") + glyph + QStringLiteral(" ?"),
                             QStringLiteral("<li class=\"") + name + QStringLiteral("\">$1"));
-    return regexSweep(result, QStringLiteral("(<li class=\"tm_checkbox.*?>) "), QStringLiteral("$1"), PatternDotAll);
+    return result;
 }
 
 } // namespace

@@ -136,6 +136,8 @@ TEST_F(Page, discountEngine)
 {
     check({{"tasks", u"- [ ] a\n- [x] b\n- c"_s,
             u"<ul>\n<li class=\"tm_checkbox\">a</li>\n<li class=\"tm_checkbox_done\">b</li>\n<li>c</li>\n</ul>"_s},
+           {"tasks leave other blanks alone", u"- [ ] a\n\nb **c** d"_s,
+            u"<ul>\n<li class=\"tm_checkbox\">a</li>\n</ul>\n\n\n<p>b <strong>c</strong> d</p>"_s},
            {"title block", u"% T\n% A\n% D\n\ntext\n"_s,
             u"<div id=\"header\"><h1 class=\"title\">T</h1>\n<h2 class=\"author\">A</h2>\n<h3 class=\"date\">D</h3></div>\n"
             "<hr class=\"invisible-pagebreak\">\n<p>text</p>"_s},
