@@ -7,6 +7,7 @@
 #include "desktop/document/InfoPanel.h"
 #include "desktop/list/DocumentListModel.h"
 #include "desktop/list/DocumentListView.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "desktop/outline/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -76,6 +77,8 @@ void MainWindow::setApplication(AppDelegate &application)
 void MainWindow::makePanes()
 {
     m_list->setModel(m_listModel);
+    m_listModel->setBadges(m_outline->badges());
+    connect(m_outline->badges(), &OutlineBadges::changed, m_list->viewport(), qOverload<>(&QWidget::update));
     QFont font = m_listTitle->font();
     font.setWeight(QFont::DemiBold);
     m_listTitle->setFont(font);
@@ -108,21 +111,19 @@ void MainWindow::makePanes()
     setCentralWidget(m_pages);
     addDockWidget(Qt::RightDockWidgetArea, m_info);
     m_info->hide();
+    m_outline->setVisible(!settings().boolean(QStringLiteral("outlineIsCollapsed")));
 
     connect(m_outline, &OutlinePane::sourceSelected, this, &MainWindow::showSource);
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
     connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
     connect(m_list, &QListView::doubleClicked, this, [this](const QModelIndex &index) {
-        const QString path = m_listModel->pathAt(index);
-        if (pathIsPlainBook(path)) showItem(path);
-        else Q_EMIT extraWindowWanted(path);
+        if (!openRow(index)) Q_EMIT extraWindowWanted(m_listModel->pathAt(index));
     });
     connect(m_list, &DocumentListView::openWanted, this, [this](const QModelIndex &index) {
-        const QString path = m_listModel->pathAt(index);
-        if (pathIsPlainBook(path)) showItem(path);
-        else m_document->shownWidget()->setFocus(Qt::TabFocusReason);
+        if (!openRow(index)) m_document->shownWidget()->setFocus(Qt::TabFocusReason);
     });
+    connect(m_list, &DocumentListView::enclosingWanted, this, &MainWindow::showEnclosing);
     connect(m_list, &DocumentListView::toggleWanted, this,
             [this](const QStringList &paths) { toggleTasks(m_actions, paths); });
     connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
@@ -186,6 +187,39 @@ void MainWindow::showSource(const ListSource &source)
     updateListTexts();
 }
 
+// Whether the row led to another list: a book, a smart book or a context.
+bool MainWindow::openRow(const QModelIndex &index)
+{
+    const auto source = m_listModel->sourceAt(index);
+    if (!source) return false;
+    if (source->smartType == OrdinaryBook) {
+        showItem(source->book);
+        return true;
+    }
+    showSource(*source);
+    focusList();
+    return true;
+}
+
+// The book that one comes from is the one selected.
+void MainWindow::showEnclosing()
+{
+    const ListSource from = m_listModel->controller().source();
+    const ListSource source = m_listModel->controller().enclosingSource();
+    if (source.smartType == OrdinaryBook) showItem(source.book);
+    else showSource(source);
+    if (const QModelIndex index = m_listModel->indexOfPath(from.book); index.isValid()) m_list->selectOnly(index);
+}
+
+// The list takes the place of the hidden outline: it shows books and smart books above the documents.
+void MainWindow::showOutline(bool shown)
+{
+    m_outline->setVisible(shown);
+    settings().setObject(QStringLiteral("outlineIsCollapsed"), shown ? QVariant() : QVariant(true));
+    m_listModel->reload();
+    updateListTexts();
+}
+
 void MainWindow::updateListTexts()
 {
     const TMLTDocumentListViewController &list = m_listModel->controller();
@@ -240,15 +274,20 @@ void MainWindow::dueTasksChanged()
 {
     m_outlineController.updateSmartBookOfType(DueTasksBook);
     m_outline->recount();
-    if (m_listModel->controller().source().smartType == DueTasksBook) reloadListFor({});
+    const TMLTDocumentListViewController &list = m_listModel->controller();
+    if (list.source().smartType == DueTasksBook || !list.smartBooksList.isEmpty()) reloadListSoon();
 }
 
-// Lists follow a moment later, so that a thousand changes are one reload.
 void MainWindow::reloadListFor(const QString &path)
 {
     const ListSource &source = m_listModel->controller().source();
     const bool concerned = source.smartType != OrdinaryBook || parentPath(path) == source.book;
-    if (!concerned) return;
+    if (concerned) reloadListSoon();
+}
+
+// A moment later, so that a thousand changes are one reload.
+void MainWindow::reloadListSoon()
+{
     platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
         m_listModel->reload();
         updateListTexts();
@@ -325,7 +364,8 @@ void MainWindow::newRoot()
 QStringList MainWindow::selectedDocuments() const
 {
     QStringList paths;
-    for (const QModelIndex &index : m_list->selectionModel()->selectedRows()) paths.append(m_listModel->pathAt(index));
+    for (const QModelIndex &index : m_list->selectionModel()->selectedRows())
+        if (const QString path = m_listModel->pathAt(index); !path.isEmpty()) paths.append(path);
     return paths;
 }
 

@@ -109,9 +109,13 @@ private:
     void showStatus(const QString &text) override;
 
     void showSource(const ListSource &source);
+    bool openRow(const QModelIndex &index);
+    void showEnclosing();
+    void showOutline(bool shown);
     void updateListTexts();
     void documentSelected();
     void reloadListFor(const QString &path);
+    void reloadListSoon();
     void waitForRoot();
     void newRoot();
     void newBook();

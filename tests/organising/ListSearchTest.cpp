@@ -185,6 +185,44 @@ TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)
         EXPECT_TRUE(exists(kept)) << kept.toStdString();
 }
 
+TEST_F(Listing, OfContextsAndOfTheRootWithoutTheOutline)
+{
+    installNotebookOrganiser();
+    makeBook(u"/TMResources/Misc"_s);
+    settings().setObject(u"contextsEnabled"_s, true);
+    const QString note = write(u"/Box/note.md"_s);
+    tm_updateContextsRemoving(note, {}, {u"@work"_s, u"@home"_s});
+    tm_setTag(note, u"_TMFAV"_s);
+    const ListSource contexts{{}, ContextsBook, {}};
+    EXPECT_EQ(listed(contexts), (QStringList{u"@home"_s, u"@work"_s}));
+    settings().setObject(u"contextsSortOrder"_s, u"custom"_s);
+    EXPECT_EQ(listed(contexts), (QStringList{u"@work"_s, u"@home"_s}));
+    settings().setObject(u"contextsSortOrder"_s, u"title"_s);
+    settings().setObject(u"contextsSortDescending"_s, true);
+    EXPECT_EQ(listed(contexts), (QStringList{u"@work"_s, u"@home"_s}));
+
+    TMLTDocumentListViewController list;
+    const auto rows = [&list] {
+        QStringList titles;
+        for (const QVariantMap &row : list.rows()) titles.append(row.value(u"title"_s).toString());
+        return titles.join(u", "_s);
+    };
+    list.setSource({root, OrdinaryBook, {}});
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), QString());
+    settings().setObject(u"outlineIsCollapsed"_s, true);
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), u"Favorites, Recent Items, Recently Modified, Contexts, Box"_s);
+    EXPECT_EQ(list.sourceOf(list.rows()[0]).smartType, FavoritesBook);
+    EXPECT_EQ(list.sourceOf(list.rows()[4]).book, at(u"/Box"_s));
+    list.setSource({at(u"/Box"_s), OrdinaryBook, {}});
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), u"note.md"_s);
+    EXPECT_EQ(list.enclosingSource().book, root);
+    list.setSource({{}, ContextBook, {u"@home"_s}});
+    EXPECT_EQ(list.enclosingSource().smartType, ContextsBook);
+}
+
 TEST_F(Listing, HidesDoneTasksAndSaysSo)
 {
     installNotebookOrganiser();

@@ -20,6 +20,8 @@ Q_SIGNALS:
     void toggleWanted(const QStringList &paths);
     /// Return was pressed on a row.
     void openWanted(const QModelIndex &index);
+    /// Backspace was pressed.
+    void enclosingWanted();
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;

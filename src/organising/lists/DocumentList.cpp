@@ -47,6 +47,8 @@ QString bookOf(const ListSource &source)
     return source.smartType == OrdinaryBook ? source.book : QString();
 }
 
+const QString smartTypeKey = QStringLiteral("smartType");
+
 bool rowIsFinished(const QVariantMap &row)
 {
     return tm_taskIsDoneOrCanceled(row.value(QStringLiteral("taskIcon")).toString());
@@ -142,6 +144,7 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
     case SearchResultsBook: readPaths(lastSearchResults()); break;
+    case ContextsBook: readContexts(); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
     }
@@ -200,6 +203,47 @@ void TMLTDocumentListViewController::readRecentlyModified()
         }
     }
     readPaths(paths);
+}
+
+// A context is no file: it has a title and its place in the list of contexts.
+void TMLTDocumentListViewController::readContexts()
+{
+    const QStringList words = organiser().availableContexts();
+    for (qsizetype i = 0; i < words.size(); ++i)
+        if (words[i] != u"_TMFAV" && passesFilter(words[i]))
+            documentsList.append({{QStringLiteral("title"), words[i]},
+                                  {QStringLiteral("path"), words[i]},
+                                  {QStringLiteral("custom"), QStringLiteral("%1").arg(i, 4, 10, QLatin1Char('0'))},
+                                  {QStringLiteral("pinnedSequence"), notFoundIndex},
+                                  {smartTypeKey, int(ContextBook)}});
+}
+
+QList<QVariantMap> TMLTDocumentListViewController::rows() const
+{
+    QList<QVariantMap> all;
+    for (const int type : smartBooksList) {
+        const QString title = TMLTOutlineItem::titleForSmartBookOfType(type);
+        all.append({{QStringLiteral("title"), title},
+                    {QStringLiteral("path"), title},
+                    {QStringLiteral("pinnedSequence"), notFoundIndex},
+                    {smartTypeKey, type}});
+    }
+    return all + booksList + documentsList;
+}
+
+ListSource TMLTDocumentListViewController::sourceOf(const QVariantMap &row) const
+{
+    const QString path = row.value(QStringLiteral("path")).toString();
+    const int type = row.value(smartTypeKey).toInt();
+    if (type == ContextBook) return {{}, type, {path}};
+    return type == OrdinaryBook ? ListSource{path, type, {}} : ListSource{{}, type, {}};
+}
+
+ListSource TMLTDocumentListViewController::enclosingSource() const
+{
+    if (m_source.smartType == ContextBook) return {{}, ContextsBook, {}};
+    const bool isBelow = m_source.smartType == OrdinaryBook && m_source.book != tomeletRoot();
+    return {isBelow ? parentPath(m_source.book) : tomeletRoot(), OrdinaryBook, {}};
 }
 
 void TMLTDocumentListViewController::sortDocuments()

@@ -44,6 +44,14 @@ public:
     /// Moves documents by their positions so that the first stands at `target`, and keeps that as the custom order.
     void moveDocuments(QList<qsizetype> positions, qsizetype target);
 
+    /// All rows from top to bottom: smart books, books, documents. What is no file has its type under `smartType`; a
+    /// smart book's or context's path is its title.
+    [[nodiscard]] QList<QVariantMap> rows() const;
+    /// What a row leads to when it is opened; a book and type 0 for a document.
+    [[nodiscard]] ListSource sourceOf(const QVariantMap &row) const;
+    /// Where one gets on the way up: the enclosing book, for a context the list of contexts, else the root.
+    [[nodiscard]] ListSource enclosingSource() const;
+
     /// What to say in place of an empty list.
     [[nodiscard]] QString emptyText() const;
     /// The list's title.
@@ -61,6 +69,7 @@ private:
     void readBook(const QString &book);
     void readPaths(const QStringList &paths);
     void readRecentlyModified();
+    void readContexts();
     [[nodiscard]] bool passesFilter(const QString &name) const;
     [[nodiscard]] bool isPlainBook() const;
 
