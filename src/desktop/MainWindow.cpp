@@ -201,14 +201,17 @@ bool MainWindow::openRow(const QModelIndex &index)
     return true;
 }
 
-// The book that one comes from is the one selected.
+// The row that one comes from is the one selected.
 void MainWindow::showEnclosing()
 {
     const ListSource from = m_listModel->controller().source();
     const ListSource source = m_listModel->controller().enclosingSource();
     if (source.smartType == OrdinaryBook) showItem(source.book);
     else showSource(source);
-    if (const QModelIndex index = m_listModel->indexOfPath(from.book); index.isValid()) m_list->selectOnly(index);
+    const QString row = from.smartType == OrdinaryBook   ? from.book
+                        : from.smartType == ContextBook ? from.contexts.value(0)
+                                                        : TMLTOutlineItem::titleForSmartBookOfType(from.smartType);
+    if (const QModelIndex index = m_listModel->indexOfPath(row); index.isValid()) m_list->selectOnly(index);
 }
 
 // The list takes the place of the hidden outline: it shows books and smart books above the documents.

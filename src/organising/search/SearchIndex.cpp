@@ -9,6 +9,7 @@
 #include "organising/search/DocumentText.h"
 #include "organising/search/IndexDatabase.h"
 #include "organising/search/IndexTokens.h"
+#include "organising/search/OfficeText.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -74,7 +75,8 @@ std::string foldedName(const QString &path)
 bool keepsText(const QString &path)
 {
     const QString extension = lowerExtension(path);
-    return extension == u"pdf" || extension == u"eml" || extension.startsWith(u"htm");
+    return extension == u"pdf" || extension == u"eml" || extension == u"rtf" || extension.startsWith(u"htm") ||
+           isOfficeDocument(extension);
 }
 
 IndexDatabase::Entry entryOf(const QString &root, const Document &document)
