@@ -117,6 +117,10 @@ void MainWindow::makePanes()
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
     connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
+    connect(m_listModel, &QAbstractItemModel::modelReset, this, [this] {
+        if (const QModelIndex index = m_listModel->indexOfPath(m_document->path()); index.isValid())
+            m_list->selectOnly(index);
+    });
     connect(m_list, &QListView::doubleClicked, this, [this](const QModelIndex &index) {
         if (!openRow(index)) Q_EMIT extraWindowWanted(m_listModel->pathAt(index));
     });
@@ -292,6 +296,7 @@ void MainWindow::reloadListFor(const QString &path)
 void MainWindow::reloadListSoon()
 {
     platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
+        if (m_listModel->controller().source().smartType == SearchResultsBook) return m_search->reloadResults();
         m_listModel->reload();
         updateListTexts();
     });

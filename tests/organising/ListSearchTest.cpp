@@ -93,6 +93,12 @@ TEST_F(Field, FiltersByNameAndThenSearchesAndLeadsBack)
     EXPECT_EQ(view.status, QString());
     EXPECT_TRUE(TMLTOutlineItem::smartBookOfType(SearchResultsBook));
 
+    ASSERT_TRUE(QFile::remove(at(u"/Other/Apple.md"_s)));
+    search.reloadResults();
+    EXPECT_EQ(titlesOf(list).size(), 2); // in the background
+    waitForResults();
+    EXPECT_EQ(titlesOf(list), QStringList{u"Pear.md"_s});
+
     type(u"apple pie"_s);
     waitForResults();
     EXPECT_EQ(titlesOf(list), QStringList());

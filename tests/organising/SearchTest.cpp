@@ -376,9 +376,11 @@ protected:
         bool answered = false;
         QStringList result;
         files.search(makeSearchQuery(tm_arrayOfSearchTermsInString(text), SearchMode::TitleAndContent), root,
-                     [&](const QStringList &paths) {
-                         answered = true;
-                         result = below(paths);
+                     [&](const QStringList &paths) -> FileIndex::Shown {
+                         return [&, paths] {
+                             answered = true;
+                             result = below(paths);
+                         };
                      });
         QElapsedTimer timer;
         for (timer.start(); !answered && timer.elapsed() < 20000;)
@@ -411,7 +413,8 @@ TEST_F(LiveSearch, AStoppedSearchNeverAnswers)
     writeSome();
     FileIndex files;
     files.present();
-    files.search(makeSearchQuery({u"apple"_s}, SearchMode::Content), root, [](const QStringList &) { FAIL(); });
+    files.search(makeSearchQuery({u"apple"_s}, SearchMode::Content), root,
+                 [](const QStringList &) -> FileIndex::Shown { return [] { FAIL(); }; });
     EXPECT_EQ(asked(files, u"flour"_s), QStringList{u"/Book/Sub/Apple pie.txt"_s});
     files.stopSearch();
     EXPECT_FALSE(files.isSearching());

@@ -23,6 +23,9 @@
 
 namespace tomelet::desktop {
 
+// Coming or going at once.
+constexpr qsizetype mostRowsFollowed = 1000;
+
 DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
     : QAbstractListModel(parent)
     , m_actions(actions)
@@ -31,11 +34,17 @@ DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
 
 void DocumentListModel::show(const ListSource &source)
 {
-    beginResetModel();
-    m_taskDates.clear();
     m_checklists.clear();
+    m_taskDates.clear();
     m_controller.setSource(source);
     m_controller.getDocumentsInFolder();
+    takeAllRows();
+}
+
+void DocumentListModel::takeAllRows()
+{
+    beginResetModel();
+    m_shown = m_controller.source();
     m_rows = m_controller.rows();
     noteBooks();
     endResetModel();
@@ -59,11 +68,12 @@ static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
     return paths;
 }
 
-// A book's list holds its books while the outline is hidden; computed lists may hold any.
+// A book's list holds its books while the outline is hidden; computed lists may hold any, but nobody searches for books.
 void DocumentListModel::noteBooks()
 {
     m_books = pathsOf(m_controller.booksList);
-    if (m_controller.source().smartType == OrdinaryBook) return;
+    const int type = m_controller.source().smartType;
+    if (type == OrdinaryBook || type == SearchResultsBook) return;
     for (const QVariantMap &row : m_controller.documentsList)
         if (smartTypeOf(row) == OrdinaryBook && pathIsPlainBook(pathOf(row))) m_books.insert(pathOf(row));
 }
@@ -81,6 +91,8 @@ void DocumentListModel::changeRows(const std::function<void()> &change)
     m_controller.loadDisplayParameters();
     m_controller.getDocumentsInFolder();
     const QList<QVariantMap> after = m_controller.rows();
+    if (m_shown != m_controller.source() || std::abs(after.size() - m_rows.size()) > mostRowsFollowed)
+        return takeAllRows();
     noteBooks();
     // What went goes first, what came stands at the end, and then all take their places.
     removeAllBut(pathsOf(after));

@@ -42,7 +42,8 @@ public:
 
     [[nodiscard]] TMLTDocumentListViewController &controller() { return m_controller; }
     void show(const ListSource &source);
-    /// Reads the rows anew; rows that stay keep their selection.
+    /// Reads the rows anew; rows that stay keep their selection, unless the list shows something else by now or so many
+    /// rows that to follow each takes too long: then the model is reset.
     void reload();
     /// Keeps the row of an item that got another name in its book.
     void follow(const QString &from, const QString &to);
@@ -68,6 +69,7 @@ public:
 
 private:
     void changeRows(const std::function<void()> &change);
+    void takeAllRows();
     void removeAllBut(const QSet<QString> &kept);
     void appendNew(const QList<QVariantMap> &after);
     void takeOrder(const QList<QVariantMap> &after);
@@ -84,6 +86,7 @@ private:
     ItemActions &m_actions;
     OutlineBadges *m_badges = nullptr;
     QList<QVariantMap> m_rows; // as the views know them
+    ListSource m_shown;        // and where they come from
     QSet<QString> m_books;     // which of them are books
     mutable QHash<QString, QString> m_taskDates;     // by path, until the next reload
     mutable QHash<QString, qlonglong> m_checklists;  // by path and date of the file; -1 while it is counted

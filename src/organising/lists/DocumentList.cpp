@@ -22,6 +22,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <map>
 
 namespace tomelet {
 
@@ -143,7 +144,11 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         return readPaths(paths); // in the order of use
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
-    case SearchResultsBook: readPaths(lastSearchResults()); break;
+    case SearchResultsBook:
+        documentsList = m_results ? std::move(*m_results) : rowsOfSearchResults(lastSearchResults());
+        m_results.reset();
+        documentsList.removeIf([this](const QVariantMap &row) { return !passesFilter(row.value(QStringLiteral("title")).toString()); });
+        return; // sorted
     case ContextsBook: readContexts(); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
@@ -179,13 +184,60 @@ void TMLTDocumentListViewController::readBook(const QString &book)
         if (smartBookShouldExist(type)) smartBooksList.append(type);
 }
 
+namespace {
+
+/// Makes rows of items from anywhere, and reads what a book tells of its items once.
+class RowMaker
+{
+public:
+    QVariantMap rowOf(const QString &path)
+    {
+        if (pathIsPlainBook(path)) return itemRow(path, false, {}, {});
+        const Book &book = bookAt(parentPath(path));
+        const TaskRecord record = book.records ? book.records->of(lastPathComponent(path)) : TaskRecord();
+        const bool asTask = book.records && stateOf(record) != TaskState::NoTask;
+        return itemRow(path, asTask, asTask ? QVariant(record) : QVariant(), book.sources);
+    }
+
+private:
+    struct Book
+    {
+        RowSources sources;
+        std::optional<TaskRecords> records; // of a tasklist
+    };
+
+    const Book &bookAt(const QString &path)
+    {
+        const auto [book, isNew] = m_books.try_emplace(path);
+        if (!isNew) return book->second;
+        const QVariantMap properties = readDictionary(bookPropertiesPath(path));
+        book->second.sources = {LocalizedIndex(properties.value(QStringLiteral("Notes")).toStringList()),
+                                LocalizedIndex(properties.value(QStringLiteral("Pinned")).toStringList())};
+        if (organiser().bookIsTasklist(path)) book->second.records.emplace(path);
+        return book->second;
+    }
+
+    std::map<QString, Book> m_books;
+};
+
+} // namespace
+
 void TMLTDocumentListViewController::readPaths(const QStringList &paths)
 {
-    for (const QString &path : paths) {
-        if (!itemExists(path) || !passesFilter(lastPathComponent(path))) continue;
-        const bool asTask = !pathIsPlainBook(path) && organiser().itemIsTask(path);
-        documentsList.append(itemRow(path, asTask, {}, {}));
-    }
+    RowMaker maker;
+    for (const QString &path : paths)
+        if (itemExists(path) && passesFilter(lastPathComponent(path))) documentsList.append(maker.rowOf(path));
+}
+
+QList<QVariantMap> rowsOfSearchResults(const QStringList &paths)
+{
+    TMLTDocumentListViewController list;
+    list.setSource({{}, SearchResultsBook, {}});
+    RowMaker maker;
+    for (const QString &path : paths)
+        if (itemExists(path)) list.documentsList.append(maker.rowOf(path));
+    list.sortDocuments();
+    return std::move(list.documentsList);
 }
 
 void TMLTDocumentListViewController::readRecentlyModified()

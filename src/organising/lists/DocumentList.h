@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+#include <utility>
+
 namespace tomelet {
 
 /// What the list shows: a book by its full path, or a smart book by its type (see SmartBookType) with its contexts.
@@ -15,10 +18,14 @@ struct ListSource
     QString book;
     int smartType = 0;
     QStringList contexts;
+    bool operator==(const ListSource &) const = default;
 };
 
 /// The book that is the inbox.
 [[nodiscard]] QString inboxFolder();
+
+/// The rows of search results in the order of their smart book. May be called from any thread: there may be thousands.
+[[nodiscard]] QList<QVariantMap> rowsOfSearchResults(const QStringList &paths);
 
 class TMLTDocumentListViewController
 {
@@ -26,6 +33,8 @@ public:
     void setSource(const ListSource &source);
     [[nodiscard]] const ListSource &source() const { return m_source; }
 
+    /// Hands over the rows of the search results, for the next rebuild alone.
+    void setRowsOfSearchResults(QList<QVariantMap> rows) { m_results = std::move(rows); }
     /// Rebuilds the rows of what is on display.
     void getDocumentsInFolder();
     /// Settles sort order and direction of what is on display.
@@ -74,6 +83,7 @@ private:
     [[nodiscard]] bool isPlainBook() const;
 
     ListSource m_source;
+    std::optional<QList<QVariantMap>> m_results;
 };
 
 } // namespace tomelet
