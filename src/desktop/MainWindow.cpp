@@ -117,10 +117,6 @@ void MainWindow::makePanes()
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
     connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
-    connect(m_listModel, &QAbstractItemModel::modelReset, this, [this] {
-        if (const QModelIndex index = m_listModel->indexOfPath(m_document->path()); index.isValid())
-            m_list->selectOnly(index);
-    });
     connect(m_list, &QListView::doubleClicked, this, [this](const QModelIndex &index) {
         if (!openRow(index)) Q_EMIT extraWindowWanted(m_listModel->pathAt(index));
     });
@@ -205,6 +201,15 @@ bool MainWindow::openRow(const QModelIndex &index)
     return true;
 }
 
+// The document on display stays selected, also where the rows are taken over as a whole.
+void MainWindow::reloadRows()
+{
+    m_listModel->reload();
+    updateListTexts();
+    if (m_list->selectionModel()->hasSelection()) return;
+    if (const QModelIndex index = m_listModel->indexOfPath(m_document->path()); index.isValid()) m_list->selectOnly(index);
+}
+
 // The row that one comes from is the one selected.
 void MainWindow::showEnclosing()
 {
@@ -223,8 +228,7 @@ void MainWindow::showOutline(bool shown)
 {
     m_outline->setVisible(shown);
     settings().setObject(QStringLiteral("outlineIsCollapsed"), shown ? QVariant() : QVariant(true));
-    m_listModel->reload();
-    updateListTexts();
+    reloadRows();
 }
 
 void MainWindow::updateListTexts()
@@ -297,8 +301,7 @@ void MainWindow::reloadListSoon()
 {
     platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
         if (m_listModel->controller().source().smartType == SearchResultsBook) return m_search->reloadResults();
-        m_listModel->reload();
-        updateListTexts();
+        reloadRows();
     });
 }
 
@@ -333,8 +336,7 @@ void MainWindow::observe()
         m_outlineController.expandPathToItem(path);
     });
     onPath("TMLTReloadCurrentBook", "path", [this](const QString &) {
-        m_listModel->reload();
-        updateListTexts();
+        reloadRows();
     });
     onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
 }
@@ -343,8 +345,7 @@ void MainWindow::observe()
 void MainWindow::waitForRoot()
 {
     statusBar()->showMessage(localized(TOMELET_TEXT("The notebook's folder is not there any more.")));
-    m_listModel->reload();
-    updateListTexts();
+    reloadRows();
     if (m_rootTimer) return;
     m_rootTimer = new QTimer(this);
     connect(m_rootTimer, &QTimer::timeout, this, [this] {

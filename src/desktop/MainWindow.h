@@ -113,6 +113,7 @@ private:
     void showEnclosing();
     void showOutline(bool shown);
     void updateListTexts();
+    void reloadRows();
     void documentSelected();
     void reloadListFor(const QString &path);
     void reloadListSoon();
