@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 namespace tomelet {
 
@@ -45,6 +46,10 @@ private:
         QString path;
         QByteArray bytes;
     };
+    struct Written;
+    [[nodiscard]] std::vector<Written> writeWaiting() const;
+    static bool flushDisksOf(const std::vector<Written> &files);
+
     QList<Waiting> m_files;
     QSet<QString> m_paths;
 };
