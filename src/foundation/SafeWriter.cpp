@@ -38,7 +38,8 @@ QByteArray folderOf(const QByteArray &target)
 class TemporaryFile
 {
 public:
-    explicit TemporaryFile(const QByteArray &folder) : m_folder(folder)
+    explicit TemporaryFile(const QByteArray &folder)
+        : m_folder(folder)
     {
         m_descriptor = ::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
         if (m_descriptor >= 0) return;
@@ -116,7 +117,8 @@ WriteResult failure(const QString &path)
 
 void takeOver(const QByteArray &target, int descriptor)
 {
-    struct stat old{};
+    struct stat old
+    {};
     if (::stat(target.constData(), &old) != 0) return;
     // The owner goes first: changing it clears bits of the mode. Only root may, and nobody else needs to.
     if (old.st_uid != ::geteuid() || old.st_gid != ::getegid())
@@ -178,7 +180,8 @@ bool FileBatch::flushDisksOf(const std::vector<Written> &files)
 {
     std::set<dev_t> flushed;
     for (const Written &entry : files) {
-        struct stat status{};
+        struct stat status
+        {};
         if (::fstat(entry.file->descriptor(), &status) != 0) return false;
         if (flushed.insert(status.st_dev).second && ::syncfs(entry.file->descriptor()) != 0) return false;
     }

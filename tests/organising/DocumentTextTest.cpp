@@ -41,12 +41,13 @@ protected:
 
 TEST_F(DocumentTexts, OfOfficeDocuments)
 {
-    const QString text = archiveOf(
-        u"Letter.odt"_s,
-        {{"mimetype", "application/vnd.oasis.opendocument.text"},
-         {"content.xml", "<o xmlns:text='t'><style>no text</style>\n <text:h>Über  uns</text:h>\n <text:p>wo<text:span>rd"
-                         "</text:span><text:tab/>next</text:p></o>"},
-         {"Object 1/content.xml", "<o xmlns:text='t'><text:p>elsewhere</text:p></o>"}});
+    const QString text =
+        archiveOf(u"Letter.odt"_s,
+                  {{"mimetype", "application/vnd.oasis.opendocument.text"},
+                   {"content.xml",
+                    "<o xmlns:text='t'><style>no text</style>\n <text:h>Über  uns</text:h>\n <text:p>wo<text:span>rd"
+                    "</text:span><text:tab/>next</text:p></o>"},
+                   {"Object 1/content.xml", "<o xmlns:text='t'><text:p>elsewhere</text:p></o>"}});
     EXPECT_EQ(documentText(text), u"Über  uns\nword next\n"_s);
 
     const QString report = archiveOf(
@@ -57,12 +58,14 @@ TEST_F(DocumentTexts, OfOfficeDocuments)
          {"word/footnotes.xml", "<w:f xmlns:w='w'><w:p><w:t>note</w:t></w:p></w:f>"}});
     EXPECT_EQ(documentText(report), u"Hello & you \nnote\n"_s);
 
-    const QString table = archiveOf(u"Table.xlsx"_s, {{"xl/sharedStrings.xml", "<sst><si><t>one</t></si><si><t>two</t><rPh>"
-                                                                               "<t>spoken</t></rPh></si></sst>"}});
+    const QString table =
+        archiveOf(u"Table.xlsx"_s, {{"xl/sharedStrings.xml", "<sst><si><t>one</t></si><si><t>two</t><rPh>"
+                                                             "<t>spoken</t></rPh></si></sst>"}});
     EXPECT_EQ(documentText(table), u"one\ntwo\n"_s);
 
-    const QString book = archiveOf(u"Book.epub"_s, {{"OEBPS/one.xhtml", "<html><body><p>First <b>page</b></p></body></html>"},
-                                                    {"OEBPS/style.css", "p { color: red }"}});
+    const QString book =
+        archiveOf(u"Book.epub"_s, {{"OEBPS/one.xhtml", "<html><body><p>First <b>page</b></p></body></html>"},
+                                   {"OEBPS/style.css", "p { color: red }"}});
     EXPECT_EQ(documentText(book).simplified(), u"First page"_s);
 }
 
@@ -88,7 +91,8 @@ TEST_F(DocumentTexts, OfAnArchiveThatUnpacksWithoutEndIsCut)
 {
     const QByteArray blanks(40 << 20, ' ');
     const QString bomb =
-        archiveOf(u"Large.odt"_s, {{"content.xml", "<o xmlns:text='t'><text:p>begin</text:p><text:p>" + blanks + "end</text:p></o>"}});
+        archiveOf(u"Large.odt"_s,
+                  {{"content.xml", "<o xmlns:text='t'><text:p>begin</text:p><text:p>" + blanks + "end</text:p></o>"}});
     const QString text = documentText(bomb);
     EXPECT_TRUE(text.startsWith(u"begin"_s));
     EXPECT_LT(text.size(), 33 << 20);

@@ -168,6 +168,15 @@ TEST_F(Listing, ResultsSurviveAndLeaveOutWhatIsGone)
     EXPECT_EQ(listed({{}, SearchResultsBook, {}}), (QStringList{u"a.md"_s, u"b.md"_s}));
     settings().setObject(u"searchResultsSortDescending"_s, true);
     EXPECT_EQ(listed({{}, SearchResultsBook, {}}), (QStringList{u"b.md"_s, u"a.md"_s}));
+    // The order of one call.
+    TMLTDocumentListViewController list;
+    list.setSource({{}, SearchResultsBook, {}});
+    list.sortAscending = true;
+    list.getDocumentsInFolder();
+    EXPECT_EQ(titlesOf(list), (QStringList{u"a.md"_s, u"b.md"_s}));
+    list.searchFilter = u"B"_s;
+    list.getDocumentsInFolder();
+    EXPECT_EQ(titlesOf(list), QStringList{u"b.md"_s});
 }
 
 TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)

@@ -81,8 +81,7 @@ public:
         , m_rightToLeft(option.direction == Qt::RightToLeft)
         , m_inner(option.rect.adjusted(margin, 8, -margin, -8))
         , m_text(m_inner.adjusted(m_rightToLeft ? 0 : iconSize + 8, 0, m_rightToLeft ? -iconSize - 8 : 0, 0))
-    {
-    }
+    {}
 
     void paint()
     {

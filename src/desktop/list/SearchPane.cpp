@@ -42,11 +42,13 @@ QWidget *MainWindow::makeSearchField()
         m_indexProgress->setValue(int(done));
     };
     m_search.emplace(m_listModel->controller(), m_index, static_cast<SearchFieldView &>(*this));
-    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) { m_search->searchFieldDidChange(text); });
+    connect(m_filter, &QLineEdit::textChanged, this,
+            [this](const QString &text) { m_search->searchFieldDidChange(text); });
     connect(m_filter, &QLineEdit::returnPressed, this,
             [this] { m_search->startSpotlightSearchWithString(m_filter->text()); });
     const auto onKey = [this](Qt::Key key, const std::function<void()> &action) {
-        connect(new QShortcut(key, m_filter, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this, action);
+        connect(new QShortcut(key, m_filter, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
+                action);
     };
     onKey(Qt::Key_Down, [this] { focusList(); });
     onKey(Qt::Key_Escape, [this] {

@@ -145,10 +145,13 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
     case SearchResultsBook:
-        documentsList = m_results ? std::move(*m_results) : rowsOfSearchResults(lastSearchResults());
-        m_results.reset();
-        documentsList.removeIf([this](const QVariantMap &row) { return !passesFilter(row.value(QStringLiteral("title")).toString()); });
-        return; // sorted
+        if (m_results) {
+            documentsList = std::move(*m_results); // sorted already
+            m_results.reset();
+            return;
+        }
+        readPaths(lastSearchResults());
+        break;
     case ContextsBook: readContexts(); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;

@@ -33,8 +33,8 @@ public:
 
     /// What is to be done on the main thread with what was made of the hits.
     using Shown = std::function<void()>;
-    /// Searches below a folder; `prepare` gets the full paths of the hits, in no order, on the thread of the search, and
-    /// answers with what comes on the main thread. A search under way is stopped first, and its answer never comes.
+    /// Searches below a folder; `prepare` gets the full paths of the hits, in no order, on the thread of the search,
+    /// and answers with what comes on the main thread. A search under way is stopped first, and its answer never comes.
     /// While the index is being made, or where there can be none, the documents are read one by one.
     void search(const SearchQuery &query, const QString &scope, std::function<Shown(const QStringList &)> prepare);
     /// Has something else prepared there, in place of what is under way.

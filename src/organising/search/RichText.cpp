@@ -30,9 +30,9 @@ Converter converterFor(const QByteArray &name)
 const QHash<QByteArray, char16_t> &characterWords()
 {
     static const QHash<QByteArray, char16_t> words{
-        {"par", u'\n'},    {"line", u'\n'},     {"row", u'\n'},      {"page", u'\n'},    {"sect", u'\n'},
-        {"tab", u'\t'},    {"cell", u'\t'},     {"emdash", u'—'},    {"endash", u'–'},   {"bullet", u'•'},
-        {"lquote", u'‘'},  {"rquote", u'’'},    {"ldblquote", u'“'}, {"rdblquote", u'”'}, {"emspace", u' '},
+        {"par", u'\n'},    {"line", u'\n'},   {"row", u'\n'},      {"page", u'\n'},     {"sect", u'\n'},
+        {"tab", u'\t'},    {"cell", u'\t'},   {"emdash", u'—'},    {"endash", u'–'},    {"bullet", u'•'},
+        {"lquote", u'‘'},  {"rquote", u'’'},  {"ldblquote", u'“'}, {"rdblquote", u'”'}, {"emspace", u' '},
         {"enspace", u' '}, {"qmspace", u' '},
     };
     return words;
@@ -41,8 +41,9 @@ const QHash<QByteArray, char16_t> &characterWords()
 /// Groups that hold something other than the document's text, beside those that say so themselves.
 bool holdsNoText(const QByteArray &word)
 {
-    static const QSet<QByteArray> words{"fonttbl", "colortbl", "stylesheet", "info", "pict", "object", "fldinst",
-                                        "listtable", "listoverridetable", "revtbl", "themedata", "datastore"};
+    static const QSet<QByteArray> words{
+        "fonttbl", "colortbl",  "stylesheet",        "info",   "pict",      "object",
+        "fldinst", "listtable", "listoverridetable", "revtbl", "themedata", "datastore"};
     return words.contains(word);
 }
 

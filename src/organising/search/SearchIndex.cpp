@@ -196,8 +196,8 @@ bool documentMatches(const QString &path, const SearchQuery &query, const QByteA
     std::optional<FoldedText> content;
     return matchesQuery(query, foldedName(path), [&]() -> const FoldedText & {
         if (!content)
-            content = foldedForSearch(keptText.isEmpty() ? documentText(path)
-                                                         : QString::fromUtf8(qUncompress(keptText)));
+            content =
+                foldedForSearch(keptText.isEmpty() ? documentText(path) : QString::fromUtf8(qUncompress(keptText)));
         return *content;
     });
 }
