@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The text index of a large notebook: `bench_search [DOCUMENTS] [FOLDER]`, 100,000 documents of 3 KB by default. Their
-// text is cut out of the text files of FOLDER where one is given, else made of words as frequent as those of a
-// language. Beside the first indexing stands a plain SQLite FTS5 table of the same files, read and put by the same
-// program.
+// The text index of a large notebook: `bench_search [DOCUMENTS] [FOLDER] [KEPT]`, 100,000 documents of 3 KB by default.
+// Their text is cut out of the text files of FOLDER where one is given ("" for none), else made of words as frequent as
+// those of a language. Beside the first indexing stands a plain SQLite FTS5 table of the same files, read and put by
+// the same program. In the folder KEPT notebook and index stay for further runs, which only ask queries.
 #include "foundation/Platform.h"
 #include "library/Root.h"
 #include "organising/search/SearchIndex.h"
@@ -217,40 +217,55 @@ void timeQueries(SearchIndex &index, const QString &root, const std::vector<QStr
         std::printf("    %8.2f ms  %s\n", times[i].first, times[i].second.left(70).toUtf8().constData());
 }
 
-} // namespace
-
-int main(int argc, char **argv)
+void usePlatformFor(const fs::path &root)
 {
-    const QCoreApplication application(argc, argv);
-    const int documents = argc > 1 ? std::atoi(argv[1]) : 100000;
-    const QTemporaryDir world;
-    const fs::path root = fs::path(world.path().toStdString()) / "root";
-    const qint64 bytes =
-        argc > 2 ? makeNotebook(root, documents, Cutter(argv[2])) : makeNotebook(root, documents, Writer());
     auto made = std::make_unique<Platform>();
     made->settings = makeMemorySettings();
-    const QString rootPath = QString::fromStdString(fs::canonical(root).string());
-    made->settings->setObject(QStringLiteral("TomeletFolder"), rootPath);
+    made->settings->setObject(QStringLiteral("TomeletFolder"), QString::fromStdString(root));
     setPlatform(std::move(made));
-    std::printf("%d documents, %.1f MB of text\n", documents, double(bytes) / 1e6);
+}
 
-    const QString file = world.path() + QStringLiteral("/Index.sqlite");
-    const fs::path plain = world.path().toStdString() + "/plain.sqlite";
+void timeIndexing(const fs::path &root, int documents, qint64 bytes, const fs::path &index, const fs::path &plain)
+{
+    const QString rootPath = QString::fromStdString(root);
+    const QString file = QString::fromStdString(index);
+    std::printf("%d documents, %.1f MB of text\n", documents, double(bytes) / 1e6);
     inProcess("plain FTS5", [&] { plainIndex(root, documents, plain); });
     inProcess("first indexing", [&] { SearchIndex(rootPath, file).update(rootPath); });
     inProcess("plain FTS5 once more", [&] {
         fs::remove(plain);
         plainIndex(root, documents, plain);
     });
-    const double size = megabytes(file.toStdString());
+    const double size = megabytes(index);
     std::printf("index %.1f MB, %.2f of the text; plain FTS5 %.1f MB\n", size, size * 1e6 / double(bytes),
                 megabytes(plain));
     inProcess("start, nothing changed", [&] { SearchIndex(rootPath, file).update(rootPath); });
     std::ofstream(pathOf(root, 0), std::ios::app) << "changed";
-    inProcess("one document changed", [&] {
-        SearchIndex(rootPath, file).update(QString::fromStdString(pathOf(fs::canonical(root), 0).string()));
-    });
-    SearchIndex index(rootPath, file);
+    inProcess("one document changed",
+              [&] { SearchIndex(rootPath, file).update(QString::fromStdString(pathOf(root, 0))); });
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const int documents = argc > 1 ? std::atoi(argv[1]) : 100000;
+    const QTemporaryDir made;
+    const fs::path world = argc > 3 ? fs::path(argv[3]) : fs::path(made.path().toStdString());
+    const fs::path index = world / "Index.sqlite";
+    const bool isNew = !fs::exists(index);
+    fs::create_directories(world / "root");
+    const fs::path root = fs::canonical(world / "root");
+    usePlatformFor(root);
+    if (isNew) {
+        const std::string folder = argc > 2 ? argv[2] : "";
+        timeIndexing(root, documents,
+                     folder.empty() ? makeNotebook(root, documents, Writer())
+                                    : makeNotebook(root, documents, Cutter(folder)),
+                     index, world / "plain.sqlite");
+    }
+    SearchIndex asked(QString::fromStdString(root), QString::fromStdString(index));
     std::mt19937 random(11);
-    timeQueries(index, rootPath, someQueries(root, documents, random));
+    timeQueries(asked, QString::fromStdString(root), someQueries(root, documents, random));
 }

@@ -91,10 +91,10 @@ static QIcon tasklistIcon(const Badge &badge)
     return badge.due > 0 ? overdueIcon(name) : bundledIcon(name);
 }
 
-QIcon outlineIcon(const TMLTOutlineItem &item, const Badge &badge)
+QIcon outlineIcon(int smartType, const Badge &badge)
 {
-    if (badge.isTasklist && item.smartBookType() == OrdinaryBook) return tasklistIcon(badge);
-    switch (item.smartBookType()) {
+    if (badge.isTasklist && smartType == OrdinaryBook) return tasklistIcon(badge);
+    switch (smartType) {
     case ContextBook:
     case ContextsBook: return bundledIcon(QStringLiteral("tag"));
     case SearchResultsBook: return bundledIcon(QStringLiteral("search"));

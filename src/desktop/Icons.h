@@ -8,10 +8,6 @@
 
 class QPalette;
 
-namespace tomelet {
-class TMLTOutlineItem;
-}
-
 namespace tomelet::desktop {
 
 struct Badge;
@@ -21,7 +17,7 @@ struct Badge;
 /// The theme's icon, or the bundled one where the theme has none.
 [[nodiscard]] QIcon themedIcon(const QString &freedesktopName, const QString &bundledName);
 /// A tasklist has another icon than a book, and one in the colour for it while a task is overdue.
-[[nodiscard]] QIcon outlineIcon(const TMLTOutlineItem &item, const Badge &badge);
+[[nodiscard]] QIcon outlineIcon(int smartType, const Badge &badge);
 /// The same in the colour of what is overdue.
 [[nodiscard]] QIcon overdueIcon(const QString &name);
 /// The ring for a task icon ("task-open", "task-started-due"): overdue in the colour for that, finished dimmed.

@@ -151,11 +151,13 @@ void MainWindow::makeViewMenu()
     makeSmartBookCommands(menu);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Show &Books"), QKeySequence(QStringLiteral("Ctrl+Alt+1")),
-        [this] { m_outline->setVisible(!m_outline->isVisible()); });
+        [this] { showOutline(!m_outline->isVisible()); });
     add(menu, TOMELET_TEXT("Show D&ocuments"), QKeySequence(QStringLiteral("Ctrl+Alt+2")),
         [this] { m_listSide->setVisible(!m_listSide->isVisible()); });
     menu->addSeparator();
     add(menu, TOMELET_TEXT("Go to B&ooks"), QKeySequence(QStringLiteral("Ctrl+1")), [this] { m_outline->setFocus(); });
+    add(menu, TOMELET_TEXT("Go to &Enclosing Book"), QKeySequence(QStringLiteral("Ctrl+Alt+Up")),
+        [this] { showEnclosing(); });
     add(menu, TOMELET_TEXT("Go to &List"), QKeySequence(QStringLiteral("Ctrl+2")), [this] { focusList(); });
     add(menu, TOMELET_TEXT("Go to Docu&ment"), QKeySequence(QStringLiteral("Ctrl+3")),
         [this] { document()->shownWidget()->setFocus(); });

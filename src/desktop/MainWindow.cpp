@@ -8,6 +8,7 @@
 #include "desktop/document/InfoPanel.h"
 #include "desktop/list/DocumentListModel.h"
 #include "desktop/list/DocumentListView.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "desktop/outline/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -77,6 +78,8 @@ void MainWindow::setApplication(AppDelegate &application)
 void MainWindow::makePanes()
 {
     m_list->setModel(m_listModel);
+    m_listModel->setBadges(m_outline->badges());
+    connect(m_outline->badges(), &OutlineBadges::changed, m_list->viewport(), qOverload<>(&QWidget::update));
     QFont font = m_listTitle->font();
     font.setWeight(QFont::DemiBold);
     m_listTitle->setFont(font);
@@ -109,21 +112,19 @@ void MainWindow::makePanes()
     setCentralWidget(m_pages);
     addDockWidget(Qt::RightDockWidgetArea, m_info);
     m_info->hide();
+    m_outline->setVisible(!settings().boolean(QStringLiteral("outlineIsCollapsed")));
 
     connect(m_outline, &OutlinePane::sourceSelected, this, &MainWindow::showSource);
     connect(m_outline, &QWidget::customContextMenuRequested, this, &MainWindow::showOutlineMenu);
     connect(m_outline, &OutlinePane::rootVanished, this, &MainWindow::waitForRoot);
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this, &MainWindow::documentSelected);
     connect(m_list, &QListView::doubleClicked, this, [this](const QModelIndex &index) {
-        const QString path = m_listModel->pathAt(index);
-        if (pathIsPlainBook(path)) showItem(path);
-        else Q_EMIT extraWindowWanted(path);
+        if (!openRow(index)) Q_EMIT extraWindowWanted(m_listModel->pathAt(index));
     });
     connect(m_list, &DocumentListView::openWanted, this, [this](const QModelIndex &index) {
-        const QString path = m_listModel->pathAt(index);
-        if (pathIsPlainBook(path)) showItem(path);
-        else document()->shownWidget()->setFocus(Qt::TabFocusReason);
+        if (!openRow(index)) document()->shownWidget()->setFocus(Qt::TabFocusReason);
     });
+    connect(m_list, &DocumentListView::enclosingWanted, this, &MainWindow::showEnclosing);
     connect(m_list, &DocumentListView::toggleWanted, this,
             [this](const QStringList &paths) { toggleTasks(m_actions, paths); });
     connect(m_list, &QWidget::customContextMenuRequested, this, &MainWindow::showListMenu);
@@ -184,6 +185,50 @@ void MainWindow::showSource(const ListSource &source)
     m_list->scrollToTop();
     if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) document()->showDocument({});
     updateListTexts();
+}
+
+// Whether the row led to another list: a book, a smart book or a context.
+bool MainWindow::openRow(const QModelIndex &index)
+{
+    const auto source = m_listModel->sourceAt(index);
+    if (!source) return false;
+    if (source->smartType == OrdinaryBook) {
+        showItem(source->book);
+        return true;
+    }
+    showSource(*source);
+    focusList();
+    return true;
+}
+
+// The document on display stays selected, also where the rows are taken over as a whole.
+void MainWindow::reloadRows()
+{
+    m_listModel->reload();
+    updateListTexts();
+    if (m_list->selectionModel()->hasSelection()) return;
+    if (const QModelIndex index = m_listModel->indexOfPath(document()->path()); index.isValid()) m_list->selectOnly(index);
+}
+
+// The row that one comes from is the one selected.
+void MainWindow::showEnclosing()
+{
+    const ListSource from = m_listModel->controller().source();
+    const ListSource source = m_listModel->controller().enclosingSource();
+    if (source.smartType == OrdinaryBook) showItem(source.book);
+    else showSource(source);
+    const QString row = from.smartType == OrdinaryBook   ? from.book
+                        : from.smartType == ContextBook ? from.contexts.value(0)
+                                                        : TMLTOutlineItem::titleForSmartBookOfType(from.smartType);
+    if (const QModelIndex index = m_listModel->indexOfPath(row); index.isValid()) m_list->selectOnly(index);
+}
+
+// The list takes the place of the hidden outline: it shows books and smart books above the documents.
+void MainWindow::showOutline(bool shown)
+{
+    m_outline->setVisible(shown);
+    settings().setObject(QStringLiteral("outlineIsCollapsed"), shown ? QVariant() : QVariant(true));
+    reloadRows();
 }
 
 void MainWindow::updateListTexts()
@@ -266,18 +311,23 @@ void MainWindow::dueTasksChanged()
 {
     m_outlineController.updateSmartBookOfType(DueTasksBook);
     m_outline->recount();
-    if (m_listModel->controller().source().smartType == DueTasksBook) reloadListFor({});
+    const TMLTDocumentListViewController &list = m_listModel->controller();
+    if (list.source().smartType == DueTasksBook || !list.smartBooksList.isEmpty()) reloadListSoon();
 }
 
-// Lists follow a moment later, so that a thousand changes are one reload.
 void MainWindow::reloadListFor(const QString &path)
 {
     const ListSource &source = m_listModel->controller().source();
     const bool concerned = source.smartType != OrdinaryBook || parentPath(path) == source.book;
-    if (!concerned) return;
+    if (concerned) reloadListSoon();
+}
+
+// A moment later, so that a thousand changes are one reload.
+void MainWindow::reloadListSoon()
+{
     platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
-        m_listModel->reload();
-        updateListTexts();
+        if (m_listModel->controller().source().smartType == SearchResultsBook) return m_search->reloadResults();
+        reloadRows();
     });
 }
 
@@ -316,8 +366,7 @@ void MainWindow::observe()
         m_outlineController.expandPathToItem(path);
     });
     onPath("TMLTReloadCurrentBook", "path", [this](const QString &) {
-        m_listModel->reload();
-        updateListTexts();
+        reloadRows();
     });
     onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
 }
@@ -326,8 +375,7 @@ void MainWindow::observe()
 void MainWindow::waitForRoot()
 {
     statusBar()->showMessage(localized(TOMELET_TEXT("The notebook's folder is not there any more.")));
-    m_listModel->reload();
-    updateListTexts();
+    reloadRows();
     if (m_rootTimer) return;
     m_rootTimer = new QTimer(this);
     connect(m_rootTimer, &QTimer::timeout, this, [this] {
@@ -355,7 +403,8 @@ void MainWindow::newRoot()
 QStringList MainWindow::selectedDocuments() const
 {
     QStringList paths;
-    for (const QModelIndex &index : m_list->selectionModel()->selectedRows()) paths.append(m_listModel->pathAt(index));
+    for (const QModelIndex &index : m_list->selectionModel()->selectedRows())
+        if (const QString path = m_listModel->pathAt(index); !path.isEmpty()) paths.append(path);
     return paths;
 }
 

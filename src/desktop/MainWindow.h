@@ -112,12 +112,17 @@ private:
     void showStatus(const QString &text) override;
 
     void showSource(const ListSource &source);
+    bool openRow(const QModelIndex &index);
+    void showEnclosing();
+    void showOutline(bool shown);
     void updateListTexts();
     [[nodiscard]] DocumentPane *document() const;
+    void reloadRows();
     void documentSelected();
     void documentChanged();
     void openSelectionInTabs();
     void reloadListFor(const QString &path);
+    void reloadListSoon();
     void waitForRoot();
     void newRoot();
     void newBook();

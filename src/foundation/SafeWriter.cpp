@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <set>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
@@ -23,7 +24,8 @@ namespace tomelet {
 class TemporaryFile
 {
 public:
-    explicit TemporaryFile(const QByteArray &folder) : m_folder(folder)
+    explicit TemporaryFile(const QByteArray &folder)
+        : m_folder(folder)
     {
         m_descriptor = ::open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
         if (m_descriptor >= 0) return;
@@ -115,7 +117,8 @@ WriteResult failure(const QString &path)
 
 void takeOver(const QByteArray &target, int descriptor)
 {
-    struct stat old{};
+    struct stat old
+    {};
     if (::stat(target.constData(), &old) != 0) return;
     // The owner goes first: changing it clears bits of the mode. Only root may, and nobody else needs to.
     if (old.st_uid != ::geteuid() || old.st_gid != ::getegid())
@@ -182,7 +185,8 @@ std::optional<FileStamp> fileStamp(const QString &path)
 // -- many files -------------------------------------------------------------------------------------------------------
 
 // Each waiting file holds a descriptor while it is flushed.
-static constexpr qsizetype filesAtOnce = 128;
+static constexpr qsizetype filesAtOnce = 256;
+static constexpr size_t manyFiles = 8;
 
 void FileBatch::write(const QString &path, QByteArray bytes)
 {
@@ -197,14 +201,28 @@ void FileBatch::flushIfWaiting(const QString &path)
     if (m_paths.contains(path)) flush();
 }
 
-void FileBatch::flush()
+struct FileBatch::Written
 {
-    struct Written
-    {
-        QString path;
-        QByteArray target;
-        std::unique_ptr<TemporaryFile> file;
-    };
+    QString path;
+    QByteArray target;
+    std::unique_ptr<TemporaryFile> file;
+};
+
+// Each file flushed by itself makes the disk wait anew; a call for all that waits to be written makes it wait once.
+bool FileBatch::flushDisksOf(const std::vector<Written> &files)
+{
+    std::set<dev_t> flushed;
+    for (const Written &entry : files) {
+        struct stat status
+        {};
+        if (::fstat(entry.file->descriptor(), &status) != 0) return false;
+        if (flushed.insert(status.st_dev).second && ::syncfs(entry.file->descriptor()) != 0) return false;
+    }
+    return true;
+}
+
+std::vector<FileBatch::Written> FileBatch::writeWaiting() const
+{
     std::vector<Written> written;
     for (const Waiting &waiting : m_files) {
         const QByteArray target = targetOf(waiting.path);
@@ -214,17 +232,23 @@ void FileBatch::flush()
             continue;
         }
         takeOver(target, file->descriptor());
-        // The disk begins with all of them before any one is waited for.
-        ::sync_file_range(file->descriptor(), 0, 0, SYNC_FILE_RANGE_WRITE);
         written.push_back({waiting.path, target, std::move(file)});
     }
+    return written;
+}
+
+void FileBatch::flush()
+{
+    const std::vector<Written> written = writeWaiting();
+    const bool together = written.size() >= manyFiles && flushDisksOf(written);
     QSet<QByteArray> folders;
     for (const Written &entry : written) {
-        if (::fsync(entry.file->descriptor()) != 0 || !entry.file->renameOver(entry.target))
-            logWarning(failure(entry.path).message);
-        else folders.insert(folderOf(entry.target));
+        const bool isOnDisk = together || ::fsync(entry.file->descriptor()) == 0;
+        if (isOnDisk && entry.file->renameOver(entry.target)) folders.insert(folderOf(entry.target));
+        else logWarning(failure(entry.path).message);
     }
-    for (const QByteArray &folder : folders) flushFolder(folder);
+    if (!together || !flushDisksOf(written))
+        for (const QByteArray &folder : folders) flushFolder(folder);
     m_files.clear();
     m_paths.clear();
 }

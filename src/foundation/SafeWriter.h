@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace tomelet {
 
@@ -83,6 +84,10 @@ private:
         QString path;
         QByteArray bytes;
     };
+    struct Written;
+    [[nodiscard]] std::vector<Written> writeWaiting() const;
+    static bool flushDisksOf(const std::vector<Written> &files);
+
     QList<Waiting> m_files;
     QSet<QString> m_paths;
 };

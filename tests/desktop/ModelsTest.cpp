@@ -6,6 +6,7 @@
 #include "desktop/actions/DragData.h"
 #include "desktop/actions/ItemActions.h"
 #include "desktop/list/DocumentListModel.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "desktop/outline/OutlineModel.h"
 #include "desktop/outline/OutlinePane.h"
 #include "foundation/FileOperations.h"
@@ -119,6 +120,36 @@ private:
 };
 
 } // namespace
+
+TEST_F(Desktop, theListShowsBooksWhileTheOutlineIsHidden)
+{
+    OutlineBadges badges;
+    list->setBadges(&badges);
+    settings().setObject(QStringLiteral("outlineIsCollapsed"), true);
+    list->reload();
+    EXPECT_EQ(documents(), QStringLiteral("Inner one three two"));
+    EXPECT_EQ(list->sourceAt(list->index(0))->book, at(QStringLiteral("/A/Inner")));
+    EXPECT_FALSE(list->sourceAt(list->index(1)));
+    EXPECT_TRUE(list->flags(list->index(0)) & Qt::ItemIsDropEnabled);
+    // Into the book, and to a place between the documents.
+    std::unique_ptr<QMimeData> data(dragDataFor({at(QStringLiteral("/A/one.md"))}));
+    list->dropMimeData(data.get(), Qt::MoveAction, -1, 0, list->index(0));
+    settle();
+    EXPECT_EQ(documents(), QStringLiteral("Inner three two"));
+    EXPECT_TRUE(exists(QStringLiteral("/A/Inner/one.md")));
+    data.reset(dragDataFor({at(QStringLiteral("/A/two.md"))}));
+    list->dropMimeData(data.get(), Qt::MoveAction, 1, 0, {});
+    EXPECT_EQ(documents(), QStringLiteral("Inner two three"));
+
+    list->show({root, OrdinaryBook, {}});
+    EXPECT_EQ(documents(), QStringLiteral("Recent Items Recently Modified A B C"));
+    EXPECT_EQ(list->sourceAt(list->index(0))->smartType, RecentItemsBook);
+    EXPECT_EQ(list->pathAt(list->index(0)), QString());
+    EXPECT_FALSE(list->flags(list->index(0)) & Qt::ItemIsDragEnabled);
+    settings().remove(QStringLiteral("outlineIsCollapsed"));
+    list->reload();
+    EXPECT_EQ(list->rowCount(), 0);
+}
 
 TEST_F(Desktop, booksComeGoMoveAndAreSorted)
 {

@@ -93,6 +93,12 @@ TEST_F(Field, FiltersByNameAndThenSearchesAndLeadsBack)
     EXPECT_EQ(view.status, QString());
     EXPECT_TRUE(TMLTOutlineItem::smartBookOfType(SearchResultsBook));
 
+    ASSERT_TRUE(QFile::remove(at(u"/Other/Apple.md"_s)));
+    search.reloadResults();
+    EXPECT_EQ(titlesOf(list).size(), 2); // in the background
+    waitForResults();
+    EXPECT_EQ(titlesOf(list), QStringList{u"Pear.md"_s});
+
     type(u"apple pie"_s);
     waitForResults();
     EXPECT_EQ(titlesOf(list), QStringList());
@@ -162,6 +168,15 @@ TEST_F(Listing, ResultsSurviveAndLeaveOutWhatIsGone)
     EXPECT_EQ(listed({{}, SearchResultsBook, {}}), (QStringList{u"a.md"_s, u"b.md"_s}));
     settings().setObject(u"searchResultsSortDescending"_s, true);
     EXPECT_EQ(listed({{}, SearchResultsBook, {}}), (QStringList{u"b.md"_s, u"a.md"_s}));
+    // The order of one call.
+    TMLTDocumentListViewController list;
+    list.setSource({{}, SearchResultsBook, {}});
+    list.sortAscending = true;
+    list.getDocumentsInFolder();
+    EXPECT_EQ(titlesOf(list), (QStringList{u"a.md"_s, u"b.md"_s}));
+    list.searchFilter = u"B"_s;
+    list.getDocumentsInFolder();
+    EXPECT_EQ(titlesOf(list), QStringList{u"b.md"_s});
 }
 
 TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)
@@ -183,6 +198,44 @@ TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)
     for (const auto &kept : {u"/Here.md.plist"_s, u"/Own.data.plist"_s, u"/Plain.plist"_s, u"/Remote.md.plist"_s,
                              u"/BookProperties.plist"_s})
         EXPECT_TRUE(exists(kept)) << kept.toStdString();
+}
+
+TEST_F(Listing, OfContextsAndOfTheRootWithoutTheOutline)
+{
+    installNotebookOrganiser();
+    makeBook(u"/TMResources/Misc"_s);
+    settings().setObject(u"contextsEnabled"_s, true);
+    const QString note = write(u"/Box/note.md"_s);
+    tm_updateContextsRemoving(note, {}, {u"@work"_s, u"@home"_s});
+    tm_setTag(note, u"_TMFAV"_s);
+    const ListSource contexts{{}, ContextsBook, {}};
+    EXPECT_EQ(listed(contexts), (QStringList{u"@home"_s, u"@work"_s}));
+    settings().setObject(u"contextsSortOrder"_s, u"custom"_s);
+    EXPECT_EQ(listed(contexts), (QStringList{u"@work"_s, u"@home"_s}));
+    settings().setObject(u"contextsSortOrder"_s, u"title"_s);
+    settings().setObject(u"contextsSortDescending"_s, true);
+    EXPECT_EQ(listed(contexts), (QStringList{u"@work"_s, u"@home"_s}));
+
+    TMLTDocumentListViewController list;
+    const auto rows = [&list] {
+        QStringList titles;
+        for (const QVariantMap &row : list.rows()) titles.append(row.value(u"title"_s).toString());
+        return titles.join(u", "_s);
+    };
+    list.setSource({root, OrdinaryBook, {}});
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), QString());
+    settings().setObject(u"outlineIsCollapsed"_s, true);
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), u"Favorites, Recent Items, Recently Modified, Contexts, Box"_s);
+    EXPECT_EQ(list.sourceOf(list.rows()[0]).smartType, FavoritesBook);
+    EXPECT_EQ(list.sourceOf(list.rows()[4]).book, at(u"/Box"_s));
+    list.setSource({at(u"/Box"_s), OrdinaryBook, {}});
+    list.getDocumentsInFolder();
+    EXPECT_EQ(rows(), u"note.md"_s);
+    EXPECT_EQ(list.enclosingSource().book, root);
+    list.setSource({{}, ContextBook, {u"@home"_s}});
+    EXPECT_EQ(list.enclosingSource().smartType, ContextsBook);
 }
 
 TEST_F(Listing, HidesDoneTasksAndSaysSo)

@@ -4,6 +4,7 @@
 #include "foundation/Platform.h"
 #include "library/Root.h"
 #include "organising/search/FileIndex.h"
+#include "organising/search/IndexTokens.h"
 #include "organising/search/Query.h"
 #include "organising/search/SearchIndex.h"
 #include "organising/search/SearchResults.h"
@@ -266,6 +267,16 @@ TEST_F(Search, TheIndexFindsWhatAScanFinds)
     EXPECT_GT(total, 5000);
 }
 
+// What is not told by tokens has to be read from the documents, which takes a thousand times as long.
+TEST(SearchTokens, TellMostTermsWithoutReadingDocuments)
+{
+    for (const QString &term : {u"word"_s, u"two words"_s, u"#tag"_s, u"("_s, u"; #"_s, u"####"_s, u"# Head"_s,
+                                u". 2."_s, u", \"so"_s, u"x = y; z"_s, u"- ["_s, u"東京"_s})
+        EXPECT_TRUE(contentLookUps(foldedForSearch(term)).exact) << term.toStdString();
+    EXPECT_FALSE(contentLookUps(foldedForSearch(u"word "_s)).exact);
+    EXPECT_FALSE(contentLookUps(foldedForSearch(u"-----------"_s)).exact);
+}
+
 TEST_F(Search, AVeryLongQueryIsAnsweredToo)
 {
     QString text;
@@ -300,6 +311,19 @@ TEST_F(Search, ADamagedIndexIsThrownAwayAndMadeAnew)
         EXPECT_EQ(later.find(makeSearchQuery({u"apple"_s}, SearchMode::Content), root).value_or(QStringList()).size(),
                   2);
     }
+}
+
+TEST_F(Search, AnIndexOfAnotherVersionIsMadeAnew)
+{
+    writeSome();
+    index.update(root);
+    sqlite3 *other = nullptr;
+    ASSERT_EQ(sqlite3_open(QFile::encodeName(searchIndexFile()).constData(), &other), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(other, "PRAGMA user_version=1", nullptr, nullptr, nullptr), SQLITE_OK);
+    sqlite3_close(other);
+    SearchIndex later(root, searchIndexFile());
+    EXPECT_FALSE(later.find(makeSearchQuery({u"apple"_s}, SearchMode::Content), root));
+    EXPECT_EQ(later.update(root).read, 3);
 }
 
 TEST_F(Search, AnIndexThatAnotherProgramHoldsIsLeftAlone)
@@ -352,9 +376,11 @@ protected:
         bool answered = false;
         QStringList result;
         files.search(makeSearchQuery(tm_arrayOfSearchTermsInString(text), SearchMode::TitleAndContent), root,
-                     [&](const QStringList &paths) {
-                         answered = true;
-                         result = below(paths);
+                     [&](const QStringList &paths) -> FileIndex::Shown {
+                         return [&, paths] {
+                             answered = true;
+                             result = below(paths);
+                         };
                      });
         QElapsedTimer timer;
         for (timer.start(); !answered && timer.elapsed() < 20000;)
@@ -387,7 +413,8 @@ TEST_F(LiveSearch, AStoppedSearchNeverAnswers)
     writeSome();
     FileIndex files;
     files.present();
-    files.search(makeSearchQuery({u"apple"_s}, SearchMode::Content), root, [](const QStringList &) { FAIL(); });
+    files.search(makeSearchQuery({u"apple"_s}, SearchMode::Content), root,
+                 [](const QStringList &) -> FileIndex::Shown { return [] { FAIL(); }; });
     EXPECT_EQ(asked(files, u"flour"_s), QStringList{u"/Book/Sub/Apple pie.txt"_s});
     files.stopSearch();
     EXPECT_FALSE(files.isSearching());

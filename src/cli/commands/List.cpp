@@ -100,7 +100,7 @@ int runList(const Invocation &call)
     list.getDocumentsInFolder();
 
     QJsonArray rows;
-    for (const QVariantMap &row : list.documentsList) {
+    for (const QVariantMap &row : list.rows()) {
         if (call.json) rows.append(jsonFromVariant(row));
         else if (parser.isSet(paths)) writeLine(row.value(QStringLiteral("path")).toString());
         else printRow(row);

@@ -3,6 +3,7 @@
 
 #include "desktop/Icons.h"
 #include "desktop/list/DocumentListModel.h"
+#include "desktop/outline/BadgePills.h"
 #include "organising/tasks/Tasks.h"
 
 #include <QApplication>
@@ -80,11 +81,11 @@ public:
         , m_rightToLeft(option.direction == Qt::RightToLeft)
         , m_inner(option.rect.adjusted(margin, 8, -margin, -8))
         , m_text(m_inner.adjusted(m_rightToLeft ? 0 : iconSize + 8, 0, m_rightToLeft ? -iconSize - 8 : 0, 0))
-    {
-    }
+    {}
 
     void paint()
     {
+        if (m_index.data(DocumentListModel::LeadsOnRole).toBool()) return paintBook();
         const QRect area = DocumentDelegate::iconArea(m_option.rect, m_option.direction);
         m_index.data(Qt::DecorationRole).value<QIcon>().paint(m_painter, area, Qt::AlignCenter, mode());
         drawSigns();
@@ -93,6 +94,22 @@ public:
     }
 
 private:
+    // One line in the middle of the row, with the counts at its end.
+    void paintBook()
+    {
+        const BadgePills pills(m_option, m_index.data(DocumentListModel::TotalRole).toLongLong(),
+                               m_index.data(DocumentListModel::DueRole).toLongLong());
+        QRect icon = DocumentDelegate::iconArea(m_option.rect, m_option.direction);
+        icon.moveTop(m_option.rect.center().y() - icon.height() / 2);
+        m_index.data(Qt::DecorationRole).value<QIcon>().paint(m_painter, icon, Qt::AlignCenter, mode());
+        m_text.setHeight(QFontMetrics(m_option.font).height());
+        m_text.moveTop(m_option.rect.center().y() - m_text.height() / 2);
+        if (m_rightToLeft) m_text.adjust(pills.width(), 0, 0, 0);
+        else m_text.adjust(0, 0, -pills.width(), 0);
+        drawTitle();
+        pills.paint(m_painter);
+    }
+
     [[nodiscard]] QIcon::Mode mode() const { return m_selected ? QIcon::Selected : QIcon::Normal; }
     [[nodiscard]] int alignment() const
     {

@@ -4,6 +4,7 @@
 #include "desktop/Icons.h"
 #include "desktop/actions/DragData.h"
 #include "desktop/actions/ItemActions.h"
+#include "desktop/outline/OutlineBadges.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -22,6 +23,9 @@
 
 namespace tomelet::desktop {
 
+// Coming or going at once.
+constexpr qsizetype mostRowsFollowed = 1000;
+
 DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
     : QAbstractListModel(parent)
     , m_actions(actions)
@@ -30,11 +34,19 @@ DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
 
 void DocumentListModel::show(const ListSource &source)
 {
-    beginResetModel();
-    m_taskDates.clear();
     m_checklists.clear();
+    m_taskDates.clear();
     m_controller.setSource(source);
     m_controller.getDocumentsInFolder();
+    takeAllRows();
+}
+
+void DocumentListModel::takeAllRows()
+{
+    beginResetModel();
+    m_shown = m_controller.source();
+    m_rows = m_controller.rows();
+    noteBooks();
     endResetModel();
 }
 
@@ -43,11 +55,27 @@ static QString pathOf(const QVariantMap &row)
     return row.value(QStringLiteral("path")).toString();
 }
 
+// Smart books and contexts are no files.
+static int smartTypeOf(const QVariantMap &row)
+{
+    return row.value(QStringLiteral("smartType")).toInt();
+}
+
 static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
 {
     QSet<QString> paths;
     for (const QVariantMap &row : rows) paths.insert(pathOf(row));
     return paths;
+}
+
+// A book's list holds its books while the outline is hidden; computed lists may hold any, but nobody searches for books.
+void DocumentListModel::noteBooks()
+{
+    m_books = pathsOf(m_controller.booksList);
+    const int type = m_controller.source().smartType;
+    if (type == OrdinaryBook || type == SearchResultsBook) return;
+    for (const QVariantMap &row : m_controller.documentsList)
+        if (smartTypeOf(row) == OrdinaryBook && pathIsPlainBook(pathOf(row))) m_books.insert(pathOf(row));
 }
 
 void DocumentListModel::reload()
@@ -58,12 +86,14 @@ void DocumentListModel::reload()
 // The change may already move rows about; the views hear of all of it here, in steps that they can follow.
 void DocumentListModel::changeRows(const std::function<void()> &change)
 {
-    const QList<QVariantMap> before = m_controller.documentsList;
     m_taskDates.clear();
     change();
     m_controller.loadDisplayParameters();
     m_controller.getDocumentsInFolder();
-    const QList<QVariantMap> after = std::exchange(m_controller.documentsList, before);
+    const QList<QVariantMap> after = m_controller.rows();
+    if (m_shown != m_controller.source() || std::abs(after.size() - m_rows.size()) > mostRowsFollowed)
+        return takeAllRows();
+    noteBooks();
     // What went goes first, what came stands at the end, and then all take their places.
     removeAllBut(pathsOf(after));
     appendNew(after);
@@ -72,7 +102,7 @@ void DocumentListModel::changeRows(const std::function<void()> &change)
 
 void DocumentListModel::removeAllBut(const QSet<QString> &kept)
 {
-    QList<QVariantMap> &rows = m_controller.documentsList;
+    QList<QVariantMap> &rows = m_rows;
     for (qsizetype last = rows.size(); last-- > 0;) {
         if (kept.contains(pathOf(rows[last]))) continue;
         qsizetype first = last;
@@ -86,7 +116,7 @@ void DocumentListModel::removeAllBut(const QSet<QString> &kept)
 
 void DocumentListModel::appendNew(const QList<QVariantMap> &after)
 {
-    QList<QVariantMap> &rows = m_controller.documentsList;
+    QList<QVariantMap> &rows = m_rows;
     const QSet<QString> known = pathsOf(rows);
     QList<QVariantMap> added;
     for (const QVariantMap &row : after)
@@ -103,7 +133,7 @@ void DocumentListModel::takeOrder(const QList<QVariantMap> &after)
     const QModelIndexList held = persistentIndexList();
     QStringList paths;
     for (const QModelIndex &index : held) paths.append(pathAt(index));
-    const QList<QVariantMap> before = std::exchange(m_controller.documentsList, after);
+    const QList<QVariantMap> before = std::exchange(m_rows, after);
     QModelIndexList moved;
     for (const QString &path : paths) moved.append(indexOfPath(path));
     changePersistentIndexList(held, moved);
@@ -119,7 +149,7 @@ void DocumentListModel::follow(const QString &from, const QString &to)
 {
     const QModelIndex index = indexOfPath(from);
     if (!index.isValid() || parentPath(from) != parentPath(to) || indexOfPath(to).isValid()) return;
-    QVariantMap &row = m_controller.documentsList[index.row()];
+    QVariantMap &row = m_rows[index.row()];
     row.insert(QStringLiteral("path"), to);
     row.insert(QStringLiteral("title"), lastPathComponent(to));
     Q_EMIT dataChanged(index, index);
@@ -138,20 +168,37 @@ void DocumentListModel::selectSortOrder(int index)
 
 QString DocumentListModel::pathAt(const QModelIndex &index) const
 {
-    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
-    return m_controller.documentsList[index.row()].value(QStringLiteral("path")).toString();
+    if (!index.isValid() || index.row() >= m_rows.size()) return {};
+    const QVariantMap &row = m_rows[index.row()];
+    return smartTypeOf(row) == OrdinaryBook ? pathOf(row) : QString();
+}
+
+bool DocumentListModel::leadsOn(const QVariantMap &row) const
+{
+    return smartTypeOf(row) != OrdinaryBook || m_books.contains(pathOf(row));
+}
+
+std::optional<ListSource> DocumentListModel::sourceAt(const QModelIndex &index) const
+{
+    if (!index.isValid() || index.row() >= m_rows.size() || !leadsOn(m_rows[index.row()])) return std::nullopt;
+    return m_controller.sourceOf(m_rows[index.row()]);
+}
+
+void DocumentListModel::setBadges(OutlineBadges *badges)
+{
+    m_badges = badges;
 }
 
 QModelIndex DocumentListModel::indexOfPath(const QString &path) const
 {
     for (int row = 0; row < rowCount(); ++row)
-        if (m_controller.documentsList[row].value(QStringLiteral("path")).toString() == path) return index(row, 0);
+        if (pathOf(m_rows[row]) == path) return index(row, 0);
     return {};
 }
 
 int DocumentListModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : int(m_controller.documentsList.size());
+    return parent.isValid() ? 0 : int(m_rows.size());
 }
 
 QString DocumentListModel::displayTitle(const QVariantMap &row) const
@@ -236,10 +283,30 @@ QString DocumentListModel::description(const QVariantMap &row) const
     return parts.join(QStringLiteral(", "));
 }
 
+QVariant DocumentListModel::dataOfBook(const QVariantMap &row, int role) const
+{
+    const int type = smartTypeOf(row);
+    const QString title = row.value(QStringLiteral("title")).toString();
+    const Badge badge = m_badges ? m_badges->badgeOf(type, pathOf(row)) : Badge();
+    switch (role) {
+    case Qt::DisplayRole:
+    case Qt::EditRole: return title;
+    case Qt::DecorationRole: return outlineIcon(type, badge);
+    case Qt::ToolTipRole: return QString(title + u'\n' + describeBadge(type, badge));
+    case Qt::AccessibleDescriptionRole: return describeBadge(type, badge);
+    case TotalRole: return badge.total;
+    case DueRole: return badge.due;
+    default: return {};
+    }
+}
+
 QVariant DocumentListModel::data(const QModelIndex &index, int role) const
 {
-    if (!index.isValid() || index.row() >= m_controller.documentsList.size()) return {};
-    const QVariantMap &row = m_controller.documentsList[index.row()];
+    if (!index.isValid() || index.row() >= m_rows.size()) return {};
+    const QVariantMap &row = m_rows[index.row()];
+    if (role == LeadsOnRole) return leadsOn(row);
+    if (leadsOn(row))
+        if (const QVariant value = dataOfBook(row, role); value.isValid()) return value;
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole: return displayTitle(row);
@@ -247,7 +314,7 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
         return taskIconOf(row).isEmpty() ? documentIcon(pathOf(row)) : taskStateIcon(taskIconOf(row));
     case Qt::ToolTipRole: return QString(row.value(QStringLiteral("title")).toString() + u'\n' + description(row));
     case Qt::AccessibleDescriptionRole: return description(row);
-    case PathRole: return row.value(QStringLiteral("path"));
+    case PathRole: return pathAt(index);
     case DateRole: return shownDate(row);
     case ColorRole: return row.value(QStringLiteral("cellColor"));
     case PinnedRole: return row.value(QStringLiteral("pinnedSequence")).toLongLong() != notFoundIndex;
@@ -263,16 +330,22 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
 
 bool DocumentListModel::setData(const QModelIndex &index, const QVariant &value, int role)
 {
-    if (role != Qt::EditRole || value.toString() == displayTitle(m_controller.documentsList.value(index.row())))
-        return false;
-    return m_actions.rename(pathAt(index), value.toString());
+    const QVariantMap row = m_rows.value(index.row());
+    if (role != Qt::EditRole || value.toString() == data(index, Qt::EditRole).toString()) return false;
+    if (smartTypeOf(row) == OrdinaryBook) return m_actions.rename(pathOf(row), value.toString());
+    m_actions.renameContext(pathOf(row), value.toString());
+    return true;
 }
 
 Qt::ItemFlags DocumentListModel::flags(const QModelIndex &index) const
 {
     if (!index.isValid()) return Qt::ItemIsDropEnabled;
-    return Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
-           Qt::ItemNeverHasChildren;
+    constexpr Qt::ItemFlags shown = Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemNeverHasChildren;
+    const QVariantMap &row = m_rows[index.row()];
+    if (smartTypeOf(row) == ContextBook) return shown | Qt::ItemIsEditable;
+    if (smartTypeOf(row) != OrdinaryBook) return shown;
+    // What is dropped on a book goes into it.
+    return shown | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | (leadsOn(row) ? Qt::ItemIsDropEnabled : Qt::NoItemFlags);
 }
 
 // -- drag and drop ----------------------------------------------------------------------------------------------------
@@ -294,23 +367,30 @@ Qt::DropActions DocumentListModel::supportedDropActions() const
     return Qt::MoveAction | Qt::CopyAction;
 }
 
-bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int, const QModelIndex &)
+bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int,
+                                     const QModelIndex &parent)
 {
     const ListSource &source = m_controller.source();
     const QStringList paths = pathsIn(data);
+    if (const auto book = sourceAt(parent)) {
+        m_actions.drop(paths, book->book, action == Qt::CopyAction);
+        return false;
+    }
     if (source.smartType == ContextBook)
         for (const QString &word : source.contexts) m_actions.addContext(paths, word);
     if (source.smartType != OrdinaryBook) return false;
+    const qsizetype above = m_rows.size() - m_controller.documentsList.size();
     QList<qsizetype> positions;
     for (const QString &path : paths)
-        if (const QModelIndex own = indexOfPath(path); own.isValid()) positions.append(own.row());
+        if (const QModelIndex own = indexOfPath(path); own.row() >= above) positions.append(own.row() - above);
     if (positions.size() != paths.size() || action == Qt::CopyAction) {
         m_actions.drop(paths, source.book, action == Qt::CopyAction);
         return false;
     }
     // Documents of this very list, dropped between others, stand there from now on.
     changeRows([&] {
-        m_controller.moveDocuments(positions, row < 0 ? rowCount() : row);
+        const qsizetype all = m_controller.documentsList.size();
+        m_controller.moveDocuments(positions, row < 0 ? all : std::clamp<qsizetype>(row - above, 0, all));
         m_controller.selectSortOrder(3);
     });
     return false;

@@ -9,10 +9,12 @@
 #include <QSet>
 
 #include <functional>
+#include <optional>
 
 namespace tomelet::desktop {
 
 class ItemActions;
+class OutlineBadges;
 
 class DocumentListModel final : public QAbstractListModel
 {
@@ -31,20 +33,29 @@ public:
         OverdueRole,
         RepeatsRole,
         ChecklistRole, ///< how many check boxes are open; 0 while that is not known
+        LeadsOnRole,   ///< a book, smart book or context: it is opened in this list
+        TotalRole,     ///< the counts of such a row
+        DueRole,
     };
 
     DocumentListModel(ItemActions &actions, QObject *parent);
 
     [[nodiscard]] TMLTDocumentListViewController &controller() { return m_controller; }
     void show(const ListSource &source);
-    /// Reads the rows anew; rows that stay keep their selection.
+    /// Reads the rows anew; rows that stay keep their selection, unless the list shows something else by now or so many
+    /// rows that to follow each takes too long: then the model is reset.
     void reload();
     /// Keeps the row of an item that got another name in its book.
     void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
     void selectSortOrder(int index);
     [[nodiscard]] QModelIndex indexOfPath(const QString &path) const;
+    /// The full path of a book or document; "" for smart books and contexts, which are no files.
     [[nodiscard]] QString pathAt(const QModelIndex &index) const;
+    /// What the list shows once the row is opened; nothing for a document.
+    [[nodiscard]] std::optional<ListSource> sourceAt(const QModelIndex &index) const;
+    /// Where the counts of books come from while the outline is hidden. It outlives the model.
+    void setBadges(OutlineBadges *badges);
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
@@ -58,6 +69,7 @@ public:
 
 private:
     void changeRows(const std::function<void()> &change);
+    void takeAllRows();
     void removeAllBut(const QSet<QString> &kept);
     void appendNew(const QList<QVariantMap> &after);
     void takeOrder(const QList<QVariantMap> &after);
@@ -67,7 +79,15 @@ private:
     [[nodiscard]] QString taskDate(const QVariantMap &row) const;
     [[nodiscard]] qlonglong openChecklist(const QVariantMap &row) const;
 
+    void noteBooks();
+    [[nodiscard]] bool leadsOn(const QVariantMap &row) const;
+    [[nodiscard]] QVariant dataOfBook(const QVariantMap &row, int role) const;
+
     ItemActions &m_actions;
+    OutlineBadges *m_badges = nullptr;
+    QList<QVariantMap> m_rows; // as the views know them
+    ListSource m_shown;        // and where they come from
+    QSet<QString> m_books;     // which of them are books
     mutable QHash<QString, QString> m_taskDates;     // by path, until the next reload
     mutable QHash<QString, qlonglong> m_checklists;  // by path and date of the file; -1 while it is counted
     TMLTDocumentListViewController m_controller;

@@ -78,6 +78,7 @@ void DocumentListView::keyPressEvent(QKeyEvent *event)
         if (currentIndex().isValid()) Q_EMIT openWanted(currentIndex());
         return;
     }
+    if (plain && event->key() == Qt::Key_Backspace && state() != EditingState) return Q_EMIT enclosingWanted();
     if (!plain || event->key() != Qt::Key_Space) return QListView::keyPressEvent(event);
     QStringList tasks;
     for (const QModelIndex &index : selectionModel()->selectedRows())

@@ -22,6 +22,8 @@ Q_SIGNALS:
     void openWanted(const QModelIndex &index);
     /// The middle button was pressed on a row.
     void newTabWanted(const QModelIndex &index);
+    /// Backspace was pressed.
+    void enclosingWanted();
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;

@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QProgressBar>
+#include <QShortcut>
 #include <QStatusBar>
 #include <QToolButton>
 
@@ -48,9 +49,19 @@ QWidget *MainWindow::makeSearchField()
         m_indexProgress->setValue(int(done));
     };
     m_search.emplace(m_listModel->controller(), m_index, static_cast<SearchFieldView &>(*this));
-    connect(m_filter, &QLineEdit::textChanged, this, [this](const QString &text) { m_search->searchFieldDidChange(text); });
+    connect(m_filter, &QLineEdit::textChanged, this,
+            [this](const QString &text) { m_search->searchFieldDidChange(text); });
     connect(m_filter, &QLineEdit::returnPressed, this,
             [this] { m_search->startSpotlightSearchWithString(m_filter->text()); });
+    const auto onKey = [this](Qt::Key key, const std::function<void()> &action) {
+        connect(new QShortcut(key, m_filter, nullptr, nullptr, Qt::WidgetShortcut), &QShortcut::activated, this,
+                action);
+    };
+    onKey(Qt::Key_Down, [this] { focusList(); });
+    onKey(Qt::Key_Escape, [this] {
+        m_filter->clear();
+        focusList();
+    });
 
     auto *field = new QWidget;
     auto *layout = new QHBoxLayout(field);
@@ -105,8 +116,7 @@ void MainWindow::reloadList()
     TMLTOutlineItem *shown = source.smartType == OrdinaryBook ? TMLTOutlineItem::childAtPath(source.book)
                                                               : TMLTOutlineItem::smartBookOfType(source.smartType);
     if (shown) m_outline->select(shown, true);
-    m_listModel->reload();
-    updateListTexts();
+    reloadRows();
 }
 
 void MainWindow::showStatus(const QString &text)

@@ -2,10 +2,12 @@
 #include "desktop/outline/OutlineBadges.h"
 
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/Platform.h"
 #include "library/ItemPath.h"
 #include "library/OutlineItem.h"
 #include "organising/dates/Reminders.h"
+#include "organising/lists/DocumentList.h"
 #include "organising/tasks/TaskLists.h"
 #include "organising/tasks/TaskRows.h"
 #include "organising/tasks/Tasks.h"
@@ -22,18 +24,13 @@ namespace {
 const QString dueKey = QStringLiteral("due");
 const QString inboxMark = QStringLiteral("inbox:");
 
-QString keyOf(const TMLTOutlineItem &item)
+QString keyOf(int smartType, const QString &path)
 {
-    if (item.isGroupItem()) return {};
-    switch (item.smartBookType()) {
-    case DueTasksBook:
-        return dueKey;
-    case InboxBook:
-        return inboxMark + item.fullPath();
-    case OrdinaryBook:
-        return item.fullPath();
-    default:
-        return {};
+    switch (smartType) {
+    case DueTasksBook: return dueKey;
+    case InboxBook: return inboxMark + inboxFolder();
+    case OrdinaryBook: return path;
+    default: return {};
     }
 }
 
@@ -91,9 +88,27 @@ OutlineBadges::OutlineBadges(QObject *parent)
         }));
 }
 
+QString describeBadge(int smartType, const Badge &badge)
+{
+    QStringList parts{badge.isTasklist            ? localized(TOMELET_TEXT("Tasklist"))
+                      : smartType == OrdinaryBook ? localized(TOMELET_TEXT("Book"))
+                                                  : localized(TOMELET_TEXT("Smart book"))};
+    if (badge.total > 0)
+        parts.append(smartType == DueTasksBook ? localized(TOMELET_TEXT("due: %1")).arg(badge.total)
+                     : badge.isTasklist        ? localized(TOMELET_TEXT("open tasks: %1")).arg(badge.total)
+                                               : localized(TOMELET_TEXT("items: %1")).arg(badge.total));
+    if (badge.due > 0) parts.append(localized(TOMELET_TEXT("overdue: %1")).arg(badge.due));
+    return parts.join(QStringLiteral(", "));
+}
+
 Badge OutlineBadges::badgeOf(const TMLTOutlineItem &item)
 {
-    const QString key = keyOf(item);
+    return item.isGroupItem() ? Badge() : badgeOf(item.smartBookType(), item.fullPath());
+}
+
+Badge OutlineBadges::badgeOf(int smartType, const QString &path)
+{
+    const QString key = keyOf(smartType, path);
     if (key.isEmpty()) return {};
     ask(key);
     return m_known.value(key).badge;

@@ -27,6 +27,9 @@ struct Badge
     friend bool operator==(const Badge &, const Badge &) = default;
 };
 
+/// The kind of row and its counts, in words.
+[[nodiscard]] QString describeBadge(int smartType, const Badge &badge);
+
 class OutlineBadges final : public QObject
 {
     Q_OBJECT
@@ -36,6 +39,8 @@ public:
 
     /// What is known of the row; asks for the count where that is not certain.
     [[nodiscard]] Badge badgeOf(const TMLTOutlineItem &item);
+    /// The same by the type of a smart book, or OrdinaryBook and the book's full path.
+    [[nodiscard]] Badge badgeOf(int smartType, const QString &path);
 
     /// All counts may have changed.
     void recount();

@@ -98,11 +98,11 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole: return item->title();
     case Qt::EditRole:
         return item->smartBookType() == ContextBook ? item->relativePath() : lastPathComponent(item->relativePath());
-    case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(*item, m_badges->badgeOf(*item)));
+    case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(item->smartBookType(), m_badges->badgeOf(*item)));
     case TotalRole: return m_badges->badgeOf(*item).total;
     case DueRole: return m_badges->badgeOf(*item).due;
     case Qt::ToolTipRole: return item->isGroupItem() ? QVariant() : QVariant(item->title());
-    case Qt::AccessibleDescriptionRole: return description(*item);
+    case Qt::AccessibleDescriptionRole: return describeBadge(item->smartBookType(), m_badges->badgeOf(*item));
     case Qt::FontRole: {
         QFont font;
         if (item->isGroupItem()) {
@@ -113,22 +113,6 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     }
     default: return {};
     }
-}
-
-// The kind of row and its counts, in words.
-QString OutlineModel::description(const TMLTOutlineItem &item) const
-{
-    const Badge badge = m_badges->badgeOf(item);
-    const bool isBook = item.smartBookType() == OrdinaryBook;
-    QStringList parts{badge.isTasklist ? localized(TOMELET_TEXT("Tasklist"))
-                      : isBook         ? localized(TOMELET_TEXT("Book"))
-                                       : localized(TOMELET_TEXT("Smart book"))};
-    if (badge.total > 0)
-        parts.append(item.smartBookType() == DueTasksBook ? localized(TOMELET_TEXT("due: %1")).arg(badge.total)
-                     : badge.isTasklist                   ? localized(TOMELET_TEXT("open tasks: %1")).arg(badge.total)
-                                                          : localized(TOMELET_TEXT("items: %1")).arg(badge.total));
-    if (badge.due > 0) parts.append(localized(TOMELET_TEXT("overdue: %1")).arg(badge.due));
-    return parts.join(QStringLiteral(", "));
 }
 
 bool OutlineModel::setData(const QModelIndex &index, const QVariant &value, int role)

@@ -57,7 +57,6 @@ public:
     void changed(TMLTOutlineItem *item) override;
 
 private:
-    [[nodiscard]] QString description(const TMLTOutlineItem &item) const;
     bool reorderBooks(const QStringList &paths, TMLTOutlineItem *book, int row);
 
     ItemActions &m_actions;

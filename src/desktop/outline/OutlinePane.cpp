@@ -71,6 +71,11 @@ void OutlinePane::editName(const QString &path)
     edit(index);
 }
 
+OutlineBadges *OutlinePane::badges()
+{
+    return m_model->badges();
+}
+
 void OutlinePane::recount()
 {
     m_model->badges()->recount();

@@ -10,6 +10,7 @@
 namespace tomelet::desktop {
 
 class ItemActions;
+class OutlineBadges;
 class OutlineModel;
 
 class OutlinePane final : public QTreeView, public OutlineView
@@ -27,6 +28,7 @@ public:
     void showSelection();
     /// Counts the badges anew.
     void recount();
+    [[nodiscard]] OutlineBadges *badges();
     void setBookOnDisplay(const QString &path) { m_bookOnDisplay = path; }
 
     // OutlineView

@@ -22,6 +22,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <map>
 
 namespace tomelet {
 
@@ -46,6 +47,8 @@ QString bookOf(const ListSource &source)
     if (source.smartType == InboxBook) return inboxFolder();
     return source.smartType == OrdinaryBook ? source.book : QString();
 }
+
+const QString smartTypeKey = QStringLiteral("smartType");
 
 bool rowIsFinished(const QVariantMap &row)
 {
@@ -141,7 +144,15 @@ void TMLTDocumentListViewController::getDocumentsInFolder()
         return readPaths(paths); // in the order of use
     }
     case RecentlyModifiedBook: readRecentlyModified(); break;
-    case SearchResultsBook: readPaths(lastSearchResults()); break;
+    case SearchResultsBook:
+        if (m_results) {
+            documentsList = std::move(*m_results); // sorted already
+            m_results.reset();
+            return;
+        }
+        readPaths(lastSearchResults());
+        break;
+    case ContextsBook: readContexts(); break;
     case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
     }
@@ -176,13 +187,60 @@ void TMLTDocumentListViewController::readBook(const QString &book)
         if (smartBookShouldExist(type)) smartBooksList.append(type);
 }
 
+namespace {
+
+/// Makes rows of items from anywhere, and reads what a book tells of its items once.
+class RowMaker
+{
+public:
+    QVariantMap rowOf(const QString &path)
+    {
+        if (pathIsPlainBook(path)) return itemRow(path, false, {}, {});
+        const Book &book = bookAt(parentPath(path));
+        const TaskRecord record = book.records ? book.records->of(lastPathComponent(path)) : TaskRecord();
+        const bool asTask = book.records && stateOf(record) != TaskState::NoTask;
+        return itemRow(path, asTask, asTask ? QVariant(record) : QVariant(), book.sources);
+    }
+
+private:
+    struct Book
+    {
+        RowSources sources;
+        std::optional<TaskRecords> records; // of a tasklist
+    };
+
+    const Book &bookAt(const QString &path)
+    {
+        const auto [book, isNew] = m_books.try_emplace(path);
+        if (!isNew) return book->second;
+        const QVariantMap properties = readDictionary(bookPropertiesPath(path));
+        book->second.sources = {LocalizedIndex(properties.value(QStringLiteral("Notes")).toStringList()),
+                                LocalizedIndex(properties.value(QStringLiteral("Pinned")).toStringList())};
+        if (organiser().bookIsTasklist(path)) book->second.records.emplace(path);
+        return book->second;
+    }
+
+    std::map<QString, Book> m_books;
+};
+
+} // namespace
+
 void TMLTDocumentListViewController::readPaths(const QStringList &paths)
 {
-    for (const QString &path : paths) {
-        if (!itemExists(path) || !passesFilter(lastPathComponent(path))) continue;
-        const bool asTask = !pathIsPlainBook(path) && organiser().itemIsTask(path);
-        documentsList.append(itemRow(path, asTask, {}, {}));
-    }
+    RowMaker maker;
+    for (const QString &path : paths)
+        if (itemExists(path) && passesFilter(lastPathComponent(path))) documentsList.append(maker.rowOf(path));
+}
+
+QList<QVariantMap> rowsOfSearchResults(const QStringList &paths)
+{
+    TMLTDocumentListViewController list;
+    list.setSource({{}, SearchResultsBook, {}});
+    RowMaker maker;
+    for (const QString &path : paths)
+        if (itemExists(path)) list.documentsList.append(maker.rowOf(path));
+    list.sortDocuments();
+    return std::move(list.documentsList);
 }
 
 void TMLTDocumentListViewController::readRecentlyModified()
@@ -200,6 +258,47 @@ void TMLTDocumentListViewController::readRecentlyModified()
         }
     }
     readPaths(paths);
+}
+
+// A context is no file: it has a title and its place in the list of contexts.
+void TMLTDocumentListViewController::readContexts()
+{
+    const QStringList words = organiser().availableContexts();
+    for (qsizetype i = 0; i < words.size(); ++i)
+        if (words[i] != u"_TMFAV" && passesFilter(words[i]))
+            documentsList.append({{QStringLiteral("title"), words[i]},
+                                  {QStringLiteral("path"), words[i]},
+                                  {QStringLiteral("custom"), QStringLiteral("%1").arg(i, 4, 10, QLatin1Char('0'))},
+                                  {QStringLiteral("pinnedSequence"), notFoundIndex},
+                                  {smartTypeKey, int(ContextBook)}});
+}
+
+QList<QVariantMap> TMLTDocumentListViewController::rows() const
+{
+    QList<QVariantMap> all;
+    for (const int type : smartBooksList) {
+        const QString title = TMLTOutlineItem::titleForSmartBookOfType(type);
+        all.append({{QStringLiteral("title"), title},
+                    {QStringLiteral("path"), title},
+                    {QStringLiteral("pinnedSequence"), notFoundIndex},
+                    {smartTypeKey, type}});
+    }
+    return all + booksList + documentsList;
+}
+
+ListSource TMLTDocumentListViewController::sourceOf(const QVariantMap &row) const
+{
+    const QString path = row.value(QStringLiteral("path")).toString();
+    const int type = row.value(smartTypeKey).toInt();
+    if (type == ContextBook) return {{}, type, {path}};
+    return type == OrdinaryBook ? ListSource{path, type, {}} : ListSource{{}, type, {}};
+}
+
+ListSource TMLTDocumentListViewController::enclosingSource() const
+{
+    if (m_source.smartType == ContextBook) return {{}, ContextsBook, {}};
+    const bool isBelow = m_source.smartType == OrdinaryBook && m_source.book != tomeletRoot();
+    return {isBelow ? parentPath(m_source.book) : tomeletRoot(), OrdinaryBook, {}};
 }
 
 void TMLTDocumentListViewController::sortDocuments()

@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <optional>
+#include <utility>
+
 namespace tomelet {
 
 /// What the list shows: a book by its full path, or a smart book by its type (see SmartBookType) with its contexts.
@@ -15,10 +18,14 @@ struct ListSource
     QString book;
     int smartType = 0;
     QStringList contexts;
+    bool operator==(const ListSource &) const = default;
 };
 
 /// The book that is the inbox.
 [[nodiscard]] QString inboxFolder();
+
+/// The rows of search results in the order of their smart book. May be called from any thread: there may be thousands.
+[[nodiscard]] QList<QVariantMap> rowsOfSearchResults(const QStringList &paths);
 
 class TMLTDocumentListViewController
 {
@@ -26,6 +33,8 @@ public:
     void setSource(const ListSource &source);
     [[nodiscard]] const ListSource &source() const { return m_source; }
 
+    /// Hands over the rows of the search results, for the next rebuild alone.
+    void setRowsOfSearchResults(QList<QVariantMap> rows) { m_results = std::move(rows); }
     /// Rebuilds the rows of what is on display.
     void getDocumentsInFolder();
     /// Settles sort order and direction of what is on display.
@@ -44,6 +53,14 @@ public:
     /// Moves documents by their positions so that the first stands at `target`, and keeps that as the custom order.
     void moveDocuments(QList<qsizetype> positions, qsizetype target);
 
+    /// All rows from top to bottom: smart books, books, documents. What is no file has its type under `smartType`; a
+    /// smart book's or context's path is its title.
+    [[nodiscard]] QList<QVariantMap> rows() const;
+    /// What a row leads to when it is opened; a book and type 0 for a document.
+    [[nodiscard]] ListSource sourceOf(const QVariantMap &row) const;
+    /// Where one gets on the way up: the enclosing book, for a context the list of contexts, else the root.
+    [[nodiscard]] ListSource enclosingSource() const;
+
     /// What to say in place of an empty list.
     [[nodiscard]] QString emptyText() const;
     /// The list's title.
@@ -61,10 +78,12 @@ private:
     void readBook(const QString &book);
     void readPaths(const QStringList &paths);
     void readRecentlyModified();
+    void readContexts();
     [[nodiscard]] bool passesFilter(const QString &name) const;
     [[nodiscard]] bool isPlainBook() const;
 
     ListSource m_source;
+    std::optional<QList<QVariantMap>> m_results;
 };
 
 } // namespace tomelet

@@ -80,19 +80,34 @@ void ListSearch::startSpotlightSearchWithString(const QString &text)
     if (!showsResults()) m_origin = m_list.source();
     const QString scope = searchScope(m_origin.smartType == InboxBook ? inboxFolder() : m_origin.book);
     m_view.showStatus(localized(TOMELET_TEXT("Searching...")));
-    m_index.search(query, scope,
-                   [this, text, scope](const QStringList &paths) { queryDidFinishGathering(text, scope, paths); });
+    m_index.search(query, scope, [this, text, scope](const QStringList &paths) {
+        const QList<QVariantMap> rows = rowsOfSearchResults(storeSearchResults(paths));
+        return [this, text, scope, rows] { queryDidFinishGathering(text, scope, rows); };
+    });
 }
 
-void ListSearch::queryDidFinishGathering(const QString &text, const QString &scope, const QStringList &paths)
+void ListSearch::reloadResults()
+{
+    if (!showsResults() || m_index.isSearching()) return;
+    m_index.prepare([this] {
+        const QList<QVariantMap> rows = rowsOfSearchResults(lastSearchResults());
+        return [this, rows] {
+            if (!showsResults()) return;
+            m_list.setRowsOfSearchResults(rows);
+            m_view.reloadList();
+        };
+    });
+}
+
+void ListSearch::queryDidFinishGathering(const QString &text, const QString &scope, const QList<QVariantMap> &rows)
 {
     m_view.showStatus({});
-    const QStringList stored = storeSearchResults(paths);
-    m_header = searchResultsHeader(text, scope, stored.size());
+    m_header = searchResultsHeader(text, scope, rows.size());
     if (!TMLTOutlineItem::smartBookOfType(SearchResultsBook))
         TMLTOutlineItem::insertSmartChildOfType(SearchResultsBook);
     m_list.searchFilter.clear();
     m_list.setSource({m_origin.book, SearchResultsBook, {}});
+    m_list.setRowsOfSearchResults(rows);
     m_view.reloadList();
 }
 

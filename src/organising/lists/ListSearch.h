@@ -39,12 +39,14 @@ public:
     void searchFieldDidChange(const QString &text);
     /// Searches at once, as for the return key. Does nothing without terms and in smart books other than the results.
     void startSpotlightSearchWithString(const QString &text);
+    /// Reads the rows of the results on display anew, away from the main thread; a search under way brings others.
+    void reloadResults();
     /// The line above the results.
     [[nodiscard]] const QString &header() const { return m_header; }
 
 private:
     void handleStartSpotlightSearchNotification(const QString &term);
-    void queryDidFinishGathering(const QString &text, const QString &scope, const QStringList &paths);
+    void queryDidFinishGathering(const QString &text, const QString &scope, const QList<QVariantMap> &rows);
     void stop();
     void fieldWasEmptied();
     [[nodiscard]] bool showsResults() const;

@@ -7,6 +7,8 @@
 #include "import/MailParts.h"
 #include "import/MailText.h"
 #include "library/Extensions.h"
+#include "organising/search/OfficeText.h"
+#include "organising/search/RichText.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -75,9 +77,11 @@ QString documentText(const QString &path)
 {
     const QString extension = lowerExtension(path);
     if (extension == u"pdf") return textOfPdf(path);
+    if (isOfficeDocument(extension)) return textOfOfficeDocument(path);
     if (hasImageExtension(path) || QFileInfo(path).size() > largestText) return {};
     const auto bytes = readFile(path);
     if (!bytes || !looksLikeText(*bytes)) return {};
+    if (bytes->startsWith("{\\rtf")) return textOfRichText(*bytes);
     const QString text = decodeText(*bytes).text;
     if (extension.startsWith(u"htm")) return textOfPage(text);
     return extension == u"eml" ? textOfMail(text) : text;

@@ -7,8 +7,8 @@
 namespace tomelet {
 
 /// The text of plain text and Markdown as it stands, of pages without their tags, of mails with sender, date and
-/// subject, and of all pages of a PDF. "" for pictures and other files without text, for packages, for files that
-/// cannot be read and for texts above 32 MB. May be called from any thread.
+/// subject, of all pages of a PDF, of office documents, electronic books and RTF. "" for pictures and other files
+/// without text, for packages, for files that cannot be read and for texts above 32 MB. May be called from any thread.
 [[nodiscard]] QString documentText(const QString &path);
 
 } // namespace tomelet

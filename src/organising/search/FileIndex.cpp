@@ -122,25 +122,37 @@ void FileIndex::stopSearch()
     m_search.reset();
 }
 
-void FileIndex::search(const SearchQuery &query, const QString &scope, std::function<void(const QStringList &)> done)
+void FileIndex::run(std::function<Shown(const Stop &stop)> work)
+{
+    stopSearch();
+    m_search = std::make_shared<std::atomic_bool>(false);
+    m_searches.add([this, work = std::move(work), stop = m_search] {
+        if (*stop) return;
+        const Shown shown = work(stop);
+        const auto show = [this, stop, shown] {
+            if (*stop) return;
+            m_search.reset();
+            shown();
+        };
+        if (!*stop) QMetaObject::invokeMethod(&m_mainThread, show, Qt::QueuedConnection);
+    });
+}
+
+void FileIndex::prepare(const std::function<Shown()> &work)
+{
+    run([work](const Stop &) { return work(); });
+}
+
+void FileIndex::search(const SearchQuery &query, const QString &scope,
+                       std::function<Shown(const QStringList &)> prepare)
 {
     stopSearch();
     if (!m_notebook) return;
-    m_search = std::make_shared<std::atomic_bool>(false);
-    m_searches.add([this, query, scope, done = std::move(done), stop = m_search, notebook = m_notebook] {
+    run([query, scope, prepare = std::move(prepare), notebook = m_notebook](const Stop &stop) -> Shown {
         const auto goesOn = [&](qsizetype, qsizetype) { return !*stop; };
-        if (*stop) return;
         auto hits = notebook->searcher.find(query, scope, goesOn);
         if (!hits && !*stop) hits = searchByWalk(notebook->root, query, scope, goesOn);
-        if (*stop) return;
-        QMetaObject::invokeMethod(
-            &m_mainThread,
-            [this, stop, done, found = hits.value_or(QStringList())] {
-                if (*stop) return;
-                m_search.reset();
-                done(found);
-            },
-            Qt::QueuedConnection);
+        return *stop ? Shown() : prepare(hits.value_or(QStringList()));
     });
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The text index as a running program has it: kept current from the routed changes of files, and asked, on threads of
-// its own. All members are called on the main thread, and all callbacks come there.
+// its own. All members are called on the main thread.
 #pragma once
 
 #include "foundation/NotificationCenter.h"
@@ -31,10 +31,14 @@ public:
     /// after each change of the root.
     void present();
 
-    /// Searches below a folder; `done` gets the full paths of the hits, in no order. A search under way is stopped
-    /// first, and its callback never comes. While the index is being made, or where there can be none, the documents
-    /// are read one by one.
-    void search(const SearchQuery &query, const QString &scope, std::function<void(const QStringList &)> done);
+    /// What is to be done on the main thread with what was made of the hits.
+    using Shown = std::function<void()>;
+    /// Searches below a folder; `prepare` gets the full paths of the hits, in no order, on the thread of the search,
+    /// and answers with what comes on the main thread. A search under way is stopped first, and its answer never comes.
+    /// While the index is being made, or where there can be none, the documents are read one by one.
+    void search(const SearchQuery &query, const QString &scope, std::function<Shown(const QStringList &)> prepare);
+    /// Has something else prepared there, in place of what is under way.
+    void prepare(const std::function<Shown()> &work);
     void stopSearch();
     [[nodiscard]] bool isSearching() const { return m_search != nullptr; }
 
@@ -46,6 +50,8 @@ public:
 
 private:
     struct Notebook;
+    using Stop = std::shared_ptr<std::atomic_bool>;
+    void run(std::function<Shown(const Stop &stop)> work);
     void noteChange(const QString &path);
     void takeChanges();
     void update(const QStringList &paths);
@@ -53,7 +59,7 @@ private:
 
     QObject m_mainThread; // receives what the other threads hand over; nothing comes once it is gone
     std::shared_ptr<Notebook> m_notebook;
-    std::shared_ptr<std::atomic_bool> m_search; // set to stop it; null while there is none
+    Stop m_search; // set to stop it; null while there is none
     QSet<QString> m_changed;
     std::vector<NotificationCenter::Subscription> m_subscriptions;
     SerialQueue m_updates;

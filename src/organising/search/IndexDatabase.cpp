@@ -14,6 +14,8 @@ namespace {
 
 constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
+constexpr qint64 ownVersion = 2; // of the tables and tokens; a file with others is made anew
+constexpr size_t manyDocuments = 500;
 
 void check(int code)
 {
@@ -37,7 +39,7 @@ int tokenize(Fts5Tokenizer *, void *context, int purpose, const char *text, int 
     for (int from = 0; from < size;) {
         const void *separator = std::memchr(text + from, tokenSeparator, size_t(size - from));
         const int end = separator ? int(static_cast<const char *>(separator) - text) : size;
-        const bool shared = text[from] == sharedPlaceToken && purpose == FTS5_TOKENIZE_DOCUMENT;
+        const bool shared = sharesPlace(text[from]) && purpose == FTS5_TOKENIZE_DOCUMENT;
         const int code = token(context, shared ? FTS5_TOKEN_COLOCATED : 0, text + from, end - from, from, end);
         if (code != SQLITE_OK) return code;
         from = end + 1;
@@ -161,7 +163,9 @@ IndexDatabase::IndexDatabase(const QString &file)
         // Readers go on while documents are put, and a crash leaves what was committed.
         execute("PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
                 "PRAGMA cache_size=-65536");
-        if (number("PRAGMA user_version") == 0)
+        const qint64 version = number("PRAGMA user_version");
+        if (version != 0 && version != ownVersion) throw IndexDatabaseError{SQLITE_CORRUPT};
+        if (version == 0)
             execute(
                 "BEGIN IMMEDIATE;"
                 "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
@@ -173,7 +177,7 @@ IndexDatabase::IndexDatabase(const QString &file)
                 "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
                     // While the index is made nothing is merged bit by bit: it is all merged at the end.
                     "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
-                "PRAGMA user_version=1; COMMIT");
+                "PRAGMA user_version=2; COMMIT");
     } catch (...) {
         m_statements.clear();
         sqlite3_close_v2(m_database);
@@ -217,6 +221,7 @@ QHash<QString, IndexDatabase::Stamp> IndexDatabase::documentsAt(const QString &p
 
 void IndexDatabase::put(const Entry &entry)
 {
+    m_paths.clear();
     Statement &row = statement("INSERT OR REPLACE INTO documents(path, size, changed, text) VALUES(?,?,?,?)");
     row.bind(1, entry.document.path);
     row.bind(2, entry.document.stamp.size);
@@ -231,17 +236,58 @@ void IndexDatabase::put(const Entry &entry)
 
 void IndexDatabase::remove(const QString &path)
 {
+    m_paths.clear();
     Statement &row = statement("DELETE FROM documents WHERE path = ?");
     row.bind(1, path);
     row.run();
 }
 
-void IndexDatabase::find(const std::string &expression, const std::function<void(const QString &)> &visit)
+std::vector<qint64> IndexDatabase::find(const std::string &expression)
 {
-    Statement &query =
-        statement("SELECT path FROM tokens JOIN documents ON documents.id = tokens.rowid WHERE tokens MATCH ?");
+    std::vector<qint64> numbers;
+    if (expression.empty()) return numbers;
+    Statement &query = statement("SELECT rowid FROM tokens WHERE tokens MATCH ?");
     query.bind(1, expression);
-    while (query.step()) visit(query.text(0));
+    while (query.step()) numbers.push_back(query.integer(0));
+    return numbers;
+}
+
+QString IndexDatabase::readPath(qint64 document)
+{
+    Statement &query = statement("SELECT path FROM documents WHERE id = ?");
+    query.bind(1, document);
+    const QString path = query.step() ? query.text(0) : QString();
+    query.reset();
+    return path;
+}
+
+// A path of its own for each hit takes longer than to find it; so once there are many, all are kept.
+const std::vector<QString> &IndexDatabase::allPaths(const QString &root)
+{
+    const qint64 version = number("PRAGMA data_version");
+    if (m_paths.empty() || m_pathsVersion != version) {
+        m_paths.assign(size_t(number("SELECT max(id) FROM documents")) + 1, QString());
+        Statement &query = statement("SELECT id, path FROM documents");
+        while (query.step()) m_paths[size_t(query.integer(0))] = root + query.text(1);
+        m_pathsVersion = version;
+    }
+    return m_paths;
+}
+
+QStringList IndexDatabase::pathsOf(const std::vector<qint64> &documents, const QString &root)
+{
+    QStringList paths;
+    paths.reserve(qsizetype(documents.size()));
+    if (documents.size() <= manyDocuments) {
+        for (const qint64 document : documents)
+            if (const QString path = readPath(document); !path.isEmpty()) paths.append(root + path);
+        return paths;
+    }
+    const std::vector<QString> &known = allPaths(root);
+    for (const qint64 document : documents)
+        if (size_t(document) < known.size() && !known[size_t(document)].isEmpty())
+            paths.append(known[size_t(document)]);
+    return paths;
 }
 
 QByteArray IndexDatabase::textOf(const QString &path)

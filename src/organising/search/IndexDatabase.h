@@ -8,10 +8,11 @@
 #include <QByteArray>
 #include <QHash>
 #include <QString>
+#include <QStringList>
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -67,8 +68,10 @@ public:
     void put(const Entry &entry);
     void remove(const QString &path);
 
-    /// Visits the paths that an FTS5 expression over tokens finds.
-    void find(const std::string &expression, const std::function<void(const QString &path)> &visit);
+    /// The numbers of the documents that an FTS5 expression over tokens finds; some may be out of use.
+    [[nodiscard]] std::vector<qint64> find(const std::string &expression);
+    /// The paths of those that are in use, each with `root` in front, which is always the same.
+    [[nodiscard]] QStringList pathsOf(const std::vector<qint64> &documents, const QString &root);
     /// The text that was put with the document; "" for none.
     [[nodiscard]] QByteArray textOf(const QString &path);
 
@@ -85,9 +88,13 @@ private:
     void registerTokenizer();
     Statement &statement(const char *sql);
     qint64 number(const char *sql);
+    QString readPath(qint64 document);
+    const std::vector<QString> &allPaths(const QString &root);
 
     sqlite3 *m_database = nullptr;
     QHash<const char *, std::shared_ptr<Statement>> m_statements;
+    std::vector<QString> m_paths; // by number, as of m_pathsVersion; empty while nobody needs them
+    qint64 m_pathsVersion = 0;
 };
 
 } // namespace tomelet

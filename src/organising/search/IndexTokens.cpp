@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/search/IndexTokens.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_set>
 
@@ -10,6 +11,8 @@ namespace {
 
 constexpr size_t longestWord = 32;
 constexpr size_t longestGap = 8;
+constexpr size_t longestEnd = 3;   // of a gap
+constexpr size_t longestPiece = 4; // of a gap
 constexpr size_t longestTitleKey = 24;
 constexpr int charactersOfDenseWord = 2;
 constexpr int longestSigns = 3;
@@ -34,6 +37,19 @@ std::string_view firstCharacters(std::string_view piece, int count)
     return piece.substr(0, end);
 }
 
+int charactersOf(std::string_view piece)
+{
+    return int(std::ranges::count_if(piece, [](char byte) { return !isWithinCharacter(byte); }));
+}
+
+// How many bytes the longest end is that gaps keep.
+size_t cutFromEnd(std::string_view piece)
+{
+    size_t from = piece.size() - std::min(piece.size(), longestEnd);
+    while (from < piece.size() && isWithinCharacter(piece[from])) ++from;
+    return piece.size() - from;
+}
+
 size_t characterBefore(std::string_view text, size_t position)
 {
     do --position;
@@ -55,6 +71,11 @@ public:
     [[nodiscard]] size_t wordFrom(size_t from) const
     {
         while (from < m_all.size() && !isInWord(m_text.kinds[from])) ++from;
+        return from;
+    }
+    [[nodiscard]] size_t gapFrom(size_t from) const
+    {
+        while (from < m_all.size() && isInWord(m_text.kinds[from])) ++from;
         return from;
     }
     [[nodiscard]] size_t endOfRun(size_t from) const
@@ -96,7 +117,7 @@ void appendWords(std::string &tokens, const FoldedText &text, const Runs &runs, 
     size_t before = from;
     for (int count = 1; count <= longestSigns && runs.signsBefore(from, count) < before; ++count) {
         before = runs.signsBefore(from, count);
-        append(tokens, sharedPlaceToken, runs.piece(before, from), runs.word(from, end));
+        append(tokens, 'x', runs.piece(before, from), runs.word(from, end));
     }
     if (!runs.isDense(from)) return;
     for (size_t i = nextCharacter(text.text, from); i < end; i = nextCharacter(text.text, i))
@@ -108,41 +129,49 @@ bool leavesNoToken(std::string_view gap)
     return gap == " ";
 }
 
+// Up to three signs in front of a word are in the word's own tokens.
+bool isKnownOfWord(std::string_view lead)
+{
+    return charactersOf(lead) <= longestSigns && lead.find(' ') == std::string_view::npos;
+}
+
+void appendGap(std::string &tokens, std::string_view gap)
+{
+    if (leavesNoToken(gap)) return;
+    append(tokens, 'g', cut(gap, longestGap));
+    for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i))
+        if (const std::string_view end = gap.substr(i);
+            end.size() <= longestEnd && !leavesNoToken(end) && !isKnownOfWord(end))
+            append(tokens, 'h', end);
+}
+
 void appendText(std::string &tokens, const FoldedText &text)
 {
     const Runs runs(text);
     const size_t size = text.text.size();
-    for (size_t from = runs.wordFrom(0); from < size;) {
-        const size_t end = runs.endOfRun(from);
-        appendWords(tokens, text, runs, from, end);
-        from = runs.wordFrom(end);
-        const std::string_view gap = runs.piece(end, from);
-        if (end < size && !leavesNoToken(gap)) append(tokens, 'g', cut(gap, longestGap));
+    for (size_t from = 0; from < size;) {
+        const size_t word = runs.wordFrom(from);
+        // Latin and dense writing side by side have an empty gap between them.
+        if (word > 0) appendGap(tokens, runs.piece(from, word));
+        if (word == size) return;
+        from = runs.endOfRun(word);
+        appendWords(tokens, text, runs, word, from);
     }
-}
-
-// How long the token of signs at the position is: a sign with the sign behind it, or the character alone.
-size_t endOfSigns(const FoldedText &text, size_t from)
-{
-    const size_t next = nextCharacter(text.text, from);
-    const bool isPair =
-        next < text.text.size() && text.kinds[from] == SearchKind::Sign && text.kinds[next] == SearchKind::Sign;
-    return isPair ? nextCharacter(text.text, next) : next;
 }
 
 void appendSigns(std::string &tokens, const FoldedText &text)
 {
+    const Runs runs(text);
     std::unordered_set<std::string_view> seen;
-    const std::string_view all = text.text;
-    const auto addOnce = [&](size_t from, size_t end) {
-        const std::string_view piece = all.substr(from, end - from);
-        if (seen.insert(piece).second) append(tokens, 's', piece);
-    };
-    for (size_t i = 0; i < all.size(); ++i) {
-        if (isInWord(text.kinds[i]) || isWithinCharacter(all[i]) || (all[i] == ' ' && i > 0 && seen.contains(" ")))
-            continue;
-        addOnce(i, nextCharacter(all, i));
-        addOnce(i, endOfSigns(text, i));
+    for (size_t from = 0; from < text.text.size();) {
+        const size_t end = runs.gapFrom(from);
+        const size_t word = runs.wordFrom(end);
+        const std::string_view gap = runs.piece(end, word);
+        from = word;
+        if (leavesNoToken(gap) && seen.contains(gap)) continue; // most of them
+        for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i))
+            if (const std::string_view kept = cut(gap.substr(i), longestPiece); seen.insert(kept).second)
+                append(tokens, 's', kept);
     }
 }
 
@@ -181,7 +210,8 @@ public:
     TermLookUps read()
     {
         size_t from = m_runs.wordFrom(0);
-        readLead(from);
+        if (from == m_size) readSigns();
+        else readLead(m_runs.piece(0, from));
         while (from < m_size) {
             const size_t end = m_runs.endOfRun(from);
             readWord(from, end);
@@ -193,23 +223,32 @@ public:
     }
 
 private:
-    // The signs right in front of the first word are in its token; the rest is looked up by itself.
-    void readLead(size_t end)
+    // A term of signs and blanks alone stands in the text as one.
+    void readSigns()
     {
-        const size_t signs = end < m_size ? m_runs.signsBefore(end, longestSigns) : end;
-        m_signs = m_runs.piece(signs, end);
-        for (size_t i = 0; i < signs; i = nextCharacter(m_term.text, i)) {
-            append(m_phrase, 's', m_runs.piece(i, endOfSigns(m_term, i)));
-            closePhrase(false);
+        const std::string_view kept = cut(m_term.text, longestPiece);
+        m_result.exact = kept.size() == m_size;
+        append(m_phrase, 's', kept);
+        closePhrase(m_result.exact);
+    }
+
+    // What stands in front of the first word is in that word's token, or in that of the gap.
+    void readLead(std::string_view lead)
+    {
+        if (isKnownOfWord(lead)) {
+            m_signs = lead;
+            return;
         }
-        m_result.exact = signs == 0 || (end == m_size && endOfSigns(m_term, 0) == m_size);
-        if (end == m_size && m_result.exact && m_result.phrases.size() > 1) m_result.phrases.resize(1);
+        const std::string_view kept = lead.substr(lead.size() - cutFromEnd(lead));
+        m_result.exact = kept.size() == lead.size() && !leavesNoToken(lead);
+        if (isKnownOfWord(kept)) m_signs = kept;
+        else if (!leavesNoToken(kept)) append(m_phrase, 'h', kept);
     }
 
     void readWord(size_t from, size_t end)
     {
         const std::string_view word = m_runs.word(from, end);
-        append(m_phrase, m_signs.empty() ? 'w' : sharedPlaceToken, m_signs, word);
+        append(m_phrase, m_signs.empty() ? 'w' : 'x', m_signs, word);
         m_signs = {};
         const bool isLast = end == m_size;
         const bool isCut = word.size() < end - from;

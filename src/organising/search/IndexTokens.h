@@ -5,8 +5,9 @@
 //   w  a word (32 bytes at most; in dense writing two characters from where each word begins)
 //   x  at the place of the word: the word with the one, two and three signs in front of it
 //   g  what stands between two words (8 bytes at most), unless that is one blank
+//   h  at the place of that: its ends (3 bytes at most) that no x token knows
 // and, behind the text, each once:
-//   s  a sign or a blank, and two signs side by side
+//   s  what stands between two words, from each of its characters on (4 bytes at most)
 //   t  the name from each of its characters on (24 bytes at most)
 // So nearly every term is found by one phrase of tokens, the last of them as a beginning, without a look at the texts.
 #pragma once
@@ -20,8 +21,11 @@ namespace tomelet {
 
 /// Stands behind each token; never part of a folded text.
 inline constexpr char tokenSeparator = '\x1f';
-/// The token belongs to the place of the one before it.
-inline constexpr char sharedPlaceToken = 'x';
+/// Whether a token of this kind belongs to the place of the one before it.
+[[nodiscard]] constexpr bool sharesPlace(char kind)
+{
+    return kind == 'x' || kind == 'h';
+}
 
 /// All tokens of a document. `name` is folded.
 [[nodiscard]] std::string tokensOfDocument(const FoldedText &text, const std::string &name);

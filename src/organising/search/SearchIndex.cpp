@@ -9,12 +9,14 @@
 #include "organising/search/DocumentText.h"
 #include "organising/search/IndexDatabase.h"
 #include "organising/search/IndexTokens.h"
+#include "organising/search/OfficeText.h"
 
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <iterator>
 #include <sys/stat.h>
 #include <utility>
 
@@ -73,7 +75,8 @@ std::string foldedName(const QString &path)
 bool keepsText(const QString &path)
 {
     const QString extension = lowerExtension(path);
-    return extension == u"pdf" || extension == u"eml" || extension.startsWith(u"htm");
+    return extension == u"pdf" || extension == u"eml" || extension == u"rtf" || extension.startsWith(u"htm") ||
+           isOfficeDocument(extension);
 }
 
 IndexDatabase::Entry entryOf(const QString &root, const Document &document)
@@ -124,7 +127,7 @@ private:
 
 bool isBelow(const QString &path, const QString &scope)
 {
-    return scope.isEmpty() || (path.startsWith(scope) && path.size() > scope.size() && path[scope.size()] == u'/');
+    return path.startsWith(scope) && path.size() > scope.size() && path[scope.size()] == u'/';
 }
 
 std::string quoted(const TokenPhrase &phrase)
@@ -141,39 +144,60 @@ std::string allOf(const TermLookUps &lookUps)
     return text + ')';
 }
 
-/// The query in the index's language, and whether what it finds are the hits.
+/// A query in the index's language, as two that together find all hits; either may be "", which finds nothing.
 struct Expression
 {
-    std::string text;
-    bool exact = true;
+    std::string sure;   ///< finds hits alone
+    std::string unsure; ///< what it finds has to be tested against the documents
 };
+
+std::string joined(const std::vector<std::string> &parts, const char *operation)
+{
+    std::string text;
+    for (const std::string &part : parts)
+        if (!part.empty()) text += (text.empty() ? "(" : operation) + part;
+    return text.empty() ? text : text + ')';
+}
+
+Expression expressionOf(const FoldedText &term, SearchMode mode)
+{
+    std::vector<std::string> sure, unsure;
+    const auto add = [&](const TermLookUps &place) { (place.exact ? sure : unsure).push_back(allOf(place)); };
+    if (mode != SearchMode::Content) add(titleLookUps(term));
+    if (mode != SearchMode::Title) add(contentLookUps(term));
+    return {joined(sure, " OR "), joined(unsure, " OR ")};
+}
 
 Expression expressionOf(const SearchQuery &query)
 {
-    Expression result;
-    result.exact = query.terms.size() <= mostTermsOfExpression;
-    for (size_t i = 0; i < std::min(query.terms.size(), mostTermsOfExpression); ++i) {
-        const FoldedText &term = query.terms[i];
-        const TermLookUps title = titleLookUps(term);
-        const TermLookUps content = contentLookUps(term);
-        const std::string text = query.mode == SearchMode::Title ? allOf(title)
-                                 : query.mode == SearchMode::Content
-                                     ? allOf(content)
-                                     : '(' + allOf(title) + " OR " + allOf(content) + ')';
-        result.text += (result.text.empty() ? "" : " AND ") + text;
-        result.exact = result.exact && (query.mode == SearchMode::Title || content.exact) &&
-                       (query.mode == SearchMode::Content || title.exact);
+    std::vector<Expression> terms;
+    for (size_t i = 0; i < std::min(query.terms.size(), mostTermsOfExpression); ++i)
+        terms.push_back(expressionOf(query.terms[i], query.mode));
+    std::vector<std::string> sure, either;
+    for (const Expression &term : terms) {
+        sure.push_back(term.sure);
+        either.push_back(joined({term.sure, term.unsure}, " OR "));
     }
-    return result;
+    if (terms.size() < query.terms.size()) return {{}, joined(either, " AND ")};
+    // A hit that is not sure is unsure by one term at least.
+    std::vector<std::string> unsure;
+    for (size_t i = 0; i < terms.size(); ++i) {
+        if (terms[i].unsure.empty()) continue;
+        std::vector<std::string> all = either;
+        all[i] = terms[i].unsure;
+        unsure.push_back(joined(all, " AND "));
+    }
+    const bool canBeSure = std::ranges::none_of(sure, &std::string::empty);
+    return {canBeSure ? joined(sure, " AND ") : std::string(), joined(unsure, " OR ")};
 }
 
-bool documentMatches(const QString &root, const QString &path, const SearchQuery &query, const QByteArray &keptText)
+bool documentMatches(const QString &path, const SearchQuery &query, const QByteArray &keptText)
 {
     std::optional<FoldedText> content;
     return matchesQuery(query, foldedName(path), [&]() -> const FoldedText & {
         if (!content)
-            content = foldedForSearch(keptText.isEmpty() ? documentText(root + path)
-                                                         : QString::fromUtf8(qUncompress(keptText)));
+            content =
+                foldedForSearch(keptText.isEmpty() ? documentText(path) : QString::fromUtf8(qUncompress(keptText)));
         return *content;
     });
 }
@@ -304,19 +328,23 @@ QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, 
                                 const Progress &progress)
 {
     const Expression expression = expressionOf(query);
-    const QString below = tm_normalizedPath(scope, m_root);
-    QStringList paths;
-    index.find(expression.text, [&](const QString &path) {
-        if (isBelow(path, below)) paths.append(path);
-    });
-    qsizetype done = 0;
-    const auto fails = [&](const QString &path) {
-        if (progress && !progress(++done, paths.size())) return true;
-        return !documentMatches(m_root, path, query, index.textOf(path));
+    const QString folder = m_root + tm_normalizedPath(scope, m_root);
+    const auto pathsOf = [&](const std::vector<qint64> &documents) {
+        QStringList paths = index.pathsOf(documents, m_root);
+        if (folder != m_root) paths.removeIf([&](const QString &path) { return !isBelow(path, folder); });
+        return paths;
     };
-    if (!expression.exact) paths.removeIf(fails);
-    for (QString &path : paths) path.prepend(m_root);
-    return paths;
+    const std::vector<qint64> sure = index.find(expression.sure);
+    const std::vector<qint64> found = index.find(expression.unsure);
+    std::vector<qint64> unsure;
+    std::ranges::set_difference(found, sure, std::back_inserter(unsure)); // FTS5 finds in the numbers' order
+    QStringList tested = pathsOf(unsure);
+    qsizetype done = 0;
+    tested.removeIf([&](const QString &path) {
+        if (progress && !progress(++done, tested.size())) return true;
+        return !documentMatches(path, query, index.textOf(path.sliced(m_root.size())));
+    });
+    return pathsOf(sure) + tested;
 }
 
 QStringList searchByWalk(const QString &root, const SearchQuery &query, const QString &scope, const Progress &progress)
@@ -325,7 +353,7 @@ QStringList searchByWalk(const QString &root, const SearchQuery &query, const QS
     QStringList hits;
     qsizetype done = 0;
     for (const Document &document : documents) {
-        if (documentMatches(root, document.path, query, {})) hits.append(root + document.path);
+        if (const QString path = root + document.path; documentMatches(path, query, {})) hits.append(path);
         if (progress && !progress(++done, qsizetype(documents.size()))) break;
     }
     return hits;

@@ -10,6 +10,9 @@
 #include <QHash>
 #include <QVariant>
 
+#include <mutex>
+#include <optional>
+
 namespace tomelet {
 
 QString searchResultsFile()
@@ -17,17 +20,46 @@ QString searchResultsFile()
     return joinPath(rootCacheFolder(), QStringLiteral(".Search/LastSearchresultsItemsPath.txt"));
 }
 
-// Results whose file could not be written, by its path: on a full disk they are shown all the same.
-static QHash<QString, QStringList> &unwritten()
+namespace {
+
+/// Results whose file could not be written, by its path: on a full disk they are shown all the same.
+class UnwrittenResults
 {
-    static QHash<QString, QStringList> results;
+public:
+    void keep(const QString &file, const QStringList &paths)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_results.insert(file, paths);
+    }
+    void forget(const QString &file)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_results.remove(file);
+    }
+    [[nodiscard]] std::optional<QStringList> of(const QString &file)
+    {
+        const std::lock_guard lock(m_mutex);
+        return m_results.contains(file) ? std::optional(m_results.value(file)) : std::nullopt;
+    }
+
+private:
+    std::mutex m_mutex;
+    QHash<QString, QStringList> m_results;
+};
+
+UnwrittenResults &unwritten()
+{
+    static UnwrittenResults results;
     return results;
 }
+
+} // namespace
 
 QStringList lastSearchResults()
 {
     const QString file = searchResultsFile();
-    return unwritten().contains(file) ? unwritten().value(file) : readStringArray(file);
+    if (const auto kept = unwritten().of(file)) return *kept;
+    return readStringArray(file);
 }
 
 QStringList storeSearchResults(const QStringList &paths)
@@ -37,9 +69,9 @@ QStringList storeSearchResults(const QStringList &paths)
     for (const QString &path : paths)
         if (!tm_pathIsExcludedFromDisplay(tm_normalizedPath(path, root))) shown.append(path);
     const QString file = searchResultsFile();
-    unwritten().remove(file);
+    unwritten().forget(file);
     if (!makeFolder(parentPath(file)) || !writeStore(file, QVariantList(shown.begin(), shown.end())))
-        unwritten().insert(file, shown);
+        unwritten().keep(file, shown);
     return shown;
 }
 

@@ -11,7 +11,7 @@ namespace tomelet {
 [[nodiscard]] QString searchResultsFile();
 /// The paths as they were stored; some may be gone meanwhile.
 [[nodiscard]] QStringList lastSearchResults();
-/// Stores the hits without those that lists never show; gives what was stored.
+/// Stores the hits without those that lists never show; gives what was stored. May be called from any thread.
 QStringList storeSearchResults(const QStringList &paths);
 
 /// The line above the results. `scope` is the folder searched; it is named where only one book was.

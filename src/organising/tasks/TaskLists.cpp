@@ -5,6 +5,7 @@
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
+#include "foundation/PropertyStore.h"
 #include "library/ItemPath.h"
 #include "library/Properties.h"
 #include "organising/contexts/Contexts.h"
@@ -123,6 +124,54 @@ bool listIsStoredFor(const QString &root)
     return settings().contains(listKey) && (owner.isEmpty() || owner == root);
 }
 
+// -- counters ---------------------------------------------------------------------------------------------------------
+
+/// A store whose counters are what its records say; `changed` tells that it is to be written.
+struct Recount
+{
+    TaskStore store;
+    qlonglong due = 0;
+    bool changed = false;
+};
+
+Recount recount(const QString &book, bool cleanup)
+{
+    const QDateTime now = platform().clock.now();
+    Recount result{TaskStore(book)};
+    TaskStore &store = result.store;
+    const TasksOfBook tasks = store.tasks();
+    if (!store.isReadable() || !tasks.folderIsListed) return result;
+    qlonglong done = 0;
+    for (const LiveTask &task : tasks.live) {
+        if (isSettled(stateOf(task.record))) ++done;
+        else if (isOverdue(task.record, now)) ++result.due;
+    }
+    const bool removes = cleanup && !tasks.vanished.isEmpty();
+    result.changed = done != store.doneCount() || result.due != store.dueCount() || removes;
+    if (!result.changed) return result;
+    if (removes)
+        for (const QString &key : tasks.vanished) store.remove(key);
+    store.setDoneCount(done);
+    store.setDueCount(result.due);
+    return result;
+}
+
+void recountAll(const QStringList &books)
+{
+    QStringList written;
+    {
+        StoreBatch batch;
+        for (const QString &book : books) {
+            Recount counted = recount(book, true);
+            if (!counted.changed) continue;
+            logLine(QStringLiteral("writing task details for %1").arg(book));
+            counted.store.save(batch);
+            written.append(counted.store.path());
+        }
+    }
+    for (const QString &store : written) announceFile(store);
+}
+
 } // namespace
 
 // -- the list of tasklists --------------------------------------------------------------------------------------------
@@ -199,8 +248,9 @@ void updateListOfTasklists()
     storeTasklists(found.tasklists, root);
     storeList(QStringLiteral("booksList"), visibleBooks(found.books, root));
     settings().remove(flagKey);
-    for (const QString &book : found.tasklists)
-        tm_correctTaskCountAtPath(fullPathOf(book, root));
+    QStringList books;
+    for (const QString &book : found.tasklists) books.append(fullPathOf(book, root));
+    recountAll(books);
     logLine(QStringLiteral("found %1 task lists and %2 books")
                 .arg(found.tasklists.size())
                 .arg(found.books.size()));
@@ -235,32 +285,15 @@ void updateListOfTasklistRemoving(const QString &removing, const QString &adding
 qlonglong tm_correctTaskCountAtPathWithCleanup(const QString &book, bool cleanup)
 {
     rebuildRemindersSoon();
-    const QDateTime now = platform().clock.now();
-    TaskStore store(book);
-    const TasksOfBook tasks = store.tasks();
-    if (!store.isReadable() || !tasks.folderIsListed) return 0;
-    qlonglong done = 0;
-    qlonglong due = 0;
-    for (const LiveTask &task : tasks.live) {
-        if (isSettled(stateOf(task.record)))
-            ++done;
-        else if (isOverdue(task.record, now))
-            ++due;
-    }
-    const bool removes = cleanup && !tasks.vanished.isEmpty();
-    if (done == store.doneCount() && due == store.dueCount() && !removes) return due;
-    if (removes)
-        for (const QString &key : tasks.vanished)
-            store.remove(key);
-    store.setDoneCount(done);
-    store.setDueCount(due);
-    if (store.save()) {
+    Recount counted = recount(book, cleanup);
+    if (!counted.changed) return counted.due;
+    if (counted.store.save()) {
         logLine(QStringLiteral("writing task details for %1").arg(book));
-        announceFile(store.path());
+        announceFile(counted.store.path());
     } else {
         logLine(QStringLiteral("could not save task details for %1").arg(book));
     }
-    return due;
+    return counted.due;
 }
 
 qlonglong tm_correctTaskCountAtPath(const QString &book)

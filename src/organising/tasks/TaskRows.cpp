@@ -119,6 +119,7 @@ static DueCounts findDueTasks(const QString &root, DueCounters counters,
     const QDateTime now = platform().clock.now();
     const QDateTime horizon = dueHorizon();
     DueCounts all;
+    StoreBatch corrected; // one by one, many stores would keep the person waiting for the disk
     for (const QString &entry : knownTasklists()) {
         const QString book = fullPathOf(entry, root);
         TaskStore store(book);
@@ -138,7 +139,7 @@ static DueCounts findDueTasks(const QString &root, DueCounters counters,
         all.overdue += overdue;
         if (counters == DueCounters::Leave || overdue == store.dueCount()) continue;
         store.setDueCount(overdue);
-        store.save();
+        store.save(corrected);
     }
     return all;
 }

@@ -176,6 +176,16 @@ bool TaskStore::save()
     return true;
 }
 
+void TaskStore::save(StoreBatch &batch)
+{
+    if (m_readable && m_values == m_saved) return;
+    batch.change(m_path, [this](QVariantMap &values) {
+        values = m_values;
+        return true;
+    });
+    m_saved = m_values;
+}
+
 void announceTask(const QString &path)
 {
     notifications().postPath(QStringLiteral("TMUpdateTaskIconNotification"), path);

@@ -17,6 +17,8 @@
 
 namespace tomelet {
 
+class StoreBatch;
+
 using TaskRecord = QVariantMap;
 
 namespace taskField {
@@ -94,6 +96,8 @@ public:
 
     /// Writes what was changed; a store that could not be read is set aside first. False when that failed.
     bool save();
+    /// The same together with other stores.
+    void save(StoreBatch &batch);
 
 private:
     QString m_book;

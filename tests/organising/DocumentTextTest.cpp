@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The text that search finds in office documents, electronic books and RTF, damaged ones among them.
+#include "organising/search/DocumentText.h"
+#include "organising/search/RichText.h"
+#include "tests/support/Notebook.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+
+#include <utility>
+#include <vector>
+
+namespace tomelet {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class DocumentTexts : public test::Notebook
+{
+protected:
+    QString archiveOf(const QString &name, const std::vector<std::pair<const char *, QByteArray>> &files) const
+    {
+        const QString path = at(u'/' + name);
+        archive *file = archive_write_new();
+        archive_write_set_format_zip(file);
+        archive_write_open_filename(file, path.toUtf8().constData());
+        for (const auto &[entryName, bytes] : files) {
+            archive_entry *entry = archive_entry_new();
+            archive_entry_set_pathname(entry, entryName);
+            archive_entry_set_size(entry, bytes.size());
+            archive_entry_set_filetype(entry, AE_IFREG);
+            archive_write_header(file, entry);
+            archive_write_data(file, bytes.constData(), size_t(bytes.size()));
+            archive_entry_free(entry);
+        }
+        archive_write_free(file);
+        return path;
+    }
+};
+
+TEST_F(DocumentTexts, OfOfficeDocuments)
+{
+    const QString text =
+        archiveOf(u"Letter.odt"_s,
+                  {{"mimetype", "application/vnd.oasis.opendocument.text"},
+                   {"content.xml",
+                    "<o xmlns:text='t'><style>no text</style>\n <text:h>Über  uns</text:h>\n <text:p>wo<text:span>rd"
+                    "</text:span><text:tab/>next</text:p></o>"},
+                   {"Object 1/content.xml", "<o xmlns:text='t'><text:p>elsewhere</text:p></o>"}});
+    EXPECT_EQ(documentText(text), u"Über  uns\nword next\n"_s);
+
+    const QString report = archiveOf(
+        u"Report.DOCX"_s,
+        {{"docProps/core.xml", "<x xmlns:w='w'><w:t>properties</w:t></x>"},
+         {"word/document.xml", "<w:d xmlns:w='w'><w:p>\n<w:r><w:t>Hel</w:t></w:r>\n<w:r><w:t>lo &amp;</w:t><w:br/><w:t "
+                               "xml:space='preserve'>you </w:t></w:r><w:instrText>PAGE</w:instrText></w:p></w:d>"},
+         {"word/footnotes.xml", "<w:f xmlns:w='w'><w:p><w:t>note</w:t></w:p></w:f>"}});
+    EXPECT_EQ(documentText(report), u"Hello & you \nnote\n"_s);
+
+    const QString table =
+        archiveOf(u"Table.xlsx"_s, {{"xl/sharedStrings.xml", "<sst><si><t>one</t></si><si><t>two</t><rPh>"
+                                                             "<t>spoken</t></rPh></si></sst>"}});
+    EXPECT_EQ(documentText(table), u"one\ntwo\n"_s);
+
+    const QString book =
+        archiveOf(u"Book.epub"_s, {{"OEBPS/one.xhtml", "<html><body><p>First <b>page</b></p></body></html>"},
+                                   {"OEBPS/style.css", "p { color: red }"}});
+    EXPECT_EQ(documentText(book).simplified(), u"First page"_s);
+}
+
+TEST_F(DocumentTexts, OfDamagedOfficeDocumentsIsWhatCanBeRead)
+{
+    QByteArray xml = "<o xmlns:text='t'>";
+    for (int i = 0; i < 300; ++i) xml += "<text:p>line " + QByteArray::number(i * 7919) + "</text:p>";
+    const QString whole = archiveOf(u"Whole.odt"_s, {{"content.xml", xml + "</o>"}});
+    const QByteArray bytes = read(u"/Whole.odt"_s);
+    for (qsizetype size = 0; size < bytes.size(); size += 61)
+        (void)documentText(write(u"/Cut.odt"_s, bytes.left(size)));
+    for (qsizetype at = 0; at < bytes.size(); at += 13) {
+        QByteArray changed = bytes;
+        changed[at] = char(~changed[at]);
+        (void)documentText(write(u"/Changed.odt"_s, changed));
+    }
+    // A name promises nothing.
+    EXPECT_EQ(documentText(write(u"/Text.docx"_s, "plain text")), QString());
+    EXPECT_EQ(documentText(archiveOf(u"Open.odt"_s, {{"content.xml", xml}})).count(u'\n'), 300);
+}
+
+TEST_F(DocumentTexts, OfAnArchiveThatUnpacksWithoutEndIsCut)
+{
+    const QByteArray blanks(40 << 20, ' ');
+    const QString bomb =
+        archiveOf(u"Large.odt"_s,
+                  {{"content.xml", "<o xmlns:text='t'><text:p>begin</text:p><text:p>" + blanks + "end</text:p></o>"}});
+    const QString text = documentText(bomb);
+    EXPECT_TRUE(text.startsWith(u"begin"_s));
+    EXPECT_LT(text.size(), 33 << 20);
+}
+
+TEST(RichText, IsReadWithoutWhatIsNoText)
+{
+    const struct
+    {
+        const char *rtf;
+        QString text;
+    } rows[] = {
+        {R"({\rtf1\ansi\ansicpg1252{\fonttbl{\f0 Times;}}{\*\generator x;}\f0\fs24 Hello {\b bold} w\'f6rld\par next})",
+         u"Hello bold wörld\nnext"_s},
+        {R"({\rtf1 {\info{\title no}}\u8364?\uc2\u233\'c3\'a9 \uc0\u26085 \u-10179\u-8704 x})", u"€é 日😀x"_s},
+        {R"({\rtf1\ansicpg1251 \'cf\'f0\'e8\'e2\'e5\'f2\emdash a\~b\-c\_d \{\}\\})", u"Привет—a\u00a0bc-d {}\\"_s},
+        {R"({\rtf1 {\field{\*\fldinst HYPERLINK "x"}{\fldrslt link}}\bin3 {{{after)", u"linkafter"_s},
+        {R"({\rtf1 \ansicpg77777 a}} b\)", u"a b"_s},
+        {"{\\rtf1 bro\nken\\\nline \\'", u"broken\nline "_s},
+    };
+    for (const auto &row : rows) EXPECT_EQ(textOfRichText(row.rtf), row.text) << row.rtf;
+    EXPECT_EQ(textOfRichText(QByteArray(QByteArray(1 << 20, '{') + "deep")), QString());
+}
+
+} // namespace
+
+} // namespace tomelet
