@@ -74,11 +74,13 @@ bool TMLTDocumentViewController::fileWasReplaced()
 {
     static constexpr qint64 tolerance = 500;
     const QDateTime date = QFileInfo(m_path).lastModified();
-    if (!date.isValid() || date == m_modDateOfPresentedDocument) return false;
+    const auto stamp = fileStamp(m_path); // two saves of one moment have the same date
+    if (!date.isValid() || stamp == m_stampOfPresentedDocument) return false;
     if (m_md5OfFile.isEmpty()) return std::abs(m_modDateOfPresentedDocument.msecsTo(date)) > tolerance;
     const auto bytes = readFile(m_path);
     if (!bytes) return false;
     m_modDateOfPresentedDocument = date;
+    m_stampOfPresentedDocument = stamp;
     return md5OfBytes(*bytes) != m_md5OfFile;
 }
 

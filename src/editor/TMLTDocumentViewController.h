@@ -20,6 +20,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace tomelet {
@@ -168,6 +169,7 @@ private:
     QString m_md5hash;
     QString m_md5OfFile; ///< of the bytes as read or last written; "" when there is no file
     QDateTime m_modDateOfPresentedDocument;
+    std::optional<FileStamp> m_stampOfPresentedDocument;
     QDateTime m_modDateOfPresentedPlist;
     bool m_titleIsFirstLineOfText = false;
     bool m_isEditable = false; ///< the text came out of the file whole, so that it can go back
