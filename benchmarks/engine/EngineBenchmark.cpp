@@ -49,8 +49,7 @@ const char *const sample = "Heading\n=======\n\nA paragraph with *emphasis*, **s
 std::string sampleOf(size_t bytes)
 {
     std::string text;
-    while (text.size() < bytes)
-        text += sample;
+    while (text.size() < bytes) text += sample;
     return text;
 }
 
@@ -68,8 +67,7 @@ std::vector<std::string> textsOf(int count, char **names)
 double megabytes(const std::vector<std::string> &texts)
 {
     size_t bytes = 0;
-    for (const std::string &text : texts)
-        bytes += text.size();
+    for (const std::string &text : texts) bytes += text.size();
     return static_cast<double>(bytes) / 1e6;
 }
 
@@ -77,8 +75,7 @@ double secondsFor(Convert convert, const std::vector<std::string> &texts)
 {
     const double start = threadSeconds();
     size_t written = 0;
-    for (const std::string &text : texts)
-        written += convert(text);
+    for (const std::string &text : texts) written += convert(text);
     return written == 0 ? 0 : threadSeconds() - start;
 }
 
@@ -87,8 +84,7 @@ void compare(const std::vector<std::string> &texts)
 {
     constexpr int rounds = 5;
     double best[std::size(peers)];
-    for (double &seconds : best)
-        seconds = 1e9;
+    for (double &seconds : best) seconds = 1e9;
     for (int round = 0; round < rounds; ++round)
         for (size_t i = 0; i < std::size(peers); ++i) {
             const double seconds = secondsFor(peers[i].convert, texts);
@@ -96,8 +92,8 @@ void compare(const std::vector<std::string> &texts)
         }
     std::printf("%zu documents, %.2f MB\n", texts.size(), megabytes(texts));
     for (size_t i = 0; i < std::size(peers); ++i)
-        std::printf("  %-9s %8.1f MB/s   tomelet is %.2f times as fast\n", peers[i].name,
-                    megabytes(texts) / best[i], best[i] / best[0]);
+        std::printf("  %-9s %8.1f MB/s   tomelet is %.2f times as fast\n", peers[i].name, megabytes(texts) / best[i],
+                    best[i] / best[0]);
 }
 
 // What /proc says of this process, in megabytes.
@@ -128,15 +124,13 @@ double rate(Convert convert, const std::string &text)
 void grow(const std::vector<std::string> &texts)
 {
     std::string all;
-    for (const std::string &text : texts)
-        all += text + "\n\n";
+    for (const std::string &text : texts) all += text + "\n\n";
     std::printf("growth: bytes, MB/s, cmark's MB/s, memory as a multiple of the text\n");
     for (size_t size = 10000; size <= 100000000; size *= 10) {
         std::string text;
-        while (text.size() < size)
-            text += all.substr(0, size - text.size());
-        std::printf("  %9zu %8.1f %8.1f   %.1f\n", text.size(), rate(convertWithEngine, text), rate(convertWithCmark, text),
-                    peakMegabytes(text) * 1e6 / static_cast<double>(text.size()));
+        while (text.size() < size) text += all.substr(0, size - text.size());
+        std::printf("  %9zu %8.1f %8.1f   %.1f\n", text.size(), rate(convertWithEngine, text),
+                    rate(convertWithCmark, text), peakMegabytes(text) * 1e6 / static_cast<double>(text.size()));
     }
 }
 
@@ -144,10 +138,8 @@ double wallSecondsWithThreads(int count, const std::vector<std::string> &texts)
 {
     const auto start = std::chrono::steady_clock::now();
     std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i)
-        threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
-    for (std::thread &thread : threads)
-        thread.join();
+    for (int i = 0; i < count; ++i) threads.emplace_back([&texts] { secondsFor(convertWithEngine, texts); });
+    for (std::thread &thread : threads) thread.join();
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 

@@ -28,8 +28,7 @@ public:
     {
         for (int book = 0; book < books; ++book) {
             fs::create_directory(folder() / std::to_string(book));
-            for (int i = 0; i < documentsOfBook; ++i)
-                write(book, i);
+            for (int i = 0; i < documentsOfBook; ++i) write(book, i);
         }
     }
 
@@ -42,8 +41,7 @@ public:
     }
     void writeBurst() const
     {
-        for (int i = 0; i < burst; ++i)
-            write(i % books, i / books);
+        for (int i = 0; i < burst; ++i) write(i % books, i / books);
     }
 
 private:
@@ -83,8 +81,7 @@ BENCHMARK(presentReturns)->Unit(benchmark::kMicrosecond)->UseRealTime()->Iterati
 
 void changesAlone(benchmark::State &state)
 {
-    for (auto _ : state)
-        library().writeBurst();
+    for (auto _ : state) library().writeBurst();
     state.SetItemsProcessed(state.iterations() * burst);
 }
 BENCHMARK(changesAlone)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -162,7 +162,8 @@ void treeFirstLevel(benchmark::State &state)
 void treeFirstLevelPeer(benchmark::State &state)
 {
     for ([[maybe_unused]] const auto _ : state)
-        for (const auto &entry : fs::directory_iterator(notebook().root())) benchmark::DoNotOptimize(entry.is_directory());
+        for (const auto &entry : fs::directory_iterator(notebook().root()))
+            benchmark::DoNotOptimize(entry.is_directory());
 }
 
 void listLargeBook(benchmark::State &state, const char *order)
@@ -182,7 +183,8 @@ void listLargeBookPeer(benchmark::State &state)
 {
     for ([[maybe_unused]] const auto _ : state)
         for (const auto &entry : fs::directory_iterator(notebook().largeBook())) {
-            struct stat status{};
+            struct stat status
+            {};
             benchmark::DoNotOptimize(::stat(entry.path().c_str(), &status));
         }
 }
@@ -196,23 +198,26 @@ void routeBurst(benchmark::State &state)
     controller.initFileCoordinationAndTaskLists();
     controller.settle();
     QSet<QString> told;
-    const auto subscription = notifications().observe(
-        QStringLiteral("TMLTFileModifiedOnDiskNotification"),
-        [&](const QVariantMap &payload) { told.insert(payload.value(QStringLiteral("path")).toString()); });
+    const auto subscription =
+        notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [&](const QVariantMap &payload) {
+            told.insert(payload.value(QStringLiteral("path")).toString());
+        });
     double lost = 0;
     double queued = 0;
     for ([[maybe_unused]] const auto _ : state) {
         told.clear();
         for (int i = 0; i < burst; ++i)
-            GeneratedNotebook::write(GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
-                                                                   i / topBooks % documentsOfBook + (i / 5000) * 100),
-                                     "changed");
+            GeneratedNotebook::write(
+                GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
+                                              i / topBooks % documentsOfBook + (i / 5000) * 100),
+                "changed");
         controller.settle();
         drainPendingWork();
         QSet<QString> changed;
         for (int i = 0; i < burst; ++i)
-            changed.insert(text(GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
-                                                              i / topBooks % documentsOfBook + (i / 5000) * 100)));
+            changed.insert(
+                text(GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
+                                                   i / topBooks % documentsOfBook + (i / 5000) * 100)));
         lost += double((changed - told).size());
         queued = platform().delayedCalls.isEmpty() ? 0 : 1;
         state.counters["files"] = double(changed.size());
@@ -225,9 +230,10 @@ void routeBurstPeer(benchmark::State &state)
 {
     for ([[maybe_unused]] const auto _ : state)
         for (int i = 0; i < burst; ++i)
-            GeneratedNotebook::write(GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
-                                                                   i / topBooks % documentsOfBook + (i / 5000) * 100),
-                                     "changed");
+            GeneratedNotebook::write(
+                GeneratedNotebook::documentOf(notebook().root() / ("Book " + std::to_string(i % topBooks)),
+                                              i / topBooks % documentsOfBook + (i / 5000) * 100),
+                "changed");
 }
 
 benchmark::internal::Benchmark *add(const std::string &name, const std::function<void(benchmark::State &)> &function)
@@ -262,8 +268,8 @@ int main(int argc, char *argv[])
     addProgram("book of 10,000: tomelet list", {TOMELET_PROGRAM, "--root", root, "list", "Large"});
     addProgram("book of 10,000: peer, ls -l", {"ls", "-l", large});
     addProgram("book of 10,000: peer, python os.scandir",
-               {"python3", "-c", "import os,sys\nprint(sorted((e.name, e.stat().st_mtime) for e in os.scandir(sys.argv[1])))",
-                large});
+               {"python3", "-c",
+                "import os,sys\nprint(sorted((e.name, e.stat().st_mtime) for e in os.scandir(sys.argv[1])))", large});
     add("10,000 external changes", routeBurst)->Iterations(3);
     add("10,000 external changes: peer, the writing alone", routeBurstPeer)->Iterations(3);
     add("resident memory of tomelet watch", residentMemory)->Iterations(1);

@@ -21,7 +21,9 @@ const QStringList &paths()
         QStringList made;
         for (int i = 0; i < 1000; ++i)
             made.append(QStringLiteral("/home/person/Notes/Book %1/Document %2.%3")
-                            .arg(i % 20).arg(i).arg(i % 10 ? QStringLiteral("md") : QStringLiteral("md.plist")));
+                            .arg(i % 20)
+                            .arg(i)
+                            .arg(i % 10 ? QStringLiteral("md") : QStringLiteral("md.plist")));
         return made;
     }();
     return all;
@@ -29,7 +31,8 @@ const QStringList &paths()
 
 const QString &longText()
 {
-    static const QString text = QStringLiteral("Some *emphasis* and a [link](target.md), then more text.\n").repeated(2000);
+    static const QString text =
+        QStringLiteral("Some *emphasis* and a [link](target.md), then more text.\n").repeated(2000);
     return text;
 }
 
@@ -74,7 +77,8 @@ const QString linkPattern = QStringLiteral("\\[([^\\]]+)\\]\\(([^)]+)\\)");
 
 void matchesLayer(benchmark::State &state)
 {
-    for ([[maybe_unused]] const auto _ : state) benchmark::DoNotOptimize(matchesOfPattern(longText(), linkPattern).size());
+    for ([[maybe_unused]] const auto _ : state)
+        benchmark::DoNotOptimize(matchesOfPattern(longText(), linkPattern).size());
 }
 
 void matchesKept(benchmark::State &state)

@@ -91,17 +91,16 @@ struct Session
 
     std::string request(const std::string &method, const std::string &path, const std::string &more = {})
     {
-        std::string text =
-            method + " " + path + " HTTP/1.1\r\nHost: " + target.host + "\r\n" + target.fields + more;
+        std::string text = method + " " + path + " HTTP/1.1\r\nHost: " + target.host + "\r\n" + target.fields + more;
         if (!auth.nonce.empty()) {
             char count[9];
             std::snprintf(count, sizeof count, "%08x", ++nc);
             auth.uri = path;
             auth.nc = count;
-            text += "Authorization: Digest username=\"" + auth.username + "\", realm=\"" + auth.realm +
-                    "\", nonce=\"" + auth.nonce + "\", uri=\"" + path +
-                    "\", algorithm=MD5, qop=auth, nc=" + auth.nc + ", cnonce=\"" + auth.cnonce +
-                    "\", response=\"" + digestResponse(auth, auth.realm, target.password, method) + "\"\r\n";
+            text += "Authorization: Digest username=\"" + auth.username + "\", realm=\"" + auth.realm + "\", nonce=\"" +
+                    auth.nonce + "\", uri=\"" + path + "\", algorithm=MD5, qop=auth, nc=" + auth.nc + ", cnonce=\"" +
+                    auth.cnonce + "\", response=\"" + digestResponse(auth, auth.realm, target.password, method) +
+                    "\"\r\n";
         }
         return text + "\r\n";
     }
@@ -146,12 +145,9 @@ Head parseHead(const std::string &input)
         const auto colon = text.find(':');
         const auto name = text.substr(0, colon);
         const std::string value(trimmed(text.substr(colon + 1)));
-        if (equalsIgnoringCase(name, "Content-Length"))
-            head.body = std::strtoul(value.c_str(), nullptr, 10);
-        else if (equalsIgnoringCase(name, "WWW-Authenticate"))
-            head.challenge = value;
-        else if (equalsIgnoringCase(name, "Transfer-Encoding"))
-            head.chunked = value == "chunked";
+        if (equalsIgnoringCase(name, "Content-Length")) head.body = std::strtoul(value.c_str(), nullptr, 10);
+        else if (equalsIgnoringCase(name, "WWW-Authenticate")) head.challenge = value;
+        else if (equalsIgnoringCase(name, "Transfer-Encoding")) head.chunked = value == "chunked";
     }
     return head;
 }
@@ -211,8 +207,7 @@ Head ask(Session &session, const std::string &request)
 
 void authenticate(Session &session, const std::string &method, const std::string &path)
 {
-    if (!session.target.user.empty())
-        session.challenge(ask(session, session.request(method, path)).challenge);
+    if (!session.target.user.empty()) session.challenge(ask(session, session.request(method, path)).challenge);
 }
 
 // ---- Many small requests
@@ -243,10 +238,8 @@ int runRequests(const Target &target, const std::string &method, const std::stri
     std::size_t errors = 0;
     std::size_t closed = 0;
     const auto start = Clock::now();
-    const auto end =
-        start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
-    for (auto &session : sessions)
-        next(*session);
+    const auto end = start + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(seconds));
+    for (auto &session : sessions) next(*session);
     while (Clock::now() < end) {
         epoll_event events[64];
         const int count = epoll_wait(poll, events, 64, 100);
@@ -263,21 +256,16 @@ int runRequests(const Target &target, const std::string &method, const std::stri
             session.input.append(buffer.data(), static_cast<std::size_t>(got));
             Head head;
             if (!takeReply(session, head)) continue;
-            if (head.status == 401)
-                session.challenge(head.challenge); // a nonce that grew too old
-            else if (head.status >= 300)
-                ++errors;
-            else
-                times.push_back(
-                    std::chrono::duration<float, std::micro>(Clock::now() - session.asked).count());
+            if (head.status == 401) session.challenge(head.challenge); // a nonce that grew too old
+            else if (head.status >= 300) ++errors;
+            else times.push_back(std::chrono::duration<float, std::micro>(Clock::now() - session.asked).count());
             next(session);
         }
     }
     const double elapsed = std::chrono::duration<double>(Clock::now() - start).count();
     std::sort(times.begin(), times.end());
     const auto at = [&times](double part) {
-        return times.empty() ? 0.0F
-                             : times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
+        return times.empty() ? 0.0F : times[static_cast<std::size_t>(part * static_cast<double>(times.size() - 1))];
     };
     std::printf("%.0f requests/s, %zu errors, %zu closed connections, median %.0f us, 99 %% within %.0f us\n",
                 static_cast<double>(times.size()) / elapsed, errors, closed, at(0.5), at(0.99));
@@ -295,15 +283,13 @@ int runPut(const Target &target, const std::string &path, std::size_t megabytes,
 {
     const std::size_t size = megabytes * 1000 * 1000;
     std::vector<char> block(1000 * 1000);
-    for (std::size_t i = 0; i < block.size(); ++i)
-        block[i] = static_cast<char>(i * 2654435761U >> 16);
+    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>(i * 2654435761U >> 16);
     std::vector<double> rates;
     for (int i = 0; i < repeat; ++i) {
         Session session(target);
         authenticate(session, "GET", path);
         const auto start = Clock::now();
-        const std::string head =
-            session.request("PUT", path, "Content-Length: " + std::to_string(size) + "\r\n");
+        const std::string head = session.request("PUT", path, "Content-Length: " + std::to_string(size) + "\r\n");
         if (!sendAll(session.socket, head.data(), head.size())) give_up("send");
         for (std::size_t sent = 0; sent < size; sent += block.size())
             if (!sendAll(session.socket, block.data(), block.size())) give_up("send");
@@ -358,8 +344,7 @@ Target targetOf(int argc, char **argv, int from)
     for (int i = from; i < argc; ++i) {
         const std::string word = argv[i];
         const auto colon = word.find(':');
-        if (word.find(": ") != word.npos)
-            target.fields += word + "\r\n";
+        if (word.find(": ") != word.npos) target.fields += word + "\r\n";
         else if (colon != word.npos) {
             target.user = word.substr(0, colon);
             target.password = word.substr(colon + 1);

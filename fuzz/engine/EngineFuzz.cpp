@@ -31,8 +31,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     // What reads other formats than Markdown is not for this target.
     const uint32_t extensions = options & ~static_cast<uint32_t>(EXT_PARSE_OPML | EXT_PARSE_ITMZ);
     d_string *source = d_string_new("");
-    d_string_append_c_array(source, reinterpret_cast<const char *>(data) + sizeof options,
-                            size - sizeof options);
+    d_string_append_c_array(source, reinterpret_cast<const char *>(data) + sizeof options, size - sizeof options);
     convert(source, extensions, static_cast<uint16_t>(options >> 24) % 7);
     d_string_free(source, true);
     return 0;

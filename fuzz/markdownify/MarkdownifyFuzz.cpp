@@ -24,8 +24,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const QString html = QString::fromUtf8(reinterpret_cast<const char *>(data), qsizetype(size));
     const QString markdown = tm_markdownifyHTML(html);
     if (markdown != markdown.trimmed()) std::abort();
-    for (const auto *plain : {&test::plainParagraphs, &test::plainLinks, &test::plainImages,
-                              &test::plainTables, &test::plainDefinitionLists}) {
+    for (const auto *plain : {&test::plainParagraphs, &test::plainLinks, &test::plainImages, &test::plainTables,
+                              &test::plainDefinitionLists}) {
         QString text = html;
         plain->step(text);
         if (text != plain->result(html)) std::abort();

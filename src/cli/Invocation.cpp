@@ -79,7 +79,8 @@ void releaseWarnings()
 int fail(const QString &message)
 {
     const QStringList reasons = takeHeldWarnings();
-    const QString reason = reasons.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(reasons.join(QStringLiteral("; ")));
+    const QString reason =
+        reasons.isEmpty() ? QString() : QStringLiteral(" (%1)").arg(reasons.join(QStringLiteral("; ")));
     writeError(onOneLine(QStringLiteral("tomelet: ") + message + reason));
     return Failed;
 }
@@ -98,15 +99,13 @@ void note(const Invocation &call, const QString &message)
 
 std::optional<int> parse(const Invocation &call, QCommandLineParser &parser)
 {
-    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
-                                  QStringLiteral("Shows this help."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Shows this help."));
     parser.addOption(help);
     if (!parser.parse(QStringList{QStringLiteral("tomelet ") + call.command} + call.args))
         return wrongUsage(call, parser.errorText());
     if (!parser.isSet(help)) return std::nullopt;
     // The parser names the program itself in its usage line; the command belongs behind it.
-    writeText(parser.helpText().replace(QStringLiteral("[options]"),
-                                        QStringLiteral("%1 [options]").arg(call.command)));
+    writeText(parser.helpText().replace(QStringLiteral("[options]"), QStringLiteral("%1 [options]").arg(call.command)));
     return Done;
 }
 

@@ -19,11 +19,11 @@ enum ExitStatus : int { Done = 0, Failed = 1, WrongUsage = 2 };
 struct Invocation
 {
     QString command;
-    QStringList args;             ///< arguments of the command, global options taken out
-    QString root;                 ///< --root, empty when not given
-    bool json = false;            ///< --json
-    bool quiet = false;           ///< --quiet
-    std::optional<bool> answer;   ///< --yes / --no: what every question is answered with
+    QStringList args;           ///< arguments of the command, global options taken out
+    QString root;               ///< --root, empty when not given
+    bool json = false;          ///< --json
+    bool quiet = false;         ///< --quiet
+    std::optional<bool> answer; ///< --yes / --no: what every question is answered with
 };
 
 /// Writes text to standard output as UTF-8, just as it is.

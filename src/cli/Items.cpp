@@ -58,9 +58,7 @@ void takeOptions(const Invocation &call)
     Platform &now = platform();
     if (!call.root.isEmpty()) now.rootOverride = QDir(call.root).absolutePath();
     if (call.answer)
-        now.ask = [yes = *call.answer](const Question &question) {
-            return yes ? 0 : int(question.buttons.size()) - 1;
-        };
+        now.ask = [yes = *call.answer](const Question &question) { return yes ? 0 : int(question.buttons.size()) - 1; };
     else now.ask = askAtTerminal;
     startDiagnosticLog(false);
     installNotebookOrganiser();

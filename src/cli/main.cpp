@@ -19,7 +19,8 @@ void printHelp()
                              "A notebook of ordinary files: what stands in the folder is all there is.\n\n"
                              "Commands:"));
     for (const Command &command : commands())
-        writeLine(QStringLiteral("  %1 %2").arg(QLatin1StringView(command.name), -14)
+        writeLine(QStringLiteral("  %1 %2")
+                      .arg(QLatin1StringView(command.name), -14)
                       .arg(QLatin1StringView(command.summary)));
     writeLine(QStringLiteral("\n`tomelet COMMAND --help` tells more about one."));
 }
@@ -27,9 +28,8 @@ void printHelp()
 const Command *findCommand(const QString &name)
 {
     const auto all = commands();
-    const auto found = std::find_if(all.begin(), all.end(), [&name](const Command &command) {
-        return name == QLatin1StringView(command.name);
-    });
+    const auto found = std::find_if(
+        all.begin(), all.end(), [&name](const Command &command) { return name == QLatin1StringView(command.name); });
     return found == all.end() ? nullptr : &*found;
 }
 
@@ -47,8 +47,7 @@ bool takeGlobalOptions(QStringList &words, Invocation &call)
             if (words.size() < 2) return false;
             words.removeFirst();
             call.root = words.first();
-        } else
-            break;
+        } else break;
         words.removeFirst();
     }
     return true;
@@ -84,8 +83,7 @@ int main(int argc, char *argv[])
     Invocation call;
     QStringList words = application.arguments().mid(1);
     if (!takeGlobalOptions(words, call)) return wrongUsage(call, QStringLiteral("--root needs a folder"));
-    if (words.isEmpty() || words.first() == QLatin1StringView("--help") ||
-        words.first() == QLatin1StringView("-h")) {
+    if (words.isEmpty() || words.first() == QLatin1StringView("--help") || words.first() == QLatin1StringView("-h")) {
         printHelp();
         return words.isEmpty() ? WrongUsage : Done;
     }
@@ -95,8 +93,7 @@ int main(int argc, char *argv[])
     }
     const Command *command = findCommand(words.first());
     call.command = words.takeFirst();
-    if (!command)
-        return wrongUsage({}, QStringLiteral("there is no command \"%1\"").arg(call.command));
+    if (!command) return wrongUsage({}, QStringLiteral("there is no command \"%1\"").arg(call.command));
     if (call.command != QLatin1StringView("op")) takeAnswer(words, call);
     call.args = words;
     holdWarnings();

@@ -32,12 +32,11 @@ qsizetype tagInFront(const QString &text, qsizetype at)
 
 void mergeDoubleContainers(QString &text)
 {
-    static const QString pattern =
-        QStringLiteral("(<div[^>]*?>\\s*<div[^>]*?>)((?!<div).*?)(</div>\\s*</div>)");
+    static const QString pattern = QStringLiteral("(<div[^>]*?>\\s*<div[^>]*?>)((?!<div).*?)(</div>\\s*</div>)");
     qsizetype from = 0;
     for (;;) {
-        const PatternMatches found = firstMatchOfPattern(
-            text, pattern, PatternCaseInsensitive | PatternDotAll, {from, text.size() - from});
+        const PatternMatches found =
+            firstMatchOfPattern(text, pattern, PatternCaseInsensitive | PatternDotAll, {from, text.size() - from});
         if (found.isEmpty()) return;
         const Range front = found[0].group(1);
         const Range back = found[0].group(3);
@@ -60,12 +59,11 @@ QString tm_htmlWithoutInlineStyles(const QString &html)
 {
     QString text = regexSweep(html, QStringLiteral("(<[^>]+?) class=\"\"(.*?>)"), QStringLiteral("$1$2"));
     text.remove(QStringLiteral("<p></p>"), Qt::CaseInsensitive);
-    sweepAll(text,
-             {{QStringLiteral("(<[^>]+?) style=\"color: inherit;\"(.*?>)"), QStringLiteral("$1$2")},
-              {QStringLiteral("(<[^>]+?) style=\"text-align: initial;\"(.*?>)"), QStringLiteral("$1$2")},
-              {QStringLiteral("(<[^>]+?) style=\"text-align: initial; text-indent: 0em;\"(.*?>)"),
-               QStringLiteral("$1$2")},
-              {QStringLiteral("<span>(.+?)</span>"), QStringLiteral("$1")}});
+    sweepAll(text, {{QStringLiteral("(<[^>]+?) style=\"color: inherit;\"(.*?>)"), QStringLiteral("$1$2")},
+                    {QStringLiteral("(<[^>]+?) style=\"text-align: initial;\"(.*?>)"), QStringLiteral("$1$2")},
+                    {QStringLiteral("(<[^>]+?) style=\"text-align: initial; text-indent: 0em;\"(.*?>)"),
+                     QStringLiteral("$1$2")},
+                    {QStringLiteral("<span>(.+?)</span>"), QStringLiteral("$1")}});
     removeStyleAttributes(text);
     text.replace(QStringLiteral("<span class=\"Apple-converted-space\">&nbsp;</span>"), QStringLiteral(" "))
         .replace(QStringLiteral("&nbsp;"), QStringLiteral(" "));
@@ -78,8 +76,7 @@ QString tm_htmlWithoutInlineStyles(const QString &html)
                     {QStringLiteral("(<br/?>)(?!</)(?!\\n)"), QStringLiteral("$1\n")},
                     {QStringLiteral("<img[^>]*? src=\"\"[^>]*?>"), {}},
                     {QStringLiteral("</?o:[^>]+>"), {}}});
-    text.remove(QStringLiteral("</b><b>"), Qt::CaseInsensitive)
-        .remove(QStringLiteral("</i><i>"), Qt::CaseInsensitive);
+    text.remove(QStringLiteral("</b><b>"), Qt::CaseInsensitive).remove(QStringLiteral("</i><i>"), Qt::CaseInsensitive);
     mergeDoubleContainers(text);
     text = tm_removeParagraphsNestedInCustomClasses(text);
     sweepAll(text, {{QStringLiteral("\\n\\s*\\n"), QStringLiteral("\n\n")},

@@ -90,7 +90,8 @@ bool CodeRanges::overlaps(const QString &text, Range range)
     return behind != m_ranges.begin() && m_farthestEnd[size_t(behind - m_ranges.begin()) - 1] > range.location;
 }
 
-// Only marks of code, line ends, and what a fence may follow directly (behind blanks), can open or close code elsewhere.
+// Only marks of code, line ends, and what a fence may follow directly (behind blanks), can open or close code
+// elsewhere.
 static bool cannotTouchCode(QStringView part)
 {
     const bool blankAtEnd = !part.isEmpty() && part.back().isSpace();

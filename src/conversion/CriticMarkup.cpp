@@ -17,10 +17,10 @@ struct Mark
 };
 
 constexpr Mark marks[] = {
-    {u"{++", Addition, Mark::Opens},     {u"++}", Addition, Mark::Closes},     {u"{--", Deletion, Mark::Opens},
-    {u"--}", Deletion, Mark::Closes},    {u"{~~", Substitution, Mark::Opens},  {u"~>", Substitution, Mark::Divides},
+    {u"{++", Addition, Mark::Opens},      {u"++}", Addition, Mark::Closes},    {u"{--", Deletion, Mark::Opens},
+    {u"--}", Deletion, Mark::Closes},     {u"{~~", Substitution, Mark::Opens}, {u"~>", Substitution, Mark::Divides},
     {u"~~}", Substitution, Mark::Closes}, {u"{>>", Comment, Mark::Opens},      {u"<<}", Comment, Mark::Closes},
-    {u"{==", Highlight, Mark::Opens},    {u"==}", Highlight, Mark::Closes},
+    {u"{==", Highlight, Mark::Opens},     {u"==}", Highlight, Mark::Closes},
 };
 
 const Mark *markAt(QStringView rest)
@@ -52,7 +52,7 @@ private:
     struct Opener
     {
         Kind kind;
-        qsizetype begin;    // of the mark in the result
+        qsizetype begin;     // of the mark in the result
         qsizetype dividedAt; // of the "~>" of a substitution, -1 before it
     };
 

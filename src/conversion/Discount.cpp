@@ -187,7 +187,8 @@ QString withTaskClasses(const QString &html)
     QString result = html;
     for (const auto &[glyph, name] : {std::pair{QStringLiteral("&#x2610;"), QStringLiteral("tm_checkbox")},
                                       {QStringLiteral("&#x2611;"), QStringLiteral("tm_checkbox_done")}})
-        result = regexSweep(result, QStringLiteral("<li class=\"github_checkbox\">((?:<p>)?)") + glyph + QStringLiteral(" ?"),
+        result = regexSweep(result,
+                            QStringLiteral("<li class=\"github_checkbox\">((?:<p>)?)") + glyph + QStringLiteral(" ?"),
                             QStringLiteral("<li class=\"") + name + QStringLiteral("\">$1"));
     return result;
 }

@@ -14,13 +14,14 @@ namespace {
 // Faces with four files; the extension is "otf" where the name holds that of a family without TrueType files.
 QStringList familyFiles(const QString &face)
 {
-    static const QStringList regular{
-        QStringLiteral("AurulentSans-Regular"), QStringLiteral("LiberationMono-Regular"), QStringLiteral("Merriweather-Regular"),
-        QStringLiteral("Montserrat-Regular"),   QStringLiteral("OpenSans-Regular"),       QStringLiteral("Nunito-Regular"),
-        QStringLiteral("Sarabun-Regular"),      QStringLiteral("Vollkorn-Regular")};
+    static const QStringList regular{QStringLiteral("AurulentSans-Regular"), QStringLiteral("LiberationMono-Regular"),
+                                     QStringLiteral("Merriweather-Regular"), QStringLiteral("Montserrat-Regular"),
+                                     QStringLiteral("OpenSans-Regular"),     QStringLiteral("Nunito-Regular"),
+                                     QStringLiteral("Sarabun-Regular"),      QStringLiteral("Vollkorn-Regular")};
     static const QStringList light{QStringLiteral("Merriweather-Light"), QStringLiteral("Montserrat-Light"),
                                    QStringLiteral("OpenSans-Light"), QStringLiteral("Nunito-Light")};
-    const auto files = [](const QString &family, const QString &extension, std::initializer_list<const char *> weights) {
+    const auto files = [](const QString &family, const QString &extension,
+                          std::initializer_list<const char *> weights) {
         QStringList names;
         for (const char *weight : weights) names << family + u'-' + QLatin1StringView(weight) + u'.' + extension;
         return names;
@@ -86,8 +87,8 @@ QString familyRules(const QString &face, const QString &base, const QStringList 
     QStringList rules;
     for (size_t i = 0; i < std::size(styles); ++i)
         rules << QStringLiteral("@font-face {\tfont-family: ") + face + QStringLiteral(";\tfont-style: ") +
-                     QLatin1StringView(styles[i]) + QStringLiteral(";\tsrc:url(\"") + base + u'/' + files[qsizetype(i)] +
-                     QStringLiteral("\");\t}");
+                     QLatin1StringView(styles[i]) + QStringLiteral(";\tsrc:url(\"") + base + u'/' +
+                     files[qsizetype(i)] + QStringLiteral("\");\t}");
     return rules.join(u'\n');
 }
 
@@ -95,9 +96,11 @@ QString familyRules(const QString &face, const QString &base, const QStringList 
 
 QStringList tm_fontsToIncludeForFace(const QString &face, bool forEpub)
 {
-    const QString base = forEpub ? QStringLiteral("../fonts")
-                                 : QString::fromLatin1(QUrl::fromLocalFile(resourcePath(QStringLiteral("fonts"))).toEncoded());
-    if (const QStringList files = familyFiles(face); !files.isEmpty()) return QStringList(familyRules(face, base, files)) + files;
+    const QString base =
+        forEpub ? QStringLiteral("../fonts")
+                : QString::fromLatin1(QUrl::fromLocalFile(resourcePath(QStringLiteral("fonts"))).toEncoded());
+    if (const QStringList files = familyFiles(face); !files.isEmpty())
+        return QStringList(familyRules(face, base, files)) + files;
     const QString file = singleFile(face);
     if (file.isEmpty()) return {};
     return {QStringLiteral("@font-face {\n\tfont-family: ") + face +

@@ -12,13 +12,12 @@ void convertQuotes(QString &text)
 {
     text = regexSweep(text, QStringLiteral("<blockquote( .*?)?>\\n*"), QStringLiteral("\n<blockquote>"));
     LaterLines later(LaterLines::Quotes, text);
-    text = replaceInnermost(
-        text, {QStringLiteral("blockquote")}, [&later](const QString &, const QString &content) {
-            if (content.isEmpty()) return QString();
-            later.mark(content);
-            return later.putAside(QStringLiteral("> ") + content.trimmed().replace(QStringLiteral("\n> "),
-                                                                                   QStringLiteral("\n> > ")));
-        });
+    text = replaceInnermost(text, {QStringLiteral("blockquote")}, [&later](const QString &, const QString &content) {
+        if (content.isEmpty()) return QString();
+        later.mark(content);
+        return later.putAside(QStringLiteral("> ") +
+                              content.trimmed().replace(QStringLiteral("\n> "), QStringLiteral("\n> > ")));
+    });
     text = later.restored(text);
 }
 
@@ -26,8 +25,7 @@ namespace {
 
 QString withNestedListsIndented(const QString &text)
 {
-    return regexSweep(text, QStringLiteral("\n([ \t]*)(-|\\d+\\.)\\s"), QStringLiteral("\n$1    $2 "),
-                      PatternDotAll);
+    return regexSweep(text, QStringLiteral("\n([ \t]*)(-|\\d+\\.)\\s"), QStringLiteral("\n$1    $2 "), PatternDotAll);
 }
 
 // One piece between closing item tags: the rest of the item before, which held a nested list, and the item
@@ -61,13 +59,11 @@ QString markdownList(const QString &name, const QString &content)
 // Whether a list around this one does nothing more to its lines than to indent them and to drop empty ones.
 bool isSettled(const QString &list)
 {
-    static const QString touched[] = {QStringLiteral("<li>"),  QStringLiteral("</li>"),
-                                      QStringLiteral("<ul"),   QStringLiteral("<ol"),
-                                      QStringLiteral("</ul>"), QStringLiteral("</ol>")};
+    static const QString touched[] = {QStringLiteral("<li>"), QStringLiteral("</li>"), QStringLiteral("<ul"),
+                                      QStringLiteral("<ol"),  QStringLiteral("</ul>"), QStringLiteral("</ol>")};
     // A sign alone on its line takes the next line to it when it is indented.
     if (rangeOfPattern(list, QStringLiteral("\n[ \t]*(-|\\d+\\.)([^\\S ]|\\z)")).isFound()) return false;
-    return std::none_of(std::begin(touched), std::end(touched),
-                        [&](const QString &t) { return list.contains(t); });
+    return std::none_of(std::begin(touched), std::end(touched), [&](const QString &t) { return list.contains(t); });
 }
 
 } // namespace

@@ -44,8 +44,7 @@ namespace {
 QString delimiterRow(const QString &table)
 {
     QStringList cells;
-    const PatternMatches heads =
-        matchesOfPattern(table, QStringLiteral("<th(\\b[^>]*)>"), PatternCaseInsensitive);
+    const PatternMatches heads = matchesOfPattern(table, QStringLiteral("<th(\\b[^>]*)>"), PatternCaseInsensitive);
     for (size_t i = 0; i < heads.size(); ++i) {
         const QString attributes = substring(table, heads[i].group(1));
         cells.append(attributes.contains(u"right")    ? QStringLiteral(" ----------: ")
@@ -136,13 +135,13 @@ void convertLinks(QString &text)
 
 void convertImages(QString &text)
 {
-    text = replaceFirstMatches(
-        text, QStringLiteral("<img[^>]* src=\"(.+?)\".*?>"), PatternDotAll, QStringLiteral("<img"),
-        QStringLiteral(">"), [](const PatternMatch &match, const QString &all) {
-            const QString source =
-                withoutRoot(substring(all, match.group(1))).replace(u')', QStringLiteral("%29"));
-            return QString(QStringLiteral("![](") + source + u')');
-        });
+    text =
+        replaceFirstMatches(text, QStringLiteral("<img[^>]* src=\"(.+?)\".*?>"), PatternDotAll, QStringLiteral("<img"),
+                            QStringLiteral(">"), [](const PatternMatch &match, const QString &all) {
+                                const QString source =
+                                    withoutRoot(substring(all, match.group(1))).replace(u')', QStringLiteral("%29"));
+                                return QString(QStringLiteral("![](") + source + u')');
+                            });
 }
 
 void convertDefinitionLists(QString &text)

@@ -16,8 +16,7 @@ struct Sweep
 
 inline void sweepAll(QString &text, std::initializer_list<Sweep> sweeps)
 {
-    for (const Sweep &sweep : sweeps)
-        text = regexSweep(text, sweep.pattern, sweep.replacement);
+    for (const Sweep &sweep : sweeps) text = regexSweep(text, sweep.pattern, sweep.replacement);
 }
 
 // The innermost goes first.

@@ -13,18 +13,15 @@ namespace {
 
 void removeLiterals(QString &text, std::initializer_list<QString> literals)
 {
-    for (const QString &literal : literals)
-        text.remove(literal);
+    for (const QString &literal : literals) text.remove(literal);
 }
 
 QString trimmedBlanks(const QString &text)
 {
     qsizetype begin = 0;
     qsizetype end = text.size();
-    while (begin < end && (text[begin] == u' ' || text[begin] == u'\t'))
-        ++begin;
-    while (end > begin && (text[end - 1] == u' ' || text[end - 1] == u'\t'))
-        --end;
+    while (begin < end && (text[begin] == u' ' || text[begin] == u'\t')) ++begin;
+    while (end > begin && (text[end - 1] == u' ' || text[end - 1] == u'\t')) --end;
     return text.mid(begin, end - begin);
 }
 
@@ -32,8 +29,7 @@ QString trimmedBlanks(const QString &text)
 
 QString bodyOf(const QString &html)
 {
-    const Range body =
-        rangeOfPattern(html, QStringLiteral("<body.*?>(.*)</body>"), PatternDotAll, wholeRange, 1);
+    const Range body = rangeOfPattern(html, QStringLiteral("<body.*?>(.*)</body>"), PatternDotAll, wholeRange, 1);
     QString text = body.isFound() ? substring(html, body) : html;
     sweepAll(text, {{QStringLiteral("<!DOCTYPE .*?>"), {}},
                     {QStringLiteral("^\\s*(<.+)$"), QStringLiteral("$1")},
@@ -58,8 +54,7 @@ void restoreClassBlocks(QString &text, const QString &html)
             if (!classes.contains(name)) continue;
             const QString content = regexSweep(trimmedBlanks(substring(text, matches[i].group(2))),
                                                QStringLiteral("^<p>(.*)</p>$"), QStringLiteral("$1"));
-            edits.replace(matches[i].range(),
-                          QStringLiteral("\n> %") + name + QStringLiteral("%\n") + content + u'\n');
+            edits.replace(matches[i].range(), QStringLiteral("\n> %") + name + QStringLiteral("%\n") + content + u'\n');
         }
         text = edits.appliedTo(text);
     }
@@ -89,10 +84,9 @@ void convertBreaks(QString &text)
     sweepAll(text, {{QStringLiteral("\\p{Z}?<mark .*?>"), QStringLiteral(" ==")},
                     {QStringLiteral("\\p{Z}?<mark>"), QStringLiteral(" ==")},
                     {QStringLiteral("</mark>\\p{Z}?"), QStringLiteral("== ")}});
-    removeLiterals(text, {QStringLiteral("<strong></strong>"), QStringLiteral("<p></p>"),
-                          QStringLiteral("<b><br></b>"), QStringLiteral("<i><br></i>"),
-                          QStringLiteral("<u><br></u>"), QStringLiteral("</b><b>"), QStringLiteral("</i><i>"),
-                          QStringLiteral("</u><u>"), QStringLiteral("</s><s>")});
+    removeLiterals(text, {QStringLiteral("<strong></strong>"), QStringLiteral("<p></p>"), QStringLiteral("<b><br></b>"),
+                          QStringLiteral("<i><br></i>"), QStringLiteral("<u><br></u>"), QStringLiteral("</b><b>"),
+                          QStringLiteral("</i><i>"), QStringLiteral("</u><u>"), QStringLiteral("</s><s>")});
     sweepAll(text, {{QStringLiteral("<div.*?>"), QStringLiteral("\n")},
                     {QStringLiteral("<br/?>"), QStringLiteral("<br>")},
                     {QStringLiteral("<br .*?>"), QStringLiteral("<br>")}});
@@ -162,8 +156,7 @@ void convertHeadings(QString &text)
     for (size_t i = 0; i < tags.size(); ++i) {
         const Range range = tags[i].range();
         result.append(QStringView(text).sliced(from, range.location - from));
-        while (!result.isEmpty() && isPatternSpace(result.back()))
-            result.chop(1);
+        while (!result.isEmpty() && isPatternSpace(result.back())) result.chop(1);
         const qsizetype level = substring(text, tags[i].group(1)).toInt();
         result.append(QStringLiteral("\n\n")).append(QString(level, u'#')).append(u' ');
         from = range.end();
@@ -174,9 +167,8 @@ void convertHeadings(QString &text)
 
 QString tidied(QString text)
 {
-    sweepAll(text,
-             {{QStringLiteral("(-\\s)?<input .*?type=\"checkbox\" .*?checked.*?>"), QStringLiteral("- [x] ")},
-              {QStringLiteral("(-\\s)?<input .*?type=\"checkbox\".*?>"), QStringLiteral("- [ ] ")}});
+    sweepAll(text, {{QStringLiteral("(-\\s)?<input .*?type=\"checkbox\" .*?checked.*?>"), QStringLiteral("- [x] ")},
+                    {QStringLiteral("(-\\s)?<input .*?type=\"checkbox\".*?>"), QStringLiteral("- [ ] ")}});
     text = tm_stringByReplacingHTMLEntities(text);
     text = regexSweep(text, QStringLiteral("^\\s*$"), QStringLiteral("\n"), PatternLineAnchored);
     return regexSweep(text, QStringLiteral("\\n\\n+"), QStringLiteral("\n\n")).trimmed();

@@ -67,7 +67,8 @@ qsizetype LaterLines::markPosition(const QString &text, qsizetype lineStart) con
     return isItem && at(i + 1) == u' ' ? begin : -1;
 }
 
-void LaterLines::appendMarked(QString &result, const QString &text, qsizetype from, qsizetype end, qsizetype marks) const
+void LaterLines::appendMarked(QString &result, const QString &text, qsizetype from, qsizetype end,
+                              qsizetype marks) const
 {
     const QString once = m_marking == Lists ? QStringLiteral("    ") : QStringLiteral("> ");
     while (from < end) {

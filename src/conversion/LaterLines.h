@@ -16,10 +16,13 @@ public:
     enum Marking { Lists, Quotes };
 
     /// Texts that hold the sign of a placeholder themselves are handled without any.
-    LaterLines(Marking marking, const QString &text) : m_marking(marking), m_used(!text.contains(sign)) {}
+    LaterLines(Marking marking, const QString &text)
+        : m_marking(marking)
+        , m_used(!text.contains(sign))
+    {}
 
-    /// The text with all lines but the first and the last put aside, which must not change any more but by marking. Of lists, which
-    /// lose their empty lines level by level, these and the lines behind them stay as well.
+    /// The text with all lines but the first and the last put aside, which must not change any more but by marking. Of
+    /// lists, which lose their empty lines level by level, these and the lines behind them stay as well.
     [[nodiscard]] QString putAside(const QString &text);
     /// The lines put aside in this text get one mark more.
     void mark(const QString &text);

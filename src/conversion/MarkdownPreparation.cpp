@@ -23,7 +23,9 @@ using Change = std::pair<Range, QString>;
 class Preparation
 {
 public:
-    explicit Preparation(QString source) : text(std::move(source)) {}
+    explicit Preparation(QString source)
+        : text(std::move(source))
+    {}
 
     /// Rewrites each match outside code, from the last to the first, as `change` tells: a range of the text and what
     /// takes its place, or a range that is not found to leave the match alone.
@@ -125,14 +127,14 @@ void commonSteps(Preparation &work, int converter)
     if (!values.boolean(QStringLiteral("useMarkdownStrictly"))) work.set(tm_makeEveryNewlineaLinebreak(work.text));
     if (work.text.contains(u"[[")) work.set(tm_makeWikiLinksMarkdownLinks(work.text));
 
-    work.rewriteOutsideCode(QStringLiteral(R"((\^\[).+?\])"), PatternDotAll,
-                            [](const PatternMatch &match) -> Change { return {match.group(1), QStringLiteral("[^ ")}; });
+    work.rewriteOutsideCode(QStringLiteral(R"((\^\[).+?\])"), PatternDotAll, [](const PatternMatch &match) -> Change {
+        return {match.group(1), QStringLiteral("[^ ")};
+    });
     if (hasMath) spaceInlineMath(work, converter);
-    work.rewriteOutsideCode(QStringLiteral("(?<![\\w{])(==([^\n=]+?)==)\\W"), PatternDotAll,
-                            [&](const PatternMatch &match) -> Change {
-                                return {match.group(1), QStringLiteral("<mark>") + work.group(match, 2) +
-                                                            QStringLiteral("</mark>")};
-                            });
+    work.rewriteOutsideCode(
+        QStringLiteral("(?<![\\w{])(==([^\n=]+?)==)\\W"), PatternDotAll, [&](const PatternMatch &match) -> Change {
+            return {match.group(1), QStringLiteral("<mark>") + work.group(match, 2) + QStringLiteral("</mark>")};
+        });
     work.rewriteOutsideCode(QStringLiteral(R"x(<<fnote "([^"]+?)">>)x"), PatternDotAll,
                             [&](const PatternMatch &match) -> Change {
                                 return {match.range(), QStringLiteral("[^ ") + work.group(match, 1) + u']'};
@@ -241,8 +243,8 @@ Change linkChange(const PatternMatch &match, const QString &label, const QString
     };
     for (const auto &form : forms)
         if (target.startsWith(form.prefix))
-            return {match.range(), form.open + trimmedTarget(target, form.prefix.size()) + QStringLiteral("\">") +
-                                       label + form.close};
+            return {match.range(),
+                    form.open + trimmedTarget(target, form.prefix.size()) + QStringLiteral("\">") + label + form.close};
     return {match.group(2), tm_pathEscapedForMarkdownLink(target)};
 }
 

@@ -185,8 +185,8 @@ QString withUniqueIdentifiers(const QString &html)
 
 QString withHeadingLinks(const QString &html)
 {
-    const PatternMatches matches = matchesOfPattern(
-        html, QStringLiteral(R"x(^<h[1-6] id="(.+?)">(.+?)</h[1-6]>$)x"), PatternLineAnchored);
+    const PatternMatches matches =
+        matchesOfPattern(html, QStringLiteral(R"x(^<h[1-6] id="(.+?)">(.+?)</h[1-6]>$)x"), PatternLineAnchored);
     Edits edits;
     for (size_t i = matches.size(); i-- > 0;) {
         const QString heading = substring(html, matches[i].group(2));
@@ -242,8 +242,7 @@ QString markdownPageWithText(const QString &path, const QString &text)
 
 static QString titleOf(const QString &pathOrText, const QString &body)
 {
-    const Range heading =
-        rangeOfPattern(body, QStringLiteral("<h1.*?>(.+?)</h1>"), PatternLineAnchored, wholeRange, 1);
+    const Range heading = rangeOfPattern(body, QStringLiteral("<h1.*?>(.+?)</h1>"), PatternLineAnchored, wholeRange, 1);
     return heading.isFound() ? substring(body, heading) : lastPathComponent(pathWithoutExtension(pathOrText));
 }
 

@@ -57,8 +57,7 @@ public:
     InnermostRewriter(const QStringList &names, const Replacement &replacement)
         : m_names(names)
         , m_replacement(replacement)
-    {
-    }
+    {}
 
     QString result(const QString &text)
     {

@@ -68,15 +68,14 @@ QString tm_ownMarkdownWithPath(const QString &text, const QString &path)
     const bool isFile = itemExists(path);
     const QByteArray folder = isFile ? QFile::encodeName(parentPath(path)) : QByteArray();
     if (isFile)
-        mmd_transclude_source(source.get(), folder.constData(), QFile::encodeName(path).constData(), FORMAT_HTML, nullptr,
-                              nullptr);
+        mmd_transclude_source(source.get(), folder.constData(), QFile::encodeName(path).constData(), FORMAT_HTML,
+                              nullptr, nullptr);
     if (settings().integer(QStringLiteral("showCriticMarkup")) == 0)
         source = engineString(acceptCriticMarkup(textOf(source.get())).toUtf8());
 
     uint32_t extensions = EXT_NOTES | EXT_CRITIC | EXT_TRANSCLUDE;
     if (settings().boolean(QStringLiteral("useSmartyPants"))) extensions |= EXT_SMART;
-    const EngineString html(
-        mmd_d_string_convert(source.get(), extensions, FORMAT_HTML, LANG_EN, folder.constData()));
+    const EngineString html(mmd_d_string_convert(source.get(), extensions, FORMAT_HTML, LANG_EN, folder.constData()));
     QString fragment = html ? textOf(html.get()) : QString();
     fragment = regexSweep(fragment, QStringLiteral("<div class=\"TOC\">\n\n<ul>\n</ul>\n</div>"), {});
     return fragment.replace(QStringLiteral("<div class=\"TOC\">"), QStringLiteral("<div id=\"TOC\" class=\"TOC\">"));

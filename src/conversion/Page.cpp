@@ -23,17 +23,16 @@ static QString pageOfText(const QString &path)
 {
     const auto decoded = readTextFile(path);
     const QString text = decoded ? decoded->text : QString();
-    return tm_createFormattedDocWithBody(
-        path, QStringLiteral("<pre class=\"tm_plain\">%1</pre>").arg(text.toHtmlEscaped()));
+    return tm_createFormattedDocWithBody(path,
+                                         QStringLiteral("<pre class=\"tm_plain\">%1</pre>").arg(text.toHtmlEscaped()));
 }
 
 static QString pageOfImage(const QString &path)
 {
     // Beside the page, as all references of pages are: they are resolved by the document's folder.
     const QString name = lastPathComponent(path);
-    return tm_createFormattedDocWithBody(
-        path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
-                  .arg(percentEncodedPath(name), name.toHtmlEscaped()));
+    return tm_createFormattedDocWithBody(path, QStringLiteral("<p class=\"tm_image\"><img src=\"%1\" alt=\"%2\"></p>")
+                                                   .arg(percentEncodedPath(name), name.toHtmlEscaped()));
 }
 
 static QString pageOfMail(const QString &path)
@@ -57,11 +56,9 @@ static QString pageOfUnknown(const QString &path)
     const QString kind =
         pathExtension(path).isEmpty() ? localized(TOMELET_TEXT("Document")) : pathExtension(path).toUpper();
     return tm_createFormattedDocWithBody(
-        path,
-        QStringLiteral("<div class=\"tm_card\"><p class=\"tm_card_name\">%1</p><p>%2 · %3 · %4</p></div>")
-            .arg(file.fileName().toHtmlEscaped(), kind.toHtmlEscaped(),
-                 QLocale().formattedDataSize(file.size()),
-                 QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
+        path, QStringLiteral("<div class=\"tm_card\"><p class=\"tm_card_name\">%1</p><p>%2 · %3 · %4</p></div>")
+                  .arg(file.fileName().toHtmlEscaped(), kind.toHtmlEscaped(), QLocale().formattedDataSize(file.size()),
+                       QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
 }
 
 static QString pageOfAnyKind(const QString &path)

@@ -95,10 +95,8 @@ private:
         m_head += tag->length;
         m_middle.append(QStringView(m_text).sliced(m_from, closing - m_from));
         m_from = closing + m_element.closer.size();
-        if (m_element.dropsEmpty && m_head == m_middle.size())
-            replaceTags({}, {});
-        else
-            replaceTags(tag->before, tag->after);
+        if (m_element.dropsEmpty && m_head == m_middle.size()) replaceTags({}, {});
+        else replaceTags(tag->before, tag->after);
         return true;
     }
 
@@ -130,10 +128,8 @@ private:
     {
         const qsizetype size = std::max(m_element.opener.size(), m_element.closer.size()) - 1;
         const qsizetype end = m_middle.indexOf(u'<', std::max(m_head, m_middle.size() - size));
-        if (m_middle.indexOf(m_element.closer, changed) >= 0)
-            readAgain(m_head);
-        else if (end >= 0)
-            readAgain(end);
+        if (m_middle.indexOf(m_element.closer, changed) >= 0) readAgain(m_head);
+        else if (end >= 0) readAgain(end);
     }
 
     // Puts the middle's end in front of what is unread, in the room of what was read where there is enough.
@@ -182,11 +178,9 @@ private:
 
     void trimContent()
     {
-        while (m_head < m_middle.size() && m_middle[m_head].isSpace())
-            ++m_head;
+        while (m_head < m_middle.size() && m_middle[m_head].isSpace()) ++m_head;
         qsizetype end = m_middle.size();
-        while (end > m_head && m_middle[end - 1].isSpace())
-            --end;
+        while (end > m_head && m_middle[end - 1].isSpace()) --end;
         m_middle.truncate(end);
     }
 

@@ -83,8 +83,7 @@ static PatternMatches collectMatches(const QString &text, const QString &pattern
     std::vector<Range> ranges;
     RegexMatcher matcher(regex.get(), range.location);
     while ((all || ranges.empty()) && matcher.next())
-        for (int group = 0; group <= groupCount; ++group)
-            ranges.push_back(matcher.range(group));
+        for (int group = 0; group <= groupCount; ++group) ranges.push_back(matcher.range(group));
     if (U_FAILURE(matcher.status()) && steps == unlimited) return {};
     return {std::move(ranges), size_t(groupCount) + 1};
 }
@@ -120,8 +119,7 @@ bool isPatternValid(const QString &pattern, int options)
 size_t rewriteEachMatch(QString &text, const QString &pattern, int options, const PatternRewriter &rewriter)
 {
     const PatternMatches matches = matchesOfPattern(text, pattern, options);
-    for (size_t i = matches.size(); i > 0; --i)
-        rewriter(matches[i - 1], text);
+    for (size_t i = matches.size(); i > 0; --i) rewriter(matches[i - 1], text);
     return matches.size();
 }
 

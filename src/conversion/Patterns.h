@@ -33,10 +33,7 @@ public:
 
     [[nodiscard]] Range range() const { return m_groups[0]; }
     /// Group 0 is the whole match. Not found for a group that took no part or that the pattern does not have.
-    [[nodiscard]] Range group(size_t number) const
-    {
-        return number < m_groups.size() ? m_groups[number] : Range();
-    }
+    [[nodiscard]] Range group(size_t number) const { return number < m_groups.size() ? m_groups[number] : Range(); }
     [[nodiscard]] size_t groupCount() const { return m_groups.size() - 1; }
 
 private:
@@ -68,8 +65,8 @@ private:
 /// All matches within the range. The pattern sees the range alone, as if it were the whole text.
 [[nodiscard]] PatternMatches matchesOfPattern(const QString &text, const QString &pattern, int options = 0,
                                               Range range = wholeRange);
-/// The same with a bound on the work, for patterns that can take long on texts made to that end: after so many times ten
-/// thousand points of return the matches found so far are all.
+/// The same with a bound on the work, for patterns that can take long on texts made to that end: after so many times
+/// ten thousand points of return the matches found so far are all.
 [[nodiscard]] PatternMatches matchesWithinSteps(const QString &text, const QString &pattern, int options, Range range,
                                                 int steps);
 /// The first match alone, or none.

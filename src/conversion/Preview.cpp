@@ -82,8 +82,7 @@ QString textOf(const QString &path)
 {
     const QString extension = lowerExtension(path);
     if (builtInPlainTextExtensions().contains(extension)) return readDecoded(path).trimmed();
-    if (extension.startsWith(u"htm") ||
-        isNonEmptyProperty(tm_propertyForKey(path, QStringLiteral("Markdown")))) {
+    if (extension.startsWith(u"htm") || isNonEmptyProperty(tm_propertyForKey(path, QStringLiteral("Markdown")))) {
         const QString page = readDecoded(path);
         return page.contains(plainRepresentationMark) ? tm_htmlToPlainText(page) : tm_htmlToPlainQuick(page);
     }
@@ -98,13 +97,11 @@ QString textOf(const QString &path)
 QString renderedText(const QString &path, QString text)
 {
     const Settings &values = settings();
-    if (values.boolean(QStringLiteral("ignoreCommentsForWordCount")))
-        text = tm_stringByRemovingComments(text);
+    if (values.boolean(QStringLiteral("ignoreCommentsForWordCount"))) text = tm_stringByRemovingComments(text);
     if (!values.boolean(QStringLiteral("useMarkdownStrictly"))) text = tm_makeEveryNewlineaLinebreak(text);
     if (text.contains(u"[[")) text = tm_makeWikiLinksMarkdownLinks(text);
     const bool own = tm_markdownConverterAtPath(path) == OwnConverter;
-    return tm_htmlToPlainQuick(own ? tm_ownMarkdownWithPath(text, path)
-                                   : tm_markdownWithPandoc(text, true, false))
+    return tm_htmlToPlainQuick(own ? tm_ownMarkdownWithPath(text, path) : tm_markdownWithPandoc(text, true, false))
         .trimmed();
 }
 
@@ -113,10 +110,8 @@ QString bareLine(const QString &line)
     static const QStringView marks = u"-_+#& ";
     qsizetype begin = 0;
     qsizetype end = line.size();
-    while (begin < end && marks.contains(line[begin]))
-        ++begin;
-    while (end > begin && marks.contains(line[end - 1]))
-        --end;
+    while (begin < end && marks.contains(line[begin])) ++begin;
+    while (end > begin && marks.contains(line[end - 1])) --end;
     return line.mid(begin, end - begin).toLower();
 }
 

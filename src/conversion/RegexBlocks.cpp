@@ -13,11 +13,9 @@ class RKLBlockEnumerationHelper
 public:
     /// A clone of the pattern, set to a text of its own. Without one, isReady() is false and the fault
     /// reported.
-    explicit RKLBlockEnumerationHelper(const RegexCall &arguments,
-                                       RKLRegexEnumerationOptions enumerationOptions)
+    explicit RKLBlockEnumerationHelper(const RegexCall &arguments, RKLRegexEnumerationOptions enumerationOptions)
         : m_text(arguments.text)
-        , m_call{m_text,          arguments.regex, arguments.options,
-                 arguments.range, arguments.error, arguments.replacement}
+        , m_call{m_text, arguments.regex, arguments.options, arguments.range, arguments.error, arguments.replacement}
     {
         if (enumerationOptions != 0) {
             m_call.failed(QLatin1StringView(regexerror::badEnumerationOptions));
@@ -41,8 +39,7 @@ public:
         RegexMatcher matcher(m_regex.get(), m_call.range.location);
         while (matcher.next())
             if (!each(present(matcher))) break;
-        if (U_FAILURE(matcher.status()))
-            regexerror::reportIcuFailure(m_call.error, m_call.details(), matcher.status());
+        if (U_FAILURE(matcher.status())) regexerror::reportIcuFailure(m_call.error, m_call.details(), matcher.status());
         return U_SUCCESS(matcher.status());
     }
 
@@ -102,9 +99,8 @@ bool enumerateStringsMatchedByRegex(const QString &text, const QString &regex, c
     return enumerateStringsMatchedByRegex(text, regex, RKLNoOptions, wholeRange, nullptr, 0, usingBlock);
 }
 
-bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex, quint32 options,
-                                      Range inRange, RKLError *error,
-                                      RKLRegexEnumerationOptions enumerationOptions,
+bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex, quint32 options, Range inRange,
+                                      RKLError *error, RKLRegexEnumerationOptions enumerationOptions,
                                       const RegexBlock &usingBlock)
 {
     RKLBlockEnumerationHelper helper({text, regex, options, inRange, error}, enumerationOptions);
@@ -151,15 +147,13 @@ qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, quint32
     return count;
 }
 
-qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex,
-                                    const RegexReplacementBlock &usingBlock)
+qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const RegexReplacementBlock &usingBlock)
 {
     return replaceOccurrencesOfRegex(text, regex, RKLNoOptions, wholeRange, nullptr, 0, usingBlock);
 }
 
-QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex, quint32 options,
-                                            Range inRange, RKLError *error,
-                                            RKLRegexEnumerationOptions enumerationOptions,
+QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex, quint32 options, Range inRange,
+                                            RKLError *error, RKLRegexEnumerationOptions enumerationOptions,
                                             const RegexReplacementBlock &usingBlock)
 {
     QString result = text;

@@ -135,10 +135,8 @@ RegexCache::Buffer &RegexCache::scratchBuffer()
 void RegexCache::clear()
 {
     m_lastUsed = nullptr;
-    for (Buffer &buffer : m_scratchBuffers)
-        Buffer().swap(buffer);
-    for (Entry &entry : m_entries)
-        release(entry);
+    for (Buffer &buffer : m_scratchBuffers) Buffer().swap(buffer);
+    for (Entry &entry : m_entries) release(entry);
     m_recency = {};
 }
 

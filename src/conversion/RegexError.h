@@ -12,10 +12,9 @@ inline const QString RKLICURegexErrorDomain = QStringLiteral("RKLICURegexErrorDo
 // Keys of RKLError::userInfo. A report holds those that it has something to say about.
 inline const QString RKLICURegexEnumerationOptions = QStringLiteral("RKLICURegexEnumerationOptions");
 inline const QString RKLICURegexErrorCode = QStringLiteral("RKLICURegexErrorCode"); // ICU's number
-inline const QString RKLICURegexErrorName =
-    QStringLiteral("RKLICURegexErrorName");                                   // "U_REGEX_MISMATCHED_PAREN"
-inline const QString RKLICURegexLine = QStringLiteral("RKLICURegexLine");     // of the pattern, from 1
-inline const QString RKLICURegexOffset = QStringLiteral("RKLICURegexOffset"); // column in that line
+inline const QString RKLICURegexErrorName = QStringLiteral("RKLICURegexErrorName"); // "U_REGEX_MISMATCHED_PAREN"
+inline const QString RKLICURegexLine = QStringLiteral("RKLICURegexLine");           // of the pattern, from 1
+inline const QString RKLICURegexOffset = QStringLiteral("RKLICURegexOffset");       // column in that line
 inline const QString RKLICURegexPreContext = QStringLiteral("RKLICURegexPreContext");
 inline const QString RKLICURegexPostContext = QStringLiteral("RKLICURegexPostContext");
 inline const QString RKLICURegexRegex = QStringLiteral("RKLICURegexRegex");
@@ -23,8 +22,7 @@ inline const QString RKLICURegexRegexOptions = QStringLiteral("RKLICURegexRegexO
 inline const QString RKLICURegexReplacedCount = QStringLiteral("RKLICURegexReplacedCount");
 inline const QString RKLICURegexReplacedString = QStringLiteral("RKLICURegexReplacedString");
 inline const QString RKLICURegexReplacementString = QStringLiteral("RKLICURegexReplacementString");
-inline const QString RKLICURegexSubjectRange =
-    QStringLiteral("RKLICURegexSubjectRange"); // "{location, length}"
+inline const QString RKLICURegexSubjectRange = QStringLiteral("RKLICURegexSubjectRange"); // "{location, length}"
 inline const QString RKLICURegexSubjectString = QStringLiteral("RKLICURegexSubjectString");
 
 struct RKLError

@@ -39,8 +39,8 @@ void reportCompileFailure(RKLError *error, const Call &call, UErrorCode status, 
     error->userInfo.insert(RKLICURegexPreContext, before);
     error->userInfo.insert(RKLICURegexPostContext, behind);
     // One pass over the text: the contexts may hold what looks like a place to fill.
-    error->reason = u"The error " + name + u" occurred at line " + QString::number(place.line) +
-                    u", column " + QString::number(place.offset) + u": " + before + u"<<HERE>>" + behind;
+    error->reason = u"The error " + name + u" occurred at line " + QString::number(place.line) + u", column " +
+                    QString::number(place.offset) + u": " + before + u"<<HERE>>" + behind;
 }
 
 void reportIcuFailure(RKLError *error, const Call &call, UErrorCode status)

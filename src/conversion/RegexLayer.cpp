@@ -33,8 +33,7 @@ template <typename Each>
 bool forEachMatch(const RegexCall &call, int capture, Each each)
 {
     return withRegex(call, [&](RegexCache::Entry &entry, Range range, UErrorCode &status) {
-        if (capture < 0 || capture > entry.captureCount)
-            return call.failed(QLatin1StringView(regexerror::badCapture));
+        if (capture < 0 || capture > entry.captureCount) return call.failed(QLatin1StringView(regexerror::badCapture));
         RegexMatcher matcher(entry.icu_regex, range.location);
         while (matcher.next())
             if (!each(matcher, entry.captureCount)) break;
@@ -55,8 +54,7 @@ QStringList allGroups(RegexMatcher &matcher, const QString &text, int groupCount
 
 } // namespace
 
-bool isMatchedByRegex(const QString &text, const QString &regex, quint32 options, Range range,
-                      RKLError *error)
+bool isMatchedByRegex(const QString &text, const QString &regex, quint32 options, Range range, RKLError *error)
 {
     return rangeOfRegex(text, regex, options, range, 0, error).isFound();
 }
@@ -70,11 +68,10 @@ Range rangeOfRegex(const QString &text, const QString &regex, quint32 options, R
                    RKLError *error)
 {
     Range result;
-    const bool isDone =
-        forEachMatch({text, regex, options, range, error}, capture, [&](RegexMatcher &matcher, int) {
-            result = matcher.range(capture);
-            return false;
-        });
+    const bool isDone = forEachMatch({text, regex, options, range, error}, capture, [&](RegexMatcher &matcher, int) {
+        result = matcher.range(capture);
+        return false;
+    });
     return isDone ? result : Range();
 }
 
@@ -109,12 +106,11 @@ QStringList componentsMatchedByRegex(const QString &text, const QString &regex, 
                                      int capture, RKLError *error)
 {
     QStringList result;
-    const bool isDone =
-        forEachMatch({text, regex, options, range, error}, capture, [&](RegexMatcher &matcher, int) {
-            const QString captured = matchedText(matcher, text, capture);
-            result.append(captured.isNull() ? QStringLiteral("") : captured);
-            return true;
-        });
+    const bool isDone = forEachMatch({text, regex, options, range, error}, capture, [&](RegexMatcher &matcher, int) {
+        const QString captured = matchedText(matcher, text, capture);
+        result.append(captured.isNull() ? QStringLiteral("") : captured);
+        return true;
+    });
     return isDone ? result : QStringList();
 }
 
@@ -128,8 +124,8 @@ QStringList componentsMatchedByRegex(const QString &text, const QString &regex, 
     return componentsMatchedByRegex(text, regex, RKLNoOptions, range, 0);
 }
 
-QStringList captureComponentsMatchedByRegex(const QString &text, const QString &regex, quint32 options,
-                                            Range range, RKLError *error)
+QStringList captureComponentsMatchedByRegex(const QString &text, const QString &regex, quint32 options, Range range,
+                                            RKLError *error)
 {
     QStringList result;
     const bool isDone =
@@ -145,8 +141,8 @@ QStringList captureComponentsMatchedByRegex(const QString &text, const QString &
     return captureComponentsMatchedByRegex(text, regex, RKLNoOptions, range);
 }
 
-QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex,
-                                                          quint32 options, Range range, RKLError *error)
+QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex, quint32 options,
+                                                          Range range, RKLError *error)
 {
     QList<QStringList> result;
     const bool isDone =
@@ -157,24 +153,22 @@ QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, c
     return isDone ? result : QList<QStringList>();
 }
 
-QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex,
-                                                          Range range)
+QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex, Range range)
 {
     return arrayOfCaptureComponentsMatchedByRegex(text, regex, RKLNoOptions, range);
 }
 
-QStringList componentsSeparatedByRegex(const QString &text, const QString &regex, quint32 options,
-                                       Range range, RKLError *error)
+QStringList componentsSeparatedByRegex(const QString &text, const QString &regex, quint32 options, Range range,
+                                       RKLError *error)
 {
     QStringList result;
     qsizetype start = range.location;
-    const bool isDone =
-        forEachMatch({text, regex, options, range, error}, 0, [&](RegexMatcher &matcher, int) {
-            const Range match = matcher.range();
-            result.append(text.sliced(start, match.location - start));
-            start = match.end();
-            return true;
-        });
+    const bool isDone = forEachMatch({text, regex, options, range, error}, 0, [&](RegexMatcher &matcher, int) {
+        const Range match = matcher.range();
+        result.append(text.sliced(start, match.location - start));
+        start = match.end();
+        return true;
+    });
     if (!isDone) return {};
     result.append(text.sliced(start, rangeWithin(text.size(), range)->end() - start));
     return result;
@@ -185,8 +179,8 @@ QStringList componentsSeparatedByRegex(const QString &text, const QString &regex
     return componentsSeparatedByRegex(text, regex, RKLNoOptions, range);
 }
 
-qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString,
-                                    quint32 options, Range range, RKLError *error)
+qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString, quint32 options,
+                                    Range range, RKLError *error)
 {
     qsizetype count = 0;
     QString result;
@@ -195,8 +189,7 @@ qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const Q
     const bool isDone = withRegex(call, [&](RegexCache::Entry &entry, Range inside, UErrorCode &status) {
         const auto replaced =
             replacedByTemplate(entry.icu_regex, withString, regexCache().scratchBuffer(), count, status);
-        if (status == U_BUFFER_OVERFLOW_ERROR)
-            return call.failed(QLatin1StringView(regexerror::resultTooLong));
+        if (status == U_BUFFER_OVERFLOW_ERROR) return call.failed(QLatin1StringView(regexerror::resultTooLong));
         if (replaced && count > 0)
             result = text.first(inside.location) % *replaced % QStringView(text).sliced(inside.end());
         return true;
@@ -206,23 +199,21 @@ qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const Q
     return count;
 }
 
-qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString,
-                                    Range range)
+qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString, Range range)
 {
     return replaceOccurrencesOfRegex(text, regex, withString, RKLNoOptions, range);
 }
 
-QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
-                                            const QString &withString, quint32 options, Range range,
-                                            RKLError *error)
+QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex, const QString &withString,
+                                            quint32 options, Range range, RKLError *error)
 {
     QString result = text;
     replaceOccurrencesOfRegex(result, regex, withString, options, range, error);
     return result;
 }
 
-QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
-                                            const QString &withString, Range range)
+QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex, const QString &withString,
+                                            Range range)
 {
     return stringByReplacingOccurrencesOfRegex(text, regex, withString, RKLNoOptions, range);
 }

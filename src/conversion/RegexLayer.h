@@ -40,59 +40,55 @@ enum RKLRegexOptions : quint32 {
 [[nodiscard]] bool isMatchedByRegex(const QString &text, const QString &regex, Range range = wholeRange);
 
 /// Where the first match, or a group of it, lies. Not found where there is none or the group took no part.
-[[nodiscard]] Range rangeOfRegex(const QString &text, const QString &regex, quint32 options, Range range,
-                                 int capture, RKLError *error = nullptr);
+[[nodiscard]] Range rangeOfRegex(const QString &text, const QString &regex, quint32 options, Range range, int capture,
+                                 RKLError *error = nullptr);
 [[nodiscard]] Range rangeOfRegex(const QString &text, const QString &regex, int capture = 0);
 [[nodiscard]] Range rangeOfRegex(const QString &text, const QString &regex, Range range);
 
 /// The text of the first match or of a group of it; null where there is none or the group took no part.
-[[nodiscard]] QString stringByMatching(const QString &text, const QString &regex, quint32 options,
-                                       Range range, int capture, RKLError *error = nullptr);
+[[nodiscard]] QString stringByMatching(const QString &text, const QString &regex, quint32 options, Range range,
+                                       int capture, RKLError *error = nullptr);
 [[nodiscard]] QString stringByMatching(const QString &text, const QString &regex, int capture = 0);
 [[nodiscard]] QString stringByMatching(const QString &text, const QString &regex, Range range);
 
 /// The texts of all matches, or of one group of each; "" for a group that took no part.
 [[nodiscard]] QStringList componentsMatchedByRegex(const QString &text, const QString &regex, quint32 options,
                                                    Range range, int capture, RKLError *error = nullptr);
-[[nodiscard]] QStringList componentsMatchedByRegex(const QString &text, const QString &regex,
-                                                   int capture = 0);
+[[nodiscard]] QStringList componentsMatchedByRegex(const QString &text, const QString &regex, int capture = 0);
 [[nodiscard]] QStringList componentsMatchedByRegex(const QString &text, const QString &regex, Range range);
 
 /// The first match with all its groups: the whole match first, "" for a group that took no part. Empty
 /// without a match.
-[[nodiscard]] QStringList captureComponentsMatchedByRegex(const QString &text, const QString &regex,
-                                                          quint32 options, Range range,
-                                                          RKLError *error = nullptr);
+[[nodiscard]] QStringList captureComponentsMatchedByRegex(const QString &text, const QString &regex, quint32 options,
+                                                          Range range, RKLError *error = nullptr);
 [[nodiscard]] QStringList captureComponentsMatchedByRegex(const QString &text, const QString &regex,
                                                           Range range = wholeRange);
 
 /// The same for every match.
-[[nodiscard]] QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text,
-                                                                        const QString &regex, quint32 options,
-                                                                        Range range,
+[[nodiscard]] QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex,
+                                                                        quint32 options, Range range,
                                                                         RKLError *error = nullptr);
-[[nodiscard]] QList<QStringList>
-arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex, Range range = wholeRange);
+[[nodiscard]] QList<QStringList> arrayOfCaptureComponentsMatchedByRegex(const QString &text, const QString &regex,
+                                                                        Range range = wholeRange);
 
 /// What lies between the matches, empty pieces too; groups are dropped. Without a match the text itself is
 /// the one piece. ("a, b,c" by ",\s*" gives "a", "b", "c".) Empty on a fault.
-[[nodiscard]] QStringList componentsSeparatedByRegex(const QString &text, const QString &regex,
-                                                     quint32 options, Range range, RKLError *error = nullptr);
+[[nodiscard]] QStringList componentsSeparatedByRegex(const QString &text, const QString &regex, quint32 options,
+                                                     Range range, RKLError *error = nullptr);
 [[nodiscard]] QStringList componentsSeparatedByRegex(const QString &text, const QString &regex,
                                                      Range range = wholeRange);
 
 /// The text with all matches in the range replaced. The replacement is ICU's template: "$1" and "${name}" are
 /// groups, a backslash takes the next character as it is. What lies outside of the range stays.
 [[nodiscard]] QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
-                                                          const QString &withString, quint32 options,
-                                                          Range range, RKLError *error = nullptr);
+                                                          const QString &withString, quint32 options, Range range,
+                                                          RKLError *error = nullptr);
 [[nodiscard]] QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
-                                                          const QString &withString,
-                                                          Range range = wholeRange);
+                                                          const QString &withString, Range range = wholeRange);
 
 /// The same in place. Gives the number of matches replaced.
-qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString,
-                                    quint32 options, Range range, RKLError *error = nullptr);
+qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString, quint32 options,
+                                    Range range, RKLError *error = nullptr);
 qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const QString &withString,
                                     Range range = wholeRange);
 
@@ -116,16 +112,14 @@ bool enumerateStringsMatchedByRegex(const QString &text, const QString &regex, q
                                     RKLError *error, RKLRegexEnumerationOptions enumerationOptions,
                                     const RegexBlock &usingBlock);
 bool enumerateStringsMatchedByRegex(const QString &text, const QString &regex, const RegexBlock &usingBlock);
-bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex, quint32 options,
-                                      Range inRange, RKLError *error,
-                                      RKLRegexEnumerationOptions enumerationOptions,
+bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex, quint32 options, Range inRange,
+                                      RKLError *error, RKLRegexEnumerationOptions enumerationOptions,
                                       const RegexBlock &usingBlock);
-bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex,
-                                      const RegexBlock &usingBlock);
+bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex, const RegexBlock &usingBlock);
 
 /// As the replacements above. Matches behind the one at which the block stopped stay as they are.
-[[nodiscard]] QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
-                                                          quint32 options, Range inRange, RKLError *error,
+[[nodiscard]] QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex, quint32 options,
+                                                          Range inRange, RKLError *error,
                                                           RKLRegexEnumerationOptions enumerationOptions,
                                                           const RegexReplacementBlock &usingBlock);
 [[nodiscard]] QString stringByReplacingOccurrencesOfRegex(const QString &text, const QString &regex,
@@ -133,8 +127,7 @@ bool enumerateStringsSeparatedByRegex(const QString &text, const QString &regex,
 qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, quint32 options, Range inRange,
                                     RKLError *error, RKLRegexEnumerationOptions enumerationOptions,
                                     const RegexReplacementBlock &usingBlock);
-qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex,
-                                    const RegexReplacementBlock &usingBlock);
+qsizetype replaceOccurrencesOfRegex(QString &text, const QString &regex, const RegexReplacementBlock &usingBlock);
 
 /// Names for groups: the result holds for each key the text of its group, and no key for a group that took no
 /// part.
@@ -144,14 +137,13 @@ using RegexKeysAndCaptures = QList<std::pair<QString, int>>;
 [[nodiscard]] QVariantMap dictionaryByMatchingRegex(const QString &text, const QString &regex,
                                                     const RegexKeysAndCaptures &withKeysAndCaptures);
 /// Of every match.
-[[nodiscard]] QList<QVariantMap>
-arrayOfDictionariesByMatchingRegex(const QString &text, const QString &regex, quint32 options, Range range,
-                                   RKLError *error, const RegexKeysAndCaptures &withKeysAndCaptures);
+[[nodiscard]] QList<QVariantMap> arrayOfDictionariesByMatchingRegex(const QString &text, const QString &regex,
+                                                                    quint32 options, Range range, RKLError *error,
+                                                                    const RegexKeysAndCaptures &withKeysAndCaptures);
 
 /// How many groups the pattern has; -1 when it is none.
 [[nodiscard]] qsizetype captureCount(const QString &regex);
-[[nodiscard]] qsizetype captureCountWithOptions(const QString &regex, quint32 options,
-                                                RKLError *error = nullptr);
+[[nodiscard]] qsizetype captureCountWithOptions(const QString &regex, quint32 options, RKLError *error = nullptr);
 [[nodiscard]] qsizetype captureCountForRegex(const QString &regex, quint32 options = RKLNoOptions,
                                              RKLError *error = nullptr);
 [[nodiscard]] bool isRegexValid(const QString &regex);

@@ -12,12 +12,11 @@ bool checkKeys(const RegexCall &call, const RegexKeysAndCaptures &keys, int grou
     for (qsizetype i = 0; i < keys.size(); ++i) {
         const auto &[key, capture] = keys[i];
         if (key.isNull())
-            return call.failed(
-                QStringLiteral("The capture key (key %1 of %2) is NULL.").arg(i + 1).arg(keys.size()));
+            return call.failed(QStringLiteral("The capture key (key %1 of %2) is NULL.").arg(i + 1).arg(keys.size()));
         if (capture < 0 || capture > groupCount)
             return call.failed(u"The capture argument " + QString::number(capture) + u" (capture " +
-                               QString::number(i + 1) + u" of " + QString::number(keys.size()) +
-                               u") for key '" + key + u"' is not valid.");
+                               QString::number(i + 1) + u" of " + QString::number(keys.size()) + u") for key '" + key +
+                               u"' is not valid.");
     }
     return true;
 }
@@ -54,8 +53,8 @@ QVariantMap dictionaryByMatchingRegex(const QString &text, const QString &regex,
     return dictionaries({text, regex, RKLNoOptions, wholeRange, nullptr}, withKeysAndCaptures, true).value(0);
 }
 
-QList<QVariantMap> arrayOfDictionariesByMatchingRegex(const QString &text, const QString &regex,
-                                                      quint32 options, Range range, RKLError *error,
+QList<QVariantMap> arrayOfDictionariesByMatchingRegex(const QString &text, const QString &regex, quint32 options,
+                                                      Range range, RKLError *error,
                                                       const RegexKeysAndCaptures &withKeysAndCaptures)
 {
     return dictionaries({text, regex, options, range, error}, withKeysAndCaptures, false);

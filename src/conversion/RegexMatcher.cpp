@@ -11,8 +11,7 @@ URegularExpression *compiledRegex(const QString &regex, quint32 icuOptions, RKLE
 {
     UErrorCode status = U_ZERO_ERROR;
     UParseError place = {};
-    URegularExpression *compiled =
-        uregex_open(unitsOf(regex), int32_t(regex.size()), icuOptions, &place, &status);
+    URegularExpression *compiled = uregex_open(unitsOf(regex), int32_t(regex.size()), icuOptions, &place, &status);
     if (U_SUCCESS(status)) return compiled;
     if (compiled) uregex_close(compiled);
     regexerror::reportCompileFailure(error, {regex, icuOptions}, status, place);
@@ -38,8 +37,8 @@ Range RegexMatcher::range(int group)
 namespace {
 
 // One sweep into a buffer that may be too small: the length is right all the same, for a second sweep.
-qint64 sweep(URegularExpression *regex, const QString &replacement, std::vector<char16_t> &buffer,
-             qsizetype &count, UErrorCode &status)
+qint64 sweep(URegularExpression *regex, const QString &replacement, std::vector<char16_t> &buffer, qsizetype &count,
+             UErrorCode &status)
 {
     UErrorCode findStatus = U_ZERO_ERROR;
     UChar *place = buffer.data();
@@ -50,8 +49,8 @@ qint64 sweep(URegularExpression *regex, const QString &replacement, std::vector<
     uregex_reset(regex, 0, &findStatus);
     while (uregex_findNext(regex, &findStatus)) {
         ++count;
-        length += uregex_appendReplacement(regex, unitsOf(replacement), int32_t(replacement.size()), &place,
-                                           &room, &status);
+        length +=
+            uregex_appendReplacement(regex, unitsOf(replacement), int32_t(replacement.size()), &place, &room, &status);
         if (U_FAILURE(status) && status != U_BUFFER_OVERFLOW_ERROR) return length;
     }
     length += uregex_appendTail(regex, &place, &room, &status);
@@ -62,8 +61,7 @@ qint64 sweep(URegularExpression *regex, const QString &replacement, std::vector<
 } // namespace
 
 std::optional<QStringView> replacedByTemplate(URegularExpression *regex, const QString &replacement,
-                                              std::vector<char16_t> &buffer, qsizetype &count,
-                                              UErrorCode &status)
+                                              std::vector<char16_t> &buffer, qsizetype &count, UErrorCode &status)
 {
     if (buffer.empty()) buffer.resize(1024);
     qint64 length = sweep(regex, replacement, buffer, count, status);

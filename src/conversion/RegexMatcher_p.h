@@ -56,8 +56,7 @@ private:
 /// The text that the pattern was set to, with all matches replaced by ICU's template ("$1", "\$"). `count`
 /// becomes the number of matches. The result lies in `buffer`; nothing, with `status`, where ICU fails or the
 /// result would have 2^31 units or more (U_BUFFER_OVERFLOW_ERROR).
-[[nodiscard]] std::optional<QStringView> replacedByTemplate(URegularExpression *regex,
-                                                            const QString &replacement,
+[[nodiscard]] std::optional<QStringView> replacedByTemplate(URegularExpression *regex, const QString &replacement,
                                                             std::vector<char16_t> &buffer, qsizetype &count,
                                                             UErrorCode &status);
 

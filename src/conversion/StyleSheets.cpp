@@ -82,7 +82,8 @@ QString includedText(const QString &content, QString &behind)
         const PatternMatches matches = matchesOfPattern(content, pattern, PatternDotAll);
         for (size_t i = 0; i < matches.size(); ++i) behind += u'\n' + substring(content, matches[i].range()) + u'\n';
     }
-    const Range style = rangeOfPattern(content, QStringLiteral("<style.*?>(.*?)</style>"), PatternDotAll, wholeRange, 1);
+    const Range style =
+        rangeOfPattern(content, QStringLiteral("<style.*?>(.*?)</style>"), PatternDotAll, wholeRange, 1);
     return style.isFound() ? substring(content, style) : content;
 }
 
@@ -95,8 +96,7 @@ QString tm_styleSheetWithResolvedIncludes(const QString &sheet)
     QStringList seen;
     QString text = sheet;
     for (;;) {
-        const PatternMatches found =
-            firstMatchOfPattern(text, pattern, PatternCaseInsensitive | PatternLineAnchored);
+        const PatternMatches found = firstMatchOfPattern(text, pattern, PatternCaseInsensitive | PatternLineAnchored);
         if (found.isEmpty()) return text;
         const Range directive = found[0].range();
         const QString file = fileOfSheet(resolvedSheetName(substring(text, found[0].group(1)), available));
@@ -203,9 +203,12 @@ QString pixels(qlonglong size)
 
 const QString serifRules = QStringLiteral(
     "@font-face {\tfont-family: STIXTwoText;\tfont-style: normal;\tfont-weight: normal;\tsrc: local(STIXTwoText); \t}"
-    "@font-face {\tfont-family: STIXTwoText;\tfont-style: normal;\tfont-weight: bold;\t\tsrc: local(STIXTwoText_Bold); \t}"
-    "@font-face {\tfont-family: STIXTwoText;\tfont-style: italic;\tfont-weight: normal;\tsrc: local(STIXTwoText-Italic); \t}"
-    "@font-face {\tfont-family: STIXTwoText;\tfont-style: italic;\tfont-weight: bold;\t\tsrc: local(STIXTwoText-Italic_Bold-Italic); \t}");
+    "@font-face {\tfont-family: STIXTwoText;\tfont-style: normal;\tfont-weight: bold;\t\tsrc: local(STIXTwoText_Bold); "
+    "\t}"
+    "@font-face {\tfont-family: STIXTwoText;\tfont-style: italic;\tfont-weight: normal;\tsrc: "
+    "local(STIXTwoText-Italic); \t}"
+    "@font-face {\tfont-family: STIXTwoText;\tfont-style: italic;\tfont-weight: bold;\t\tsrc: "
+    "local(STIXTwoText-Italic_Bold-Italic); \t}");
 
 QString faceForPages(const QString &face)
 {
@@ -228,7 +231,8 @@ void fillPlaceholders(QString &sheet, const QString &path, const SheetValues &va
         {QStringLiteral("**TomeletListIndentVarPrintFont**"), indentWidth(printed)},
         {QStringLiteral("**TomeletBGColor**"), u'#' + values.backgroundColor},
         {QStringLiteral("**TomeletFontSize**"), pixels(values.size)},
-        {QStringLiteral("**TomeletLinespacing**"), QString::number(values.lineSpacing + 0.3, 'f', 1) + QStringLiteral("em")},
+        {QStringLiteral("**TomeletLinespacing**"),
+         QString::number(values.lineSpacing + 0.3, 'f', 1) + QStringLiteral("em")},
         {QStringLiteral("**TomeletTextAlign**"), alignment(inheritedOrSetting(path, QStringLiteral("TextAlignment")))},
         {QStringLiteral("**TomeletHyphens**"), hyphens ? QStringLiteral("auto") : QStringLiteral("none")},
         {QStringLiteral("**TomeletPrintFontSize**"), pixels(printed)},
@@ -240,9 +244,11 @@ void fillPlaceholders(QString &sheet, const QString &path, const SheetValues &va
 
 void localizeHeadings(QString &sheet)
 {
-    for (const char *heading : {TOMELET_TEXT("Footnotes"), TOMELET_TEXT("Citations"), TOMELET_TEXT("Glossary"),
-                                TOMELET_TEXT("Mentions")}) {
-        const auto line = [](const QString &text) { return QString(QStringLiteral("content: \"") + text + QStringLiteral("\";")); };
+    for (const char *heading :
+         {TOMELET_TEXT("Footnotes"), TOMELET_TEXT("Citations"), TOMELET_TEXT("Glossary"), TOMELET_TEXT("Mentions")}) {
+        const auto line = [](const QString &text) {
+            return QString(QStringLiteral("content: \"") + text + QStringLiteral("\";"));
+        };
         sheet.replace(line(QString::fromLatin1(heading).toUpper()), line(QLocale().toUpper(localized(heading))));
     }
 }
@@ -278,7 +284,8 @@ QString tm_inheritedStyleSheet(const QString &path)
         sheet = QStringLiteral("<style type=\"text/css\">\n") + sheet + QStringLiteral("</style>");
     if (sheet.contains(u"@tm_include")) sheet = tm_styleSheetWithResolvedIncludes(sheet);
     if (values.face.startsWith(u"STIXTwoText"))
-        sheet = regexSweep(sheet, QStringLiteral("<style .*?text/css.*?>"), QStringLiteral("$0\n") + serifRules + u'\n');
+        sheet =
+            regexSweep(sheet, QStringLiteral("<style .*?text/css.*?>"), QStringLiteral("$0\n") + serifRules + u'\n');
     fillPlaceholders(sheet, path, values);
     localizeHeadings(sheet);
     placeImage(sheet, values.image);
@@ -295,7 +302,8 @@ static const QStringList themeVariables{QStringLiteral("--theme-color"), QString
 static QString withThemeVariables(QString page, const QString &color)
 {
     for (const QString &variable : themeVariables)
-        page = regexSweep(page, variable + QStringLiteral(":\\s*#000000;"), variable + QStringLiteral(": ") + color + u';');
+        page = regexSweep(page, variable + QStringLiteral(":\\s*#000000;"),
+                          variable + QStringLiteral(": ") + color + u';');
     return page;
 }
 
@@ -320,8 +328,8 @@ QString tm_formattedDocAdjustedToColorTheme(const QString &page)
 QString tm_formattedDocAdjustedToDarkTheme(const QString &page)
 {
     const Settings &values = settings();
-    const bool black = values.boolean(QStringLiteral("useBlackForDarkTheme")) &&
-                       !values.boolean(QStringLiteral("useSolarizedTheme"));
+    const bool black =
+        values.boolean(QStringLiteral("useBlackForDarkTheme")) && !values.boolean(QStringLiteral("useSolarizedTheme"));
     const bool dimmed = values.boolean(QStringLiteral("useDimmedTextColorDarkTheme"));
     QString result = page;
     if (!page.contains(u"prefers-color-scheme:")) {

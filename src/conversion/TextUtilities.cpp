@@ -58,17 +58,15 @@ QString tm_htmlToPlainText(const QString &html)
 QString tm_htmlToPlainQuick(const QString &html)
 {
     static const std::pair<QString, QString> literals[] = {
-        {QStringLiteral("</li><li>"), QStringLiteral("\n- ")}, {QStringLiteral("<li>"), QStringLiteral("- ")},
-        {QStringLiteral("<div>"), QStringLiteral("\n")},       {QStringLiteral("<br>"), QStringLiteral("\n")},
-        {QStringLiteral("</div>"), QStringLiteral("\n")},      {QStringLiteral("</p>"), QStringLiteral("\n")},
+        {QStringLiteral("</li><li>"), QStringLiteral("\n- ")},  {QStringLiteral("<li>"), QStringLiteral("- ")},
+        {QStringLiteral("<div>"), QStringLiteral("\n")},        {QStringLiteral("<br>"), QStringLiteral("\n")},
+        {QStringLiteral("</div>"), QStringLiteral("\n")},       {QStringLiteral("</p>"), QStringLiteral("\n")},
         {QStringLiteral("<hr>"), QStringLiteral("\n----\n\n")}, {QStringLiteral("</th>"), QStringLiteral(" ")},
         {QStringLiteral("</td>"), QStringLiteral(" ")},
     };
     static const std::pair<QString, QString> sweeps[] = {
-        {QStringLiteral("</h[1-6]>"), QStringLiteral("\n")},
-        {QStringLiteral("(?s)<style .+?/style>"), {}},
-        {QStringLiteral("(?s)<script.*?>.*?</script>"), {}},
-        {QStringLiteral("</?[^>]+?>"), {}},
+        {QStringLiteral("</h[1-6]>"), QStringLiteral("\n")}, {QStringLiteral("(?s)<style .+?/style>"), {}},
+        {QStringLiteral("(?s)<script.*?>.*?</script>"), {}}, {QStringLiteral("</?[^>]+?>"), {}},
         {QStringLiteral("\n{2,}"), QStringLiteral("\n\n")},
     };
     QString text = regexSweep(tm_getInnerHTML(html), QStringLiteral(">\\n\\s+<"), QStringLiteral(">\n<"));
@@ -96,8 +94,8 @@ QString tm_getArticleFromHTML(const QString &html)
 {
     if (!html.contains(u"<article")) return html;
     logLine(QStringLiteral("contain article"));
-    const QString cut = regexSweep(html, QStringLiteral("(?sm)<body([^>]*?)>.+?<article"),
-                                   QStringLiteral("<body$1><article"));
+    const QString cut =
+        regexSweep(html, QStringLiteral("(?sm)<body([^>]*?)>.+?<article"), QStringLiteral("<body$1><article"));
     return regexSweep(cut, QStringLiteral("(?sm)</article>.+?</body>"), QStringLiteral("</article></body>"));
 }
 
@@ -195,8 +193,8 @@ qlonglong tm_wordCount(const QString &text)
 {
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UBreakIterator, decltype(&ubrk_close)> words(
-        ubrk_open(UBRK_WORD, QLocale().name().toLatin1().constData(),
-                  reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()), &status),
+        ubrk_open(UBRK_WORD, QLocale().name().toLatin1().constData(), reinterpret_cast<const UChar *>(text.utf16()),
+                  int32_t(text.size()), &status),
         &ubrk_close);
     if (U_FAILURE(status)) return 0;
     qlonglong count = 0;

@@ -21,8 +21,8 @@ static QString markdownLink(const QString &inside)
     const QStringList parts = inside.split(u'|');
     QString target = percentDecoded(trimmedBlanks(parts.first()));
     target.remove(QStringLiteral("tomelet://show")).remove(QStringLiteral("tomelet://"));
-    QString visible = parts.size() > 1 ? percentDecoded(parts[1])
-                                       : percentDecoded(lastPathComponent(pathWithoutExtension(target)));
+    QString visible =
+        parts.size() > 1 ? percentDecoded(parts[1]) : percentDecoded(lastPathComponent(pathWithoutExtension(target)));
     if (parts.size() > 1 && visible.startsWith(u'#')) visible.remove(0, 1);
     return u'[' + visible + QStringLiteral("](") + tm_pathEscapedForMarkdownLink(target) + u')';
 }

@@ -14,8 +14,7 @@ namespace {
 void remove_leading_blank(token *line, const char *source)
 {
     const token *first = line->child;
-    if (first && (first->type == NON_INDENT_SPACE || token_is_one_blank(first, source)))
-        token_remove_first_child(line);
+    if (first && (first->type == NON_INDENT_SPACE || token_is_one_blank(first, source))) token_remove_first_child(line);
 }
 
 void deindent_block(mmd_engine *engine, token *block)
@@ -84,10 +83,8 @@ bool is_loose(const token *list)
     bool loose = false;
     for (token *item = list->child; item->next; item = item->next) {
         if (item->type != BLOCK_LIST_ITEM) continue;
-        if (item->child->type == BLOCK_PARA)
-            loose = true;
-        else
-            item->type = BLOCK_LIST_ITEM_TIGHT;
+        if (item->child->type == BLOCK_PARA) loose = true;
+        else item->type = BLOCK_LIST_ITEM_TIGHT;
     }
     return loose;
 }
@@ -152,8 +149,7 @@ token *chain(token *first, token *second)
 void finish_block(mmd_engine *engine, token *block)
 {
     strip_line_tokens_from_block(engine, block);
-    if (engine->recurse_depth == 1)
-        parse_inlines(engine, block); // nested blocks go with the one they stand in
+    if (engine->recurse_depth == 1) parse_inlines(engine, block); // nested blocks go with the one they stand in
 }
 
 token *new_block(mmd_engine *engine, token *lines, uint16_t type)
@@ -198,8 +194,7 @@ token *long_definition(mmd_engine *engine, token *first_line, token *tail)
 
 token *terms_and_definitions(token *terms, token *definitions)
 {
-    for (token *line = terms; line; line = line->next)
-        line->type = BLOCK_TERM;
+    for (token *line = terms; line; line = line->next) line->type = BLOCK_TERM;
     return chain(terms, definitions);
 }
 

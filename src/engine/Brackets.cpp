@@ -10,8 +10,7 @@ namespace {
 bool holds_bracket(const token *bracket)
 {
     for (const token *t = bracket->child; t; t = t->next)
-        if (t->type >= PAIR_BRACKET && t->type <= PAIR_BRACKET_VARIABLE && t->type != PAIR_BRACKET_IMAGE)
-            return true;
+        if (t->type >= PAIR_BRACKET && t->type <= PAIR_BRACKET_VARIABLE && t->type != PAIR_BRACKET_IMAGE) return true;
     return false;
 }
 
@@ -58,8 +57,7 @@ token *paragraph_of_inside(const scratch_pad &scratch, token *pair)
 {
     token *first = pair->child->next;
     token *closer = pair->child->tail;
-    if (!first || first == closer)
-        return token_new(scratch.engine->arena, BLOCK_PARA, token_end(pair->child), 0);
+    if (!first || first == closer) return token_new(scratch.engine->arena, BLOCK_PARA, token_end(pair->child), 0);
     token *last = closer->prev;
     pair->child->next = closer;
     closer->prev = pair->child;

@@ -20,14 +20,10 @@ enum char_class : uint8_t {
 constexpr std::array<uint8_t, 256> make_char_classes()
 {
     std::array<uint8_t, 256> table{};
-    for (int c = '!'; c <= '~'; ++c)
-        table[static_cast<size_t>(c)] = CHAR_PUNCTUATION;
-    for (int c = '0'; c <= '9'; ++c)
-        table[static_cast<size_t>(c)] = CHAR_DIGIT;
-    for (int c = 'a'; c <= 'z'; ++c)
-        table[static_cast<size_t>(c)] = CHAR_ALPHA;
-    for (int c = 'A'; c <= 'Z'; ++c)
-        table[static_cast<size_t>(c)] = CHAR_ALPHA;
+    for (int c = '!'; c <= '~'; ++c) table[static_cast<size_t>(c)] = CHAR_PUNCTUATION;
+    for (int c = '0'; c <= '9'; ++c) table[static_cast<size_t>(c)] = CHAR_DIGIT;
+    for (int c = 'a'; c <= 'z'; ++c) table[static_cast<size_t>(c)] = CHAR_ALPHA;
+    for (int c = 'A'; c <= 'Z'; ++c) table[static_cast<size_t>(c)] = CHAR_ALPHA;
     table[' '] = table['\t'] = CHAR_WHITESPACE;
     table['\0'] = table['\n'] = table['\r'] = CHAR_LINE_ENDING;
     return table;

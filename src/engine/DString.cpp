@@ -33,8 +33,7 @@ void replace_range(d_string *string, size_t position, size_t length, std::string
     const size_t old_length = string->currentStringLength;
     const size_t new_length = old_length - length + text.size();
     d_string_ensure(string, new_length);
-    std::memmove(string->str + position + text.size(), string->str + position + length,
-                 old_length - position - length);
+    std::memmove(string->str + position + text.size(), string->str + position + length, old_length - position - length);
     if (!text.empty()) std::memcpy(string->str + position, text.data(), text.size());
     terminate(string, new_length);
 }
@@ -45,8 +44,7 @@ d_string *d_string_new(const char *text)
 {
     const size_t length = text ? std::strlen(text) : 0;
     size_t capacity = first_capacity;
-    while (capacity < length + 1)
-        capacity *= 2;
+    while (capacity < length + 1) capacity *= 2;
     auto *string = static_cast<d_string *>(std::malloc(sizeof(d_string)));
     char *buffer = static_cast<char *>(std::malloc(capacity));
     if (!string || !buffer) out_of_memory(capacity);
@@ -70,8 +68,7 @@ void d_string_ensure(d_string *string, size_t n)
 {
     if (n + 1 <= string->currentStringBufferSize) return;
     size_t capacity = string->currentStringBufferSize;
-    while (n + 1 > capacity)
-        capacity += capacity > largest_step ? largest_step : capacity;
+    while (n + 1 > capacity) capacity += capacity > largest_step ? largest_step : capacity;
     char *buffer = static_cast<char *>(std::realloc(string->str, capacity));
     if (!buffer) out_of_memory(string->currentStringBufferSize);
     string->str = buffer;

@@ -19,12 +19,9 @@ token *first_inline(token *block)
 {
     token *t = block->child;
     while (t) {
-        if (is_block(t) || t->type <= LINE_START_COMMENT)
-            t = t->child;
-        else if (t->type == MARKER_LIST_BULLET || t->type == MARKER_LIST_ENUMERATOR || token_is_indent(t))
-            t = t->next;
-        else
-            return t;
+        if (is_block(t) || t->type <= LINE_START_COMMENT) t = t->child;
+        else if (t->type == MARKER_LIST_BULLET || t->type == MARKER_LIST_ENUMERATOR || token_is_indent(t)) t = t->next;
+        else return t;
     }
     return nullptr;
 }
@@ -37,8 +34,7 @@ size_t drop_label(const char *source, token *label)
     label->type = TEXT_EMPTY;
     colon->type = TEXT_EMPTY;
     token *t = colon->next;
-    for (; t && token_is_indent(t); t = t->next)
-        t->type = TEXT_EMPTY;
+    for (; t && token_is_indent(t); t = t->next) t->type = TEXT_EMPTY;
     if (t && t->type == TEXT_PLAIN) token_trim_leading_whitespace(t, source);
     return behind;
 }
@@ -62,8 +58,7 @@ footnote *new_note(const char *source, token *block, const token *label, bool lo
 
 void remove_trailing_line_ends(token *block)
 {
-    while (block->child &&
-           (block->child->tail->type == TEXT_NL || block->child->tail->type == TEXT_LINEBREAK))
+    while (block->child && (block->child->tail->type == TEXT_NL || block->child->tail->type == TEXT_LINEBREAK))
         token_remove_last_child(block);
 }
 
@@ -128,9 +123,8 @@ void define_link(mmd_engine *engine, token *block, token *label)
 bool is_label(const token *t)
 {
     if (!t || !t->next || t->next->type != COLON || token_end(t) != t->next->start) return false;
-    return t->type == PAIR_BRACKET || t->type == PAIR_BRACKET_ABBREVIATION ||
-           t->type == PAIR_BRACKET_CITATION || t->type == PAIR_BRACKET_FOOTNOTE ||
-           t->type == PAIR_BRACKET_GLOSSARY;
+    return t->type == PAIR_BRACKET || t->type == PAIR_BRACKET_ABBREVIATION || t->type == PAIR_BRACKET_CITATION ||
+           t->type == PAIR_BRACKET_FOOTNOTE || t->type == PAIR_BRACKET_GLOSSARY;
 }
 
 void process_definition(mmd_engine *engine, token *block)
@@ -143,20 +137,11 @@ void process_definition(mmd_engine *engine, token *block)
     const uint16_t kind = block->type;
     block->type = BLOCK_EMPTY;
     switch (kind) {
-    case BLOCK_DEF_ABBREVIATION:
-        define_abbreviation(engine, block, label);
-        break;
-    case BLOCK_DEF_CITATION:
-        define_citation(engine, block, label);
-        break;
-    case BLOCK_DEF_FOOTNOTE:
-        define_note(engine, block, label, engine->footnote_stack, true);
-        break;
-    case BLOCK_DEF_GLOSSARY:
-        define_note(engine, block, label, engine->glossary_stack, false);
-        break;
-    default:
-        define_link(engine, block, label);
+    case BLOCK_DEF_ABBREVIATION: define_abbreviation(engine, block, label); break;
+    case BLOCK_DEF_CITATION: define_citation(engine, block, label); break;
+    case BLOCK_DEF_FOOTNOTE: define_note(engine, block, label, engine->footnote_stack, true); break;
+    case BLOCK_DEF_GLOSSARY: define_note(engine, block, label, engine->glossary_stack, false); break;
+    default: define_link(engine, block, label);
     }
 }
 
@@ -209,13 +194,11 @@ void store_table_labels(mmd_engine *engine)
 token *table_caption(const token *table, token **label)
 {
     const token *para = table->next;
-    if (!para || para->type != BLOCK_PARA || !para->child || para->child->type != PAIR_BRACKET)
-        return nullptr;
+    if (!para || para->type != BLOCK_PARA || !para->child || para->child->type != PAIR_BRACKET) return nullptr;
     token *caption = para->child;
     token *last = caption->next && caption->next->type == PAIR_BRACKET ? caption->next : caption;
     const token *behind = last->next;
-    if (behind && (behind->next || (behind->type != TEXT_NL && behind->type != TEXT_LINEBREAK)))
-        return nullptr;
+    if (behind && (behind->next || (behind->type != TEXT_NL && behind->type != TEXT_LINEBREAK))) return nullptr;
     *label = last;
     return caption;
 }

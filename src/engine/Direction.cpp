@@ -61,26 +61,22 @@ void find_marks(direction_pass &pass, const token *t)
     if (t->start >= pass.marks.start && t->start < pass.marks.end) return;
     size_t start = t->start;
     size_t end = token_end(t);
-    while (is_emphasis_mark(pass.before(start)))
-        --start;
-    while (is_emphasis_mark(pass.at(end)))
-        ++end;
+    while (is_emphasis_mark(pass.before(start))) --start;
+    while (is_emphasis_mark(pass.at(end))) ++end;
     pass.marks = {start, end};
 }
 
 size_t stars_before(const direction_pass &pass, size_t place)
 {
     size_t count = 0;
-    while (pass.before(place - count) == '*')
-        ++count;
+    while (pass.before(place - count) == '*') ++count;
     return count;
 }
 
 size_t stars_behind(const direction_pass &pass, size_t place)
 {
     size_t count = 0;
-    while (pass.at(place + count) == '*')
-        ++count;
+    while (pass.at(place + count) == '*') ++count;
     return count;
 }
 
@@ -90,11 +86,9 @@ void count_stars(direction_pass &pass, const token *t)
     if (t->start >= pass.stars.start && t->start < pass.stars.end) return;
     star_run run{t->start - stars_before(pass, t->start), t->start + stars_behind(pass, t->start)};
     size_t left = run.start;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.before(left)))
-        --left;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.before(left))) --left;
     size_t right = run.end;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(right)))
-        ++right;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(right))) ++right;
     const size_t h = run.end - run.start;
     const size_t l = stars_before(pass, left);
     const size_t r = stars_behind(pass, right);
@@ -144,15 +138,11 @@ void direct_dollar(const direction_pass &pass, token *t)
 {
     if (pass.has(EXT_COMPATIBILITY)) return;
     const char before = pass.before(t->start);
-    if (t->start == 0 || char_is_whitespace_or_line_ending(before))
-        t->can_close = 0;
-    else
-        clear_open_if(t, !char_is_punctuation(before));
+    if (t->start == 0 || char_is_whitespace_or_line_ending(before)) t->can_close = 0;
+    else clear_open_if(t, !char_is_punctuation(before));
     const char behind = pass.at(token_end(t));
-    if (char_is_whitespace_or_line_ending(behind))
-        t->can_open = 0;
-    else
-        clear_close_if(t, !char_is_punctuation(behind));
+    if (char_is_whitespace_or_line_ending(behind)) t->can_open = 0;
+    else clear_close_if(t, !char_is_punctuation(behind));
 }
 
 bool stands_earlier(const direction_pass &pass, size_t place, char mark)
@@ -172,8 +162,7 @@ bool stands_later(const direction_pass &pass, size_t place, char mark)
 // Lets go of the tokens behind t that lie before `end`; one that reaches beyond is cut short.
 void swallow(token *t, size_t end)
 {
-    while (t->next && token_end(t->next) <= end)
-        tokens_prune(t->next, t->next);
+    while (t->next && token_end(t->next) <= end) tokens_prune(t->next, t->next);
     token *reaches = t->next;
     if (!reaches || reaches->start >= end) return;
     reaches->len = token_end(reaches) - end;
@@ -185,8 +174,7 @@ void extend_script(const direction_pass &pass, token *t)
 {
     const size_t start = token_end(t);
     size_t end = start;
-    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(end)))
-        ++end;
+    while (!char_is_whitespace_or_line_ending_or_punctuation(pass.at(end))) ++end;
     if (end == start) return;
     swallow(t, end);
     t->len = end - t->start;
@@ -244,44 +232,25 @@ void direct(direction_pass &pass, token *t, int depth)
         t->type = BLOCK_PARA;
         walk(pass, t, depth);
         break;
-    case BLOCK_DEF_ABBREVIATION:
-        walk(pass, t, depth);
-        break;
-    case CRITIC_SUB_DIV:
-        split_substitution(t);
-        break;
-    case STAR:
-        direct_star(pass, t);
-        break;
-    case UL:
-        direct_underscore(pass, t);
-        break;
+    case BLOCK_DEF_ABBREVIATION: walk(pass, t, depth); break;
+    case CRITIC_SUB_DIV: split_substitution(t); break;
+    case STAR: direct_star(pass, t); break;
+    case UL: direct_underscore(pass, t); break;
     case BACKTICK:
         // Two backticks that begin the text are an opening quote; anywhere else they may be either.
         clear_close_if(t, t->len == 2 && t->start == 0);
         break;
-    case DASH_N:
-        direct_hyphen(pass, t);
-        break;
+    case DASH_N: direct_hyphen(pass, t); break;
     case MATH_DOLLAR_SINGLE:
-    case MATH_DOLLAR_DOUBLE:
-        direct_dollar(pass, t);
-        break;
+    case MATH_DOLLAR_DOUBLE: direct_dollar(pass, t); break;
     case SUPERSCRIPT:
-    case SUBSCRIPT:
-        direct_script(pass, t);
-        break;
+    case SUBSCRIPT: direct_script(pass, t); break;
     case QUOTE_SINGLE:
-        if (is_apostrophe(pass, t))
-            t->type = APOSTROPHE;
-        else
-            direct_quote(pass, t);
+        if (is_apostrophe(pass, t)) t->type = APOSTROPHE;
+        else direct_quote(pass, t);
         break;
-    case QUOTE_DOUBLE:
-        direct_quote(pass, t);
-        break;
-    default:
-        break;
+    case QUOTE_DOUBLE: direct_quote(pass, t); break;
+    default: break;
     }
 }
 

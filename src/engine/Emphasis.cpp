@@ -49,10 +49,8 @@ void pair_chain(token *t, int depth)
     if (depth >= kMaxDepth) return;
     for (; t; t = t->next) {
         if (is_matched_mark(t)) {
-            if (token *second = second_opener(t))
-                make_strong(t, second);
-            else
-                make_emphasis(t);
+            if (token *second = second_opener(t)) make_strong(t, second);
+            else make_emphasis(t);
         }
         if (t->child && t->type != PAIR_BACKTICK && t->type != PAIR_MATH) pair_chain(t->child, depth + 1);
     }

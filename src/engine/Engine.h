@@ -101,8 +101,8 @@ struct mmd_engine
     token_arena *arena;                ///< all tokens of the tree
     stack *openers;                    ///< of the pairing under way
     uint8_t passes_of[kMaxTokenTypes]; ///< by inline token type: a bit for each pairing pass that knows it
-    uint8_t passes;  ///< the passes that something read so far is for; the others are left out
-    uint64_t random; ///< state of the engine's own generator
+    uint8_t passes;                    ///< the passes that something read so far is for; the others are left out
+    uint64_t random;                   ///< state of the engine's own generator
 };
 
 /// A new engine. The source is taken over, and freed with the engine only on request.
@@ -122,8 +122,8 @@ bool mmd_engine_export(d_string *output, mmd_engine *engine, uint16_t format);
 /// for. Null when there is no writer for the format.
 [[nodiscard]] d_string *mmd_engine_convert(mmd_engine *engine, uint16_t format, const char *directory);
 /// The whole way in one call. The source stays the caller's.
-[[nodiscard]] d_string *mmd_d_string_convert(d_string *source, uint32_t extensions, uint16_t format,
-                                             uint16_t language, const char *directory);
+[[nodiscard]] d_string *mmd_d_string_convert(d_string *source, uint32_t extensions, uint16_t format, uint16_t language,
+                                             const char *directory);
 
 /// True when the document can be written in the format.
 [[nodiscard]] bool mmd_format_is_available(uint16_t format);

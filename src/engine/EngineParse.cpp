@@ -26,8 +26,7 @@ uint64_t fresh_seed(const mmd_engine *engine)
 template <typename Record>
 void free_records(stack *s)
 {
-    while (s->size > 0)
-        delete static_cast<Record *>(stack_pop(s));
+    while (s->size > 0) delete static_cast<Record *>(stack_pop(s));
 }
 
 } // namespace
@@ -42,8 +41,8 @@ mmd_engine *mmd_engine_create(d_string *source, uint32_t extensions)
         *pairings = token_pair_engine_new();
     register_pairings(engine);
     for (stack **s : {&engine->abbreviation_stack, &engine->citation_stack, &engine->definition_stack,
-                      &engine->footnote_stack, &engine->glossary_stack, &engine->header_stack,
-                      &engine->link_stack, &engine->metadata_stack, &engine->table_stack})
+                      &engine->footnote_stack, &engine->glossary_stack, &engine->header_stack, &engine->link_stack,
+                      &engine->metadata_stack, &engine->table_stack})
         *s = stack_new(0);
     engine->arena = token_arena_new();
     engine->openers = stack_new(0);
@@ -70,16 +69,14 @@ void mmd_engine_reset(mmd_engine *engine)
         free_records<footnote>(notes);
     free_records<link>(engine->link_stack);
     free_records<meta>(engine->metadata_stack);
-    for (stack *blocks : {engine->definition_stack, engine->header_stack, engine->table_stack})
-        blocks->size = 0;
+    for (stack *blocks : {engine->definition_stack, engine->header_stack, engine->table_stack}) blocks->size = 0;
 }
 
 void mmd_engine_free(mmd_engine *engine, bool free_source)
 {
     if (!engine) return;
     mmd_engine_reset(engine);
-    for (token_pair_engine *pairings :
-         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4})
+    for (token_pair_engine *pairings : {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4})
         token_pair_engine_free(pairings);
     for (stack *s : {engine->abbreviation_stack, engine->citation_stack, engine->definition_stack,
                      engine->footnote_stack, engine->glossary_stack, engine->header_stack, engine->link_stack,

@@ -42,8 +42,7 @@ std::string label_from_string(std::string_view text)
         const char c = text[i];
         if (i + 1 < text.size() && is_continuation_byte(text[i + 1])) {
             label += c;
-            while (i + 1 < text.size() && is_continuation_byte(text[i + 1]))
-                label += text[++i];
+            while (i + 1 < text.size() && is_continuation_byte(text[i + 1])) label += text[++i];
         } else if (char_is_alphanumeric(c)) {
             label += char_lower(c);
         } else if (c == '-' || c == '.' || c == ':' || c == '_') {
@@ -63,8 +62,7 @@ std::string clean_string(std::string_view text, bool lowercase)
         if (c == '\\' && i + 1 < text.size() && (text[i + 1] == '\n' || text[i + 1] == '\r')) {
             clean += '\n';
             blank_due = false;
-            while (i + 1 < text.size() && is_folded_space(text[i + 1]))
-                ++i;
+            while (i + 1 < text.size() && is_folded_space(text[i + 1])) ++i;
         } else if (is_folded_space(c)) {
             blank_due = !clean.empty();
         } else {
@@ -102,12 +100,10 @@ std::string clean_inside_pair(const char *source, const token *pair, bool lowerc
 std::string_view header_text(const char *source, const token *header)
 {
     const token *first = header->child;
-    while (first && is_around_heading(first, source))
-        first = first->next;
+    while (first && is_around_heading(first, source)) first = first->next;
     if (!first) return {};
     const token *last = header->child->tail;
-    while (last != first && is_around_heading(last, source))
-        last = last->prev;
+    while (last != first && is_around_heading(last, source)) last = last->prev;
     return {source + first->start, token_end(last) - first->start};
 }
 
@@ -115,23 +111,20 @@ token *manual_label_from_header(token *header, const char *source)
 {
     if (!header->child) return nullptr;
     token *t = header->child->tail;
-    while (t && is_around_heading(t, source))
-        t = t->prev;
+    while (t && is_around_heading(t, source)) t = t->prev;
     if (!t) return nullptr;
     if (t->type == MANUAL_LABEL) return t;
     if (t->type != PAIR_BRACKET) return nullptr;
     // An odd number of brackets before it pairs them off as reference links, this one included; and a bracket
     // that is all of the heading is its text.
     size_t brackets = 0;
-    for (const token *before = t->prev; before && before->type == PAIR_BRACKET; before = before->prev)
-        ++brackets;
+    for (const token *before = t->prev; before && before->type == PAIR_BRACKET; before = before->prev) ++brackets;
     if (brackets % 2 == 1 || header_text(source, header).data() == source + t->start) return nullptr;
     t->type = MANUAL_LABEL;
     return t;
 }
 
-std::string label_from_header(const char *source, token *header, uint32_t extensions, uint32_t seed,
-                              size_t index)
+std::string label_from_header(const char *source, token *header, uint32_t extensions, uint32_t seed, size_t index)
 {
     if (const token *manual = manual_label_from_header(header, source))
         return label_from_string(text_inside_pair(source, manual));

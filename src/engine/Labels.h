@@ -36,8 +36,8 @@ struct scratch_pad;
 token *manual_label_from_header(token *header, const char *source);
 /// The label of heading number `index` of the document: the manual one, a random one (from the seed and the
 /// index, with EXT_RANDOM_LABELS), or the label form of its text.
-[[nodiscard]] std::string label_from_header(const char *source, token *header, uint32_t extensions,
-                                            uint32_t seed, size_t index);
+[[nodiscard]] std::string label_from_header(const char *source, token *header, uint32_t extensions, uint32_t seed,
+                                            size_t index);
 /// 1 to 6; 0 for what is no heading.
 [[nodiscard]] int header_level(const token *header);
 

@@ -34,8 +34,7 @@ uint16_t plain_or_table(const line_view &v, uint16_t type)
 {
     if (type != LINE_PLAIN || v.has(EXT_COMPATIBILITY)) return type;
     for (const token *t = v.line->child; t; t = t->next)
-        if (t->type == PIPE)
-            return scan_table_separator(v.text(), v.len()) ? LINE_TABLE_SEPARATOR : LINE_TABLE;
+        if (t->type == PIPE) return scan_table_separator(v.text(), v.len()) ? LINE_TABLE_SEPARATOR : LINE_TABLE;
     return LINE_PLAIN;
 }
 
@@ -43,8 +42,7 @@ uint16_t plain_or_table(const line_view &v, uint16_t type)
 bool is_blank_line(const line_view &v)
 {
     const token *t = v.line->child->tail;
-    while (t && (token_is_indent(t) || is_line_end(t)))
-        t = t->prev;
+    while (t && (token_is_indent(t) || is_line_end(t))) t = t->prev;
     return !t;
 }
 
@@ -65,8 +63,7 @@ uint16_t heading_line(const line_view &v)
     if (!scan_atx(v.text(), v.len())) return LINE_PLAIN;
     v.first->type = static_cast<uint16_t>(MARKER_H1 + level);
     token *t = v.line->child->tail;
-    while (t && (token_is_indent(t) || is_line_end(t)))
-        t = t->prev;
+    while (t && (token_is_indent(t) || is_line_end(t))) t = t->prev;
     if (t && t->type >= HASH1 && t->type <= HASH6) t->type = static_cast<uint16_t>(t->type + 7);
     return static_cast<uint16_t>(LINE_ATX_1 + level);
 }
@@ -76,8 +73,7 @@ uint16_t fence_line(const line_view &v)
     if (v.has(EXT_COMPATIBILITY)) return LINE_PLAIN;
     const size_t longer = v.first->len < 5 ? v.first->len - 3 : 2;
     if (scan_fence_end(v.text(), v.len())) return static_cast<uint16_t>(LINE_FENCE_BACKTICK_3 + longer);
-    if (scan_fence_start(v.text(), v.len()))
-        return static_cast<uint16_t>(LINE_FENCE_BACKTICK_START_3 + longer);
+    if (scan_fence_start(v.text(), v.len())) return static_cast<uint16_t>(LINE_FENCE_BACKTICK_START_3 + longer);
     return LINE_PLAIN;
 }
 
@@ -107,10 +103,8 @@ size_t count_rule_marks(const line_view &v)
     const uint16_t mark = v.first->type;
     size_t count = v.first->len;
     for (const token *t = v.first->next; t && !is_line_end(t); t = t->next) {
-        if (t->type == mark)
-            count += t->len;
-        else if (!token_is_indent(t) && !token_is_one_blank(t, v.source))
-            return 0;
+        if (t->type == mark) count += t->len;
+        else if (!token_is_indent(t) && !token_is_one_blank(t, v.source)) return 0;
     }
     return count;
 }
@@ -169,8 +163,8 @@ uint16_t numbered_line(const line_view &v)
 
 uint16_t link_definition_line(const line_view &v)
 {
-    const bool found = v.has(EXT_COMPATIBILITY) ? scan_ref_link_no_attributes(v.text(), v.rest())
-                                                : scan_ref_link(v.text(), v.rest());
+    const bool found =
+        v.has(EXT_COMPATIBILITY) ? scan_ref_link_no_attributes(v.text(), v.rest()) : scan_ref_link(v.text(), v.rest());
     return found ? LINE_DEF_LINK : LINE_PLAIN;
 }
 
@@ -191,18 +185,12 @@ uint16_t line_type(const line_view &v)
 {
     switch (v.first->type) {
     case INDENT_TAB:
-    case INDENT_SPACE:
-        return indented_line(v);
+    case INDENT_SPACE: return indented_line(v);
     case TEXT_LINEBREAK:
-    case TEXT_NL:
-        v.engine->allow_meta = false;
-        return LINE_EMPTY;
+    case TEXT_NL: v.engine->allow_meta = false; return LINE_EMPTY;
     case ANGLE_RIGHT:
-    case MARKER_BLOCKQUOTE:
-        v.first->type = MARKER_BLOCKQUOTE;
-        return LINE_BLOCKQUOTE;
-    case ANGLE_LEFT:
-        return scan_html_block(v.text(), v.len()) ? LINE_HTML : LINE_PLAIN;
+    case MARKER_BLOCKQUOTE: v.first->type = MARKER_BLOCKQUOTE; return LINE_BLOCKQUOTE;
+    case ANGLE_LEFT: return scan_html_block(v.text(), v.len()) ? LINE_HTML : LINE_PLAIN;
     case HASH1:
     case HASH2:
     case HASH3:
@@ -214,52 +202,31 @@ uint16_t line_type(const line_view &v)
     case MARKER_H3:
     case MARKER_H4:
     case MARKER_H5:
-    case MARKER_H6:
-        return heading_line(v);
-    case BACKTICK:
-        return v.first->len < 3 ? uint16_t{LINE_PLAIN} : fence_line(v);
-    case HTML_COMMENT_START:
-        return comment_line(v, LINE_START_COMMENT);
-    case HTML_COMMENT_STOP:
-        return comment_line(v, LINE_STOP_COMMENT);
-    case COLON:
-        return colon_line(v);
-    case EQUAL:
-        return scan_setext(v.text(), v.len()) ? LINE_SETEXT_1 : LINE_PLAIN;
+    case MARKER_H6: return heading_line(v);
+    case BACKTICK: return v.first->len < 3 ? uint16_t{LINE_PLAIN} : fence_line(v);
+    case HTML_COMMENT_START: return comment_line(v, LINE_START_COMMENT);
+    case HTML_COMMENT_STOP: return comment_line(v, LINE_STOP_COMMENT);
+    case COLON: return colon_line(v);
+    case EQUAL: return scan_setext(v.text(), v.len()) ? LINE_SETEXT_1 : LINE_PLAIN;
     case DASH_M:
-    case DASH_N:
-        return dash_line(v);
+    case DASH_N: return dash_line(v);
     case STAR:
-    case UL:
-        return rule_or_bullet_line(v);
-    case PLUS:
-        return bullet_line(v);
-    case MARKER_LIST_BULLET:
-        return LINE_LIST_BULLETED;
-    case MARKER_LIST_ENUMERATOR:
-        return LINE_LIST_ENUMERATED;
-    case TEXT_NUMBER_POSS_LIST:
-        return numbered_line(v);
-    case BRACKET_LEFT:
-        return link_definition_line(v);
-    case BRACKET_ABBREVIATION_LEFT:
-        return note_definition_line(v, scan_ref_abbreviation, LINE_DEF_ABBREVIATION);
-    case BRACKET_FOOTNOTE_LEFT:
-        return note_definition_line(v, scan_ref_foot, LINE_DEF_FOOTNOTE);
-    case BRACKET_GLOSSARY_LEFT:
-        return note_definition_line(v, scan_ref_glossary, LINE_DEF_GLOSSARY);
-    case BRACKET_CITATION_LEFT:
-        return note_definition_line(v, scan_ref_citation, LINE_DEF_CITATION);
-    case PIPE:
-        return table_line(v);
+    case UL: return rule_or_bullet_line(v);
+    case PLUS: return bullet_line(v);
+    case MARKER_LIST_BULLET: return LINE_LIST_BULLETED;
+    case MARKER_LIST_ENUMERATOR: return LINE_LIST_ENUMERATED;
+    case TEXT_NUMBER_POSS_LIST: return numbered_line(v);
+    case BRACKET_LEFT: return link_definition_line(v);
+    case BRACKET_ABBREVIATION_LEFT: return note_definition_line(v, scan_ref_abbreviation, LINE_DEF_ABBREVIATION);
+    case BRACKET_FOOTNOTE_LEFT: return note_definition_line(v, scan_ref_foot, LINE_DEF_FOOTNOTE);
+    case BRACKET_GLOSSARY_LEFT: return note_definition_line(v, scan_ref_glossary, LINE_DEF_GLOSSARY);
+    case BRACKET_CITATION_LEFT: return note_definition_line(v, scan_ref_citation, LINE_DEF_CITATION);
+    case PIPE: return table_line(v);
     case TOC:
     case TOC_SINGLE:
-    case TOC_RANGE:
-        return v.has(EXT_COMPATIBILITY) ? LINE_PLAIN : LINE_TOC;
-    case TEXT_PLAIN:
-        return text_line(v);
-    default:
-        return LINE_PLAIN;
+    case TOC_RANGE: return v.has(EXT_COMPATIBILITY) ? LINE_PLAIN : LINE_TOC;
+    case TEXT_PLAIN: return text_line(v);
+    default: return LINE_PLAIN;
     }
 }
 
@@ -274,9 +241,8 @@ void follow_metadata(const line_reader &reader, token *line)
         return;
     }
     const bool begun = !reader.is_first && reader.previous_type != LINE_YAML;
-    const bool goes_on = line->type == LINE_PLAIN || line->type == LINE_TABLE ||
-                         line->type == LINE_TABLE_SEPARATOR || line->type == LINE_INDENTED_TAB ||
-                         line->type == LINE_INDENTED_SPACE;
+    const bool goes_on = line->type == LINE_PLAIN || line->type == LINE_TABLE || line->type == LINE_TABLE_SEPARATOR ||
+                         line->type == LINE_INDENTED_TAB || line->type == LINE_INDENTED_SPACE;
     allowed = line->type == LINE_META || (begun && goes_on);
 }
 
@@ -310,14 +276,11 @@ bool stays_text(const mmd_engine *engine, uint16_t type, size_t last, size_t at)
     case TEXT_PERCENT:
     case TEXT_HASH:
     case TEXT_BACKSLASH:
-    case TEXT_NUMBER_POSS_LIST:
-        return true;
+    case TEXT_NUMBER_POSS_LIST: return true;
     case DASH_N:
     case DASH_M:
-    case ELLIPSIS:
-        return !(engine->extensions & EXT_SMART);
-    default:
-        return false;
+    case ELLIPSIS: return !(engine->extensions & EXT_SMART);
+    default: return false;
     }
 }
 

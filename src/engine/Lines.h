@@ -29,8 +29,7 @@ struct line_reader
 
 /// Cuts a range of the source into lines. The result is a DOC_START_TOKEN over them. With stop_on_empty_line
 /// the first empty line is the last.
-[[nodiscard]] token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len,
-                                         bool stop_on_empty_line);
+[[nodiscard]] token *mmd_tokenize_string(mmd_engine *engine, size_t start, size_t len, bool stop_on_empty_line);
 
 /// Gives a line its type by its first tokens; turns these into markers, and cuts blanks behind a list's
 /// marker.

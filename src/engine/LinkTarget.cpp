@@ -20,8 +20,7 @@ struct reader
     [[nodiscard]] bool on_blank() const { return !done() && char_is_whitespace_or_line_ending(text[at]); }
     void skip_blanks()
     {
-        while (on_blank())
-            ++at;
+        while (on_blank()) ++at;
     }
 };
 
@@ -64,8 +63,7 @@ std::optional<std::string_view> read_enclosed(reader &r, char closer)
 {
     const size_t start = r.at + 1;
     for (size_t i = start; i < r.text.size(); ++i) {
-        if (r.text[i] == '\\')
-            ++i;
+        if (r.text[i] == '\\') ++i;
         else if (r.text[i] == closer) {
             r.at = i + 1;
             return r.text.substr(start, i - start);
@@ -82,8 +80,7 @@ bool read_destination(reader &r, link &result)
         return inside.has_value();
     }
     const size_t start = r.at;
-    while (!r.done() && !r.on_blank())
-        ++r.at;
+    while (!r.done() && !r.on_blank()) ++r.at;
     result.url = unescaped(r.text.substr(start, r.at - start));
     return true;
 }
@@ -104,8 +101,7 @@ bool is_key_byte(char c)
 bool read_attribute(reader &r, link &result)
 {
     reader ahead = r;
-    while (is_key_byte(ahead.peek()))
-        ++ahead.at;
+    while (is_key_byte(ahead.peek())) ++ahead.at;
     if (ahead.at == r.at || ahead.peek() != '=') return false;
     const std::string key(r.text.substr(r.at, ahead.at - r.at));
     ++ahead.at;
@@ -116,8 +112,7 @@ bool read_attribute(reader &r, link &result)
         if (!inside) return false;
         value = *inside;
     } else {
-        while (!ahead.done() && !ahead.on_blank())
-            ++ahead.at;
+        while (!ahead.done() && !ahead.on_blank()) ++ahead.at;
         value = r.text.substr(start, ahead.at - start);
     }
     result.attributes.push_back({key, std::string(value)});
@@ -136,8 +131,7 @@ size_t parse_link_target(std::string_view text, link &result)
         r.skip_blanks();
         read_title(r, result);
         r.skip_blanks();
-        while (read_attribute(r, result))
-            r.skip_blanks();
+        while (read_attribute(r, result)) r.skip_blanks();
     }
     return r.at;
 }

@@ -18,8 +18,7 @@ namespace {
 
 std::string_view without_line_end(std::string_view line)
 {
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
-        line.remove_suffix(1);
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) line.remove_suffix(1);
     return line;
 }
 
@@ -37,8 +36,7 @@ void continue_value(const mmd_engine *engine, const token *line, std::string &va
 {
     std::string_view text(engine->dstr->str + line->start, line->len);
     if (line->type == LINE_INDENTED_TAB || line->type == LINE_INDENTED_SPACE)
-        while (!text.empty() && char_is_whitespace(text.front()))
-            text.remove_prefix(1);
+        while (!text.empty() && char_is_whitespace(text.front())) text.remove_prefix(1);
     value += '\n';
     value += without_line_end(text);
 }

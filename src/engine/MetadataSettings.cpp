@@ -17,16 +17,11 @@ bool is_latex(uint16_t format)
 // True when the key sets the level of headings for one format; `applies` tells whether it is this one.
 bool is_level_key(std::string_view key, uint16_t format, bool &applies)
 {
-    if (key == "epubheaderlevel")
-        applies = format == FORMAT_EPUB;
-    else if (key == "htmlheaderlevel" || key == "xhtmlheaderlevel")
-        applies = format == FORMAT_HTML;
-    else if (key == "latexheaderlevel")
-        applies = is_latex(format);
-    else if (key == "odfheaderlevel")
-        applies = format == FORMAT_FODT || format == FORMAT_ODT;
-    else
-        return false;
+    if (key == "epubheaderlevel") applies = format == FORMAT_EPUB;
+    else if (key == "htmlheaderlevel" || key == "xhtmlheaderlevel") applies = format == FORMAT_HTML;
+    else if (key == "latexheaderlevel") applies = is_latex(format);
+    else if (key == "odfheaderlevel") applies = format == FORMAT_FODT || format == FORMAT_ODT;
+    else return false;
     return true;
 }
 
@@ -39,9 +34,9 @@ struct language_name
 
 void set_language(scratch_pad &scratch, std::string_view value)
 {
-    static constexpr language_name names[] = {
-        {"de", LANG_DE, QUOTES_GERMAN},  {"es", LANG_ES, QUOTES_SPANISH}, {"fr", LANG_FR, QUOTES_FRENCH},
-        {"he", LANG_HE, QUOTES_ENGLISH}, {"nl", LANG_NL, QUOTES_DUTCH},   {"sv", LANG_SV, QUOTES_SWEDISH}};
+    static constexpr language_name names[] = {{"de", LANG_DE, QUOTES_GERMAN}, {"es", LANG_ES, QUOTES_SPANISH},
+                                              {"fr", LANG_FR, QUOTES_FRENCH}, {"he", LANG_HE, QUOTES_ENGLISH},
+                                              {"nl", LANG_NL, QUOTES_DUTCH},  {"sv", LANG_SV, QUOTES_SWEDISH}};
     scratch.language = LANG_EN;
     scratch.quotes_lang = QUOTES_ENGLISH;
     for (const language_name &n : names) {
@@ -78,10 +73,8 @@ void set_quotes(scratch_pad &scratch, std::string_view value)
 void set_latex_mode(scratch_pad &scratch, std::string_view value)
 {
     if (scratch.output_format != FORMAT_LATEX) return;
-    if (value == "beamer")
-        scratch.output_format = FORMAT_BEAMER;
-    else if (value == "memoir")
-        scratch.output_format = FORMAT_MEMOIR;
+    if (value == "beamer") scratch.output_format = FORMAT_BEAMER;
+    else if (value == "memoir") scratch.output_format = FORMAT_MEMOIR;
 }
 
 } // namespace

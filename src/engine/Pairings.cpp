@@ -73,15 +73,13 @@ constexpr pairing scripts_and_braces[] = {
 template <size_t N>
 void add(token_pair_engine *engine, const pairing (&pairings)[N])
 {
-    for (const pairing &p : pairings)
-        token_pair_engine_add_pairing(engine, p.opener, p.closer, p.pair, p.options);
+    for (const pairing &p : pairings) token_pair_engine_add_pairing(engine, p.opener, p.closer, p.pair, p.options);
 }
 
 void note_passes(mmd_engine *engine)
 {
     uint8_t bit = 1;
-    for (const token_pair_engine *pass :
-         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
+    for (const token_pair_engine *pass : {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
         for (int type = 0; type < kMaxTokenTypes; ++type)
             if (pass->involved[type]) engine->passes_of[type] |= bit;
         bit = static_cast<uint8_t>(bit << 1);
@@ -134,9 +132,7 @@ static void pair_tokens(token *block, const token_pair_engine *engine, stack *s,
     case BLOCK_PARA:
     case BLOCK_SETEXT_1:
     case BLOCK_SETEXT_2:
-    case BLOCK_TERM:
-        matches = true;
-        break;
+    case BLOCK_TERM: matches = true; break;
     case BLOCK_LIST_ITEM:
     case BLOCK_LIST_ITEM_TIGHT:
     case BLOCK_TABLE:
@@ -147,11 +143,8 @@ static void pair_tokens(token *block, const token_pair_engine *engine, stack *s,
     case BLOCK_LIST_BULLETED:
     case BLOCK_LIST_BULLETED_LOOSE:
     case BLOCK_LIST_ENUMERATED:
-    case BLOCK_LIST_ENUMERATED_LOOSE:
-        enters = true;
-        break;
-    default:
-        break;
+    case BLOCK_LIST_ENUMERATED_LOOSE: enters = true; break;
+    default: break;
     }
     if (matches) token_pairs_match_pairs_inside_token(block, engine, s, 0);
     for (token *child = enters ? block->child : nullptr; child; child = child->next)
@@ -167,8 +160,7 @@ void parse_inlines(mmd_engine *engine, token *block)
 {
     mmd_assign_ambidextrous_tokens_in_block(engine, block, 0);
     uint8_t passes = engine->passes;
-    for (const token_pair_engine *pass :
-         {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
+    for (const token_pair_engine *pass : {engine->pairings1, engine->pairings2, engine->pairings3, engine->pairings4}) {
         if (passes & 1) mmd_pair_tokens_in_block(block, pass, engine->openers);
         passes >>= 1;
     }

@@ -137,8 +137,7 @@ void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine
             if (token *opener = find_opener(l, child)) child = match(l, parent, opener, child);
         if (child->can_open && child->unmatched && engine->can_open_pair[child->type]) push(l, child);
     }
-    while (s->size > l.base)
-        pop(l);
+    while (s->size > l.base) pop(l);
 }
 
 } // namespace tomelet::engine

@@ -29,8 +29,7 @@ struct token_pair_engine
     uint16_t empty_allowed[kMaxTokenTypes];
     uint16_t match_len[kMaxTokenTypes];
     uint16_t should_prune[kMaxTokenTypes];
-    uint32_t
-        openers_of[kMaxPairSlots + 1]; ///< by closer's slot: a bit for each opener's slot that pairs with it
+    uint32_t openers_of[kMaxPairSlots + 1]; ///< by closer's slot: a bit for each opener's slot that pairs with it
     uint16_t opener_count, closer_count;
     bool involved[kMaxTokenTypes]; ///< the type opens or closes
 };
@@ -42,7 +41,6 @@ void token_pair_engine_add_pairing(token_pair_engine *engine, uint16_t open_type
                                    uint16_t pair_type, int options);
 /// Matches the children of parent, and theirs, innermost first. A match never crosses a level: what one level
 /// leaves open is lost for the others. The stack is given back as it came. depth is 0 for the outermost call.
-void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine *engine, stack *s,
-                                          int depth);
+void token_pairs_match_pairs_inside_token(token *parent, const token_pair_engine *engine, stack *s, int depth);
 
 } // namespace tomelet::engine

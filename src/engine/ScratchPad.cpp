@@ -68,17 +68,15 @@ const char *extract_metadata(const scratch_pad &scratch, std::string_view key)
 
 void pad(d_string *out, int count, scratch_pad &scratch)
 {
-    for (; scratch.padded < count; ++scratch.padded)
-        d_string_append_c(out, '\n');
+    for (; scratch.padded < count; ++scratch.padded) d_string_append_c(out, '\n');
 }
 
 // The heading's number in the document; the stack is in the order of the text.
 static size_t header_index(const token *header, const scratch_pad &scratch)
 {
     void **first = scratch.header_stack->element;
-    void **found =
-        std::lower_bound(first, first + scratch.header_stack->size, header->start,
-                         [](void *h, size_t start) { return static_cast<token *>(h)->start < start; });
+    void **found = std::lower_bound(first, first + scratch.header_stack->size, header->start,
+                                    [](void *h, size_t start) { return static_cast<token *>(h)->start < start; });
     return static_cast<size_t>(found - first);
 }
 
@@ -99,8 +97,7 @@ void read_table_column_alignments(const char *source, const token *table, scratc
     static constexpr char letters[] = {'n', 'l', 'r', 'n', 'c', 'n', 'n', 'n', 'N', 'L', 'R', 'n', 'C'};
     scratch.table_alignment.clear();
     const token *header = table->child;
-    while (header && header->type != BLOCK_TABLE_HEADER)
-        header = header->next;
+    while (header && header->type != BLOCK_TABLE_HEADER) header = header->next;
     if (!header || !header->child) return;
     const token *separator = header->child->tail;
     for (const token *cell = separator->child; cell; cell = cell->next)
@@ -111,32 +108,24 @@ void read_table_column_alignments(const char *source, const token *table, scratc
 
 bool raw_filter_text_matches(std::string_view filter, uint16_t format)
 {
-    const auto names = [filter](std::string_view name) {
-        return filter.find(name) != std::string_view::npos;
-    };
+    const auto names = [filter](std::string_view name) { return filter.find(name) != std::string_view::npos; };
     if (filter == "*" || filter == "{=*}") return true;
     switch (format) {
-    case FORMAT_HTML:
-        return names("html");
-    case FORMAT_EPUB:
-        return names("epub");
+    case FORMAT_HTML: return names("html");
+    case FORMAT_EPUB: return names("epub");
     case FORMAT_LATEX:
     case FORMAT_BEAMER:
-    case FORMAT_MEMOIR:
-        return names("latex");
+    case FORMAT_MEMOIR: return names("latex");
     case FORMAT_FODT:
-    case FORMAT_ODT:
-        return names("odt");
-    default:
-        return false;
+    case FORMAT_ODT: return names("odt");
+    default: return false;
     }
 }
 
 static const token *opening_fence(const token *block)
 {
     const token *t = block->child;
-    while (t && t->type != CODE_FENCE)
-        t = t->next;
+    while (t && t->type != CODE_FENCE) t = t->next;
     return t;
 }
 
@@ -146,14 +135,10 @@ std::string_view fence_info(const char *source, const token *block)
     if (!fence) return {};
     std::string_view line = token_text(source, fence);
     const auto is_mark = [](char c) { return char_is_whitespace_or_line_ending(c); };
-    while (!line.empty() && is_mark(line.front()))
-        line.remove_prefix(1);
-    while (!line.empty() && line.front() == '`')
-        line.remove_prefix(1);
-    while (!line.empty() && is_mark(line.front()))
-        line.remove_prefix(1);
-    while (!line.empty() && is_mark(line.back()))
-        line.remove_suffix(1);
+    while (!line.empty() && is_mark(line.front())) line.remove_prefix(1);
+    while (!line.empty() && line.front() == '`') line.remove_prefix(1);
+    while (!line.empty() && is_mark(line.front())) line.remove_prefix(1);
+    while (!line.empty() && is_mark(line.back())) line.remove_suffix(1);
     return line;
 }
 

@@ -83,8 +83,7 @@ struct link_use
     int skip = 0;                    ///< 1: the next token belongs to it
 };
 
-[[nodiscard]] link_use mmd_parse_brackets(const char *source, const scratch_pad &scratch,
-                                          const token *bracket);
+[[nodiscard]] link_use mmd_parse_brackets(const char *source, const scratch_pad &scratch, const token *bracket);
 [[nodiscard]] const link *extract_link_from_stack(const scratch_pad &scratch, std::string_view text);
 
 /// What the use of a note comes to.

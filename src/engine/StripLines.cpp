@@ -36,10 +36,8 @@ void move_children_up(token *block, token *line)
 void append_verbatim(mmd_engine *engine, token *block, size_t start, size_t end)
 {
     token *last = block->child ? block->child->tail : nullptr;
-    if (last && last->type == TEXT_PLAIN && token_end(last) == start)
-        last->len = end - last->start;
-    else if (end > start)
-        token_append_child(block, token_new(engine->arena, TEXT_PLAIN, start, end - start));
+    if (last && last->type == TEXT_PLAIN && token_end(last) == start) last->len = end - last->start;
+    else if (end > start) token_append_child(block, token_new(engine->arena, TEXT_PLAIN, start, end - start));
 }
 
 void strip_code_or_html_line(mmd_engine *engine, token *block, token *line)
@@ -52,8 +50,7 @@ void strip_code_or_html_line(mmd_engine *engine, token *block, token *line)
     const size_t end = token_end(line);
     if (first && first->type == CODE_FENCE)
         token_append_child(block, token_new(engine->arena, CODE_FENCE, first->start, end - first->start));
-    else if (first)
-        append_verbatim(engine, block, first->start, end);
+    else if (first) append_verbatim(engine, block, first->start, end);
     line->next = nullptr;
     token_tree_free(line);
 }
@@ -97,8 +94,7 @@ void dissolve_definition(mmd_engine *engine, token *block, token *definition)
     const char *source = engine->dstr->str;
     if (const token *first = definition->child) {
         size_t colon = first->start;
-        while (colon > 0 && char_is_whitespace(source[colon - 1]))
-            --colon; // blanks were cut with the colon
+        while (colon > 0 && char_is_whitespace(source[colon - 1])) --colon; // blanks were cut with the colon
         if (colon > 0 && source[colon - 1] == ':')
             token_append_child(block, token_new(engine->arena, COLON, colon - 1, first->start - colon + 1));
     }
@@ -107,8 +103,7 @@ void dissolve_definition(mmd_engine *engine, token *block, token *definition)
 
 void strip_text_line(token *block, token *line)
 {
-    while (line->child && is_indent(line->child))
-        token_remove_first_child(line);
+    while (line->child && is_indent(line->child)) token_remove_first_child(line);
     move_children_up(block, line);
 }
 
@@ -145,14 +140,10 @@ void strip_all(mmd_engine *engine, token *block)
     while (line) {
         token *next = line->next;
         token_pop_link_from_chain(line);
-        if (verbatim)
-            strip_code_or_html_line(engine, block, line);
-        else if (line->type == BLOCK_DEFINITION)
-            dissolve_definition(engine, block, line);
-        else if (is_line(line))
-            strip_line(engine->dstr->str, block, line);
-        else
-            token_append_child(block, line);
+        if (verbatim) strip_code_or_html_line(engine, block, line);
+        else if (line->type == BLOCK_DEFINITION) dissolve_definition(engine, block, line);
+        else if (is_line(line)) strip_line(engine->dstr->str, block, line);
+        else token_append_child(block, line);
         line = next;
     }
     if (!verbatim) drop_last_line_end(block);
@@ -162,27 +153,22 @@ void strip_all(mmd_engine *engine, token *block)
 void strip_definition_list(mmd_engine *engine, token *block)
 {
     for (token *t = block->child; t; t = t->next) {
-        if (t->type == LINE_EMPTY)
-            t->type = TEXT_EMPTY;
-        else if (t->type == BLOCK_DEFINITION)
-            strip_line_tokens_from_block(engine, t);
+        if (t->type == LINE_EMPTY) t->type = TEXT_EMPTY;
+        else if (t->type == BLOCK_DEFINITION) strip_line_tokens_from_block(engine, t);
     }
 }
 
 void strip_table(mmd_engine *engine, token *block)
 {
     for (token *t = block->child; t; t = t->next) {
-        if (t->type == LINE_EMPTY)
-            t->type = TEXT_EMPTY;
-        else
-            strip_line_tokens_from_block(engine, t);
+        if (t->type == LINE_EMPTY) t->type = TEXT_EMPTY;
+        else strip_line_tokens_from_block(engine, t);
     }
 }
 
 void remove_trailing_empty_lines(token *block)
 {
-    while (block->child && block->child->tail->type == LINE_EMPTY)
-        token_remove_last_child(block);
+    while (block->child && block->child->tail->type == LINE_EMPTY) token_remove_last_child(block);
 }
 
 } // namespace
@@ -195,15 +181,9 @@ void drop_last_line_end(token *parent)
 void strip_line_tokens_from_block(mmd_engine *engine, token *block)
 {
     switch (block->type) {
-    case BLOCK_DEFLIST:
-        strip_definition_list(engine, block);
-        break;
-    case BLOCK_META:
-        strip_line_tokens_from_metadata(engine, block);
-        break;
-    case BLOCK_TABLE:
-        strip_table(engine, block);
-        break;
+    case BLOCK_DEFLIST: strip_definition_list(engine, block); break;
+    case BLOCK_META: strip_line_tokens_from_metadata(engine, block); break;
+    case BLOCK_TABLE: strip_table(engine, block); break;
     case BLOCK_EMPTY: // nobody looks into these
     case BLOCK_HR:
         token_tree_free(block->child);
@@ -213,8 +193,7 @@ void strip_line_tokens_from_block(mmd_engine *engine, token *block)
         remove_trailing_empty_lines(block);
         strip_all(engine, block);
         break;
-    default:
-        strip_all(engine, block);
+    default: strip_all(engine, block);
     }
 }
 

@@ -20,10 +20,8 @@ bool is_searched(const token *t)
     case PAIR_QUOTE_SINGLE:
     case PAIR_QUOTE_DOUBLE:
     case PAIR_EMPH:
-    case PAIR_STRONG:
-        return true;
-    default:
-        return false;
+    case PAIR_STRONG: return true;
+    default: return false;
     }
 }
 
@@ -46,10 +44,8 @@ void search_chain(const trie *terms, const char *source, token *head, int depth)
 {
     if (depth >= kMaxDepth) return;
     for (token *t = head; t; t = t->next) {
-        if (t->type == TEXT_PLAIN)
-            t = search_text(terms, source, t);
-        else if (t->child && is_searched(t))
-            search_chain(terms, source, t->child, depth + 1);
+        if (t->type == TEXT_PLAIN) t = search_text(terms, source, t);
+        else if (t->child && is_searched(t)) search_chain(terms, source, t->child, depth + 1);
         if (!t->next) head->tail = t;
     }
 }
@@ -63,8 +59,7 @@ void search_terms(mmd_engine *engine, const scratch_pad &scratch)
     if (scratch.is_compatible() || !engine->root || abbreviations->size + glossary->size == 0) return;
     trie *terms = trie_new(0);
     for (size_t i = 0; i < abbreviations->size; ++i)
-        trie_insert(terms,
-                    static_cast<const footnote *>(stack_peek_index(abbreviations, i))->label_text.c_str(),
+        trie_insert(terms, static_cast<const footnote *>(stack_peek_index(abbreviations, i))->label_text.c_str(),
                     PAIR_BRACKET_ABBREVIATION);
     for (size_t i = 0; i < glossary->size; ++i)
         trie_insert(terms, static_cast<const footnote *>(stack_peek_index(glossary, i))->clean_text.c_str(),

@@ -39,8 +39,7 @@ void token_remove_last_child(token *parent)
     if (gone->prev) {
         gone->prev->next = nullptr;
         parent->child->tail = gone->prev;
-    } else
-        parent->child = nullptr;
+    } else parent->child = nullptr;
     token_tree_free(gone);
 }
 
@@ -55,8 +54,7 @@ void token_pop_link_from_chain(token *t)
 
 static token *chain_head(token *t)
 {
-    while (t->prev)
-        t = t->prev;
+    while (t->prev) t = t->prev;
     return t;
 }
 
@@ -66,10 +64,8 @@ void tokens_prune(token *first, token *last)
     token *before = first->prev;
     token *behind = last->next;
     if (before) before->next = behind;
-    if (behind)
-        behind->prev = before;
-    else if (before)
-        chain_head(before)->tail = before;
+    if (behind) behind->prev = before;
+    else if (before) chain_head(before)->tail = before;
     last->next = nullptr;
     token_tree_free(first);
 }
@@ -94,8 +90,7 @@ void token_prune_graft(token *first, token *last, uint16_t container_type)
         first->mate = nullptr;
         copy->mate->mate = copy;
     }
-    if (behind)
-        behind->prev = first;
+    if (behind) behind->prev = first;
     else {
         first->tail = first;
         chain_head(first)->tail = first;
@@ -189,8 +184,7 @@ token *token_chain_accept_multiple(token **cursor, int count, ...)
 
 void token_skip_until_type(token **cursor, uint16_t type)
 {
-    while (*cursor && (*cursor)->type != type)
-        *cursor = (*cursor)->next;
+    while (*cursor && (*cursor)->type != type) *cursor = (*cursor)->next;
 }
 
 void token_skip_until_type_multiple(token **cursor, int count, ...)
@@ -210,13 +204,11 @@ static void describe(const token *t, const char *source, int depth)
     for (; t; t = t->next) {
         const auto start = static_cast<unsigned long>(t->start);
         const auto len = static_cast<unsigned long>(t->len);
-        for (int i = 0; i < depth; ++i)
-            std::fputc('\t', stderr);
+        for (int i = 0; i < depth; ++i) std::fputc('\t', stderr);
         if (source)
             std::fprintf(stderr, "* (%d) %lu:%lu\t'%.*s'\n", t->type, start, len, static_cast<int>(t->len),
                          source + t->start);
-        else
-            std::fprintf(stderr, "* (%d) %lu:%lu\n", t->type, start, len);
+        else std::fprintf(stderr, "* (%d) %lu:%lu\n", t->type, start, len);
         describe(t->child, source, depth + 1);
     }
 }

@@ -92,10 +92,8 @@ inline void token_chain_append(token *chain, token *appended)
 inline void token_append_child(token *parent, token *appended)
 {
     if (!parent || !appended) return;
-    if (parent->child)
-        token_chain_append(parent->child, appended);
-    else
-        parent->child = appended;
+    if (parent->child) token_chain_append(parent->child, appended);
+    else parent->child = appended;
     parent->len = token_end(appended->tail) - parent->start;
 }
 

@@ -59,10 +59,8 @@ static void add_slab(token_arena *arena)
 
 void token_arena_grow(token_arena *arena)
 {
-    if (arena->newest && arena->chunk_end < arena->slab_end)
-        start_on_chunk(arena, arena->chunk_end);
-    else
-        add_slab(arena);
+    if (arena->newest && arena->chunk_end < arena->slab_end) start_on_chunk(arena, arena->chunk_end);
+    else add_slab(arena);
 }
 
 static token_arena *arena_of(const token *t)

@@ -241,12 +241,32 @@ static_assert(MANUAL_LABEL < kMaxTokenTypes);
 constexpr std::array<bool, kMaxTokenTypes> make_running_text_types()
 {
     std::array<bool, kMaxTokenTypes> table{};
-    for (const int type :
-         {DOC_START_TOKEN, LINE_LIST_BULLETED, LINE_LIST_ENUMERATED, BLOCK_BLOCKQUOTE, BLOCK_DEFLIST, BLOCK_DEFINITION,
-          BLOCK_H1, BLOCK_H2, BLOCK_H3, BLOCK_H4, BLOCK_H5, BLOCK_H6, BLOCK_SETEXT_1, BLOCK_SETEXT_2,
-          BLOCK_LIST_BULLETED, BLOCK_LIST_BULLETED_LOOSE, BLOCK_LIST_ENUMERATED, BLOCK_LIST_ENUMERATED_LOOSE,
-          BLOCK_LIST_ITEM, BLOCK_LIST_ITEM_TIGHT, BLOCK_PARA, BLOCK_TABLE, BLOCK_TABLE_SECTION, BLOCK_TERM, TABLE_ROW,
-          TABLE_CELL})
+    for (const int type : {DOC_START_TOKEN,
+                           LINE_LIST_BULLETED,
+                           LINE_LIST_ENUMERATED,
+                           BLOCK_BLOCKQUOTE,
+                           BLOCK_DEFLIST,
+                           BLOCK_DEFINITION,
+                           BLOCK_H1,
+                           BLOCK_H2,
+                           BLOCK_H3,
+                           BLOCK_H4,
+                           BLOCK_H5,
+                           BLOCK_H6,
+                           BLOCK_SETEXT_1,
+                           BLOCK_SETEXT_2,
+                           BLOCK_LIST_BULLETED,
+                           BLOCK_LIST_BULLETED_LOOSE,
+                           BLOCK_LIST_ENUMERATED,
+                           BLOCK_LIST_ENUMERATED_LOOSE,
+                           BLOCK_LIST_ITEM,
+                           BLOCK_LIST_ITEM_TIGHT,
+                           BLOCK_PARA,
+                           BLOCK_TABLE,
+                           BLOCK_TABLE_SECTION,
+                           BLOCK_TERM,
+                           TABLE_ROW,
+                           TABLE_CELL})
         table[static_cast<size_t>(type)] = true;
     return table;
 }

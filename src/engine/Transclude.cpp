@@ -50,17 +50,13 @@ std::string_view suffix(uint16_t format)
 {
     switch (format) {
     case FORMAT_HTML:
-    case FORMAT_EPUB:
-        return ".html";
+    case FORMAT_EPUB: return ".html";
     case FORMAT_LATEX:
     case FORMAT_BEAMER:
-    case FORMAT_MEMOIR:
-        return ".tex";
+    case FORMAT_MEMOIR: return ".tex";
     case FORMAT_FODT:
-    case FORMAT_ODT:
-        return ".fodt";
-    default:
-        return ".txt";
+    case FORMAT_ODT: return ".fodt";
+    default: return ".txt";
     }
 }
 
@@ -145,8 +141,8 @@ std::string_view marker_name(std::string_view text, size_t at, size_t &behind)
     return reach.substr(0, stop);
 }
 
-std::string transcluded(std::string_view text, size_t from, const std::string &folder, uint16_t format,
-                        stack *parsed, stack *manifest)
+std::string transcluded(std::string_view text, size_t from, const std::string &folder, uint16_t format, stack *parsed,
+                        stack *manifest)
 {
     std::string result(text.substr(0, from));
     size_t done = from;
@@ -172,8 +168,8 @@ std::string transcluded(std::string_view text, size_t from, const std::string &f
 
 } // namespace
 
-void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path,
-                           uint16_t format, stack *parsed, stack *manifest)
+void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path, uint16_t format,
+                           stack *parsed, stack *manifest)
 {
     const std::string_view text(source->str, source->currentStringLength);
     if (text.find("{{") == std::string_view::npos) return;
@@ -195,11 +191,9 @@ d_string *scan_file(const char *path)
     if (!file) return nullptr;
     d_string *text = d_string_new("");
     char block[block_size];
-    while (const size_t count = std::fread(block, 1, sizeof block, file))
-        d_string_append_c_array(text, block, count);
+    while (const size_t count = std::fread(block, 1, sizeof block, file)) d_string_append_c_array(text, block, count);
     std::fclose(file);
-    if (std::string_view(text->str, text->currentStringLength).starts_with("\xEF\xBB\xBF"))
-        d_string_erase(text, 0, 3);
+    if (std::string_view(text->str, text->currentStringLength).starts_with("\xEF\xBB\xBF")) d_string_erase(text, 0, 3);
     return text;
 }
 

@@ -15,8 +15,8 @@ namespace tomelet::engine {
 /// include itself, leaves its marker as it stands. `parsed` holds the files that lead here (null at the top);
 /// the paths of all files read are added to `manifest` (may be null), each once, as texts that the caller
 /// frees with std::free.
-void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path,
-                           uint16_t format, stack *parsed, stack *manifest);
+void mmd_transclude_source(d_string *source, const char *search_path, const char *source_path, uint16_t format,
+                           stack *parsed, stack *manifest);
 
 /// A file's bytes, without a byte order mark; null when it cannot be read.
 [[nodiscard]] d_string *scan_file(const char *path);

@@ -65,8 +65,7 @@ void ac_trie_prepare(trie *t)
             if (child == 0) continue;
             queue.push_back(child);
             uint32_t fail = t->node[state].ac_fail;
-            while (fail != 0 && t->node[fail].child[byte] == 0)
-                fail = t->node[fail].ac_fail;
+            while (fail != 0 && t->node[fail].child[byte] == 0) fail = t->node[fail].ac_fail;
             t->node[child].ac_fail = state == 0 ? 0 : t->node[fail].child[byte];
         }
     }
@@ -86,13 +85,11 @@ match *ac_trie_search(const trie *t, const char *source, size_t start, size_t le
     uint32_t state = 0;
     for (size_t i = start; i < start + len && source[i] != '\0'; ++i) {
         const auto byte = static_cast<unsigned char>(source[i]);
-        while (state != 0 && t->node[state].child[byte] == 0)
-            state = t->node[state].ac_fail;
+        while (state != 0 && t->node[state].child[byte] == 0) state = t->node[state].ac_fail;
         state = t->node[state].child[byte];
         for (uint32_t hit = state; hit != 0; hit = t->node[hit].ac_fail)
             if (t->node[hit].match_type)
-                last =
-                    append_match(last, i + 1 - t->node[hit].len, t->node[hit].len, t->node[hit].match_type);
+                last = append_match(last, i + 1 - t->node[hit].len, t->node[hit].len, t->node[hit].match_type);
     }
     return head;
 }
@@ -112,12 +109,9 @@ match *ac_trie_leftmost_longest(const trie *t, const char *source, size_t start,
     match *kept = head;
     while (match *entry = kept->next) {
         // What was kept and starts at or behind the new entry is shorter or further right.
-        while (kept->len > 0 && kept->start >= entry->start)
-            kept = drop(kept);
-        if (kept->len > 0 && entry->start < kept->start + kept->len)
-            drop(entry);
-        else
-            kept = entry;
+        while (kept->len > 0 && kept->start >= entry->start) kept = drop(kept);
+        if (kept->len > 0 && entry->start < kept->start + kept->len) drop(entry);
+        else kept = entry;
     }
     return head;
 }

@@ -11,8 +11,8 @@ namespace tomelet {
 static QString baseDirectory(const char *variable, const QString &fallbackBelowHome)
 {
     const QString value = qEnvironmentVariable(variable);
-    const QString base = QDir::isAbsolutePath(value) ? QDir::cleanPath(value)
-                                                     : homeDirectory() + u'/' + fallbackBelowHome;
+    const QString base =
+        QDir::isAbsolutePath(value) ? QDir::cleanPath(value) : homeDirectory() + u'/' + fallbackBelowHome;
     return base + u'/' + bundleIdentifier;
 }
 

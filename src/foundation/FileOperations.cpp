@@ -26,8 +26,10 @@ FileResult failure(const QString &what, const QString &path, int code)
 // Also true on file systems that fold case, where a name stands at its own other spelling.
 bool isSameItem(const QByteArray &a, const QByteArray &b)
 {
-    struct stat first{};
-    struct stat second{};
+    struct stat first
+    {};
+    struct stat second
+    {};
     return ::lstat(a.constData(), &first) == 0 && ::lstat(b.constData(), &second) == 0 &&
            first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
@@ -39,7 +41,8 @@ int renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
     if (code == EEXIST && isSameItem(from, to)) return ::rename(from.constData(), to.constData()) == 0 ? 0 : errno;
     if (code != EINVAL && code != ENOSYS) return code;
     // File systems without the flag: ask first. Nothing better is to be had there.
-    struct stat status{};
+    struct stat status
+    {};
     if (::lstat(to.constData(), &status) == 0 && !isSameItem(from, to)) return EEXIST;
     return ::rename(from.constData(), to.constData()) == 0 ? 0 : errno;
 }
@@ -47,7 +50,9 @@ int renameWithoutReplacing(const QByteArray &from, const QByteArray &to)
 class Descriptor
 {
 public:
-    explicit Descriptor(int number) : m_number(number) {}
+    explicit Descriptor(int number)
+        : m_number(number)
+    {}
     ~Descriptor()
     {
         if (m_number >= 0) ::close(m_number);
@@ -117,7 +122,8 @@ int copyFolder(const QByteArray &from, const QByteArray &to, const struct stat &
 
 int copyAny(const QByteArray &from, const QByteArray &to)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (::lstat(from.constData(), &status) != 0) return errno;
     if (S_ISDIR(status.st_mode)) return copyFolder(from, to, status);
     if (S_ISLNK(status.st_mode)) return copyLink(from, to);
@@ -142,8 +148,8 @@ FileResult copyItem(const QString &from, const QString &to)
 {
     if (itemExists(to)) return failure(QStringLiteral("could not be copied"), from, EEXIST);
     if (to.startsWith(from + u'/')) return failure(QStringLiteral("could not be copied"), from, EINVAL);
-    const QString hidden = parentPath(to) + QStringLiteral("/.tomelet-copy-%1-%2")
-                                                .arg(::getpid()).arg(qHash(to), 0, 36);
+    const QString hidden =
+        parentPath(to) + QStringLiteral("/.tomelet-copy-%1-%2").arg(::getpid()).arg(qHash(to), 0, 36);
     int code = copyAny(QFile::encodeName(from), QFile::encodeName(hidden));
     if (code == 0) code = renameWithoutReplacing(QFile::encodeName(hidden), QFile::encodeName(to));
     if (code == 0) return {true, {}};
@@ -154,7 +160,8 @@ FileResult copyItem(const QString &from, const QString &to)
 FileResult removeItem(const QString &path)
 {
     const QByteArray name = QFile::encodeName(path);
-    struct stat status{};
+    struct stat status
+    {};
     if (::lstat(name.constData(), &status) != 0) return failure(QStringLiteral("could not be removed"), path, errno);
     const bool ok = S_ISDIR(status.st_mode) ? QDir(path).removeRecursively() : ::unlink(name.constData()) == 0;
     if (!ok) return failure(QStringLiteral("could not be removed"), path, errno);

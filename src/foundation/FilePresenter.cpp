@@ -18,8 +18,7 @@ constexpr int reportsPerTurn = 200;
 std::string systemPath(const QString &path)
 {
     QString clean = path;
-    while (clean.size() > 1 && clean.endsWith(u'/'))
-        clean.chop(1);
+    while (clean.size() > 1 && clean.endsWith(u'/')) clean.chop(1);
     return QFile::encodeName(clean).toStdString();
 }
 
@@ -51,8 +50,7 @@ public:
         const quint64 ticket = ++m_lastTicket;
         m_watcher.settle(ticket);
         const QPointer<InotifyPresenter> alive(this);
-        while (alive && m_settledTicket < ticket)
-            deliver(m_queue.wait());
+        while (alive && m_settledTicket < ticket) deliver(m_queue.wait());
     }
 
 private:
@@ -79,9 +77,7 @@ private:
     {
         const std::shared_ptr<const FileEvents> events = m_events;
         switch (report.kind) {
-        case FileReport::Settled:
-            m_settledTicket = std::max(m_settledTicket, report.settleTicket);
-            break;
+        case FileReport::Settled: m_settledTicket = std::max(m_settledTicket, report.settleTicket); break;
         case FileReport::Changed:
             if (events->didChange) events->didChange(pathFromSystem(report.path));
             break;

@@ -26,8 +26,7 @@ quint64 FileReportOutbox::moveBegan(const std::string &from)
     return m_firstNumber + m_entries.size() - 1;
 }
 
-void FileReportOutbox::moveEnded(quint64 number, const std::string &from, const std::string &to,
-                                 bool isFolder)
+void FileReportOutbox::moveEnded(quint64 number, const std::string &from, const std::string &to, bool isFolder)
 {
     const auto due = isFolder ? Clock::time_point() : Clock::now() + patienceForSaving;
     entry(number) = {{FileReport::Moved, from, to, 0}, due};

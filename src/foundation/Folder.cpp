@@ -15,7 +15,8 @@ static FolderEntry entryFrom(int folder, const dirent &raw)
 {
     FolderEntry entry{QFile::decodeName(raw.d_name), raw.d_type == DT_DIR, true};
     if (raw.d_type != DT_LNK && raw.d_type != DT_UNKNOWN) return entry;
-    struct stat status{};
+    struct stat status
+    {};
     entry.exists = ::fstatat(folder, raw.d_name, &status, 0) == 0;
     entry.isFolder = entry.exists && S_ISDIR(status.st_mode);
     return entry;
@@ -53,13 +54,15 @@ QStringList namesInFolder(const QString &path)
 
 bool isFolder(const QString &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     return !path.isEmpty() && ::stat(QFile::encodeName(path).constData(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool itemExists(const QString &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     return !path.isEmpty() && ::lstat(QFile::encodeName(path).constData(), &status) == 0;
 }
 

@@ -85,8 +85,8 @@ void FolderWatcher::scan(const Scan &scan)
     if (errno == 0 && looksForMissing) forgetMissing(scan.folder, path, seen);
 }
 
-void FolderWatcher::found(const Scan &scan, int directory, const std::string &folderPath,
-                          const std::string &name, bool isFolder)
+void FolderWatcher::found(const Scan &scan, int directory, const std::string &folderPath, const std::string &name,
+                          bool isFolder)
 {
     auto item = scan.folder->items.find(name);
     if (item != scan.folder->items.end() && bool(item->second.folder) != isFolder) {
@@ -119,8 +119,7 @@ void FolderWatcher::forget(WatchedItem item)
 {
     if (!item.folder) return;
     const auto liesIn = [&item](const WatchedFolder *folder) {
-        while (folder && folder != item.folder.get())
-            folder = folder->parent;
+        while (folder && folder != item.folder.get()) folder = folder->parent;
         return folder != nullptr;
     };
     std::erase_if(m_toScan, [&](const Scan &scan) { return liesIn(scan.folder); });

@@ -121,10 +121,8 @@ void FolderWatcher::begin(const Request &request)
     m_lastEmpty = fileClockNow();
     m_folders.emplace(request.folder);
     if (!m_folders->isOpen()) return m_folders.reset();
-    if (m_folders->isRootInPlace())
-        plan(m_folders->root(), m_lastEmpty, true);
-    else
-        vanished();
+    if (m_folders->isRootInPlace()) plan(m_folders->root(), m_lastEmpty, true);
+    else vanished();
 }
 
 void FolderWatcher::waitForWork()
@@ -146,15 +144,13 @@ void FolderWatcher::waitForWork()
 void FolderWatcher::answerSettle()
 {
     if (!m_toScan.empty() || m_outbox.due() || (m_folders && !m_isDrained)) return;
-    for (const quint64 ticket : m_tickets)
-        m_queue.push({FileReport::Settled, {}, {}, ticket}, m_generation);
+    for (const quint64 ticket : m_tickets) m_queue.push({FileReport::Settled, {}, {}, ticket}, m_generation);
     m_tickets.clear();
 }
 
 void FolderWatcher::flush()
 {
-    while (auto report = m_outbox.take())
-        m_queue.push(std::move(*report), m_generation);
+    while (auto report = m_outbox.take()) m_queue.push(std::move(*report), m_generation);
 }
 
 // One portion of events. False when there was none.
@@ -185,26 +181,19 @@ void FolderWatcher::handle(const inotify_event &event)
     if (!folder || event.len == 0) return;
     const std::string name(event.name);
     const bool isFolder = event.mask & IN_ISDIR;
-    if (event.mask & IN_CREATE)
-        made(folder, name, isFolder);
-    else if (event.mask & IN_MOVED_FROM)
-        departed(folder, name, event.cookie);
-    else if (event.mask & IN_MOVED_TO)
-        arrived(folder, name, event.cookie, isFolder);
-    else if (event.mask & IN_DELETE)
-        gone(folder, name);
-    else
-        touched(folder, name, isFolder);
+    if (event.mask & IN_CREATE) made(folder, name, isFolder);
+    else if (event.mask & IN_MOVED_FROM) departed(folder, name, event.cookie);
+    else if (event.mask & IN_MOVED_TO) arrived(folder, name, event.cookie, isFolder);
+    else if (event.mask & IN_DELETE) gone(folder, name);
+    else touched(folder, name, isFolder);
 }
 
 void FolderWatcher::handleFolderItself(WatchedFolder *folder, uint32_t mask)
 {
     if (mask & IN_IGNORED) m_folders->watchEnded(folder);
     if (!folder->parent) {
-        if (mask & IN_MOVE_SELF)
-            checkRoot();
-        else
-            vanished();
+        if (mask & IN_MOVE_SELF) checkRoot();
+        else vanished();
     } else if (mask & IN_UNMOUNT) {
         plan(folder, m_lastEmpty, false);
     }
@@ -258,8 +247,7 @@ void FolderWatcher::moved(Departure departure, WatchedFolder *folder, const std:
     m_outbox.moveEnded(departure.report, departure.from, to, isFolder);
     const bool isYoung = departure.item.madeAt + youth > FileReportOutbox::Clock::now();
     if (isYoung && !isFolder) m_outbox.changed(to);
-    if (isFolder == bool(departure.item.folder))
-        return m_folders->attach(folder, name, std::move(departure.item));
+    if (isFolder == bool(departure.item.folder)) return m_folders->attach(folder, name, std::move(departure.item));
     // The walk had not yet come to the old place.
     WatchedItem &item = m_folders->add(folder, name, isFolder);
     if (isFolder) plan(item.folder.get(), fileClockNow(), true);

@@ -81,10 +81,8 @@ private:
     void plan(WatchedFolder *folder, timespec since, bool isFirstWalk);
     void scanNext();
     void scan(const Scan &scan);
-    void found(const Scan &scan, int directory, const std::string &folderPath, const std::string &name,
-               bool isFolder);
-    void forgetMissing(WatchedFolder *folder, const std::string &folderPath,
-                       const std::vector<std::string> &seen);
+    void found(const Scan &scan, int directory, const std::string &folderPath, const std::string &name, bool isFolder);
+    void forgetMissing(WatchedFolder *folder, const std::string &folderPath, const std::vector<std::string> &seen);
     void forget(WatchedItem item);
 
     FileReportQueue &m_queue;

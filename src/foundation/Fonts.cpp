@@ -25,8 +25,8 @@ bool anyFontWith(const char *property, const QByteArray &value)
 bool fontIsInstalled(const QString &name)
 {
     const QByteArray value = name.toUtf8();
-    return !name.isEmpty() && (anyFontWith(FC_FAMILY, value) || anyFontWith(FC_FULLNAME, value) ||
-                               anyFontWith(FC_POSTSCRIPT_NAME, value));
+    return !name.isEmpty() &&
+           (anyFontWith(FC_FAMILY, value) || anyFontWith(FC_FULLNAME, value) || anyFontWith(FC_POSTSCRIPT_NAME, value));
 }
 
 QString systemFontFace()

@@ -16,8 +16,7 @@ static char32_t characterOf(QStringView name)
         return valid ? code : 0;
     }
     if (name == u"apos") return U'\'';
-    const htmlEntityDesc *entity =
-        htmlEntityLookup(reinterpret_cast<const xmlChar *>(name.toUtf8().constData()));
+    const htmlEntityDesc *entity = htmlEntityLookup(reinterpret_cast<const xmlChar *>(name.toUtf8().constData()));
     return entity ? entity->value : 0;
 }
 

@@ -35,8 +35,7 @@ void openDiagnosticLog(const QString &path)
 {
     const std::lock_guard lock(logMutex);
     if (logDescriptor >= 0) ::close(logDescriptor);
-    logDescriptor = path.isEmpty() ? -1
-                                   : ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
+    logDescriptor = path.isEmpty() ? -1 : ::open(QFile::encodeName(path).constData(), O_WRONLY | O_APPEND | O_CLOEXEC);
 }
 
 bool diagnosticLogIsOpen()

@@ -46,8 +46,14 @@ void setPlatform(std::unique_ptr<Platform> replacement);
 [[nodiscard]] std::unique_ptr<Platform> makePlatform();
 
 /// Shorthands for what nearly every operation needs.
-[[nodiscard]] inline Settings &settings() { return *platform().settings; }
-[[nodiscard]] inline NotificationCenter &notifications() { return platform().notifications; }
+[[nodiscard]] inline Settings &settings()
+{
+    return *platform().settings;
+}
+[[nodiscard]] inline NotificationCenter &notifications()
+{
+    return platform().notifications;
+}
 /// Asks by platform().ask; the last button's index when nobody can be asked.
 [[nodiscard]] int askQuestion(const Question &question);
 /// Finishes delayed calls and queued work, in turns, until there is none of either.

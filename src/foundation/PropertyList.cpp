@@ -42,14 +42,12 @@ bool isDateInRange(double milliseconds)
 QByteArray textOfDate(qint64 milliseconds)
 {
     using namespace std::chrono;
-    const auto second =
-        floor<seconds>(sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(milliseconds)));
+    const auto second = floor<seconds>(sys_time<std::chrono::milliseconds>(std::chrono::milliseconds(milliseconds)));
     const auto day = floor<days>(second);
     const year_month_day date(day);
     const hh_mm_ss time(second - day);
-    return QByteArray(QString::asprintf("%04d-%02u-%02uT%02d:%02d:%02dZ", int(date.year()),
-                                        unsigned(date.month()), unsigned(date.day()),
-                                        int(time.hours().count()), int(time.minutes().count()),
+    return QByteArray(QString::asprintf("%04d-%02u-%02uT%02d:%02d:%02dZ", int(date.year()), unsigned(date.month()),
+                                        unsigned(date.day()), int(time.hours().count()), int(time.minutes().count()),
                                         int(time.seconds().count()))
                           .toLatin1());
 }
@@ -74,31 +72,23 @@ std::optional<qint64> dateOfText(QStringView text)
 Kind kindOf(const QVariant &value)
 {
     switch (value.typeId()) {
-    case QMetaType::Bool:
-        return Kind::Boolean;
+    case QMetaType::Bool: return Kind::Boolean;
     case QMetaType::Int:
     case QMetaType::UInt:
     case QMetaType::Long:
-    case QMetaType::LongLong:
-        return Kind::Integer;
+    case QMetaType::LongLong: return Kind::Integer;
     case QMetaType::Float:
-    case QMetaType::Double:
-        return Kind::Real;
-    case QMetaType::QString:
-        return Kind::Text;
-    case QMetaType::QByteArray:
-        return Kind::Data;
+    case QMetaType::Double: return Kind::Real;
+    case QMetaType::QString: return Kind::Text;
+    case QMetaType::QByteArray: return Kind::Data;
     case QMetaType::QStringList:
-    case QMetaType::QVariantList:
-        return Kind::Array;
-    case QMetaType::QVariantMap:
-        return Kind::Dictionary;
+    case QMetaType::QVariantList: return Kind::Array;
+    case QMetaType::QVariantMap: return Kind::Dictionary;
     case QMetaType::QDateTime: {
         const QDateTime date = value.toDateTime();
         return date.isValid() && isDateInRange(double(date.toMSecsSinceEpoch())) ? Kind::Date : Kind::None;
     }
-    default:
-        return Kind::None;
+    default: return Kind::None;
     }
 }
 
@@ -107,8 +97,8 @@ Kind kindOf(const QVariant &value)
 std::optional<QVariant> parsePropertyList(QByteArrayView bytes, QString *error)
 {
     QString reason;
-    const QVariant tree = bytes.startsWith("bplist") ? propertylist::parseBinary(bytes, reason)
-                                                     : propertylist::parseXml(bytes, reason);
+    const QVariant tree =
+        bytes.startsWith("bplist") ? propertylist::parseBinary(bytes, reason) : propertylist::parseXml(bytes, reason);
     if (error) *error = reason;
     if (!tree.isValid()) return {};
     return tree;

@@ -43,8 +43,7 @@ public:
         const quint64 table = number(trailer + 24, 8);
         if (m_offsetSize < 1 || m_offsetSize > 8 || m_referenceSize < 1 || m_referenceSize > 8)
             return failed("sizes of the trailer are out of range");
-        if (table < headerSize || table > quint64(trailer) ||
-            m_count > (quint64(trailer) - table) / m_offsetSize)
+        if (table < headerSize || table > quint64(trailer) || m_count > (quint64(trailer) - table) / m_offsetSize)
             return failed("the table of offsets lies outside the file");
         m_table = qsizetype(table);
         // A tree has no more members than bytes to name them with: more are the same containers again and
@@ -60,18 +59,14 @@ private:
     QVariant failed(const char *what)
     {
         if (m_error.isEmpty())
-            m_error = QStringLiteral("object %1 at byte %2: %3")
-                          .arg(m_object)
-                          .arg(m_at)
-                          .arg(QLatin1StringView(what));
+            m_error = QStringLiteral("object %1 at byte %2: %3").arg(m_object).arg(m_at).arg(QLatin1StringView(what));
         return {};
     }
 
     quint64 number(qsizetype at, int size) const
     {
         quint64 result = 0;
-        for (int i = 0; i < size; ++i)
-            result = result << 8 | quint8(m_bytes[at + i]);
+        for (int i = 0; i < size; ++i) result = result << 8 | quint8(m_bytes[at + i]);
         return result;
     }
 
@@ -83,8 +78,7 @@ private:
         m_object = index;
         if (index >= m_count) return failed("no such object");
         const quint64 offset = number(m_table + qsizetype(index) * m_offsetSize, m_offsetSize);
-        if (offset < headerSize || offset >= quint64(m_table))
-            return failed("the offset lies outside the file");
+        if (offset < headerSize || offset >= quint64(m_table)) return failed("the offset lies outside the file");
         m_at = qsizetype(offset);
         if (--m_nodesLeft < 0) return failed("containers are shared too often");
         const quint8 first = quint8(m_bytes[m_at]);
@@ -97,31 +91,22 @@ private:
         case SimpleMarker:
             if (detail == 8 || detail == 9) return detail == 9;
             return failed("unknown value");
-        case IntegerMarker:
-            return integer(at, detail);
-        case RealMarker:
-            return real(at, detail);
-        case DateMarker:
-            return detail == 3 ? date(at) : failed("unknown form of date");
-        case UidMarker:
-            return uid(at, detail + 1);
-        default:
-            break;
+        case IntegerMarker: return integer(at, detail);
+        case RealMarker: return real(at, detail);
+        case DateMarker: return detail == 3 ? date(at) : failed("unknown form of date");
+        case UidMarker: return uid(at, detail + 1);
+        default: break;
         }
         quint64 size = quint64(detail);
         if (detail == 0xF && !extendedSize(at, size)) return failed("the size is no integer");
         switch (marker) {
         case DataMarker:
         case AsciiMarker:
-        case Utf16Marker:
-            return payload(marker, at, size, index);
+        case Utf16Marker: return payload(marker, at, size, index);
         case ArrayMarker:
-        case SetMarker:
-            return array(at, size, depth);
-        case DictionaryMarker:
-            return dictionary(at, size, depth);
-        default:
-            return failed("unknown kind of object");
+        case SetMarker: return array(at, size, depth);
+        case DictionaryMarker: return dictionary(at, size, depth);
+        default: return failed("unknown kind of object");
         }
     }
 
@@ -149,8 +134,7 @@ private:
 
     QVariant real(qsizetype at, int power)
     {
-        if ((power != 2 && power != 3) || !holds(at, 1U << power))
-            return failed("a real is cut off or too long");
+        if ((power != 2 && power != 3) || !holds(at, 1U << power)) return failed("a real is cut off or too long");
         if (power == 2) return double(std::bit_cast<float>(quint32(number(at, 4))));
         return std::bit_cast<double>(number(at, 8));
     }
@@ -190,10 +174,7 @@ private:
         return text;
     }
 
-    quint64 reference(qsizetype list, qsizetype i) const
-    {
-        return number(list + i * m_referenceSize, m_referenceSize);
-    }
+    quint64 reference(qsizetype list, qsizetype i) const { return number(list + i * m_referenceSize, m_referenceSize); }
 
     bool holdsReferences(qsizetype at, quint64 count) const
     {
@@ -213,8 +194,7 @@ private:
     QVariant dictionary(qsizetype at, quint64 size, int depth)
     {
         if (depth > deepestNesting) return failed("nested too deep");
-        if (size > quint64(m_bytes.size()) || !holdsReferences(at, size * 2))
-            return failed("a dictionary is cut off");
+        if (size > quint64(m_bytes.size()) || !holdsReferences(at, size * 2)) return failed("a dictionary is cut off");
         QVariantMap map;
         for (qsizetype i = 0; i < qsizetype(size) && m_error.isEmpty(); ++i) {
             const QVariant key = object(reference(at, i), deepestNesting + 1);

@@ -22,8 +22,7 @@ using namespace propertylist;
 QByteArray bigEndian(quint64 number, int size)
 {
     QByteArray bytes(size, '\0');
-    for (int i = size - 1; i >= 0; --i, number >>= 8)
-        bytes[i] = char(number & 0xFF);
+    for (int i = size - 1; i >= 0; --i, number >>= 8) bytes[i] = char(number & 0xFF);
     return bytes;
 }
 
@@ -59,20 +58,15 @@ QByteArray textObject(const QString &text)
 QByteArray scalarObject(const QVariant &value)
 {
     switch (kindOf(value)) {
-    case Kind::Boolean:
-        return QByteArray(1, value.toBool() ? '\x09' : '\x08');
-    case Kind::Integer:
-        return integerObject(value.toLongLong());
-    case Kind::Real:
-        return char(RealMarker << 4 | 3) + bigEndian(std::bit_cast<quint64>(value.toDouble()), 8);
-    case Kind::Data:
-        return sizedMarker(DataMarker, value.toByteArray().size()) + value.toByteArray();
+    case Kind::Boolean: return QByteArray(1, value.toBool() ? '\x09' : '\x08');
+    case Kind::Integer: return integerObject(value.toLongLong());
+    case Kind::Real: return char(RealMarker << 4 | 3) + bigEndian(std::bit_cast<quint64>(value.toDouble()), 8);
+    case Kind::Data: return sizedMarker(DataMarker, value.toByteArray().size()) + value.toByteArray();
     case Kind::Date: {
         const double seconds = double(value.toDateTime().toMSecsSinceEpoch()) / 1000 - secondsTo2001;
         return char(DateMarker << 4 | 3) + bigEndian(std::bit_cast<quint64>(seconds), 8);
     }
-    default:
-        return textObject(value.toString());
+    default: return textObject(value.toString());
     }
 }
 
@@ -89,13 +83,11 @@ public:
         for (const Object &object : m_objects) {
             offsets.push_back(out.size());
             out += object.bytes;
-            for (const quint64 member : object.members)
-                out += bigEndian(member, referenceSize);
+            for (const quint64 member : object.members) out += bigEndian(member, referenceSize);
         }
         const qsizetype table = out.size();
         const int offsetSize = 1 << powerFor(quint64(table));
-        for (const qsizetype offset : offsets)
-            out += bigEndian(quint64(offset), offsetSize);
+        for (const qsizetype offset : offsets) out += bigEndian(quint64(offset), offsetSize);
         out += QByteArray(6, '\0') + char(offsetSize) + char(referenceSize);
         return out + bigEndian(m_objects.size(), 8) + bigEndian(0, 8) + bigEndian(quint64(table), 8);
     }
@@ -125,8 +117,7 @@ private:
         const quint64 index = m_objects.size();
         m_objects.push_back({sizedMarker(marker, size), {}});
         std::vector<quint64> references;
-        for (const QVariant &member : members)
-            references.push_back(add(member));
+        for (const QVariant &member : members) references.push_back(add(member));
         m_objects[index].members = std::move(references);
         return index;
     }
@@ -141,8 +132,7 @@ private:
     {
         map.removeIf([](const auto &entry) { return kindOf(entry.value()) == Kind::None; });
         QVariantList members;
-        for (const QString &key : map.keys())
-            members.append(key);
+        for (const QString &key : map.keys()) members.append(key);
         members += map.values();
         return addContainer(DictionaryMarker, members, map.size());
     }

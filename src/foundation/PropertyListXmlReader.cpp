@@ -44,12 +44,9 @@ bool isHarmless(QStringView text)
     qsizetype at = 0;
     while ((at = text.indexOf(u'<', at)) >= 0) {
         const QStringView rest = text.sliced(at);
-        if (rest.startsWith(u"<?"))
-            at = behind(text, u"?>", at);
-        else if (rest.startsWith(u"<!--"))
-            at = behind(text, u"-->", at + 4);
-        else if (rest.startsWith(u"<![CDATA["))
-            at = behind(text, u"]]>", at);
+        if (rest.startsWith(u"<?")) at = behind(text, u"?>", at);
+        else if (rest.startsWith(u"<!--")) at = behind(text, u"-->", at + 4);
+        else if (rest.startsWith(u"<![CDATA[")) at = behind(text, u"]]>", at);
         else {
             const QStringView tag = rest.first(behindTag(text, at) - at);
             if (tag.size() > longestTag || (tag.startsWith(u"<!DOCTYPE") && tag.contains(u'['))) return false;
@@ -68,8 +65,7 @@ QString decoded(QByteArrayView bytes, QString &error)
     if (endOfDeclaration > 0 && head.first(endOfDeclaration).toByteArray().toLower().contains("iso-8859-1"))
         decoder = QStringDecoder(QStringConverter::Latin1);
     QString text = decoder(bytes);
-    if (decoder.hasError())
-        error = QStringLiteral("the text is not valid %1").arg(QLatin1StringView(decoder.name()));
+    if (decoder.hasError()) error = QStringLiteral("the text is not valid %1").arg(QLatin1StringView(decoder.name()));
     return text;
 }
 
@@ -111,19 +107,14 @@ private:
     {
         while (!m_xml.hasError()) {
             switch (m_xml.readNext()) {
-            case QXmlStreamReader::StartElement:
-                return true;
+            case QXmlStreamReader::StartElement: return true;
             case QXmlStreamReader::EndElement:
-            case QXmlStreamReader::EndDocument:
-                return false;
-            case QXmlStreamReader::EntityReference:
-                failed(QStringLiteral("unknown entity"));
-                break;
+            case QXmlStreamReader::EndDocument: return false;
+            case QXmlStreamReader::EntityReference: failed(QStringLiteral("unknown entity")); break;
             case QXmlStreamReader::Characters:
                 if (!m_xml.isWhitespace()) failed(QStringLiteral("text between elements"));
                 break;
-            default:
-                break;
+            default: break;
             }
         }
         return false;
@@ -135,17 +126,11 @@ private:
         QString result;
         while (!m_xml.hasError()) {
             switch (m_xml.readNext()) {
-            case QXmlStreamReader::Characters:
-                result += m_xml.text();
-                break;
-            case QXmlStreamReader::EndElement:
-                return result;
+            case QXmlStreamReader::Characters: result += m_xml.text(); break;
+            case QXmlStreamReader::EndElement: return result;
             case QXmlStreamReader::Comment:
-            case QXmlStreamReader::ProcessingInstruction:
-                break;
-            default:
-                failed(QStringLiteral("text expected"));
-                break;
+            case QXmlStreamReader::ProcessingInstruction: break;
+            default: failed(QStringLiteral("text expected")); break;
             }
         }
         return {};
@@ -182,8 +167,7 @@ private:
     {
         QVariantList list;
         if (depth > deepestNesting) return failed(QStringLiteral("nested too deep"));
-        while (nextElement())
-            list.append(value(depth + 1));
+        while (nextElement()) list.append(value(depth + 1));
         return list;
     }
 
@@ -233,8 +217,7 @@ private:
     {
         QByteArray encoded = text().toLatin1();
         encoded.removeIf([](char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; });
-        const auto result =
-            QByteArray::fromBase64Encoding(std::move(encoded), QByteArray::AbortOnBase64DecodingErrors);
+        const auto result = QByteArray::fromBase64Encoding(std::move(encoded), QByteArray::AbortOnBase64DecodingErrors);
         return result ? QVariant(result.decoded) : failed(QStringLiteral("not Base64"));
     }
 

@@ -35,32 +35,15 @@ private:
     void value(const QVariant &value, int depth)
     {
         switch (kindOf(value)) {
-        case Kind::None:
-            break;
-        case Kind::Boolean:
-            line(depth, value.toBool() ? "<true/>" : "<false/>");
-            break;
-        case Kind::Integer:
-            line(depth, "<integer>" + QByteArray::number(value.toLongLong()) + "</integer>");
-            break;
-        case Kind::Real:
-            line(depth, "<real>" + real(value.toDouble()) + "</real>");
-            break;
-        case Kind::Date:
-            line(depth, "<date>" + textOfDate(value.toDateTime().toMSecsSinceEpoch()) + "</date>");
-            break;
-        case Kind::Text:
-            line(depth, "<string>" + escaped(value.toString()) + "</string>");
-            break;
-        case Kind::Data:
-            data(value.toByteArray(), depth);
-            break;
-        case Kind::Array:
-            array(value.toList(), depth);
-            break;
-        case Kind::Dictionary:
-            dictionary(value.toMap(), depth);
-            break;
+        case Kind::None: break;
+        case Kind::Boolean: line(depth, value.toBool() ? "<true/>" : "<false/>"); break;
+        case Kind::Integer: line(depth, "<integer>" + QByteArray::number(value.toLongLong()) + "</integer>"); break;
+        case Kind::Real: line(depth, "<real>" + real(value.toDouble()) + "</real>"); break;
+        case Kind::Date: line(depth, "<date>" + textOfDate(value.toDateTime().toMSecsSinceEpoch()) + "</date>"); break;
+        case Kind::Text: line(depth, "<string>" + escaped(value.toString()) + "</string>"); break;
+        case Kind::Data: data(value.toByteArray(), depth); break;
+        case Kind::Array: array(value.toList(), depth); break;
+        case Kind::Dictionary: dictionary(value.toMap(), depth); break;
         }
     }
 
@@ -68,8 +51,7 @@ private:
     {
         if (list.isEmpty()) return line(depth, "<array/>");
         line(depth, "<array>");
-        for (const QVariant &entry : list)
-            value(entry, depth + 1);
+        for (const QVariant &entry : list) value(entry, depth + 1);
         line(depth, "</array>");
     }
 
@@ -93,8 +75,7 @@ private:
         const qsizetype width = 76 - 8 * tabs;
         const QByteArray encoded = bytes.toBase64();
         line(depth, "<data>");
-        for (qsizetype at = 0; at < encoded.size(); at += width)
-            line(tabs, encoded.mid(at, width));
+        for (qsizetype at = 0; at < encoded.size(); at += width) line(tabs, encoded.mid(at, width));
         line(depth, "</data>");
     }
 
@@ -120,18 +101,10 @@ private:
         result.reserve(text.size());
         for (qsizetype i = 0; i < text.size(); ++i) {
             switch (text[i].unicode()) {
-            case u'&':
-                result += u"&amp;";
-                break;
-            case u'<':
-                result += u"&lt;";
-                break;
-            case u'>':
-                result += u"&gt;";
-                break;
-            case u'\r':
-                result += u"&#13;";
-                break;
+            case u'&': result += u"&amp;"; break;
+            case u'<': result += u"&lt;"; break;
+            case u'>': result += u"&gt;"; break;
+            case u'\r': result += u"&#13;"; break;
             default:
                 if (isXmlCharacter(text, i)) result += text[i];
             }

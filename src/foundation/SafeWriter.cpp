@@ -176,7 +176,8 @@ WriteResult writeFile(const QString &path, QByteArrayView bytes)
 
 std::optional<FileStamp> fileStamp(const QString &path)
 {
-    struct stat found{};
+    struct stat found
+    {};
     if (::stat(QFile::encodeName(path).constData(), &found) != 0) return std::nullopt;
     const auto nanoseconds = [](const timespec &time) { return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec; };
     return FileStamp{found.st_ino, found.st_size, nanoseconds(found.st_mtim), nanoseconds(found.st_ctim)};

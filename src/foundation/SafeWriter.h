@@ -27,8 +27,8 @@ struct WriteResult
 /// renames them over it. A symbolic link is followed, so that the link stays. The folder must exist.
 [[nodiscard]] WriteResult writeFile(const QString &path, QByteArrayView bytes);
 
-/// The same in two steps, for whoever may not wait for the disk: the constructor, on any thread, writes the bytes beside
-/// the target and flushes them; commit() only renames. What is not committed disappears.
+/// The same in two steps, for whoever may not wait for the disk: the constructor, on any thread, writes the bytes
+/// beside the target and flushes them; commit() only renames. What is not committed disappears.
 class StagedFile
 {
 public:

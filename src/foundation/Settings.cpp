@@ -52,7 +52,10 @@ void makePrivate(const QString &path)
 class IniSettings final : public Settings
 {
 public:
-    explicit IniSettings(const QString &path) : m_path(path), m_store(path, QSettings::IniFormat) {}
+    explicit IniSettings(const QString &path)
+        : m_path(path)
+        , m_store(path, QSettings::IniFormat)
+    {}
 
     QVariant object(const QString &key) const override
     {

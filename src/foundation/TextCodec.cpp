@@ -51,9 +51,9 @@ std::optional<QByteArray> encodeByIcu(const QString &text, TextEncoding encoding
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
     QByteArray bytes(text.size() + 1, Qt::Uninitialized);
-    const int32_t length = ucnv_fromUChars(converter.get(), bytes.data(), int32_t(bytes.size()),
-                                           reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()),
-                                           &status);
+    const int32_t length =
+        ucnv_fromUChars(converter.get(), bytes.data(), int32_t(bytes.size()),
+                        reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()), &status);
     if (U_FAILURE(status)) return std::nullopt;
     bytes.truncate(length);
     return bytes;
@@ -124,8 +124,7 @@ std::optional<QString> decodeTextAs(QByteArrayView bytes, TextEncoding encoding)
 
 std::optional<QByteArray> encodeText(const QString &text, TextEncoding encoding, const QByteArray &byteOrderMark)
 {
-    if (encoding == TextEncoding::Windows1252 || encoding == TextEncoding::MacRoman)
-        return encodeByIcu(text, encoding);
+    if (encoding == TextEncoding::Windows1252 || encoding == TextEncoding::MacRoman) return encodeByIcu(text, encoding);
     if (encoding == TextEncoding::Ascii) {
         if (std::any_of(text.begin(), text.end(), [](QChar unit) { return unit.unicode() > 127; })) return std::nullopt;
         return text.toLatin1();

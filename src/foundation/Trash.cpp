@@ -29,7 +29,8 @@ struct TrashFolder
 
 std::optional<dev_t> deviceOf(const QString &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (::lstat(QFile::encodeName(path).constData(), &status) != 0) return std::nullopt;
     return status.st_dev;
 }
@@ -65,7 +66,8 @@ std::optional<TrashFolder> volumeTrash(const QString &path)
     const QString top = root == u"/" ? QString() : root;
     const QString shared = top + QStringLiteral("/.Trash");
     const QString user = QString::number(::getuid());
-    struct stat status{};
+    struct stat status
+    {};
     const bool safe = ::lstat(QFile::encodeName(shared).constData(), &status) == 0 && S_ISDIR(status.st_mode) &&
                       (status.st_mode & S_ISVTX);
     if (safe && makeTrashFolder(shared + u'/' + user)) return TrashFolder{shared + u'/' + user, root};
@@ -98,7 +100,8 @@ QString nameInTrash(const QString &name, int attempt)
 // The record is made first and alone decides who owns the name.
 bool writeRecord(const QString &recordPath, const QString &original, const QString &top)
 {
-    const int descriptor = ::open(QFile::encodeName(recordPath).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const int descriptor =
+        ::open(QFile::encodeName(recordPath).constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (descriptor < 0) return false;
     const QString path = top.isEmpty() ? original : original.mid(top == u"/" ? 1 : top.size() + 1);
     const QByteArray text = "[Trash Info]\nPath=" + QUrl::toPercentEncoding(path, "/") + "\nDeletionDate=" +

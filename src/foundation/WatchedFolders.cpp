@@ -13,9 +13,9 @@
 
 namespace tomelet {
 
-static constexpr uint32_t folderEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO |
-                                         IN_CLOSE_WRITE | IN_MODIFY | IN_ATTRIB | IN_DELETE_SELF |
-                                         IN_MOVE_SELF | IN_ONLYDIR | IN_EXCL_UNLINK;
+static constexpr uint32_t folderEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO | IN_CLOSE_WRITE |
+                                         IN_MODIFY | IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR |
+                                         IN_EXCL_UNLINK;
 
 WatchedFolders::WatchedFolders(const std::string &rootPath)
     : m_inotify(inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
@@ -27,10 +27,8 @@ WatchedFolders::WatchedFolders(const std::string &rootPath)
         m_rootDevice = status.st_dev;
         m_rootInode = status.st_ino;
     }
-    if (isOpen())
-        watchAncestors();
-    else
-        qWarning("file events are off: %s", std::strerror(errno));
+    if (isOpen()) watchAncestors();
+    else qWarning("file events are off: %s", std::strerror(errno));
 }
 
 WatchedFolders::~WatchedFolders()
@@ -70,8 +68,7 @@ static bool isSameFile(const std::string &one, const std::string &other)
 WatchedFolder *WatchedFolders::watch(WatchedFolder *folder)
 {
     const std::string here = path(folder);
-    const int watch =
-        inotify_add_watch(m_inotify, here.c_str(), folderEvents | (folder->parent ? IN_DONT_FOLLOW : 0));
+    const int watch = inotify_add_watch(m_inotify, here.c_str(), folderEvents | (folder->parent ? IN_DONT_FOLLOW : 0));
     if (watch < 0 && errno == ENOSPC && !m_limitWasLogged) {
         m_limitWasLogged = true;
         qWarning("not every folder can be watched: the limit fs.inotify.max_user_watches is reached at %s",
@@ -151,8 +148,7 @@ void WatchedFolders::forget(WatchedItem item)
 bool WatchedFolders::isRootInPlace() const
 {
     struct stat status;
-    return ::stat(m_root->name.c_str(), &status) == 0 && status.st_ino == m_rootInode &&
-           status.st_dev == m_rootDevice;
+    return ::stat(m_root->name.c_str(), &status) == 0 && status.st_ino == m_rootInode && status.st_dev == m_rootDevice;
 }
 
 } // namespace tomelet

@@ -21,7 +21,8 @@ const QString bodyTag = QStringLiteral("<body.*?>");
 
 QString cleaned(QString name)
 {
-    return name.replace(QStringLiteral("\\("), QStringLiteral("(")).replace(QStringLiteral("\\)"), QStringLiteral(")"))
+    return name.replace(QStringLiteral("\\("), QStringLiteral("("))
+        .replace(QStringLiteral("\\)"), QStringLiteral(")"))
         .remove(u'"');
 }
 
@@ -43,8 +44,8 @@ QString senderLine(const QString &header)
     if (!from.found) return {};
     const Field address = field(header, QStringLiteral("^From: .*?<(.*?)>"));
     const QString name = cleaned(from.value);
-    const QString shown = address.found ? QString(QStringLiteral("<a href=\"mailto:") + address.value + QStringLiteral("\">") +
-                                                  name + QStringLiteral("</a>"))
+    const QString shown = address.found ? QString(QStringLiteral("<a href=\"mailto:") + address.value +
+                                                  QStringLiteral("\">") + name + QStringLiteral("</a>"))
                                         : name;
     return QStringLiteral("<div style=\"padding: **HeaderPadding**%; font-family: **TomeletFont**;\"><b>") + shown +
            QStringLiteral("</b><br/>");
@@ -55,8 +56,7 @@ QString receiverLine(const QString &header)
     const Field to = field(header, QStringLiteral("^To: (.*?)$"));
     if (!to.found) return {};
     const Field address = field(header, QStringLiteral("^To: .*?<(.*?)>"));
-    const QString names =
-        cleaned(to.value).replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
+    const QString names = cleaned(to.value).replace(u'<', QStringLiteral("&lt;")).replace(u'>', QStringLiteral("&gt;"));
     if (!address.found) return QStringLiteral("To: ") + names + QStringLiteral("<br/>\n");
     return QStringLiteral("To: <a href=\"mailto:") + address.value + QStringLiteral("\">") + names +
            QStringLiteral("</a><br/>\n");
@@ -69,8 +69,8 @@ QString headerBlock(const QString &header)
     if (!date.isEmpty())
         block += QStringLiteral("<font color=\"#999\">") + date + QStringLiteral("</font><hr/><br/>\n");
     if (const Field subject = field(header, QStringLiteral("^Subject: (.*?)$")); subject.found)
-        block += QStringLiteral("<div style=\"font-size: 1.1em; line-height: 1.1em; font-weight: bold;\">") + subject.value +
-                 QStringLiteral("</div><div style=\"padding-bottom: 20px;\"></div>\n");
+        block += QStringLiteral("<div style=\"font-size: 1.1em; line-height: 1.1em; font-weight: bold;\">") +
+                 subject.value + QStringLiteral("</div><div style=\"padding-bottom: 20px;\"></div>\n");
     return block;
 }
 
@@ -121,7 +121,8 @@ QString placeImages(QString &page, const QList<MailFile> &images)
         if (!image.contentId.isEmpty() && page.contains(reference, Qt::CaseInsensitive))
             page.replace(reference, addressOf(image), Qt::CaseInsensitive);
         else
-            rest += QStringLiteral("<a href=\"%1\"><img style=\"width:auto; max-width:96%; height:auto;\" src=\"%1\"></a>\n")
+            rest += QStringLiteral(
+                        "<a href=\"%1\"><img style=\"width:auto; max-width:96%; height:auto;\" src=\"%1\"></a>\n")
                         .replace(QStringLiteral("%1"), addressOf(image));
     }
     return rest;
@@ -176,23 +177,24 @@ QString convertToHTML(const QString &text)
 
 QString wrapTextInHTML(const QString &fragment)
 {
-    return QStringLiteral("<html>\n<head>\n"
-                          "<meta name=\"viewport\" content=\"initial-scale=1.0, maximum-scale=1.0, user-scalable=no\">\n"
-                          "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\" />\n"
-                          "<style>\n"
-                          "\tbody { -webkit-text-size-adjust: none; }\n"
-                          "\thr { height: 1px; background-color: #ddd; border-width: 0; }\n"
-                          "\tblockquote { margin: 2em 2em 2em 0em; padding: 0 .75em 0 1.25em; border-left: 1px solid "
-                          "darkblue; color: darkblue; }\n"
-                          "\tblockquote blockquote\t{ border-left: 1px solid darkgreen; color: darkgreen; }\n"
-                          "\tblockquote blockquote blockquote\t{ border-left: 1px solid brown; color: brown; }\n"
-                          "\tblockquote blockquote blockquote blockquote\t{ border-left: 1px solid darkblue; color: "
-                          "darkblue; }\n"
-                          "\ta { color: #02aaff; text-decoration: none; }\n"
-                          "</style>\n"
-                          "</head>\n"
-                          "<body style=\"font-family:**TomeletFont**; padding: **BodyPadding**%; color:black; "
-                          "font-size:**TomeletFontSize**px;\">\n") +
+    return QStringLiteral(
+               "<html>\n<head>\n"
+               "<meta name=\"viewport\" content=\"initial-scale=1.0, maximum-scale=1.0, user-scalable=no\">\n"
+               "<meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf-8\" />\n"
+               "<style>\n"
+               "\tbody { -webkit-text-size-adjust: none; }\n"
+               "\thr { height: 1px; background-color: #ddd; border-width: 0; }\n"
+               "\tblockquote { margin: 2em 2em 2em 0em; padding: 0 .75em 0 1.25em; border-left: 1px solid "
+               "darkblue; color: darkblue; }\n"
+               "\tblockquote blockquote\t{ border-left: 1px solid darkgreen; color: darkgreen; }\n"
+               "\tblockquote blockquote blockquote\t{ border-left: 1px solid brown; color: brown; }\n"
+               "\tblockquote blockquote blockquote blockquote\t{ border-left: 1px solid darkblue; color: "
+               "darkblue; }\n"
+               "\ta { color: #02aaff; text-decoration: none; }\n"
+               "</style>\n"
+               "</head>\n"
+               "<body style=\"font-family:**TomeletFont**; padding: **BodyPadding**%; color:black; "
+               "font-size:**TomeletFontSize**px;\">\n") +
            fragment + QStringLiteral("\n</body>\n</html>");
 }
 

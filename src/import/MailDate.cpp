@@ -23,9 +23,10 @@ std::optional<int> zoneOffset(const QString &zone)
         return (zone.startsWith(u'-') ? -1 : 1) * (number / 100 * 3600 + number % 100 * 60);
     }
     static const std::pair<QString, int> names[] = {
-        {QStringLiteral("GMT"), 0},  {QStringLiteral("UTC"), 0},  {QStringLiteral("UT"), 0},   {QStringLiteral("Z"), 0},
-        {QStringLiteral("EST"), -5}, {QStringLiteral("EDT"), -4}, {QStringLiteral("CST"), -6}, {QStringLiteral("CDT"), -5},
-        {QStringLiteral("MST"), -7}, {QStringLiteral("MDT"), -6}, {QStringLiteral("PST"), -8}, {QStringLiteral("PDT"), -7},
+        {QStringLiteral("GMT"), 0},  {QStringLiteral("UTC"), 0},  {QStringLiteral("UT"), 0},
+        {QStringLiteral("Z"), 0},    {QStringLiteral("EST"), -5}, {QStringLiteral("EDT"), -4},
+        {QStringLiteral("CST"), -6}, {QStringLiteral("CDT"), -5}, {QStringLiteral("MST"), -7},
+        {QStringLiteral("MDT"), -6}, {QStringLiteral("PST"), -8}, {QStringLiteral("PDT"), -7},
         {QStringLiteral("CET"), 1},  {QStringLiteral("CEST"), 2}};
     for (const auto &[name, hours] : names)
         if (zone == name) return hours * 3600;
@@ -56,11 +57,11 @@ QString readableMailDate(const QString &value)
     const QDateTime date = dateOf(value);
     if (!date.isValid()) return {};
     UErrorCode status = U_ZERO_ERROR;
-    const icu::LocalUDateFormatPointer format(udat_open(
-        UDAT_SHORT, UDAT_LONG, QLocale().name().toLatin1().constData(), nullptr, 0, nullptr, 0, &status));
+    const icu::LocalUDateFormatPointer format(
+        udat_open(UDAT_SHORT, UDAT_LONG, QLocale().name().toLatin1().constData(), nullptr, 0, nullptr, 0, &status));
     char16_t buffer[200];
-    const int32_t length =
-        udat_format(format.getAlias(), double(date.toMSecsSinceEpoch()), buffer, int32_t(std::size(buffer)), nullptr, &status);
+    const int32_t length = udat_format(format.getAlias(), double(date.toMSecsSinceEpoch()), buffer,
+                                       int32_t(std::size(buffer)), nullptr, &status);
     return U_FAILURE(status) ? QString() : QString::fromUtf16(buffer, length);
 }
 

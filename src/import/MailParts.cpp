@@ -47,8 +47,8 @@ QString decodedText(const Part &part)
 
 QString fileNameOf(const Part &part, const QString &otherwise)
 {
-    const Range range = rangeOfPattern(part.message.header, QStringLiteral("filename=([^;\n]+)"), PatternCaseInsensitive,
-                                       wholeRange, 1);
+    const Range range = rangeOfPattern(part.message.header, QStringLiteral("filename=([^;\n]+)"),
+                                       PatternCaseInsensitive, wholeRange, 1);
     const QString name = substring(part.message.header, range).remove(u'"').trimmed();
     return name.isEmpty() ? otherwise : name;
 }
@@ -65,7 +65,8 @@ MailFile written(const QByteArray &bytes, const QString &name)
     const QString folder = workingDirectory();
     if (!makeFolder(folder)) return {};
     const QByteArray sum = QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex().left(16);
-    const QString path = joinPath(folder, QString::fromLatin1(sum) + u'-' + tm_escapeIllegalCharacters(name).right(longestName));
+    const QString path =
+        joinPath(folder, QString::fromLatin1(sum) + u'-' + tm_escapeIllegalCharacters(name).right(longestName));
     if (!itemExists(path) && !writeFile(path, bytes)) return {};
     return {path, name, {}};
 }
@@ -91,7 +92,8 @@ void addImage(MailParts &result, const Part &part)
         logLine(QStringLiteral("image with other thatn Base64 encoding"));
         return;
     }
-    MailFile file = written(bytesOfBase64(part.message.body), fileNameOf(part, QStringLiteral("image.") + extensionOf(part)));
+    MailFile file =
+        written(bytesOfBase64(part.message.body), fileNameOf(part, QStringLiteral("image.") + extensionOf(part)));
     const Range id = rangeOfPattern(part.message.header, QStringLiteral("content-id: *<(.+?)>"),
                                     PatternCaseInsensitive | PatternDotAll, wholeRange, 1);
     if (id.isFound()) file.contentId = substring(part.message.header, id);
@@ -140,7 +142,8 @@ void addPart(MailParts &result, const Part &part, int depth)
 {
     if (depth > deepestNesting) return;
     const QString &lower = part.lower;
-    const bool isFile = says(lower, "content-type: message/") || says(lower, "content-type: image/") || isAttachment(lower);
+    const bool isFile =
+        says(lower, "content-type: message/") || says(lower, "content-type: image/") || isAttachment(lower);
     if (says(lower, "content-type: multipart/")) addPieces(result, part.message, depth);
     else if (isFile && result.passesOverFiles) return;
     else if (says(lower, "content-type: message/")) addNestedMessage(result, part);

@@ -87,7 +87,8 @@ QString stringWithEncodedWordsString(const QString &text)
     for (size_t i = words.size(); i-- > 0;) {
         const QString payload = substring(result, words[i].group(3));
         const bool quoted = substring(result, words[i].group(2)).toUpper() == u"Q";
-        auto decoded = quoted ? std::optional(stringWithQuotedPrintableString(payload)) : stringWithBase64Encoding(payload);
+        auto decoded =
+            quoted ? std::optional(stringWithQuotedPrintableString(payload)) : stringWithBase64Encoding(payload);
         if (decoded) edits.replace(words[i].range(), decoded->replace(u'_', u' '));
     }
     return edits.appliedTo(result);

@@ -10,12 +10,9 @@ void TMLTOPMLConverter::convert()
     QXmlStreamReader reader(m_opmlText);
     while (!reader.atEnd()) {
         reader.readNext();
-        if (reader.isStartElement())
-            open(reader.name().toString().toLower(), reader);
-        else if (reader.isEndElement())
-            close(reader.name().toString().toLower());
-        else if (reader.isCharacters() && m_handlingTitle)
-            m_title += reader.text();
+        if (reader.isStartElement()) open(reader.name().toString().toLower(), reader);
+        else if (reader.isEndElement()) close(reader.name().toString().toLower());
+        else if (reader.isCharacters() && m_handlingTitle) m_title += reader.text();
     }
 }
 
@@ -52,8 +49,7 @@ void TMLTOPMLConverter::openOutline(const QXmlStreamReader &reader)
     QString entry = value(QStringLiteral("text"));
     for (const QString &address : {QStringLiteral("url"), QStringLiteral("htmlUrl")}) {
         if (!has(address)) continue;
-        entry = QStringLiteral("<a href=\"") + value(address) + QStringLiteral("\">") + entry +
-                QStringLiteral("</a>");
+        entry = QStringLiteral("<a href=\"") + value(address) + QStringLiteral("\">") + entry + QStringLiteral("</a>");
         break;
     }
     const QString description = QStringLiteral("description");

@@ -80,8 +80,8 @@ void AppDelegate::applicationDidFinishLaunching(HeldKeys keys)
 void AppDelegate::showWhatLastSessionShowed(HeldKeys keys)
 {
     Settings &values = settings();
-    const bool reopen = values.boolean(gracefulKey) &&
-                        values.boolean(QStringLiteral("openMostRecentDocOnLaunch")) && !keys.command;
+    const bool reopen =
+        values.boolean(gracefulKey) && values.boolean(QStringLiteral("openMostRecentDocOnLaunch")) && !keys.command;
     if (!reopen) {
         notifications().postPath(QStringLiteral("TMLTNewBookSelectedNotification"), tomeletRoot());
         return;
@@ -159,15 +159,15 @@ void AppDelegate::tm_selectTomeletRoot(bool optionHeld)
         if (path.isEmpty()) return m_shell.quit();
         if (!isHomeFolder(path)) return tm_setRootToPath(path);
         (void)askQuestion({localized(TOMELET_TEXT("Selecting the User Home is not recommended")),
-                     localized(TOMELET_TEXT("Please choose a different folder")),
-                     {localized(TOMELET_TEXT("Select Folder..."))}});
+                           localized(TOMELET_TEXT("Please choose a different folder")),
+                           {localized(TOMELET_TEXT("Select Folder..."))}});
     }
 }
 
 void AppDelegate::selectNewHomeFolder()
 {
-    const QString path = m_shell.pickFolder(
-        localized(TOMELET_TEXT("Select the Folder to be used as Tomelet' Root")), localized(TOMELET_TEXT("Choose")));
+    const QString path = m_shell.pickFolder(localized(TOMELET_TEXT("Select the Folder to be used as Tomelet' Root")),
+                                            localized(TOMELET_TEXT("Choose")));
     if (path.isEmpty()) return;
     settings().setObject(rootKeyName, path);
     notifications().post(QStringLiteral("TMLTNewTomeletRootSelected"));
@@ -264,8 +264,8 @@ Choice askWhatToDo(const QString &path, bool hasInbox)
     }
     buttons.append(localized(TOMELET_TEXT("Cancel")));
     meanings.append(Choice::Cancel);
-    const int answer = askQuestion({localized(TOMELET_TEXT("How Do You Wish to Proceed?")),
-                                    u'"' + lastPathComponent(path) + u'"', buttons});
+    const int answer = askQuestion(
+        {localized(TOMELET_TEXT("How Do You Wish to Proceed?")), u'"' + lastPathComponent(path) + u'"', buttons});
     return meanings.value(answer, Choice::Cancel);
 }
 
@@ -297,7 +297,8 @@ bool AppDelegate::openDroppedFile(const QString &path, bool ask)
         switch (askWhatToDo(path, !inbox.isEmpty())) {
         case Choice::ExtraWindow: return open(path);
         case Choice::Inbox: return !copyInto(path, target).isEmpty();
-        case Choice::Style: return !copyInto(path, joinPath(tomeletRoot(), QStringLiteral("TMResources/CSS"))).isEmpty();
+        case Choice::Style:
+            return !copyInto(path, joinPath(tomeletRoot(), QStringLiteral("TMResources/CSS"))).isEmpty();
         case Choice::Cancel: return false;
         }
     }

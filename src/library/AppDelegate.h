@@ -60,7 +60,9 @@ public:
 class AppDelegate
 {
 public:
-    explicit AppDelegate(AppShell &shell) : m_shell(shell) {}
+    explicit AppDelegate(AppShell &shell)
+        : m_shell(shell)
+    {}
 
     void applicationWillFinishLaunching(HeldKeys keys);
     void applicationDidFinishLaunching(HeldKeys keys);

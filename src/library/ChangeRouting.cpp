@@ -275,13 +275,15 @@ bool TMLTOutlineController::moveRow(const QString &path, const QString &newPath)
 {
     TMLTOutlineItem *oldParent = loadedItem(parentPath(path));
     TMLTOutlineItem *newParent = loadedItem(parentPath(newPath));
-    TMLTOutlineItem *item = oldParent && oldParent->isLoaded() ? oldParent->childWithTitle(lastPathComponent(path))
-                                                               : nullptr;
+    TMLTOutlineItem *item =
+        oldParent && oldParent->isLoaded() ? oldParent->childWithTitle(lastPathComponent(path)) : nullptr;
     const QString name = lastPathComponent(newPath);
     if (oldParent && oldParent == newParent) {
         if (!item && oldParent->isLoaded() && !oldParent->childWithTitle(name)) {
             logLine(QStringLiteral("CATCH Exception while moving entry %1 to %2 (%3 to %4)")
-                        .arg(path, newPath).arg(notFoundIndex).arg(notFoundIndex));
+                        .arg(path, newPath)
+                        .arg(notFoundIndex)
+                        .arg(notFoundIndex));
             return false;
         }
         if (item && item->relativePath() != name) item->changeRelativePath(name);

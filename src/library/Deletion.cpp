@@ -28,7 +28,9 @@ bool personWantsItGone()
 class Deleter
 {
 public:
-    explicit Deleter(bool permanently) : m_permanently(permanently) {}
+    explicit Deleter(bool permanently)
+        : m_permanently(permanently)
+    {}
 
     void remove(const QString &path)
     {
@@ -106,8 +108,8 @@ void storeLastDeletion(const QList<DeletionRecord> &records)
     QVariantList list;
     for (const DeletionRecord &record : records)
         if (!record.trashURL.isEmpty())
-            list.append(QVariantMap{{QStringLiteral("orgURL"), record.orgURL},
-                                    {QStringLiteral("trashURL"), record.trashURL}});
+            list.append(
+                QVariantMap{{QStringLiteral("orgURL"), record.orgURL}, {QStringLiteral("trashURL"), record.trashURL}});
     writeStore(recordsFile(), list);
 }
 
@@ -116,8 +118,8 @@ QList<DeletionRecord> lastDeletion()
     QList<DeletionRecord> records;
     for (const QVariant &entry : readArray(recordsFile())) {
         const QVariantMap map = entry.toMap();
-        records.append({map.value(QStringLiteral("orgURL")).toString(),
-                        map.value(QStringLiteral("trashURL")).toString()});
+        records.append(
+            {map.value(QStringLiteral("orgURL")).toString(), map.value(QStringLiteral("trashURL")).toString()});
     }
     return records;
 }

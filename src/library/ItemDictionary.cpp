@@ -28,8 +28,7 @@ QDateTime rowCreationDate(const QString &path, const QVariantMap &properties, co
 {
     const QVariant stored = properties.value(QStringLiteral("CreationDate"));
     if (stored.typeId() == QMetaType::QDateTime) return stored.toDateTime();
-    if (date.isValid() && settings().boolean(QStringLiteral("alwaysSaveCreationDate")))
-        tm_setCreationDate(path, date);
+    if (date.isValid() && settings().boolean(QStringLiteral("alwaysSaveCreationDate"))) tm_setCreationDate(path, date);
     return date;
 }
 
@@ -100,7 +99,9 @@ namespace {
 class RowOrder
 {
 public:
-    explicit RowOrder(const QList<QVariantMap> &rows) : m_rows(rows), m_order(size_t(rows.size()))
+    explicit RowOrder(const QList<QVariantMap> &rows)
+        : m_rows(rows)
+        , m_order(size_t(rows.size()))
     {
         std::iota(m_order.begin(), m_order.end(), 0);
     }
@@ -155,9 +156,8 @@ void sortRows(QList<QVariantMap> &rows, const QString &parameter, bool descendin
     if (custom)
         order.sortBy([](const QVariantMap &row) { return dateKey(row, QStringLiteral("creationDate")); }, newAtTop);
     else
-        order.sortBy(
-            [numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
-            byTitle && descending);
+        order.sortBy([numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
+                     byTitle && descending);
     if (custom)
         order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("custom")).toString(); }, false);
     else if (!byTitle && (parameter == u"modDate" || parameter == u"DueDate" || parameter == u"creationDate"))

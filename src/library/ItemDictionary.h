@@ -23,8 +23,7 @@ struct RowSources
 };
 
 /// The row of an item. `details` is its task record where the caller has it; it is looked up for a null one.
-[[nodiscard]] QVariantMap itemRow(const QString &path, bool asTask, const QVariant &details,
-                                  const RowSources &sources);
+[[nodiscard]] QVariantMap itemRow(const QString &path, bool asTask, const QVariant &details, const RowSources &sources);
 [[nodiscard]] QVariantMap tm_dictionaryForItemAsTask(const QString &path, bool asTask, const QVariant &details,
                                                      const QVariant &sortOrder, const QVariant &pinnedOrder = {});
 /// The row as a task where the item is one.

@@ -103,8 +103,7 @@ bool tm_duplicateItemAtPath(const QString &path)
     const QString target = pathForDuplicate(path);
     const QDateTime date = tm_creationDate(path);
     if (!tm_copyItemToPath(path, target)) return false;
-    setApart(target, {QStringLiteral("Print"), QStringLiteral("PrivateProperties"), QStringLiteral("Backlinks")},
-             date);
+    setApart(target, {QStringLiteral("Print"), QStringLiteral("PrivateProperties"), QStringLiteral("Backlinks")}, date);
     return true;
 }
 

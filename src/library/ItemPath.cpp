@@ -60,8 +60,8 @@ bool tm_pathIsExcludedFromRecentlyModified(const QString &path)
 {
     if (path.endsWith(u".plist")) return true;
     if (path.contains(u"TMResources/") && !path.contains(u"TMResources/CSS")) return true;
-    for (const auto ending : {u"TMResources/Misc/RecentItems.txt", u"autosave", u"Dropbox Log.txt", u".icloud",
-                              u".DS_Store"})
+    for (const auto ending :
+         {u"TMResources/Misc/RecentItems.txt", u"autosave", u"Dropbox Log.txt", u".icloud", u".DS_Store"})
         if (path.endsWith(QStringView(ending))) return true;
     return path.contains(u"/.git");
 }
@@ -126,8 +126,10 @@ QString withCaseSwapped(QString name)
 
 bool isSameFile(const QString &a, const QString &b)
 {
-    struct stat first{};
-    struct stat second{};
+    struct stat first
+    {};
+    struct stat second
+    {};
     return ::lstat(QFile::encodeName(a).constData(), &first) == 0 &&
            ::lstat(QFile::encodeName(b).constData(), &second) == 0 && first.st_ino == second.st_ino &&
            first.st_dev == second.st_dev;
@@ -246,8 +248,11 @@ QString tm_embeddedURL(const QString &path)
     QString address;
     if (extension == u"webloc") address = readDictionary(path).value(QStringLiteral("URL")).toString();
     else if (extension == u"webarchive")
-        address = readDictionary(path).value(QStringLiteral("WebMainResource")).toMap()
-                      .value(QStringLiteral("WebResourceURL")).toString();
+        address = readDictionary(path)
+                      .value(QStringLiteral("WebMainResource"))
+                      .toMap()
+                      .value(QStringLiteral("WebResourceURL"))
+                      .toString();
     else if (extension == u"url") address = urlFileAddress(readFile(path).value_or(QByteArray()));
     return address.isEmpty() ? tm_propertyForKey(path, QStringLiteral("URL")).toString() : address;
 }

@@ -50,8 +50,7 @@ bool smartBookShouldExist(int type)
                isFolder(fullPathOf(inbox));
     }
     case AllTaskListsBook:
-        return values.boolean(QStringLiteral("smartBookAllTaskLists")) &&
-               !organiser().tasklists().isEmpty();
+        return values.boolean(QStringLiteral("smartBookAllTaskLists")) && !organiser().tasklists().isEmpty();
     case RecentItemsBook:
     case RecentlyModifiedBook: return true;
     case ContextsBook: return values.boolean(QStringLiteral("contextsEnabled"));
@@ -65,8 +64,8 @@ TMLTOutlineItem::Children TMLTOutlineItem::readSmartBooks()
     Children found;
     for (int type = DueTasksBook; type <= ConflictsBook; ++type)
         if (smartBookShouldExist(type))
-            found.push_back(std::make_unique<TMLTOutlineItem>(titleForSmartBookOfType(type), this,
-                                                              SmartBookType(type)));
+            found.push_back(
+                std::make_unique<TMLTOutlineItem>(titleForSmartBookOfType(type), this, SmartBookType(type)));
     return found;
 }
 

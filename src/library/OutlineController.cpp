@@ -17,7 +17,8 @@ namespace tomelet {
 
 static const QString collapsedMark = QStringLiteral("TMSmartBooksCollapsed");
 
-TMLTOutlineController::TMLTOutlineController(OutlineView &view) : m_view(view)
+TMLTOutlineController::TMLTOutlineController(OutlineView &view)
+    : m_view(view)
 {
     const auto onPath = [this](const QString &name, void (TMLTOutlineController::*handler)(const QString &)) {
         m_subscriptions.push_back(notifications().observe(name, [this, handler](const QVariantMap &payload) {

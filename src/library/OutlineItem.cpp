@@ -30,15 +30,13 @@ TMLTOutlineItem::TMLTOutlineItem(const QString &path, TMLTOutlineItem *parent, b
     : m_relativePath(keepsWholePath(parent) ? path : lastPathComponent(path))
     , m_document(!isBook)
     , m_parent(parent)
-{
-}
+{}
 
 TMLTOutlineItem::TMLTOutlineItem(const QString &text, TMLTOutlineItem *parent, SmartBookType type)
     : m_relativePath(type == ContextBook || !parent ? text : lastPathComponent(text))
     , m_parent(parent)
     , m_smartBookType(type)
-{
-}
+{}
 
 // -- the tree as a whole ----------------------------------------------------------------------------------------------
 
@@ -76,17 +74,24 @@ TMLTOutlineItem *TMLTOutlineItem::insertSmartChildOfType(int type)
 {
     TMLTOutlineItem *smartBooks = smartBooksItem();
     smartBooks->children();
-    return smartBooks->addChild(std::make_unique<TMLTOutlineItem>(titleForSmartBookOfType(type), smartBooks,
-                                                                  SmartBookType(type)));
+    return smartBooks->addChild(
+        std::make_unique<TMLTOutlineItem>(titleForSmartBookOfType(type), smartBooks, SmartBookType(type)));
 }
 
 QString TMLTOutlineItem::titleForSmartBookOfType(int type)
 {
     static const char *const titles[] = {
-        TOMELET_TEXT("Context"),          TOMELET_TEXT("Search Results"),    TOMELET_TEXT("Due Tasks"),
-        TOMELET_TEXT("Favorites"),        TOMELET_TEXT("Inbox"),             TOMELET_TEXT("All Task Lists"),
-        TOMELET_TEXT("Recent Items"),     TOMELET_TEXT("Recently Modified"), TOMELET_TEXT("Hidden Items"),
-        TOMELET_TEXT("Contexts"),         TOMELET_TEXT("iCloud Conflicts"),
+        TOMELET_TEXT("Context"),
+        TOMELET_TEXT("Search Results"),
+        TOMELET_TEXT("Due Tasks"),
+        TOMELET_TEXT("Favorites"),
+        TOMELET_TEXT("Inbox"),
+        TOMELET_TEXT("All Task Lists"),
+        TOMELET_TEXT("Recent Items"),
+        TOMELET_TEXT("Recently Modified"),
+        TOMELET_TEXT("Hidden Items"),
+        TOMELET_TEXT("Contexts"),
+        TOMELET_TEXT("iCloud Conflicts"),
     };
     if (type < ContextBook || type > ConflictsBook) return localized(TOMELET_TEXT("UNTITLED SMART BOOK"));
     return localized(titles[type - 1]);
@@ -101,7 +106,7 @@ TMLTOutlineItem *TMLTOutlineItem::childAtPath(const QString &path)
     if (parts.isEmpty()) {
         const QString books = item->fullPath();
         return localizedCompare(books, full.size() > 1 && full.endsWith(u'/') ? full.chopped(1) : full) == 0 ? item
-                                                                                                              : nullptr;
+                                                                                                             : nullptr;
     }
     for (const QString &part : parts)
         if (item) item = item->childWithTitle(part);

@@ -79,10 +79,10 @@ void TMLTOutlineItem::reassignCustomSortOrder()
 
 void TMLTOutlineItem::reassignCustomSortOrder(Children &list)
 {
-    const LocalizedIndex order(m_smartBookType == ContextsBook
-                                   ? readStringArray(miscFile(QStringLiteral("AvailableTags.txt")))
-                                   : readDictionary(bookPropertiesPath(fullPath())).value(QStringLiteral("Books"))
-                                         .toStringList());
+    const LocalizedIndex order(
+        m_smartBookType == ContextsBook
+            ? readStringArray(miscFile(QStringLiteral("AvailableTags.txt")))
+            : readDictionary(bookPropertiesPath(fullPath())).value(QStringLiteral("Books")).toStringList());
     for (const auto &item : list) {
         const auto index = order.find(item->m_relativePath);
         item->m_sequenceNumber = index.value_or(0);
@@ -95,26 +95,30 @@ void TMLTOutlineItem::sortList(Children &list)
     m_customSortSelected = false;
     if (list.empty()) return;
     if (m_groupItemType == SmartBooksGroup)
-        return sortByKey(list, [](const TMLTOutlineItem &item) { return int(item.m_smartBookType); }, false);
+        return sortByKey(
+            list, [](const TMLTOutlineItem &item) { return int(item.m_smartBookType); }, false);
 
     const bool numeric = settings().boolean(QStringLiteral("useNumericOrder"));
     const auto [parameter, descending] = orderOf(*this);
     const auto byTitle = [&](bool reversed) {
-        sortByKey(list, [&](const TMLTOutlineItem &item) { return nameSortKey(item.title(), numeric); }, reversed);
-        sortByKey(list, [](const TMLTOutlineItem &item) { return item.m_document; }, false);
+        sortByKey(
+            list, [&](const TMLTOutlineItem &item) { return nameSortKey(item.title(), numeric); }, reversed);
+        sortByKey(
+            list, [](const TMLTOutlineItem &item) { return item.m_document; }, false);
     };
     if (parameter == u"custom") {
         byTitle(false);
         reassignCustomSortOrder(list);
         m_customSortSelected = true;
         // An unlisted child is level with the first listed one and stands before it.
-        return sortByKey(list, [](const TMLTOutlineItem &item) {
-            return std::pair(item.m_sequenceNumber, item.m_listedInOrder);
-        }, false);
+        return sortByKey(
+            list, [](const TMLTOutlineItem &item) { return std::pair(item.m_sequenceNumber, item.m_listedInOrder); },
+            false);
     }
     if (parameter == u"modDate" || parameter == u"creationDate")
         return sortByKey(
-            list, [created = parameter == u"creationDate"](const TMLTOutlineItem &item) { return dateOf(item, created); },
+            list,
+            [created = parameter == u"creationDate"](const TMLTOutlineItem &item) { return dateOf(item, created); },
             descending);
     byTitle(descending);
 }

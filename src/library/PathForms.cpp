@@ -102,8 +102,8 @@ QString tm_makeRelativeToPath(const QString &target, const QString &folder)
     wanted.remove(QStringLiteral("tomelet://show")).remove(QStringLiteral("tomelet://"));
     wanted = joinPath(QStringLiteral("/"), tm_normalizedPath(wanted, root));
 
-    const bool wasEncoded = !itemExists(fullPathOf(wanted, root)) &&
-                            itemExists(fullPathOf(percentDecoded(wanted), root));
+    const bool wasEncoded =
+        !itemExists(fullPathOf(wanted, root)) && itemExists(fullPathOf(percentDecoded(wanted), root));
     if (wasEncoded) wanted = percentDecoded(wanted);
 
     QStringList targetParts = wanted.split(u'/', Qt::SkipEmptyParts);

@@ -79,18 +79,17 @@ static QVariant readAttribute(const QString &path, const QString &key)
 
 static void writeAttribute(const QString &path, const QString &key, const QVariant &value)
 {
-    if (readAttribute(path, key) != value)
-        setExtendedAttribute(path, attributeName(key), binaryPropertyList(value));
+    if (readAttribute(path, key) != value) setExtendedAttribute(path, attributeName(key), binaryPropertyList(value));
 }
 
 // -- reading and writing ----------------------------------------------------------------------------------------------
 
 static QVariant defaultFor(const QString &key)
 {
-    static const QStringList nulls{QStringLiteral("TextColor"), QStringLiteral("BackgroundColor"),
+    static const QStringList nulls{QStringLiteral("TextColor"),   QStringLiteral("BackgroundColor"),
                                    QStringLiteral("isProtected"), QStringLiteral("CurrentTaskCount"),
-                                   QStringLiteral("TOC"), QStringLiteral("Embedded Photos"),
-                                   QStringLiteral("Tags"), QStringLiteral("lineSpacing")};
+                                   QStringLiteral("TOC"),         QStringLiteral("Embedded Photos"),
+                                   QStringLiteral("Tags"),        QStringLiteral("lineSpacing")};
     if (nulls.contains(key)) return {};
     if (key == u"Backlinks" || key == u"PDFBookmarks") return QVariantList();
     if (key == u"Mail" || key == u"Print" || key == creationDateKey) return farPast();
@@ -189,8 +188,7 @@ QVariant tm_inheritedPropertyForKey(const QString &path, const QString &key)
     }
     if (isNonEmptyProperty(value)) return value;
     if (key == u"cellColor") return fileLabel(path);
-    if (key == u"MarkdownConverter" || key == u"showPreviewForNotes")
-        return QString::number(settings().integer(key));
+    if (key == u"MarkdownConverter" || key == u"showPreviewForNotes") return QString::number(settings().integer(key));
     return value;
 }
 
@@ -198,7 +196,8 @@ QVariant tm_inheritedPropertyForKey(const QString &path, const QString &key)
 
 FileDates fileDates(const QString &path)
 {
-    struct statx status{};
+    struct statx status
+    {};
     if (::statx(AT_FDCWD, QFile::encodeName(path).constData(), 0, STATX_BTIME | STATX_MTIME, &status) != 0) return {};
     const auto date = [](const statx_timestamp &stamp) {
         return QDateTime::fromMSecsSinceEpoch(stamp.tv_sec * 1000 + stamp.tv_nsec / 1000000, Qt::UTC);
@@ -294,9 +293,10 @@ void tm_changeSortOrderToPath(const QString &path, const QString &target)
     changeDictionary(plist, [&](QVariantMap &properties) {
         if (target.isEmpty()) {
             // The item may be gone already: then the list that names it tells of which kind it was.
-            const bool inBooks = itemExists(path) ? pathIsPlainBook(path)
-                                                  : tm_localizedIndexOfObject(properties.value(booksKey).toStringList(),
-                                                                              name).has_value();
+            const bool inBooks =
+                itemExists(path)
+                    ? pathIsPlainBook(path)
+                    : tm_localizedIndexOfObject(properties.value(booksKey).toStringList(), name).has_value();
             return changeNameInList(properties, inBooks ? booksKey : notesKey, name, QString());
         }
         const QString newName = lastPathComponent(target);

@@ -33,8 +33,8 @@ void clearRecentItems()
 static bool isNeverRecent(const QString &path)
 {
     if (path.isEmpty() || lastPathComponent(path).startsWith(u"__NewNoteTmp")) return true;
-    for (const auto &name : {QStringLiteral("AvailableTags.txt"), QStringLiteral("ExcludedTags.txt"),
-                             QStringLiteral("Settings.txt")})
+    for (const auto &name :
+         {QStringLiteral("AvailableTags.txt"), QStringLiteral("ExcludedTags.txt"), QStringLiteral("Settings.txt")})
         if (path == miscFile(name)) return true;
     return false;
 }

@@ -32,8 +32,8 @@ static QString resolvedRoot(const QString &chosen)
 QString tomeletRoot()
 {
     const Platform &now = platform();
-    const QString chosen = now.rootOverride.isEmpty() ? now.settings->string(QStringLiteral("TomeletFolder"))
-                                                      : now.rootOverride;
+    const QString chosen =
+        now.rootOverride.isEmpty() ? now.settings->string(QStringLiteral("TomeletFolder")) : now.rootOverride;
     return chosen.isEmpty() ? QString() : resolvedRoot(chosen);
 }
 

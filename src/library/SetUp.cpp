@@ -39,12 +39,23 @@ namespace {
 void writeFirstLaunchValues()
 {
     static const char *const switches[] = {
-        "hideDocumentWhenChangingBook", "fsAutoHideColumns",        "fsUseDocWidthAsPageWidth",
-        "resizeWindowWhenHidingFrames", "DoNotFadeHeaderAndFooter", "listViewUsesTreeViewFont",
-        "listViewUsesBoldFont",         "HighlightLinks",           "AutoIndentLists",
-        "IndentWithTabs",               "HighlightMarkdown",        "tapMarkdownToPositionCursor",
-        "useTabToIndent",               "insertClosingCharacters",  "formatFirstLineAsTitle",
-        "openLinkInBrowser",            "contextsEnabled",
+        "hideDocumentWhenChangingBook",
+        "fsAutoHideColumns",
+        "fsUseDocWidthAsPageWidth",
+        "resizeWindowWhenHidingFrames",
+        "DoNotFadeHeaderAndFooter",
+        "listViewUsesTreeViewFont",
+        "listViewUsesBoldFont",
+        "HighlightLinks",
+        "AutoIndentLists",
+        "IndentWithTabs",
+        "HighlightMarkdown",
+        "tapMarkdownToPositionCursor",
+        "useTabToIndent",
+        "insertClosingCharacters",
+        "formatFirstLineAsTitle",
+        "openLinkInBrowser",
+        "contextsEnabled",
     };
     Settings &values = settings();
     for (const char *key : switches) values.setObject(QString::fromLatin1(key), true);
@@ -62,15 +73,14 @@ void switchOnWhatIsNew(double installed)
         int build;
         const char *key;
     } steps[] = {
-        {194, "cleanUpAttachments"},  {197, "formatFirstLineAsTitle"},    {200, "outlineUseIncreasedSpacing"},
+        {194, "cleanUpAttachments"},     {197, "formatFirstLineAsTitle"}, {200, "outlineUseIncreasedSpacing"},
         {201, "showDatesInListOfNotes"}, {217, "autodetectListsHTML"},    {220, "openMostRecentDocOnLaunch"},
         {229, "useNumericOrder"},
     };
     for (const auto &step : steps)
         if (installed < step.build) settings().setObject(QString::fromLatin1(step.key), true);
     const QString inbox = settings().string(QStringLiteral("defaultInbox"));
-    if (installed < 220 && !inbox.isEmpty())
-        tm_setLocationSpecificSetting(inbox, QStringLiteral("defaultInbox"));
+    if (installed < 220 && !inbox.isEmpty()) tm_setLocationSpecificSetting(inbox, QStringLiteral("defaultInbox"));
 }
 
 // Merged, not replaced: either list may hold contexts that the other does not know yet.

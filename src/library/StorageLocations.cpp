@@ -15,7 +15,8 @@ static const QString homesKey = QStringLiteral("previouslySelectedHomes");
 
 QString dropboxFolder()
 {
-    for (const auto &place : {QStringLiteral("Library/CloudStorage/Dropbox/Tomelet"), QStringLiteral("Dropbox/Tomelet")})
+    for (const auto &place :
+         {QStringLiteral("Library/CloudStorage/Dropbox/Tomelet"), QStringLiteral("Dropbox/Tomelet")})
         if (isFolder(joinPath(homeDirectory(), place))) return joinPath(homeDirectory(), place);
     return {};
 }
@@ -66,8 +67,8 @@ QList<StorageLocation> storageLocations()
     bool anyListed = false;
     for (const QString &path : homes) {
         if (path == cloud || path == dropbox || !QFileInfo(path).lastModified().isValid()) continue;
-        entries.append({StorageLocation::Folder, path, tm_pathFormattedForContextMenu(withKnownFront(path)),
-                        isCurrentRoot(path)});
+        entries.append(
+            {StorageLocation::Folder, path, tm_pathFormattedForContextMenu(withKnownFront(path)), isCurrentRoot(path)});
         anyListed = true;
     }
     entries.append({StorageLocation::SelectNew, {}, {{}, localized(TOMELET_TEXT("Select a new Location..."))}, false});

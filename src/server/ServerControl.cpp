@@ -46,8 +46,7 @@ QString ServerControl::password() const
 
 void ServerControl::createNewPassword()
 {
-    m_settings.setObject(serverKeys::password,
-                         QString::fromStdString(http::makeUUID().substr(9, 9)).toLower());
+    m_settings.setObject(serverKeys::password, QString::fromStdString(http::makeUUID().substr(9, 9)).toLower());
 }
 
 std::unique_ptr<http::HTTPServer> ServerControl::makeServer() const

@@ -16,10 +16,8 @@ class Settings;
 
 /// The settings that the server lives by.
 namespace serverKeys {
-inline const QString launch =
-    QStringLiteral("launchLocalWebDAVServer"); ///< "yes" while the server is to run, or unset
-inline const QString port =
-    QStringLiteral("localWebDAVServerPort"); ///< 0 or unset is 8080; the one that worked
+inline const QString launch = QStringLiteral("launchLocalWebDAVServer"); ///< "yes" while the server is to run, or unset
+inline const QString port = QStringLiteral("localWebDAVServerPort");     ///< 0 or unset is 8080; the one that worked
 inline const QString password = QStringLiteral("localWebDAVServerString");
 inline const QString root = QStringLiteral("TomeletFolder");
 } // namespace serverKeys

@@ -11,11 +11,10 @@ namespace {
 
 QString connectionDetails(std::uint16_t port)
 {
-    QString text = localized(
-        TOMELET_TEXT("Use the credentials above to connect to one of the given server addresses."));
+    QString text =
+        localized(TOMELET_TEXT("Use the credentials above to connect to one of the given server addresses."));
     text += QStringLiteral("\n\nhttp://%1:%2").arg(localHostName()).arg(port);
-    for (const QString &address : localIPv4Addresses())
-        text += QStringLiteral("\nhttp://%1:%2").arg(address).arg(port);
+    for (const QString &address : localIPv4Addresses()) text += QStringLiteral("\nhttp://%1:%2").arg(address).arg(port);
     return text;
 }
 

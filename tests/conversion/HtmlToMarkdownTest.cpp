@@ -16,10 +16,7 @@ namespace {
 class HtmlToMarkdown : public test::Notebook
 {
 protected:
-    static void check(std::initializer_list<Case> cases)
-    {
-        test::check(tm_markdownifyHTML, cases);
-    }
+    static void check(std::initializer_list<Case> cases) { test::check(tm_markdownifyHTML, cases); }
 };
 
 } // namespace
@@ -42,7 +39,8 @@ TEST_F(HtmlToMarkdown, bodyAndWhatGoes)
 
 TEST_F(HtmlToMarkdown, inlineForms)
 {
-    check({{"strong and light", u"<b>  bold  </b><strong x>s</strong> <i>\ni </i><em>e</em>"_s, u"**bold****s** *i**e*"_s},
+    check({{"strong and light", u"<b>  bold  </b><strong x>s</strong> <i>\ni </i><em>e</em>"_s,
+            u"**bold****s** *i**e*"_s},
            {"over two lines it stays", u"<b>a\nb</b>"_s, u"<b>a\nb</b>"_s},
            {"empties and seams", u"<p>a<strong></strong><b><br></b></p><b>a</b><b>b</b>"_s, u"a\n**ab**"_s},
            {"strike", u"<strike>\na \n</strike><del x>b</del>"_s, u"~~a~~~~b~~"_s},
@@ -68,8 +66,7 @@ TEST_F(HtmlToMarkdown, lists)
             u"1. a\n3. c"_s},
            {"three deep", u"<ul><li>a<ol><li>b<ul><li>c</li></ul></li><li>d</li></ol></li><li>e</li></ul>"_s,
             u"- a\n    1. b\n        - c\n    2. d\n- e"_s},
-           {"a list beside its item", u"<ul><li>a</li><ol><li>b</li></ol><li>c</li></ul>"_s,
-            u"- a\n    1. b\n- c"_s},
+           {"a list beside its item", u"<ul><li>a</li><ol><li>b</li></ol><li>c</li></ul>"_s, u"- a\n    1. b\n- c"_s},
            {"only a nested list behind the last item", u"<ul><li>a</li><ul><li>b</li></ul></ul>"_s, u"- a\n    - b"_s},
            {"check boxes", u"<ul><li class=\"tm_checkbox\">a</li><li class=\"tm_checkbox_done\">b</li></ul>"_s,
             u"- [ ]\ta\n- [x]\tb"_s},
@@ -79,23 +76,26 @@ TEST_F(HtmlToMarkdown, lists)
 
 TEST_F(HtmlToMarkdown, blocks)
 {
-    check({{"headings", u"<h1 id=\"x\">A</h1>\n<p>t</p><h2>B</h2><h3>C</h3>"_s, u"# A\n\nt\n\n## B\n\n### C"_s},
-           {"headings in a row", u"<h1><h2>a</h2>"_s, u"#\n\n## a"_s},
-           {"quote, one marker", u"<blockquote><p>a</p><p>b</p></blockquote>"_s, u"> a\n\nb"_s},
-           {"quotes deepen", u"<blockquote>a<blockquote x>\nb</blockquote></blockquote>"_s, u"> a\n> > b"_s},
-           {"empty quote", u"a<blockquote></blockquote>b"_s, u"a\nb"_s},
-           {"table",
-            u"<table>\n<colgroup>\n<col>\n</colgroup>\n<thead>\n<tr>\n<th>A</th>\n<th style=\"text-align:right;\">B</th>\n"
-            "<th align=\"center\">C</th></tr>\n</thead>\n<tbody>\n<tr>\n<td>1</td>\n<td>2</td><td>3</td>\n</tr>\n</tbody>\n</table>"_s,
-            u"A | B | C\n ----------- | ----------: | :---------: \n1 | 2 | 3"_s},
-           {"definitions", u"<dl>\n<dt>T</dt><dd>D</dd></dl>"_s, u"T\n: D"_s},
-           {"paragraphs", u"<p></p><p class=\"x\">a</p><p>b</p>"_s, u"a\n\nb"_s},
-           {"a preformatted block is no paragraph", u"<pre>a</p></pre>"_s, u"<pre>a</p></pre>"_s}});
+    check(
+        {{"headings", u"<h1 id=\"x\">A</h1>\n<p>t</p><h2>B</h2><h3>C</h3>"_s, u"# A\n\nt\n\n## B\n\n### C"_s},
+         {"headings in a row", u"<h1><h2>a</h2>"_s, u"#\n\n## a"_s},
+         {"quote, one marker", u"<blockquote><p>a</p><p>b</p></blockquote>"_s, u"> a\n\nb"_s},
+         {"quotes deepen", u"<blockquote>a<blockquote x>\nb</blockquote></blockquote>"_s, u"> a\n> > b"_s},
+         {"empty quote", u"a<blockquote></blockquote>b"_s, u"a\nb"_s},
+         {"table",
+          u"<table>\n<colgroup>\n<col>\n</colgroup>\n<thead>\n<tr>\n<th>A</th>\n<th "
+          u"style=\"text-align:right;\">B</th>\n"
+          "<th align=\"center\">C</th></tr>\n</thead>\n<tbody>\n<tr>\n<td>1</td>\n<td>2</td><td>3</td>\n</tr>\n</tbody>\n</table>"_s,
+          u"A | B | C\n ----------- | ----------: | :---------: \n1 | 2 | 3"_s},
+         {"definitions", u"<dl>\n<dt>T</dt><dd>D</dd></dl>"_s, u"T\n: D"_s},
+         {"paragraphs", u"<p></p><p class=\"x\">a</p><p>b</p>"_s, u"a\n\nb"_s},
+         {"a preformatted block is no paragraph", u"<pre>a</p></pre>"_s, u"<pre>a</p></pre>"_s}});
 }
 
 TEST_F(HtmlToMarkdown, classBlocks)
 {
-    const QString page = u"<html><head><style type=\"text/css\">@tm_classes: note, red;</style></head><body>%1</body></html>"_s;
+    const QString page =
+        u"<html><head><style type=\"text/css\">@tm_classes: note, red;</style></head><body>%1</body></html>"_s;
     check({{"listed", page.arg(u"<div class=\"note\">\n<p>a</p></div>"_s), u"> %note%\n\na"_s},
            {"paragraph", page.arg(u"<p class=\"red\"> a\t</p>b"_s), u"> %red%\na\nb"_s},
            {"not listed", page.arg(u"<div class=\"blue\">a</div>"_s), u"a"_s},
@@ -106,20 +106,20 @@ TEST_F(HtmlToMarkdown, classBlocks)
 
 TEST_F(HtmlToMarkdown, cleanedHtml)
 {
-    test::check(tm_htmlWithoutInlineStyles, {
-        {"styles go", u"<p class=\"\" style=\"color: red;\">a</p>"_s, u"<p>a</p>"_s},
-        {"backgrounds and preformatted spans stay",
-         u"<span style=\"background-color: red\">a</span><b style=\"white-space:pre\">b</b>"_s,
-         u"<span style=\"background-color: red\">a</span><b style=\"white-space:pre\">b</b>"_s},
-        {"bare spans", u"<span>a</span><span style=\"color: inherit;\">b</span>"_s, u"ab"_s},
-        {"layout", u"a<h2>b</h2><p>c</p><ul><li>d</li></ul>e<br>f<br></b>"_s,
-         u"a\n\n<h2>b</h2>\n\n<p>c</p>\n\n<ul>\n<li>d</li>\n</ul>e<br>\nf<br></b>"_s},
-        {"blanks", u"a<span class=\"Apple-converted-space\">&nbsp;</span>b&nbsp;c"_s, u"a b c"_s},
-        {"nothing to see", u"a<img alt=\"\" src=\"\"><o:p></o:p><P></P>"_s, u"a"_s},
-        {"double containers", u"<div class=\"x\"> <div>a</div> </div>"_s, u"<div class=\"x\"> a</div>"_s},
-        {"with attributes on both", u"<div a><div b>x</div></div>"_s, u"<div a><div b>x</div></div>"_s},
-        {"one paragraph in a class block", u"<div class=\"x\"><p>a</p></div>"_s, u"<div class=\"x\">a</div>"_s}
-    });
+    test::check(
+        tm_htmlWithoutInlineStyles,
+        {{"styles go", u"<p class=\"\" style=\"color: red;\">a</p>"_s, u"<p>a</p>"_s},
+         {"backgrounds and preformatted spans stay",
+          u"<span style=\"background-color: red\">a</span><b style=\"white-space:pre\">b</b>"_s,
+          u"<span style=\"background-color: red\">a</span><b style=\"white-space:pre\">b</b>"_s},
+         {"bare spans", u"<span>a</span><span style=\"color: inherit;\">b</span>"_s, u"ab"_s},
+         {"layout", u"a<h2>b</h2><p>c</p><ul><li>d</li></ul>e<br>f<br></b>"_s,
+          u"a\n\n<h2>b</h2>\n\n<p>c</p>\n\n<ul>\n<li>d</li>\n</ul>e<br>\nf<br></b>"_s},
+         {"blanks", u"a<span class=\"Apple-converted-space\">&nbsp;</span>b&nbsp;c"_s, u"a b c"_s},
+         {"nothing to see", u"a<img alt=\"\" src=\"\"><o:p></o:p><P></P>"_s, u"a"_s},
+         {"double containers", u"<div class=\"x\"> <div>a</div> </div>"_s, u"<div class=\"x\"> a</div>"_s},
+         {"with attributes on both", u"<div a><div b>x</div></div>"_s, u"<div a><div b>x</div></div>"_s},
+         {"one paragraph in a class block", u"<div class=\"x\"><p>a</p></div>"_s, u"<div class=\"x\">a</div>"_s}});
     // The first opening and the last closing paragraph tag go; the seam between them stays.
     EXPECT_EQ(tm_removeParagraphsNestedInCustomClasses(u"<div class=\"x\">\n<p>a</p>\n<p>b</p>\n</div>"_s),
               u"<div class=\"x\">a</p>\n<p>b</div>"_s);

@@ -20,8 +20,7 @@ namespace {
 QString randomText(std::mt19937 &random, const QStringList &pieces)
 {
     QString text;
-    for (auto left = random() % 24; left > 0; --left)
-        text += pieces[qsizetype(random() % size_t(pieces.size()))];
+    for (auto left = random() % 24; left > 0; --left) text += pieces[qsizetype(random() % size_t(pieces.size()))];
     return text;
 }
 
@@ -54,8 +53,8 @@ TEST_F(NestedElements, areRewrittenAsByThePlainLoop)
     const Nests kinds[] = {
         {"paragraphs",
          test::plainParagraphs,
-         {u"<p>"_s, u"</p>"_s, u"<p class>"_s, u"<pre>"_s, u"<p\u00e9>"_s, words, u"<"_s, u"p>"_s, u"</"_s,
-          u"<p"_s, u"\n"_s}},
+         {u"<p>"_s, u"</p>"_s, u"<p class>"_s, u"<pre>"_s, u"<p\u00e9>"_s, words, u"<"_s, u"p>"_s, u"</"_s, u"<p"_s,
+          u"\n"_s}},
         {"links",
          test::plainLinks,
          {u"<a "_s, u"href=\"u\""_s, u">"_s, u"</a>"_s, u"<a href=\"x-apple:\">"_s, u"<a x href=\"</a>\">"_s,
@@ -65,24 +64,21 @@ TEST_F(NestedElements, areRewrittenAsByThePlainLoop)
          test::plainImages,
          {u"<img"_s, u" src=\"s)\""_s, u">"_s, u"<img alt>"_s, u" src=\"<img\""_s, u"<"_s, u"img"_s,
           u" src=\""_s + root + u"\""_s}},
-        {"tables",
-         test::plainTables,
-         {u"<table>"_s, u"</table>"_s, u"<table b>"_s, words,         words,           u"<tr>"_s,
-          u"<td>"_s,    u"</td>"_s,    u"</tr>"_s,     u"<thead>"_s,  u"</thead>"_s,   u"<th right>"_s,
-          u"<th>"_s,    u"</th>"_s,    u"<tbody>"_s,   u"</tbody>"_s, u"<colgroup>"_s, u"</colgroup>"_s,
-          u"\n"_s,      u"|"_s,        u" "_s,         u"a < b"_s}},
+        {"tables", test::plainTables, {u"<table>"_s,  u"</table>"_s,   u"<table b>"_s,   words,      words,
+                                       u"<tr>"_s,     u"<td>"_s,       u"</td>"_s,       u"</tr>"_s, u"<thead>"_s,
+                                       u"</thead>"_s, u"<th right>"_s, u"<th>"_s,        u"</th>"_s, u"<tbody>"_s,
+                                       u"</tbody>"_s, u"<colgroup>"_s, u"</colgroup>"_s, u"\n"_s,    u"|"_s,
+                                       u" "_s,        u"a < b"_s}},
         {"torn tables",
          test::plainTables,
-         {u"<table>"_s, u"</table>"_s, u"</table>"_s, words, words, u"<t"_s, u"</t"_s, u"<tbody>"_s,
-          u"able>"_s, u"d>"_s, u"<tr>"_s, u"<td "_s, u">"_s, u"<"_s, u"</thead>"_s, u"<th>"_s, u"x"_s,
-          u"< a"_s}},
+         {u"<table>"_s, u"</table>"_s, u"</table>"_s, words, words, u"<t"_s, u"</t"_s, u"<tbody>"_s, u"able>"_s,
+          u"d>"_s, u"<tr>"_s, u"<td "_s, u">"_s, u"<"_s, u"</thead>"_s, u"<th>"_s, u"x"_s, u"< a"_s}},
         {"definitions",
          test::plainDefinitionLists,
-         {u"<dl>"_s, u"</dl>"_s, u"<dl c>"_s, u"<dt>"_s, u"</dt>"_s, u"<dd>"_s, u"</dd>"_s, u"<dt"_s,
-          u"<dd "_s, u">"_s, words, words, u"<dlx>"_s}},
+         {u"<dl>"_s, u"</dl>"_s, u"<dl c>"_s, u"<dt>"_s, u"</dt>"_s, u"<dd>"_s, u"</dd>"_s, u"<dt"_s, u"<dd "_s, u">"_s,
+          words, words, u"<dlx>"_s}},
     };
-    for (const Nests &kind : kinds)
-        expectSame(kind);
+    for (const Nests &kind : kinds) expectSame(kind);
 }
 
 TEST(NestedRewrites, doubleContainersGoAsByThePlainLoop)
@@ -96,8 +92,7 @@ TEST(NestedRewrites, doubleContainersGoAsByThePlainLoop)
             const qsizetype opening = substring(text, found[0].group(1)).indexOf(u"<div>"_s);
             const qsizetype closing = substring(text, found[0].group(3)).lastIndexOf(u"</div>"_s);
             if (opening < 0 || closing < 0) return text;
-            text.remove(found[0].group(3).location + closing, 6)
-                .remove(found[0].group(1).location + opening, 5);
+            text.remove(found[0].group(3).location + closing, 6).remove(found[0].group(1).location + opening, 5);
         }
     };
     const QStringList pieces{u"<div>"_s, u"<div>"_s, u"</div>"_s, u"</div>"_s, u"<div x>"_s,
@@ -117,9 +112,7 @@ TEST(NestedRewrites, innermostGivesWhatThePlainLoopGives)
         if (content.isEmpty()) return QString();
         return QString(u"> "_s + content.trimmed().replace(u"\n> "_s, u"\n> > "_s));
     };
-    const auto list = [](const QString &name, const QString &content) {
-        return QString(u'(' + name + content + u')');
-    };
+    const auto list = [](const QString &name, const QString &content) { return QString(u'(' + name + content + u')'); };
     const struct
     {
         QStringList names, pieces;
@@ -127,13 +120,11 @@ TEST(NestedRewrites, innermostGivesWhatThePlainLoopGives)
         std::function<QString(const QString &, const QString &)> replacement;
     } rows[] = {
         {{u"blockquote"_s},
-         {u"<blockquote>"_s, u"</blockquote>"_s, u"\n"_s, u"> "_s, u"a"_s, u"<blockquote x>"_s, u"<"_s,
-          u"</"_s},
+         {u"<blockquote>"_s, u"</blockquote>"_s, u"\n"_s, u"> "_s, u"a"_s, u"<blockquote x>"_s, u"<"_s, u"</"_s},
          u"<(blockquote)>((?:(?!<blockquote)[\\s\\S])*?)</blockquote>"_s,
          quote},
         {{u"ul"_s, u"ol"_s},
-         {u"<ul>"_s, u"</ul>"_s, u"<ol>"_s, u"</ol>"_s, u"<li>"_s, u"</li>"_s, u"<ultra>"_s, u"x"_s, u"<"_s,
-          u"ul>"_s},
+         {u"<ul>"_s, u"</ul>"_s, u"<ol>"_s, u"</ol>"_s, u"<li>"_s, u"</li>"_s, u"<ultra>"_s, u"x"_s, u"<"_s, u"ul>"_s},
          u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s,
          list},
     };
@@ -186,11 +177,11 @@ TEST_F(NestedElements, listsAreThoseOfThePlainLoop)
     std::mt19937 random(3);
     for (int round = 0; round < 8000; ++round) {
         const QString text = randomText(random, pieces) + randomText(random, pieces);
-        QString plain = test::loopOfFirstMatches(
-            text, u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s, PatternDotAll,
-            [](const PatternMatch &match, const QString &all) {
-                return plainList(substring(all, match.group(1)), substring(all, match.group(2)));
-            });
+        QString plain = test::loopOfFirstMatches(text, u"<(ul|ol)>((?:(?!<ul|<ol)[\\s\\S])*?)</\\1>"_s, PatternDotAll,
+                                                 [](const PatternMatch &match, const QString &all) {
+                                                     return plainList(substring(all, match.group(1)),
+                                                                      substring(all, match.group(2)));
+                                                 });
         plain.replace(u"<li>"_s, u"- "_s).replace(u"</li>"_s, u"\n"_s);
         QString result = text;
         convertLists(result);
@@ -200,19 +191,18 @@ TEST_F(NestedElements, listsAreThoseOfThePlainLoop)
 
 TEST_F(NestedElements, quotesAreThoseOfThePlainLoop)
 {
-    const QStringList pieces{
-        u"<blockquote>"_s, u"</blockquote>"_s, u"x"_s, u"\n"_s, u"\n> "_s, u"> "_s, u" "_s};
+    const QStringList pieces{u"<blockquote>"_s, u"</blockquote>"_s, u"x"_s, u"\n"_s, u"\n> "_s, u"> "_s, u" "_s};
     std::mt19937 random(4);
     for (int round = 0; round < 8000; ++round) {
         const QString text = randomText(random, pieces) + randomText(random, pieces);
-        const QString plain = test::loopOfFirstMatches(
-            regexSweep(text, u"<blockquote( .*?)?>\\n*"_s, u"\n<blockquote>"_s),
-            u"<blockquote>((?:(?!<blockquote)[\\s\\S])*?)</blockquote>"_s, 0,
-            [](const PatternMatch &match, const QString &all) {
-                const QString content = substring(all, match.group(1));
-                if (content.isEmpty()) return QString();
-                return QString(u"> "_s + content.trimmed().replace(u"\n> "_s, u"\n> > "_s));
-            });
+        const QString plain =
+            test::loopOfFirstMatches(regexSweep(text, u"<blockquote( .*?)?>\\n*"_s, u"\n<blockquote>"_s),
+                                     u"<blockquote>((?:(?!<blockquote)[\\s\\S])*?)</blockquote>"_s, 0,
+                                     [](const PatternMatch &match, const QString &all) {
+                                         const QString content = substring(all, match.group(1));
+                                         if (content.isEmpty()) return QString();
+                                         return QString(u"> "_s + content.trimmed().replace(u"\n> "_s, u"\n> > "_s));
+                                     });
         QString result = text;
         convertQuotes(result);
         ASSERT_EQ(result, plain) << text.toStdString();
@@ -223,8 +213,7 @@ TEST_F(NestedElements, quotesAreThoseOfThePlainLoop)
 TEST(NestedRewrites, closingTagsThatFreeOneAnotherNeedNoStack)
 {
     const QString hostile = u"<ul>"_s + u"<ol></ul><ul></ol>"_s.repeated(50000) + u"</ul>"_s;
-    const QString result =
-        replaceInnermost(hostile, {u"ul"_s, u"ol"_s},
-                         [](const QString &, const QString &content) { return content.right(5); });
+    const QString result = replaceInnermost(hostile, {u"ul"_s, u"ol"_s},
+                                            [](const QString &, const QString &content) { return content.right(5); });
     EXPECT_FALSE(result.contains(u"<ul>"));
 }

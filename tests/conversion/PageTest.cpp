@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Whole pages with either engine, and what is done to the engines' output.
+#include "conversion/Page.h"
 #include "conversion/Discount.h"
 #include "conversion/MarkdownToHtml.h"
-#include "conversion/Page.h"
 #include "conversion/PageReferences.h"
 #include "conversion/TextUtilities.h"
 #include "foundation/Platform.h"
@@ -25,10 +25,7 @@ protected:
     Page() { set(u"useMarkdownStrictly"_s, true); }
     static void set(const QString &key, const QVariant &value) { settings().setObject(key, value); }
     static QString bodyOf(const QString &pathOrText) { return tm_getInnerHTML(tm_markdownToHTML(pathOrText)); }
-    static void check(std::initializer_list<Case> cases)
-    {
-        test::check(bodyOf, cases);
-    }
+    static void check(std::initializer_list<Case> cases) { test::check(bodyOf, cases); }
 };
 
 } // namespace
@@ -41,9 +38,11 @@ TEST_F(Page, frame)
     const QString head = u"<!DOCTYPE html>\n<html xmlns=\"http://www.w3.org/1999/xhtml\" >\n<head>\n"
                          "  <!-- Generator: Tomelet for Mac "_s;
     EXPECT_TRUE(page.startsWith(head)) << page.left(200).toStdString();
-    EXPECT_TRUE(page.contains(u" -->\n  <title>A <em>b</em></title>\n  <meta http-equiv=\"Content-Type\" content=\"text/html; "
-                              "charset=utf-8\">\n<style type=\"text/css\">"_s));
-    EXPECT_TRUE(page.endsWith(u"</style>\n</head>\n<body>\n<h1 id=\"ab\">A <em>b</em></h1>\n\n<p>text</p>\n\n</body>\n</html>"_s))
+    EXPECT_TRUE(
+        page.contains(u" -->\n  <title>A <em>b</em></title>\n  <meta http-equiv=\"Content-Type\" content=\"text/html; "
+                      "charset=utf-8\">\n<style type=\"text/css\">"_s));
+    EXPECT_TRUE(page.endsWith(
+        u"</style>\n</head>\n<body>\n<h1 id=\"ab\">A <em>b</em></h1>\n\n<p>text</p>\n\n</body>\n</html>"_s))
         << page.right(200).toStdString();
     EXPECT_TRUE(tm_markdownToHTML(write(u"/B/other.md"_s, "text")).contains(u"<title>other</title>"_s));
     EXPECT_EQ(bodyOf(at(u"/B/missing\n"_s)), u"<p>"_s + at(u"/B/missing"_s) + u"</p>"_s);
@@ -66,8 +65,8 @@ TEST_F(Page, titles)
 {
     set(u"MarkdownConverter"_s, 1);
     const std::pair<const char *, const char *> rows[] = {
-        {"Plan\nmore", "<h1 id=\"plan\">Plan</h1>"}, {"Plan", "<p>Plan</p>"},     {"\nPlan\nx", "<p>Plan"},
-        {"# Plan\nx", "<h1 id=\"plan\">Plan</h1>"},  {"plan\nx", "<p>plan"},      {"%Plan\nx", "<p>%Plan"},
+        {"Plan\nmore", "<h1 id=\"plan\">Plan</h1>"},          {"Plan", "<p>Plan</p>"}, {"\nPlan\nx", "<p>Plan"},
+        {"# Plan\nx", "<h1 id=\"plan\">Plan</h1>"},           {"plan\nx", "<p>plan"},  {"%Plan\nx", "<p>%Plan"},
         {"_Plan_\nx", "<h1 id=\"_plan_\"><em>Plan</em></h1>"}};
     for (const auto &[text, wanted] : rows) {
         const QString body = bodyOf(write(u"/Plan.md"_s, text));
@@ -106,8 +105,10 @@ TEST_F(Page, diagrams)
 {
     set(u"MarkdownConverter"_s, 1);
     const QString body = bodyOf(u"a\n\n```mermaid\ngraph\n```\n"_s);
-    EXPECT_TRUE(body.contains(u"/npm/mermaid/dist/mermaid.min.js'></script>\n<script>mermaid.initialize({\tstartOnLoad:true,\t"
-                              "theme:'default',   look: 'handDrawn',});</script>"_s)) << body.toStdString();
+    EXPECT_TRUE(
+        body.contains(u"/npm/mermaid/dist/mermaid.min.js'></script>\n<script>mermaid.initialize({\tstartOnLoad:true,\t"
+                      "theme:'default',   look: 'handDrawn',});</script>"_s))
+        << body.toStdString();
     set(u"darkTheme"_s, true);
     EXPECT_TRUE(bodyOf(u"\n```mermaid\n```\n"_s).contains(u"theme:'dark'"_s));
 }
@@ -125,7 +126,8 @@ TEST_F(Page, whatAFileBrings)
     tm_setProperty(path, QStringList{u"/B/gone.md"_s}, u"Backlinks"_s);
     EXPECT_FALSE(bodyOf(path).contains(u"<hr"_s));
     tm_setProperty(path, QStringList{u"/B/o.md"_s, u"/B/gone.md"_s, u"/B/o.md"_s}, u"Backlinks"_s);
-    EXPECT_TRUE(bodyOf(path).endsWith(u"<hr class=\"tm_backlinks\">\n<ul>\n<li><a href=\"../o.md\">o.md</a></li>\n</ul>"_s))
+    EXPECT_TRUE(
+        bodyOf(path).endsWith(u"<hr class=\"tm_backlinks\">\n<ul>\n<li><a href=\"../o.md\">o.md</a></li>\n</ul>"_s))
         << bodyOf(path).toStdString();
     // The converter of a book holds for its documents.
     tm_setProperty(at(u"/B"_s), u"0"_s, u"MarkdownConverter"_s);
@@ -139,7 +141,8 @@ TEST_F(Page, discountEngine)
            {"tasks leave other blanks alone", u"- [ ] a\n\nb **c** d"_s,
             u"<ul>\n<li class=\"tm_checkbox\">a</li>\n</ul>\n\n\n<p>b <strong>c</strong> d</p>"_s},
            {"title block", u"% T\n% A\n% D\n\ntext\n"_s,
-            u"<div id=\"header\"><h1 class=\"title\">T</h1>\n<h2 class=\"author\">A</h2>\n<h3 class=\"date\">D</h3></div>\n"
+            u"<div id=\"header\"><h1 class=\"title\">T</h1>\n<h2 class=\"author\">A</h2>\n<h3 "
+            u"class=\"date\">D</h3></div>\n"
             "<hr class=\"invisible-pagebreak\">\n<p>text</p>"_s},
            {"class block", u">%note%\n> a\n"_s, u"<div class=\"note\">a</div>"_s},
            {"anchor", u"# T [x]\n\na"_s, u"<h1 id=\"T-\"><span id=\"x\">T </span></h1>\n\n<p>a</p>"_s},
@@ -191,7 +194,8 @@ TEST_F(Page, references)
     for (const auto &row : rows) {
         const QString html = u"<a class=\"x\" href=\"%1\">"_s;
         EXPECT_EQ(tm_makeTMLinksRelativeTo(html.arg(row.value), root + u"/C"_s), html.arg(row.relative));
-        EXPECT_EQ(tm_makeReferencesAbsoluteToTMRoot(html.arg(row.value), root + u"/C/n.md"_s), html.arg(row.normalized));
+        EXPECT_EQ(tm_makeReferencesAbsoluteToTMRoot(html.arg(row.value), root + u"/C/n.md"_s),
+                  html.arg(row.normalized));
     }
 }
 

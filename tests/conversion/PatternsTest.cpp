@@ -10,8 +10,7 @@
 using namespace tomelet;
 using namespace Qt::StringLiterals;
 
-static std::string rangesOf(const QString &text, const QString &pattern, int options = 0,
-                            Range range = wholeRange)
+static std::string rangesOf(const QString &text, const QString &pattern, int options = 0, Range range = wholeRange)
 {
     QString result;
     const PatternMatches matches = matchesOfPattern(text, pattern, options, range);
@@ -65,20 +64,17 @@ TEST(Patterns, rangesFlagsAndBorders)
 TEST(Patterns, rewritesFromTheLastMatchToTheFirst)
 {
     QString text = u"[a](1) and [bb](22)"_s, order;
-    const size_t count = rewriteEachMatch(
-        text, u"\\[(\\w+)\\]\\((\\d+)\\)"_s, 0, [&](const PatternMatch &match, QString &working) {
+    const size_t count =
+        rewriteEachMatch(text, u"\\[(\\w+)\\]\\((\\d+)\\)"_s, 0, [&](const PatternMatch &match, QString &working) {
             order += substring(working, match.group(1));
-            replaceGroups(
-                working, match,
-                {{1, u"<"_s + substring(working, match.group(1)) + u">"_s}, {2, u"longer"_s}, {9, u"no"_s}});
+            replaceGroups(working, match,
+                          {{1, u"<"_s + substring(working, match.group(1)) + u">"_s}, {2, u"longer"_s}, {9, u"no"_s}});
             working += u'+';
         });
     EXPECT_EQ(count, 2u);
     EXPECT_EQ(order, u"bba"_s);
     EXPECT_EQ(text, u"[<a>](longer) and [<bb>](longer)++"_s);
-    EXPECT_EQ(
-        rewriteEachMatch(text, u"("_s, 0, [](const PatternMatch &, QString &working) { working.clear(); }),
-        0u);
+    EXPECT_EQ(rewriteEachMatch(text, u"("_s, 0, [](const PatternMatch &, QString &working) { working.clear(); }), 0u);
 
     // A callback may use the same pattern on another text.
     QString outer = u"1 2"_s;
@@ -110,8 +106,7 @@ TEST(Patterns, sweepsByTemplate)
         {"empty text", u""_s, u"^"_s, u"x"_s, u""_s},
         {"no pattern", u"a"_s, u"["_s, u"x"_s, u"a"_s},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(regexSweep(row.text, row.pattern, row.replacement), row.wanted) << row.name;
+    for (const auto &row : rows) EXPECT_EQ(regexSweep(row.text, row.pattern, row.replacement), row.wanted) << row.name;
 }
 
 TEST(Patterns, compiledOnceForAllThreads)
@@ -125,8 +120,7 @@ TEST(Patterns, compiledOnceForAllThreads)
                 for (int options : {0, 1})
                     found += matchesOfPattern(u"once Twice"_s, u"\\bt?\\w+ce\\b"_s, options).size();
         });
-    for (std::thread &thread : threads)
-        thread.join();
+    for (std::thread &thread : threads) thread.join();
     EXPECT_EQ(found, 8u * 200u * 4u);
     EXPECT_EQ(patternCache().compileCount(), before + 2);
 }

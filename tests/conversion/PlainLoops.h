@@ -75,10 +75,8 @@ inline QString plainTable(const PatternMatch &match, const QString &text)
 inline QString plainDefinitions(const PatternMatch &match, const QString &text)
 {
     QString list = substring(text, match.group(1));
-    for (const auto &[pattern, to] : {std::pair{u"<dt.*?>"_s, u"\n"_s},
-                                      {u"</dt>"_s, u"\n"_s},
-                                      {u"<dd.*?>"_s, u": "_s},
-                                      {u"</dd>"_s, u"\n"_s}})
+    for (const auto &[pattern, to] :
+         {std::pair{u"<dt.*?>"_s, u"\n"_s}, {u"</dt>"_s, u"\n"_s}, {u"<dd.*?>"_s, u": "_s}, {u"</dd>"_s, u"\n"_s}})
         list = regexSweep(list, pattern, to, PatternDotAll);
     return u'\n' + list + u'\n';
 }
@@ -100,7 +98,6 @@ inline const PlainLoop plainParagraphs{convertParagraphs, u"<p\\b.*?>(.*?)</p>"_
 inline const PlainLoop plainLinks{convertLinks, u"<a [^>]*?href=\"(.+?)\".*?>(.*?)</a>"_s, plainLink};
 inline const PlainLoop plainImages{convertImages, u"<img[^>]* src=\"(.+?)\".*?>"_s, plainImage};
 inline const PlainLoop plainTables{convertTables, u"<table.*?>(.*?)</table>"_s, plainTable};
-inline const PlainLoop plainDefinitionLists{convertDefinitionLists, u"<dl\\b.*?>(.*?)</dl>"_s,
-                                            plainDefinitions};
+inline const PlainLoop plainDefinitionLists{convertDefinitionLists, u"<dl\\b.*?>(.*?)</dl>"_s, plainDefinitions};
 
 } // namespace tomelet::test

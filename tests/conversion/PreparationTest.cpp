@@ -26,7 +26,8 @@ protected:
 
     void check(std::initializer_list<Case> cases, int converter)
     {
-        test::check([converter](const QString &text) { return tm_stringPreparedForConversionWith(text, converter); }, cases);
+        test::check([converter](const QString &text) { return tm_stringPreparedForConversionWith(text, converter); },
+                    cases);
     }
 };
 
@@ -41,21 +42,19 @@ QString listed(const QString &text)
 
 TEST(CodeRanges, whatCountsAsCode)
 {
-    test::check(listed, {
-        {"fence", u"a\n```x\nb\n```\nc"_s, u"\n```x\nb\n```"_s},
-        {"a fence on the first line is none", u"```\nb\n```\n"_s, u""_s},
-        {"behind a capital A it is one", u"A```\nb\n```"_s, u"A```\nb\n```"_s},
-        {"tildes, indented", u"\n   ~~~~\nb\n  ~~~~\n"_s, u"\n   ~~~~\nb\n  ~~~~"_s},
-        {"bars", u"\n|||\nb\n|||"_s, u"\n|||\nb\n|||"_s},
-        {"four blanks are too many", u"\n    ~~~\nb\n    ~~~\n"_s, u""_s},
-        {"closed by another run", u"\n~~~~\nb\n~~~\n"_s, u""_s},
-        {"unclosed", u"\n~~~\nb\n"_s, u""_s},
-        {"inline with its neighbours", u"x `a` y"_s, u" `a` "_s},
-        {"inline at the start", u"`a` y"_s, u""_s},
-        {"inline at the end", u"x `a`"_s, u""_s},
-        {"neighbours are used up", u" `a` `b` `c` "_s, u" `a` #b` `c"_s},
-        {"inline over lines", u"x `a\n\nb` y"_s, u" `a\n\nb` "_s}
-    });
+    test::check(listed, {{"fence", u"a\n```x\nb\n```\nc"_s, u"\n```x\nb\n```"_s},
+                         {"a fence on the first line is none", u"```\nb\n```\n"_s, u""_s},
+                         {"behind a capital A it is one", u"A```\nb\n```"_s, u"A```\nb\n```"_s},
+                         {"tildes, indented", u"\n   ~~~~\nb\n  ~~~~\n"_s, u"\n   ~~~~\nb\n  ~~~~"_s},
+                         {"bars", u"\n|||\nb\n|||"_s, u"\n|||\nb\n|||"_s},
+                         {"four blanks are too many", u"\n    ~~~\nb\n    ~~~\n"_s, u""_s},
+                         {"closed by another run", u"\n~~~~\nb\n~~~\n"_s, u""_s},
+                         {"unclosed", u"\n~~~\nb\n"_s, u""_s},
+                         {"inline with its neighbours", u"x `a` y"_s, u" `a` "_s},
+                         {"inline at the start", u"`a` y"_s, u""_s},
+                         {"inline at the end", u"x `a`"_s, u""_s},
+                         {"neighbours are used up", u" `a` `b` `c` "_s, u" `a` #b` `c"_s},
+                         {"inline over lines", u"x `a\n\nb` y"_s, u" `a\n\nb` "_s}});
     const QList<Range> ranges{{2, 5}, {4, 10}};
     EXPECT_TRUE(tm_textCheckingResultsIntersectResult(ranges, {2, 5}));
     EXPECT_TRUE(tm_textCheckingResultsIntersectResult(ranges, {6, 8}));
@@ -153,16 +152,15 @@ TEST_F(Preparation, formsForTheOwnEngine)
 
 TEST_F(Preparation, linesBreak)
 {
-    test::check(tm_makeEveryNewlineaLinebreak, {
-        {"plain", u"a\nb"_s, u"a  \nb  \n"_s},
-        {"line ends", u"a\r\nb\rc\n"_s, u"a  \nb  \nc  \n\n"_s},
-        {"fence", u"```\nx\n```\ny"_s, u"```\nx\n```  \ny  \n"_s},
-        {"fences of both kinds flip one state", u"```\n~~~\nx"_s, u"```\n~~~  \nx  \n"_s},
-        {"class blocks", u">%a%\n> %b%\n> c"_s, u">%a%\n> %b%\n> c  \n"_s},
-        {"rules", u"---\n--\n- -"_s, u"---\n--  \n- -  \n"_s},
-        {"endings", u"a<-\nb#\nc=\nd  \ne"_s, u"a<-\nb#\nc=\nd  \ne  \n"_s},
-        {"nothing", u""_s, u"\n"_s}
-    });
+    test::check(tm_makeEveryNewlineaLinebreak,
+                {{"plain", u"a\nb"_s, u"a  \nb  \n"_s},
+                 {"line ends", u"a\r\nb\rc\n"_s, u"a  \nb  \nc  \n\n"_s},
+                 {"fence", u"```\nx\n```\ny"_s, u"```\nx\n```  \ny  \n"_s},
+                 {"fences of both kinds flip one state", u"```\n~~~\nx"_s, u"```\n~~~  \nx  \n"_s},
+                 {"class blocks", u">%a%\n> %b%\n> c"_s, u">%a%\n> %b%\n> c  \n"_s},
+                 {"rules", u"---\n--\n- -"_s, u"---\n--  \n- -  \n"_s},
+                 {"endings", u"a<-\nb#\nc=\nd  \ne"_s, u"a<-\nb#\nc=\nd  \ne  \n"_s},
+                 {"nothing", u""_s, u"\n"_s}});
     settings().remove(u"useMarkdownStrictly"_s);
     settings().setObject(u"ignoreCommentsForWordCount"_s, true);
     check({{"comments, then breaks", u"a\n// c\nb"_s, u"a  \nb  \n"_s}}, 7);
@@ -170,15 +168,14 @@ TEST_F(Preparation, linesBreak)
 
 TEST(WikiLinks, becomeMarkdownLinks)
 {
-    test::check(tm_makeWikiLinksMarkdownLinks, {
-        {"name", u"[[Book/Other Note.md]]"_s, u"[Other Note](Book/Other%20Note.md)"_s},
-        {"title, not trimmed", u"[[Note.md | so]]"_s, u"[ so](Note.md)"_s},
-        {"anchor as title", u"[[Note.md|#Intro]]"_s, u"[Intro](Note.md)"_s},
-        {"item address", u"[[tomelet://show/B/n.md]]"_s, u"[n](/B/n.md)"_s},
-        {"in code", u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s, u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s},
-        {"escaped", u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s, u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s},
-        {"a back tick behind on the line", u"[[n]] `x"_s, u"[[n]] `x"_s}
-    });
+    test::check(tm_makeWikiLinksMarkdownLinks,
+                {{"name", u"[[Book/Other Note.md]]"_s, u"[Other Note](Book/Other%20Note.md)"_s},
+                 {"title, not trimmed", u"[[Note.md | so]]"_s, u"[ so](Note.md)"_s},
+                 {"anchor as title", u"[[Note.md|#Intro]]"_s, u"[Intro](Note.md)"_s},
+                 {"item address", u"[[tomelet://show/B/n.md]]"_s, u"[n](/B/n.md)"_s},
+                 {"in code", u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s, u"a `[[n]]` b\n\n```\n[[n]]\n```\n"_s},
+                 {"escaped", u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s, u"\\[[n]] .[[n]] *[[n]] |[[n]]"_s},
+                 {"a back tick behind on the line", u"[[n]] `x"_s, u"[[n]] `x"_s}});
 }
 
 // -- the shortcut in finding code anew --------------------------------------------------------------------------------
@@ -189,7 +186,9 @@ namespace {
 class PlainSteps
 {
 public:
-    explicit PlainSteps(QString source) : text(std::move(source)) {}
+    explicit PlainSteps(QString source)
+        : text(std::move(source))
+    {}
 
     void step(const QString &pattern, int options, const std::function<void(const PatternMatch &)> &change)
     {
@@ -217,8 +216,7 @@ public:
             const QString target = substring(text, match.group(2));
             if (target.startsWith(u"id:"))
                 replaceRange(text, match.range(), u"<span id=\"%1\">%2</span>"_s.arg(target.mid(3).trimmed(), label));
-            else
-                replaceRange(text, match.group(2), tm_pathEscapedForMarkdownLink(target));
+            else replaceRange(text, match.group(2), tm_pathEscapedForMarkdownLink(target));
         });
     }
 
@@ -253,10 +251,11 @@ public:
 
 TEST_F(Preparation, theShortcutChangesNothing)
 {
-    const QStringList pieces{u"`"_s, u"```"_s, u"~~~"_s, u"\n"_s, u"\n```\n"_s, u"^[a]"_s, u"==b== "_s, u"[c](id:x)"_s,
-                             u"[`](id:y)"_s, u"[](id:)"_s, u"[A](id:|||)"_s, u"=="_s, u"^["_s, u"]"_s, u" "_s, u"A"_s, u"x"_s,
-                             u"\\"_s, u"[d](id: )"_s,
-                             u"[e](`)"_s, u"[f](a`b`c)"_s, u"[g]( ``` )"_s};
+    const QStringList pieces{u"`"_s,           u"```"_s,       u"~~~"_s,       u"\n"_s,        u"\n```\n"_s,
+                             u"^[a]"_s,        u"==b== "_s,    u"[c](id:x)"_s, u"[`](id:y)"_s, u"[](id:)"_s,
+                             u"[A](id:|||)"_s, u"=="_s,        u"^["_s,        u"]"_s,         u" "_s,
+                             u"A"_s,           u"x"_s,         u"\\"_s,        u"[d](id: )"_s, u"[e](`)"_s,
+                             u"[f](a`b`c)"_s,  u"[g]( ``` )"_s};
     std::mt19937 random(1);
     for (int round = 0; round < 20000; ++round) {
         QString text;

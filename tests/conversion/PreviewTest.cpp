@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Previews of every kind of file, and the style inside documents on disk.
+#include "conversion/Preview.h"
 #include "conversion/EmbeddedStyle.h"
 #include "conversion/FontFaces.h"
-#include "conversion/Preview.h"
 #include "foundation/FileOperations.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
@@ -98,14 +98,17 @@ TEST_F(Preview, portableDocuments)
 
 TEST_F(Preview, embeddedStyle)
 {
-    const QString path = write(u"/n.html"_s, "<!-- Plain Text Representation:\na \n-->\n\n<!DOCTYPE html>\n<html><head></head>"
-                                             "<body>\n<p>a</p>\n</body></html>");
+    const QString path =
+        write(u"/n.html"_s, "<!-- Plain Text Representation:\na \n-->\n\n<!DOCTYPE html>\n<html><head></head>"
+                            "<body>\n<p>a</p>\n</body></html>");
     int posts = 0;
-    const auto watching = notifications().observe(u"TMLTFileModifiedOnDiskNotification"_s, [&](const QVariantMap &) { ++posts; });
+    const auto watching =
+        notifications().observe(u"TMLTFileModifiedOnDiskNotification"_s, [&](const QVariantMap &) { ++posts; });
     tm_applyCurrentStyle(path);
     EXPECT_EQ(posts, 1);
     const QByteArray once = read(u"/n.html"_s);
-    EXPECT_TRUE(once.startsWith("<!-- Plain Text Representation:\na \n-->\n\n<!DOCTYPE html>\n<html xmlns")) << once.toStdString();
+    EXPECT_TRUE(once.startsWith("<!-- Plain Text Representation:\na \n-->\n\n<!DOCTYPE html>\n<html xmlns"))
+        << once.toStdString();
     EXPECT_TRUE(once.contains("<title>n</title>"));
     EXPECT_TRUE(once.endsWith("<body>\n<p>a</p>\n</body>\n</html>"));
     (void)write(u"/n.html"_s, QByteArray(once).replace("Tomelet for Mac ", "Tomelet for Mac 0."));
@@ -117,8 +120,9 @@ TEST_F(Preview, embeddedStyle)
 
 TEST_F(Preview, outlines)
 {
-    const QByteArray outline = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opml version=\"2.0\"><head><title>Plan</title></head>"
-                               "<body><outline text=\"one &amp; all\"><outline text=\"two\"/></outline></body></opml>";
+    const QByteArray outline =
+        "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opml version=\"2.0\"><head><title>Plan</title></head>"
+        "<body><outline text=\"one &amp; all\"><outline text=\"two\"/></outline></body></opml>";
     EXPECT_EQ(of(u"/o.opml"_s, outline), u"Plan\n- one & all\n- two"_s);
     EXPECT_EQ(of(u"/Plan.opml"_s, outline), u"- one & all\n- two"_s);
     EXPECT_EQ(of(u"/p.opml"_s, "no outline"), QString());
@@ -127,22 +131,27 @@ TEST_F(Preview, outlines)
 TEST(FontFaces, filesOfFaces)
 {
     const std::pair<QString, QStringList> rows[] = {
-        {u"Montserrat-Light"_s, {u"Montserrat-Light.otf"_s, u"Montserrat-Regular.otf"_s, u"Montserrat-LightItalic.otf"_s,
-                                 u"Montserrat-Italic.otf"_s}},
-        {u"Vollkorn-Regular"_s, {u"Vollkorn-Regular.ttf"_s, u"Vollkorn-Bold.ttf"_s, u"Vollkorn-Italic.ttf"_s,
-                                 u"Vollkorn-BoldItalic.ttf"_s}},
+        {u"Montserrat-Light"_s,
+         {u"Montserrat-Light.otf"_s, u"Montserrat-Regular.otf"_s, u"Montserrat-LightItalic.otf"_s,
+          u"Montserrat-Italic.otf"_s}},
+        {u"Vollkorn-Regular"_s,
+         {u"Vollkorn-Regular.ttf"_s, u"Vollkorn-Bold.ttf"_s, u"Vollkorn-Italic.ttf"_s, u"Vollkorn-BoldItalic.ttf"_s}},
         {u"CMUSerif-Roman"_s, {u"cmunrm.ttf"_s, u"cmunbx.ttf"_s, u"cmunti.ttf"_s, u"cmunbi.ttf"_s}},
         {u"Muli-BoldItalic"_s, {u"Muli Bold Italic.ttf"_s}},
         {u"TypeWritersSubstitute-Black"_s, {u"TypeWritersSubstitute-Oblique.ttf"_s}},
         {u"Merriweather-Bold"_s, {u"Merriweather-Bold.otf"_s}},
         {u"Lexend Deca"_s, {u"Lexend Deca.ttf"_s}},
     };
-    for (const auto &[face, files] : rows) EXPECT_EQ(tm_fontsToIncludeForFace(face, true).mid(1), files) << face.toStdString();
+    for (const auto &[face, files] : rows)
+        EXPECT_EQ(tm_fontsToIncludeForFace(face, true).mid(1), files) << face.toStdString();
     EXPECT_EQ(tm_fontsToIncludeForFace(u"Nobody"_s, true), QStringList());
     EXPECT_EQ(tm_fontsToIncludeForFace(u"Inconsolata"_s, true).first(),
               u"@font-face {\n\tfont-family: Inconsolata;\nfont-style: normal;\nfont-weight: normal;\n"
               "src:url(\"../fonts/Inconsolata.otf\");\n}\n"_s);
-    EXPECT_TRUE(tm_fontsToIncludeForFace(u"Muli"_s, true).first().startsWith(
-        u"@font-face {\tfont-family: Muli;\tfont-style: normal; font-weight: normal;\tsrc:url(\"../fonts/Muli.ttf\");\t}\n"_s));
+    EXPECT_TRUE(
+        tm_fontsToIncludeForFace(u"Muli"_s, true)
+            .first()
+            .startsWith(
+                u"@font-face {\tfont-family: Muli;\tfont-style: normal; font-weight: normal;\tsrc:url(\"../fonts/Muli.ttf\");\t}\n"_s));
     EXPECT_TRUE(tm_fontsToIncludeForFace(u"Muli"_s, false).first().contains(u"url(\"file:///"_s));
 }

@@ -29,11 +29,9 @@ TEST(RegexLayer, findsMatchesAndGroups)
     EXPECT_EQ(arrayOfCaptureComponentsMatchedByRegex(text, pair),
               (QList<QStringList>{{u"k1=v1"_s, u"k1"_s, u"v1"_s}, {u"k2="_s, u"k2"_s, u""_s}}));
     const RegexKeysAndCaptures keys{{u"key"_s, 1}, {u"value"_s, 2}};
-    EXPECT_EQ(dictionaryByMatchingRegex(text, pair, keys),
-              (QVariantMap{{u"key"_s, u"k1"_s}, {u"value"_s, u"v1"_s}}));
-    EXPECT_EQ(
-        arrayOfDictionariesByMatchingRegex(text, pair, RKLNoOptions, wholeRange, nullptr, keys).value(1),
-        (QVariantMap{{u"key"_s, u"k2"_s}}));
+    EXPECT_EQ(dictionaryByMatchingRegex(text, pair, keys), (QVariantMap{{u"key"_s, u"k1"_s}, {u"value"_s, u"v1"_s}}));
+    EXPECT_EQ(arrayOfDictionariesByMatchingRegex(text, pair, RKLNoOptions, wholeRange, nullptr, keys).value(1),
+              (QVariantMap{{u"key"_s, u"k2"_s}}));
 }
 
 TEST(RegexLayer, splitsAndReplaces)
@@ -46,11 +44,9 @@ TEST(RegexLayer, splitsAndReplaces)
     QString text = u"a1 b2 c3"_s;
     EXPECT_EQ(replaceOccurrencesOfRegex(text, u"(\\w)(\\d)"_s, u"$2$1\\$"_s, {3, 5}), 2);
     EXPECT_EQ(text, u"a1 2b$ 3c$"_s);
-    EXPECT_EQ(stringByReplacingOccurrencesOfRegex(u"x"_s.repeated(2000), u"x"_s, u"yy"_s),
-              u"y"_s.repeated(4000));
+    EXPECT_EQ(stringByReplacingOccurrencesOfRegex(u"x"_s.repeated(2000), u"x"_s, u"yy"_s), u"y"_s.repeated(4000));
     RKLError error;
-    EXPECT_EQ(stringByReplacingOccurrencesOfRegex(text, u"a"_s, u"$7"_s, RKLNoOptions, wholeRange, &error),
-              text);
+    EXPECT_EQ(stringByReplacingOccurrencesOfRegex(text, u"a"_s, u"$7"_s, RKLNoOptions, wholeRange, &error), text);
     EXPECT_EQ(error.description, u"The ICU library returned an unexpected error."_s);
     EXPECT_EQ(error.userInfo.value(RKLICURegexErrorName), u"U_INDEX_OUTOFBOUNDS_ERROR"_s);
     EXPECT_EQ(error.userInfo.value(RKLICURegexReplacementString), u"$7"_s);
@@ -69,14 +65,12 @@ TEST(RegexLayer, anEmptyTextHasNoMatches)
 TEST(RegexLayer, blocks)
 {
     QStringList seen;
-    enumerateStringsMatchedByRegex(
-        u"a1 b c3 d4"_s, u"(\\w)(\\d)?"_s, [&](const RegexMatch &match, bool &stop) {
-            seen.append(match.capturedStrings.join(u'|') +
-                        (match.capturedRanges[2].isFound() ? u""_s : u"?"_s));
-            // The same pattern on another text must not move this walk.
-            EXPECT_EQ(componentsMatchedByRegex(u"x1y"_s, u"(\\w)(\\d)?"_s).size(), 2);
-            stop = seen.size() == 3;
-        });
+    enumerateStringsMatchedByRegex(u"a1 b c3 d4"_s, u"(\\w)(\\d)?"_s, [&](const RegexMatch &match, bool &stop) {
+        seen.append(match.capturedStrings.join(u'|') + (match.capturedRanges[2].isFound() ? u""_s : u"?"_s));
+        // The same pattern on another text must not move this walk.
+        EXPECT_EQ(componentsMatchedByRegex(u"x1y"_s, u"(\\w)(\\d)?"_s).size(), 2);
+        stop = seen.size() == 3;
+    });
     EXPECT_EQ(seen, (QStringList{u"a1|a|1"_s, u"b|b|?"_s, u"c3|c|3"_s}));
     seen.clear();
     enumerateStringsSeparatedByRegex(u"a--b-c"_s, u"-+"_s, [&](const RegexMatch &match, bool &) {
@@ -85,11 +79,10 @@ TEST(RegexLayer, blocks)
     EXPECT_EQ(seen, (QStringList{u"a{0, 1}"_s, u"b{3, 1}"_s, u"c{5, 1}"_s}));
 
     QString text = u"1 2 3"_s;
-    const qsizetype count =
-        replaceOccurrencesOfRegex(text, u"\\d"_s, [](const RegexMatch &match, bool &stop) {
-            stop = match.capturedStrings.first() == u"2";
-            return QString(u"$0<"_s + match.capturedStrings.first() + u">"_s);
-        });
+    const qsizetype count = replaceOccurrencesOfRegex(text, u"\\d"_s, [](const RegexMatch &match, bool &stop) {
+        stop = match.capturedStrings.first() == u"2";
+        return QString(u"$0<"_s + match.capturedStrings.first() + u">"_s);
+    });
     EXPECT_EQ(count, 2);
     EXPECT_EQ(text, u"$0<1> $0<2> 3"_s);
     RKLError error;
@@ -134,8 +127,7 @@ TEST(RegexLayer, reportsFaultsEachTime)
     EXPECT_EQ(described([&](RKLError *error) { (void)rangeOfRegex(text, good, 0, wholeRange, 3, error); }),
               "The capture argument is not valid.");
     EXPECT_EQ(described([&](RKLError *error) {
-                  (void)arrayOfDictionariesByMatchingRegex(text, good, 0, wholeRange, error,
-                                                           {{u"k"_s, 1}, {{}, 1}});
+                  (void)arrayOfDictionariesByMatchingRegex(text, good, 0, wholeRange, error, {{u"k"_s, 1}, {{}, 1}});
               }),
               "The capture key (key 2 of 2) is NULL.");
     EXPECT_EQ(described([&](RKLError *error) {
@@ -167,15 +159,13 @@ TEST(RegexCache, aFifthPatternDisplacesTheLeastRecentlyUsed)
 {
     clearStringCache();
     const QStringList patterns = patternsOfOneSet(6);
-    for (int i = 0; i < 4; ++i)
-        (void)isRegexValid(patterns[i]);
+    for (int i = 0; i < 4; ++i) (void)isRegexValid(patterns[i]);
     // Used again, the first is no longer the one to go; equal text from another buffer counts.
     (void)isRegexValid(QString(patterns[0].constData(), patterns[0].size()));
     (void)isRegexValid(patterns[4]);
     const auto held = [&] {
         std::string marks;
-        for (const QString &pattern : patterns)
-            marks += regexCache().holds(pattern, 0) ? '1' : '0';
+        for (const QString &pattern : patterns) marks += regexCache().holds(pattern, 0) ? '1' : '0';
         return marks;
     };
     EXPECT_EQ(held(), "101110");
@@ -185,8 +175,7 @@ TEST(RegexCache, aFifthPatternDisplacesTheLeastRecentlyUsed)
     clearStringCache();
     EXPECT_EQ(held(), "000000");
     for (int i = 0; i < 2; ++i)
-        for (const QString &pattern : patterns)
-            EXPECT_TRUE(isMatchedByRegex(pattern, pattern));
+        for (const QString &pattern : patterns) EXPECT_TRUE(isMatchedByRegex(pattern, pattern));
 }
 
 TEST(RegexCache, optionsHaveEntriesOfTheirOwn)
@@ -227,13 +216,11 @@ TEST(RegexCache, manyThreads)
                 const QString number = QString::number((i * 7 + thread) % 90);
                 QString text = u"<"_s + number + u">"_s;
                 if (stringByMatching(text, u"<("_s + number + u")>"_s, 1) != number) ++wrong;
-                if (replaceOccurrencesOfRegex(text, u"[<>]"_s,
-                                              [](const RegexMatch &, bool &) { return u"|"_s; }) != 2)
+                if (replaceOccurrencesOfRegex(text, u"[<>]"_s, [](const RegexMatch &, bool &) { return u"|"_s; }) != 2)
                     ++wrong;
                 if (i % 500 == 0) clearStringCache();
             }
         });
-    for (std::thread &thread : threads)
-        thread.join();
+    for (std::thread &thread : threads) thread.join();
     EXPECT_EQ(wrong, 0);
 }

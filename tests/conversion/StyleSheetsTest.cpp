@@ -41,7 +41,8 @@ TEST_F(StyleSheets, whichOneApplies)
     set(u"defaultStyleSheet"_s, u"CSS/Handbook.css"_s);
     EXPECT_EQ(tm_applicableStyleSheet(note), u"CSS/Handbook.css"_s);
     tm_setProperty(at(u"/B"_s), u"TMResources/CSS/x.css"_s, u"CSS"_s);
-    EXPECT_EQ(tm_applicableStyleSheet(note), u"CSS/Default Theme.css"_s) << "a missing one does not fall to the setting";
+    EXPECT_EQ(tm_applicableStyleSheet(note), u"CSS/Default Theme.css"_s)
+        << "a missing one does not fall to the setting";
     (void)write(u"/TMResources/CSS/x.css"_s);
     EXPECT_EQ(tm_applicableStyleSheet(note), u"TMResources/CSS/x.css"_s);
     EXPECT_TRUE(availableStyleSheets().contains(u"TMResources/CSS/x.css"_s));
@@ -65,10 +66,12 @@ TEST_F(StyleSheets, placeholders)
     tm_setProperty(book, u"1"_s, u"HyphenateText"_s);
     set(u"printFontSize"_s, 11);
     set(u"useDimmedTextColorDarkTheme"_s, true);
-    EXPECT_EQ(styled("**TomeletTextAlign** **TomeletHyphens** **TomeletPrintFontSize** **TomeletFontColorDarkAppearance** "
-                     "**TomeletFontColorBlackAppearance** **TomeletListIndentVarPrintFont**"),
-              styleOf(u"right auto 11px #aaa #aaa 9.130000"_s));
-    const QString values = styled("**TomeletFont**|**TomeletFontColor**|**TomeletBGColor**|**TomeletFontSize**|**TomeletLinespacing**");
+    EXPECT_EQ(
+        styled("**TomeletTextAlign** **TomeletHyphens** **TomeletPrintFontSize** **TomeletFontColorDarkAppearance** "
+               "**TomeletFontColorBlackAppearance** **TomeletListIndentVarPrintFont**"),
+        styleOf(u"right auto 11px #aaa #aaa 9.130000"_s));
+    const QString values =
+        styled("**TomeletFont**|**TomeletFontColor**|**TomeletBGColor**|**TomeletFontSize**|**TomeletLinespacing**");
     EXPECT_FALSE(values.contains(u"**"_s)) << values.toStdString();
     EXPECT_TRUE(values.contains(u"px|1."_s) && values.contains(u"em</style>"_s)) << values.toStdString();
 }
@@ -78,14 +81,16 @@ TEST_F(StyleSheets, includes)
     (void)write(u"/TMResources/CSS/Base.css"_s, "base\n@tm_include: \"more\";\n");
     (void)write(u"/TMResources/CSS/more.css"_s, "<script>s</script><style>more</style><link rel>");
     (void)write(u"/TMResources/CSS/self.css"_s, "self\n@tm_include: \"self\";\n");
-    test::check(tm_styleSheetWithResolvedIncludes, {
-        {"an include in it", u"@TM_INCLUDE: \"base\";\nx"_s, u"base\nmore\n\nx\n<script>s</script>\n\n<link rel>\n"_s},
-        {"once only", u"@tm_include: \"base\";\n@tm_include:\"TMResources/CSS/base.css\";"_s,
-         u"base\nmore\n\n<script>s</script>\n\n<link rel>\n"_s},
-        {"itself", u" @tm_include:  \"self\";"_s, u"self\n\n"_s},
-        {"in a line", u"a @tm_include: \"more\";"_s, u"a @tm_include: \"more\";"_s},
-        {"lost", u"@tm_include: \"nowhere\";a"_s, u"a"_s},
-    });
+    test::check(tm_styleSheetWithResolvedIncludes,
+                {
+                    {"an include in it", u"@TM_INCLUDE: \"base\";\nx"_s,
+                     u"base\nmore\n\nx\n<script>s</script>\n\n<link rel>\n"_s},
+                    {"once only", u"@tm_include: \"base\";\n@tm_include:\"TMResources/CSS/base.css\";"_s,
+                     u"base\nmore\n\n<script>s</script>\n\n<link rel>\n"_s},
+                    {"itself", u" @tm_include:  \"self\";"_s, u"self\n\n"_s},
+                    {"in a line", u"a @tm_include: \"more\";"_s, u"a @tm_include: \"more\";"_s},
+                    {"lost", u"@tm_include: \"nowhere\";a"_s, u"a"_s},
+                });
 }
 
 TEST_F(StyleSheets, customClasses)
@@ -98,8 +103,9 @@ TEST_F(StyleSheets, customClasses)
 
 TEST_F(StyleSheets, themes)
 {
-    const QString page = u"<head><style>@media (prefers-color-scheme: dark) {} @media (prefers-color-scheme: tm_black) {} "
-                         "--theme-color:  #000000;</style></head>"_s;
+    const QString page =
+        u"<head><style>@media (prefers-color-scheme: dark) {} @media (prefers-color-scheme: tm_black) {} "
+        "--theme-color:  #000000;</style></head>"_s;
     EXPECT_EQ(tm_formattedDocAdjustedToColorTheme(page), page);
     set(u"darkTheme"_s, true);
     EXPECT_EQ(tm_formattedDocAdjustedToColorTheme(page), page);
@@ -109,7 +115,8 @@ TEST_F(StyleSheets, themes)
     set(u"avoidDarkThemeForDocuments"_s, true);
     EXPECT_EQ(tm_formattedDocAdjustedToColorTheme(page), QString(page).replace(u": dark"_s, u": Xdark"_s));
     EXPECT_EQ(tm_formattedDocAdjustedToDarkTheme(u"<style>--checkbox-color:#000000;</style></head>"_s),
-              u"<style>--checkbox-color: #aaa;</style><style> body {color: #fff; background-color: #000;} @media print { body { "
+              u"<style>--checkbox-color: #aaa;</style><style> body {color: #fff; background-color: #000;} @media print "
+              u"{ body { "
               "background: white; color:black; }  </style>\n</head>"_s);
     EXPECT_EQ(tm_formattedDocAdjustedToDarkTheme(page), QString(page).replace(u"color:  #000000"_s, u"color: #aaa"_s));
     set(u"useSolarizedTheme"_s, true);

@@ -67,16 +67,14 @@ std::vector<std::string> wordsOf(const std::string &line)
 {
     std::istringstream words(line);
     std::vector<std::string> all;
-    for (std::string word; words >> word;)
-        all.push_back(word);
+    for (std::string word; words >> word;) all.push_back(word);
     return all;
 }
 
 std::string testName(const std::string &title)
 {
     std::string name;
-    for (const char c : title)
-        name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+    for (const char c : title) name += std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
     return name;
 }
 
@@ -89,8 +87,7 @@ std::vector<Section> readDocument(const std::filesystem::path &path)
     size_t number = 0;
     for (std::string line; std::getline(file, line);) {
         ++number;
-        if (!part && line.starts_with("## "))
-            sections.push_back({testName(line.substr(3)), {}});
+        if (!part && line.starts_with("## ")) sections.push_back({testName(line.substr(3)), {}});
         else if (!part && line.starts_with(">>>")) {
             sections.back().examples.push_back({number, wordsOf(line.substr(3)), "", ""});
             part = &sections.back().examples.back().input;
@@ -98,10 +95,8 @@ std::vector<Section> readDocument(const std::filesystem::path &path)
         } else if (part && line == "<<<") {
             part = &sections.back().examples.back().output;
             inOutput = true;
-        } else if (part && inOutput && line == "===")
-            part = nullptr;
-        else if (part)
-            *part += line + '\n';
+        } else if (part && inOutput && line == "===") part = nullptr;
+        else if (part) *part += line + '\n';
     }
     return sections;
 }
@@ -111,8 +106,7 @@ std::string sourceOf(const Example &example)
     std::string source = example.input;
     if (example.has("no-newline")) source.pop_back();
     if (example.has("nul"))
-        for (size_t at; (at = source.find("\\0")) != std::string::npos;)
-            source.replace(at, 2, 1, '\0');
+        for (size_t at; (at = source.find("\\0")) != std::string::npos;) source.replace(at, 2, 1, '\0');
     return source;
 }
 
@@ -147,8 +141,7 @@ public:
     {
         ASSERT_FALSE(m_section.examples.empty());
         for (const Example &example : m_section.examples)
-            EXPECT_EQ(convert(example), example.output) << m_file << ":" << example.line << "\n"
-                                                        << example.input;
+            EXPECT_EQ(convert(example), example.output) << m_file << ":" << example.line << "\n" << example.input;
     }
 
 private:
@@ -193,9 +186,9 @@ bool registerAll()
         }
         for (const Section &section : readDocument(path)) {
             const std::string file = path.filename().string();
-            testing::RegisterTest(
-                ("Cases." + path.stem().string()).c_str(), section.name.c_str(), nullptr, nullptr, __FILE__,
-                __LINE__, [file, section]() -> testing::Test * { return new SectionTest(file, section); });
+            testing::RegisterTest(("Cases." + path.stem().string()).c_str(), section.name.c_str(), nullptr, nullptr,
+                                  __FILE__, __LINE__,
+                                  [file, section]() -> testing::Test * { return new SectionTest(file, section); });
         }
     }
     return true;

@@ -24,8 +24,7 @@ std::string repeated(const std::string &part, size_t count)
 {
     std::string text;
     text.reserve(part.size() * count);
-    for (size_t i = 0; i < count; ++i)
-        text += part;
+    for (size_t i = 0; i < count; ++i) text += part;
     return text;
 }
 
@@ -48,8 +47,7 @@ const Hostile documents[] = {
     {"nested items",
      [] {
          std::string text;
-         for (size_t i = 0; i < 1200; ++i)
-             text += repeated("\t", i) + "* a\n";
+         for (size_t i = 0; i < 1200; ++i) text += repeated("\t", i) + "* a\n";
          return text;
      }()},
     {"open fence", "```\n" + repeated("a\n", 100000)},

@@ -30,8 +30,7 @@ std::string hits(const trie *t, const std::string &text, bool longest)
                           : ac_trie_search(t, text.c_str(), 0, text.size());
     std::string found;
     for (const match *m = list->next; m; m = m->next)
-        found +=
-            std::to_string(m->start) + text.substr(m->start, m->len) + std::to_string(m->match_type) + ' ';
+        found += std::to_string(m->start) + text.substr(m->start, m->len) + std::to_string(m->match_type) + ' ';
     match_free(list);
     return found;
 }
@@ -43,8 +42,7 @@ TEST(DString, CapacityDoublesFrom1024)
     EXPECT_EQ(Text(std::string(1023, 'x').c_str()).s->currentStringBufferSize, 1024U);
     EXPECT_EQ(Text(std::string(1024, 'x').c_str()).s->currentStringBufferSize, 2048U);
     Text grown(nullptr);
-    for (int i = 0; i < 5000; ++i)
-        d_string_append_c(grown.s, 'y');
+    for (int i = 0; i < 5000; ++i) d_string_append_c(grown.s, 'y');
     EXPECT_EQ(grown.s->currentStringBufferSize, 8192U);
     EXPECT_EQ(grown.value(), std::string(5000, 'y'));
 }
@@ -85,8 +83,7 @@ TEST(Stack, GivesNullWhenEmpty)
     EXPECT_EQ(stack_pop(s), nullptr);
     EXPECT_EQ(stack_peek(s), nullptr);
     int values[100];
-    for (int &value : values)
-        stack_push(s, &value);
+    for (int &value : values) stack_push(s, &value);
     EXPECT_EQ(stack_peek_index(s, 99), &values[99]);
     EXPECT_EQ(stack_peek_index(s, 100), nullptr);
     EXPECT_EQ(stack_pop(s), &values[99]);
@@ -97,8 +94,7 @@ TEST(Stack, GivesNullWhenEmpty)
 TEST(Trie, FindsOverlapsAndTheLeftmostLongest)
 {
     trie *t = trie_new(0);
-    for (const char *key : {"he", "she", "hers", "", "abcd", "bc", "c"})
-        trie_insert(t, key, 1);
+    for (const char *key : {"he", "she", "hers", "", "abcd", "bc", "c"}) trie_insert(t, key, 1);
     trie_insert(t, "bc", 2);
     ac_trie_prepare(t);
     EXPECT_EQ(hits(t, "ushers", false), "1she1 2he1 2hers1 ");

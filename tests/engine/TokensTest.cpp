@@ -24,33 +24,25 @@ protected:
     token *parentOf(const std::string &text)
     {
         token *parent = token_new(m_arena, BLOCK_PARA, 0, 0);
-        for (size_t i = 0; i < text.size(); ++i)
-            token_append_child(parent, token_new(m_arena, typeOf(text[i]), i, 1));
+        for (size_t i = 0; i < text.size(); ++i) token_append_child(parent, token_new(m_arena, typeOf(text[i]), i, 1));
         return parent;
     }
     static uint16_t typeOf(char c)
     {
         switch (c) {
-        case '[':
-            return BRACKET_LEFT;
-        case ']':
-            return BRACKET_RIGHT;
-        case '(':
-            return PAREN_LEFT;
-        case ')':
-            return PAREN_RIGHT;
-        case '*':
-            return STAR;
-        default:
-            return TEXT_PLAIN;
+        case '[': return BRACKET_LEFT;
+        case ']': return BRACKET_RIGHT;
+        case '(': return PAREN_LEFT;
+        case ')': return PAREN_RIGHT;
+        case '*': return STAR;
+        default: return TEXT_PLAIN;
         }
     }
     // Pairs in braces, the rest by start.
     static std::string outline(const token *t)
     {
         std::string text;
-        for (; t; t = t->next)
-            text += t->child ? '{' + outline(t->child) + '}' : std::to_string(t->start);
+        for (; t; t = t->next) text += t->child ? '{' + outline(t->child) + '}' : std::to_string(t->start);
         return text;
     }
     std::string matched(const std::string &text)

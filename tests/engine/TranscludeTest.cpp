@@ -33,8 +33,7 @@ protected:
                                      stack *manifest = nullptr) const
     {
         d_string *source = d_string_new(text.c_str());
-        mmd_transclude_source(source, m_folder.c_str(), (m_folder / "main.md").c_str(), format, nullptr,
-                              manifest);
+        mmd_transclude_source(source, m_folder.c_str(), (m_folder / "main.md").c_str(), format, nullptr, manifest);
         std::string all(source->str, source->currentStringLength);
         d_string_free(source, true);
         return all;
@@ -76,9 +75,7 @@ TEST_F(Transclude, TakesTheFormatsSuffix)
     write("a.html", "H");
     write("a.tex", "T");
     write("a.fodt", "F");
-    EXPECT_EQ(result("{{a.*}}", FORMAT_EPUB) + result("{{a.*}}", FORMAT_MEMOIR) +
-                  result("{{a.*}}", FORMAT_ODT),
-              "HTF");
+    EXPECT_EQ(result("{{a.*}}", FORMAT_EPUB) + result("{{a.*}}", FORMAT_MEMOIR) + result("{{a.*}}", FORMAT_ODT), "HTF");
     EXPECT_EQ(result("{{a.*}}", FORMAT_MMD), "{{a.*}}");
 }
 
@@ -86,8 +83,7 @@ TEST_F(Transclude, MetadataSayWhereToLookAndStayAsTheyAre)
 {
     write("x.md", "wrong");
     write("sub/x.md", "right");
-    EXPECT_EQ(result("transclude base: sub\nk: {{x.md}}\n\n{{x.md}}"),
-              "transclude base: sub\nk: {{x.md}}\n\nright");
+    EXPECT_EQ(result("transclude base: sub\nk: {{x.md}}\n\n{{x.md}}"), "transclude base: sub\nk: {{x.md}}\n\nright");
 }
 
 TEST_F(Transclude, TellsWhatItRead)

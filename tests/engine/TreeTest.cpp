@@ -90,15 +90,14 @@ TEST(Tree, FormatsWithoutAWriterAreRefused)
 TEST(Tree, RandomNumbersAgreeWhereTheyMeet)
 {
     d_string *source = d_string_new("{{TOC}}\n\n# A\n\na[^1] [A]\n\n[^1]: b\n\n    # B\n\n# C\n");
-    d_string *html = mmd_d_string_convert(source, EXT_NOTES | EXT_RANDOM_FOOT | EXT_RANDOM_LABELS,
-                                          FORMAT_HTML, LANG_EN, "");
+    d_string *html =
+        mmd_d_string_convert(source, EXT_NOTES | EXT_RANDOM_FOOT | EXT_RANDOM_LABELS, FORMAT_HTML, LANG_EN, "");
     const std::string text = html->str;
     d_string_free(html, true);
     d_string_free(source, true);
     const auto occurrences = [&text](const std::string &what) {
         size_t count = 0;
-        for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
-            ++count;
+        for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++count;
         return count;
     };
     const auto between = [&text](const std::string &before, char stop) {

@@ -82,12 +82,10 @@ protected:
     const fs::path m_root = m_base / "parent/root";
     const fs::path m_outside = m_base / "outside";
     std::vector<std::string> m_events;
-    std::unique_ptr<FilePresenter> m_presenter =
-        makeFilePresenter({[this](const QString &path) { m_events.push_back("~ " + relative(path)); },
-                           [this](const QString &from, const QString &to) {
-                               m_events.push_back(relative(from) + " > " + relative(to));
-                           },
-                           [this] { m_events.push_back("vanished"); }});
+    std::unique_ptr<FilePresenter> m_presenter = makeFilePresenter(
+        {[this](const QString &path) { m_events.push_back("~ " + relative(path)); },
+         [this](const QString &from, const QString &to) { m_events.push_back(relative(from) + " > " + relative(to)); },
+         [this] { m_events.push_back("vanished"); }});
 };
 
 } // namespace
@@ -101,8 +99,7 @@ TEST_F(FilePresenterTest, changesAtAnyDepth)
     fs::remove(m_root / "a/old.md");
     fs::remove_all(m_root / "a/deep");
     // The byte that is no UTF-8 cannot be told, the rest of the name can.
-    EXPECT_THAT(settled(),
-                ElementsAre("~ new \xEF\xBF\xBD\n.md", "~ a/deep/leaf.md", "~ a/old.md", "~ a/deep"));
+    EXPECT_THAT(settled(), ElementsAre("~ new \xEF\xBF\xBD\n.md", "~ a/deep/leaf.md", "~ a/old.md", "~ a/deep"));
 }
 
 TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
@@ -119,8 +116,7 @@ TEST_F(FilePresenterTest, nothingIsLostInNewFolders)
     for (int i = 0; i < 30; ++i)
         for (const char *below : {"", "/x", "/x/y", "/x/y/z", "/x/y/z/file.md"})
             EXPECT_THAT(events, Contains(numbered("~ n", i) + below));
-    for (const char *path : {"b/in", "b/in/deep", "b/in/deep/file.md"})
-        EXPECT_THAT(events, Contains("~ "s + path));
+    for (const char *path : {"b/in", "b/in/deep", "b/in/deep/file.md"}) EXPECT_THAT(events, Contains("~ "s + path));
     write(m_root / "b/in/deep/file.md", "later");
     EXPECT_THAT(settled(), ElementsAre("~ b/in/deep/file.md"));
 }
@@ -193,10 +189,7 @@ public:
             EXPECT_EQ(chown(entry.path().c_str(), nobody, nobody), 0);
         EXPECT_EQ(seteuid(nobody), 0);
     }
-    ~AsNobody()
-    {
-        EXPECT_TRUE(!m_wasRoot || seteuid(0) == 0);
-    }
+    ~AsNobody() { EXPECT_TRUE(!m_wasRoot || seteuid(0) == 0); }
 
 private:
     static constexpr uid_t nobody = 65534;
@@ -228,8 +221,7 @@ TEST_F(FilePresenterTest, linksAreItemsAndNotFollowed)
 
     fs::create_directory_symlink(m_root, m_outside / "root");
     std::vector<std::string> seen;
-    const auto through =
-        makeFilePresenter({[&](const QString &path) { seen.push_back(path.toStdString()); }, {}, {}});
+    const auto through = makeFilePresenter({[&](const QString &path) { seen.push_back(path.toStdString()); }, {}, {}});
     through->present(QString::fromStdString((m_outside / "root").string()));
     through->settle();
     seen.clear();
@@ -255,14 +247,11 @@ TEST_F(FilePresenterTest, aMirrorStaysTrue)
 {
     std::set<std::string> mirror;
     const auto forgetBelow = [&](const std::string &path) {
-        std::erase_if(
-            mirror, [&](const std::string &known) { return known == path || known.starts_with(path + "/"); });
+        std::erase_if(mirror, [&](const std::string &known) { return known == path || known.starts_with(path + "/"); });
     };
     const auto look = [&](const std::string &path) {
-        if (fs::exists(path))
-            mirror.insert(path);
-        else
-            forgetBelow(path);
+        if (fs::exists(path)) mirror.insert(path);
+        else forgetBelow(path);
     };
     const auto lookBelow = [&](const std::string &path) {
         std::error_code gone;
@@ -286,35 +275,25 @@ TEST_F(FilePresenterTest, aMirrorStaysTrue)
         const auto pick = [&](int count) { return int(random() % unsigned(count)); };
         const auto path = [&] {
             fs::path result = pick(12) == 0 ? m_outside : m_root;
-            for (int depth = 1 + pick(3); depth > 0; --depth)
-                result /= numbered("n", pick(4));
+            for (int depth = 1 + pick(3); depth > 0; --depth) result /= numbered("n", pick(4));
             return result;
         };
         std::error_code ignored;
         for (int i = 0; i < 4000; ++i) {
             const fs::path at = path();
             switch (pick(5)) {
-            case 0:
-                fs::remove_all(at, ignored);
-                break;
-            case 1:
-                write(at);
-                break;
-            case 2:
-                fs::create_directories(at, ignored);
-                break;
-            default:
-                fs::rename(at, path(), ignored);
+            case 0: fs::remove_all(at, ignored); break;
+            case 1: write(at); break;
+            case 2: fs::create_directories(at, ignored); break;
+            default: fs::rename(at, path(), ignored);
             }
         }
     });
-    for (int i = 0; i < 5; ++i)
-        presenter->settle();
+    for (int i = 0; i < 5; ++i) presenter->settle();
     other.join();
     presenter->settle();
     std::set<std::string> onDisk;
-    for (const auto &entry : fs::recursive_directory_iterator(m_root))
-        onDisk.insert(entry.path().string());
+    for (const auto &entry : fs::recursive_directory_iterator(m_root)) onDisk.insert(entry.path().string());
     EXPECT_EQ(mirror, onDisk);
 }
 
@@ -359,8 +338,7 @@ TEST_F(FilePresenterTest, arrivesThroughTheEventLoop)
     own->present(QString::fromStdString(m_root.string()));
     own->settle();
     count = 0;
-    for (const char *path : {"b/1", "b/2", "b/3"})
-        write(m_root / path);
+    for (const char *path : {"b/1", "b/2", "b/3"}) write(m_root / path);
     for (QDeadlineTimer deadline(20000); own && !deadline.hasExpired();)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 100);
     EXPECT_EQ(count, 2);
@@ -371,16 +349,13 @@ TEST(FolderWatcher, findsWhatALostEventWouldHaveTold)
 {
     QTemporaryDir temporary;
     const fs::path root = temporary.path().toStdString();
-    for (const char *folder : {"kept", "deleted", "moved/deep"})
-        fs::create_directories(root / folder);
-    for (const char *file : {"kept/same", "kept/gone", "kept/written", "deleted/x", "moved/deep/x"})
-        write(root / file);
+    for (const char *folder : {"kept", "deleted", "moved/deep"}) fs::create_directories(root / folder);
+    for (const char *file : {"kept/same", "kept/gone", "kept/written", "deleted/x", "moved/deep/x"}) write(root / file);
 
     // Files made within the present tick of the kernel's clock would count as changed.
     timespec start, now;
     clock_gettime(CLOCK_REALTIME, &start);
-    do
-        clock_gettime(CLOCK_REALTIME_COARSE, &now);
+    do clock_gettime(CLOCK_REALTIME_COARSE, &now);
     while (now.tv_sec * 1000000000 + now.tv_nsec < start.tv_sec * 1000000000 + start.tv_nsec);
 
     std::vector<std::string> events;
@@ -419,14 +394,11 @@ TEST(FileReportQueue, mergesWhatTheReceiverWillSeeAnyway)
 {
     FileReportQueue queue([] {});
     queue.begin(1);
-    for (const char *path : {"a", "b", "a"})
-        queue.push({FileReport::Changed, path, {}, 0}, 1);
+    for (const char *path : {"a", "b", "a"}) queue.push({FileReport::Changed, path, {}, 0}, 1);
     queue.push({FileReport::Moved, "a", "c", 0}, 1);
-    for (const char *path : {"a", "a"})
-        queue.push({FileReport::Changed, path, {}, 0}, 1);
+    for (const char *path : {"a", "a"}) queue.push({FileReport::Changed, path, {}, 0}, 1);
     queue.push({FileReport::Changed, "of another folder", {}, 0}, 2);
     std::string order;
-    while (const auto report = queue.take())
-        order += report->path + report->target + ' ';
+    while (const auto report = queue.take()) order += report->path + report->target + ' ';
     EXPECT_EQ(order, "a b ac a ");
 }

@@ -31,9 +31,9 @@ QVariantMap sample()
         {u"array"_s, QVariantList{u"one"_s, u"one"_s, QVariantList(), QVariantMap(), u""_s}},
         {u"bools"_s, QVariantList{true, false}},
         {u"data"_s, QByteArray(100, '\xFB')},
-        {u"dates"_s, QVariantList{date("2026-11-21T08:30:00Z"), date("2071-03-01T23:59:59Z"),
-                                  date("1904-02-29T00:00:00Z"), date("4001-01-01T00:00:00Z"),
-                                  date("0001-01-01T00:00:00Z")}},
+        {u"dates"_s,
+         QVariantList{date("2026-11-21T08:30:00Z"), date("2071-03-01T23:59:59Z"), date("1904-02-29T00:00:00Z"),
+                      date("4001-01-01T00:00:00Z"), date("0001-01-01T00:00:00Z")}},
         {u"empty data"_s, QByteArray("")},
         {u"integers"_s, QVariantList{0LL, -1LL, 255LL, 256LL, 65536LL, 1LL << 32, largest, -largest - 1}},
         {u"reals"_s, QVariantList{0.1, -2.5, 1e300, std::numeric_limits<double>::infinity()}},
@@ -49,8 +49,7 @@ QByteArray document(const QByteArray &value)
 QByteArray bigEndian(quint64 number, int size)
 {
     QByteArray bytes;
-    for (int i = size - 1; i >= 0; --i)
-        bytes += char(number >> (8 * i) & 0xFF);
+    for (int i = size - 1; i >= 0; --i) bytes += char(number >> (8 * i) & 0xFF);
     return bytes;
 }
 
@@ -63,8 +62,8 @@ QByteArray binary(const QList<QByteArray> &objects, quint64 count = 0)
         out += object;
     }
     const auto table = quint64(out.size());
-    return out + offsets + QByteArray(6, '\0') + "\1\1" +
-           bigEndian(count ? count : quint64(objects.size()), 8) + bigEndian(0, 8) + bigEndian(table, 8);
+    return out + offsets + QByteArray(6, '\0') + "\1\1" + bigEndian(count ? count : quint64(objects.size()), 8) +
+           bigEndian(0, 8) + bigEndian(table, 8);
 }
 
 } // namespace
@@ -80,12 +79,11 @@ TEST(PropertyList, everyKindSurvivesBothForms)
 
 TEST(PropertyList, layoutOfTheXmlForm)
 {
-    const QVariantMap tree{
-        {u"b"_s, QVariantMap{{u"list"_s, QVariantList{1LL, 0.1, true}}, {u"none"_s, QVariant()}}},
-        {u"B"_s, QVariantList()},
-        {u"a\u0001\xD800"_s, u"x\u0000\u0008 < & > \"\r\uFFFF"_s},
-        {u"c"_s, QByteArray(60, 'x')},
-        {u"d"_s, date("2026-11-21T08:30:00Z")}};
+    const QVariantMap tree{{u"b"_s, QVariantMap{{u"list"_s, QVariantList{1LL, 0.1, true}}, {u"none"_s, QVariant()}}},
+                           {u"B"_s, QVariantList()},
+                           {u"a\u0001\xD800"_s, u"x\u0000\u0008 < & > \"\r\uFFFF"_s},
+                           {u"c"_s, QByteArray(60, 'x')},
+                           {u"d"_s, date("2026-11-21T08:30:00Z")}};
     const QByteArray x68("eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4eHh4");
     EXPECT_EQ(xmlPropertyList(tree).toStdString(),
               "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
@@ -117,28 +115,22 @@ TEST(PropertyList, whatOtherWritersMake)
         {"unsigned", "<integer>18446744073709551615</integer>", 18446744073709551615.0},
         {"leading zero", "<integer>010</integer>", 10LL},
         {"bare numbers in a real", "<real>1e400</real>", std::numeric_limits<double>::infinity()},
-        {"CDATA and comment", "<string>a<![CDATA[<!ENTITY]]><!-- no -->b&#x1F600;</string>",
-         u"a<!ENTITYb😀"_s},
-        {"year 0", "<date>0000-12-30T00:00:00Z</date>",
-         date("0001-01-01T00:00:00Z").toDateTime().addDays(-2)},
+        {"CDATA and comment", "<string>a<![CDATA[<!ENTITY]]><!-- no -->b&#x1F600;</string>", u"a<!ENTITYb😀"_s},
+        {"year 0", "<date>0000-12-30T00:00:00Z</date>", date("0001-01-01T00:00:00Z").toDateTime().addDays(-2)},
         {"data in pieces", "<data>\n\tAA\n EC\n</data>", QByteArray("\0\1\2", 3)},
         {"key twice", "<dict><key>k</key><true/><key>k</key><false/></dict>", QVariantMap{{u"k"_s, false}}},
-        {"closed in the long form", "<array><true></true><dict></dict></array>",
-         QVariantList{true, QVariantMap()}},
+        {"closed in the long form", "<array><true></true><dict></dict></array>", QVariantList{true, QVariantMap()}},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(parsePropertyList(document(row.value)), row.wanted) << row.name;
+    for (const auto &row : rows) EXPECT_EQ(parsePropertyList(document(row.value)), row.wanted) << row.name;
 
     const QString text = QString::fromUtf8(document("<string>ü😀</string>"));
     QByteArray utf16("\xFF\xFE", 2);
-    for (const QChar c : text)
-        utf16 += char(c.unicode() & 0xFF), utf16 += char(c.unicode() >> 8);
+    for (const QChar c : text) utf16 += char(c.unicode() & 0xFF), utf16 += char(c.unicode() >> 8);
     EXPECT_EQ(parsePropertyList(utf16), u"ü😀"_s);
     EXPECT_EQ(parsePropertyList(utf16.mid(2)), u"ü😀"_s);
     EXPECT_EQ(parsePropertyList(QByteArray("\xEF\xBB\xBF" + text.toUtf8())), u"ü😀"_s);
-    EXPECT_EQ(
-        parsePropertyList("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xFC</string></plist>"),
-        u"ü"_s);
+    EXPECT_EQ(parsePropertyList("<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xFC</string></plist>"),
+              u"ü"_s);
 
     const QByteArray wide = QByteArray("\x14", 1) + bigEndian(0, 8) + bigEndian(~0ULL, 8);
     const QByteArray floats = QByteArray("\x22\x3F\x80\0\0", 5);
@@ -153,11 +145,9 @@ TEST(PropertyList, refusesHostileInput)
     };
     EXPECT_TRUE(parsePropertyList(nested(512)));
     QList<QByteArray> doubling;
-    for (char i = 1; i < 60; ++i)
-        doubling.append(QByteArray("\xA2", 1) + i + i);
+    for (char i = 1; i < 60; ++i) doubling.append(QByteArray("\xA2", 1) + i + i);
     doubling.append("\x09");
-    const QByteArray laughs =
-        "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;\">]>";
+    const QByteArray laughs = "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;\">]>";
     const QByteArray external = "<!DOCTYPE plist SYSTEM \"file:///etc/passwd\">";
     const QByteArray good = binaryPropertyList(sample());
     QByteArray farTable = good;
@@ -209,8 +199,7 @@ TEST(PropertyList, refusesHostileInput)
         EXPECT_FALSE(parsePropertyList(row.bytes, &error)) << row.name;
         EXPECT_FALSE(error.isEmpty()) << row.name;
     }
-    for (qsizetype i = 0; i < good.size(); ++i)
-        EXPECT_FALSE(parsePropertyList(good.first(i))) << i;
+    for (qsizetype i = 0; i < good.size(); ++i) EXPECT_FALSE(parsePropertyList(good.first(i))) << i;
 }
 
 TEST(PropertyList, anotherReaderAgrees)
@@ -233,8 +222,7 @@ TEST(PropertyList, anotherReaderAgrees)
         ASSERT_TRUE(in.open(QIODevice::WriteOnly));
         in.write(row.bytes);
         in.close();
-        ASSERT_EQ(QProcess::execute(plistutil,
-                                    {u"-i"_s, in.fileName(), u"-o"_s, out.fileName(), u"-f"_s, row.format}),
+        ASSERT_EQ(QProcess::execute(plistutil, {u"-i"_s, in.fileName(), u"-o"_s, out.fileName(), u"-f"_s, row.format}),
                   0);
         ASSERT_TRUE(out.open(QIODevice::ReadOnly));
         QString error;

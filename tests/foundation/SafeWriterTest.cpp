@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Files and stores on a real disk: what a write keeps, what a failure leaves, what is never overwritten.
+#include "foundation/SafeWriter.h"
 #include "foundation/Collation.h"
 #include "foundation/ExtendedAttributes.h"
 #include "foundation/FileOperations.h"
 #include "foundation/Folder.h"
 #include "foundation/PropertyStore.h"
-#include "foundation/SafeWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -42,7 +42,8 @@ TEST_F(Disk, aWriteKeepsModeAttributesAndLinks)
     put(QStringLiteral("link"), "new");
     EXPECT_TRUE(QFileInfo(at(QStringLiteral("link"))).isSymLink());
     EXPECT_EQ(get(QStringLiteral("a")), "new");
-    struct stat status{};
+    struct stat status
+    {};
     ASSERT_EQ(::stat(QFile::encodeName(at(QStringLiteral("a"))).constData(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777u, 0600u);
     if (hasAttributes) {
@@ -108,7 +109,8 @@ TEST_F(Disk, aStoreOfAnotherTypeIsSetAside)
     const QString path = at(QStringLiteral("s.plist"));
     ASSERT_TRUE(writeStore(path, QVariantList{QStringLiteral("entry")}));
     EXPECT_TRUE(readDictionary(path).isEmpty());
-    ASSERT_TRUE(changeDictionary(path, [](QVariantMap &values) { return values.insert(QStringLiteral("k"), 1LL), true; }));
+    ASSERT_TRUE(
+        changeDictionary(path, [](QVariantMap &values) { return values.insert(QStringLiteral("k"), 1LL), true; }));
     EXPECT_EQ(readDictionary(path).value(QStringLiteral("k")), 1LL);
     ASSERT_EQ(names().size(), 2);
     EXPECT_EQ(readStringArray(at(names().constLast())), QStringList{QStringLiteral("entry")});
@@ -165,7 +167,7 @@ TEST(Collation, namesSortByTheLocaleWithDigitsAsNumbersWhereWanted)
         std::ranges::stable_sort(names, {}, [&](const QString &name) { return nameSortKey(name, numeric); });
         return names.join(u' ');
     };
-    const QStringList names{QStringLiteral("b"),  QStringLiteral("B"), QStringLiteral("10"), QStringLiteral("9"),
+    const QStringList names{QStringLiteral("b"),      QStringLiteral("B"), QStringLiteral("10"), QStringLiteral("9"),
                             QStringLiteral("\u00e4"), QStringLiteral("a"), QStringLiteral("z")};
     EXPECT_EQ(sorted(names, true), QString::fromUtf8("9 10 a ä B b z"));
     EXPECT_EQ(sorted(names, false), QString::fromUtf8("10 9 a ä B b z"));

@@ -37,9 +37,15 @@ TEST(Settings, typesSurviveTheFile)
 TEST(Settings, looseReadings)
 {
     const auto settings = makeMemorySettings();
-    const struct { const char *text; bool boolean; qlonglong integer; double number; } rows[] = {
-        {"YES", true, 0, 0},   {"true", true, 0, 0},      {"0", false, 0, 0},     {"  +0012px", true, 12, 12},
-        {"no", false, 0, 0},   {"-3.5e1x", true, -3, -35}, {"", false, 0, 0},      {"1e", true, 1, 1},
+    const struct
+    {
+        const char *text;
+        bool boolean;
+        qlonglong integer;
+        double number;
+    } rows[] = {
+        {"YES", true, 0, 0}, {"true", true, 0, 0},       {"0", false, 0, 0}, {"  +0012px", true, 12, 12},
+        {"no", false, 0, 0}, {"-3.5e1x", true, -3, -35}, {"", false, 0, 0},  {"1e", true, 1, 1},
     };
     for (const auto &row : rows) {
         settings->setObject(QStringLiteral("k"), QString::fromLatin1(row.text));

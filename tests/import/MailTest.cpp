@@ -48,29 +48,26 @@ protected:
 
 TEST(MailText, encodedWords)
 {
-    test::check(stringWithEncodedWordsString, {
-        {"quoted", u"=?UTF-8?Q?J=C3=BCrgen_M?= <j>"_s, u"Jürgen M <j>"_s},
-        {"lower case", u"=?utf-8?q?=C3=BC?= =?utf-8?b?w7w=?="_s, u"ü ü"_s},
-        {"Latin-1", u"=?iso-8859-1?Q?Andr=E9?="_s, u"André"_s},
-        {"base64 loses its underscores too", u"=?UTF-8?B?YV9i?="_s, u"a b"_s},
-        {"no base64", u"=?UTF-8?B?**?= x"_s, u"=?UTF-8?B?**?= x"_s},
-        {"bytes that are no text", u"=?iso-8859-1?B?6Q==?="_s, u"=?iso-8859-1?B?6Q==?="_s},
-        {"cut in the middle", u"=?UTF-8?Q?J=C3"_s, u"=?UTF-8?Q?J=C3"_s},
-        {"folded", u"=?UTF-8?Q?a?=\r\n =?UTF-8?Q?b?="_s, u"ab"_s},
-        {"a result is not read again", u"=?UTF-8?Q?=3D=3Fx=3FQ=3Fy=3F=3D?="_s, u"=?x?Q?y?="_s}
-    });
+    test::check(stringWithEncodedWordsString,
+                {{"quoted", u"=?UTF-8?Q?J=C3=BCrgen_M?= <j>"_s, u"Jürgen M <j>"_s},
+                 {"lower case", u"=?utf-8?q?=C3=BC?= =?utf-8?b?w7w=?="_s, u"ü ü"_s},
+                 {"Latin-1", u"=?iso-8859-1?Q?Andr=E9?="_s, u"André"_s},
+                 {"base64 loses its underscores too", u"=?UTF-8?B?YV9i?="_s, u"a b"_s},
+                 {"no base64", u"=?UTF-8?B?**?= x"_s, u"=?UTF-8?B?**?= x"_s},
+                 {"bytes that are no text", u"=?iso-8859-1?B?6Q==?="_s, u"=?iso-8859-1?B?6Q==?="_s},
+                 {"cut in the middle", u"=?UTF-8?Q?J=C3"_s, u"=?UTF-8?Q?J=C3"_s},
+                 {"folded", u"=?UTF-8?Q?a?=\r\n =?UTF-8?Q?b?="_s, u"ab"_s},
+                 {"a result is not read again", u"=?UTF-8?Q?=3D=3Fx=3FQ=3Fy=3F=3D?="_s, u"=?x?Q?y?="_s}});
 }
 
 TEST(MailText, quotedPrintable)
 {
-    test::check(stringWithQuotedPrintableString, {
-        {"UTF-8", u"a=C3=A4=\nb=\r\nc"_s, u"aäbc"_s},
-        {"percent signs stay", u"100% =3D x %41"_s, u"100% = x %41"_s},
-        {"a sign at the end goes", u"a="_s, u"a"_s},
-        {"Latin-1", u"caf=E9 =3d=\n%"_s, u"café =%"_s},
-        {"a sign alone", u"a = b =41"_s, u"a = b A"_s},
-        {"characters that are none of ASCII", u"ä=C3=A4"_s, u"ää"_s}
-    });
+    test::check(stringWithQuotedPrintableString, {{"UTF-8", u"a=C3=A4=\nb=\r\nc"_s, u"aäbc"_s},
+                                                  {"percent signs stay", u"100% =3D x %41"_s, u"100% = x %41"_s},
+                                                  {"a sign at the end goes", u"a="_s, u"a"_s},
+                                                  {"Latin-1", u"caf=E9 =3d=\n%"_s, u"café =%"_s},
+                                                  {"a sign alone", u"a = b =41"_s, u"a = b A"_s},
+                                                  {"characters that are none of ASCII", u"ä=C3=A4"_s, u"ää"_s}});
     EXPECT_EQ(stringWithBase64Encoding(u" w7xi\nZXI= \n"_s), u"über"_s);
     EXPECT_FALSE(stringWithBase64Encoding(u"6Q=="_s).has_value());
     EXPECT_FALSE(stringWithBase64Encoding(u"<p>"_s).has_value());
@@ -83,7 +80,8 @@ TEST_F(Mail, dates)
     };
     EXPECT_EQ(plain("Tue, 03 Feb 2026 10:00:00 +0000 "), u"February 3, 2026 at 11:00 AM"_s);
     EXPECT_EQ(plain("3 Feb 2026 10:00:00 EST"), u"February 3, 2026 at 4:00 PM"_s);
-    for (const char *broken : {"", "yesterday", "31 Feb 2026 10:00:00 +0000", "3 anF 2026 10:00:00 +0000", "3 Feb 2026"})
+    for (const char *broken :
+         {"", "yesterday", "31 Feb 2026 10:00:00 +0000", "3 anF 2026 10:00:00 +0000", "3 Feb 2026"})
         EXPECT_EQ(plain(broken), QString()) << broken;
 }
 
@@ -94,8 +92,10 @@ TEST_F(Mail, everyKindOfPart)
                         "<a href=\"mailto:jm@example.org\">Jürgen Müller </a></b><br/>"
                         "To: <a href=\"mailto:ann@example.org\">Ann (Team) &lt;ann@example.org&gt;</a><br/>\n"_s;
     EXPECT_TRUE(page.startsWith(top)) << page.toStdString();
-    EXPECT_TRUE(page.contains(u"font-weight: bold;\">Größe and a subject that goes on for so long that the header has to be "
-                              "folded twice, which happens</div>"_s)) << page.toStdString();
+    EXPECT_TRUE(
+        page.contains(u"font-weight: bold;\">Größe and a subject that goes on for so long that the header has to be "
+                      "folded twice, which happens</div>"_s))
+        << page.toStdString();
     EXPECT_FALSE(page.contains(u"plain text"_s));
     EXPECT_TRUE(page.contains(u"<p>Grüße &amp; 100% of x=1</p>"_s));
     EXPECT_EQ(page.count(u"<img"_s), 2) << "in place, and not again at the end";
@@ -125,8 +125,9 @@ TEST_F(Mail, characterSets)
 
 TEST_F(Mail, wholeAndHalf)
 {
-    const QString alternative = u"Content-Type: multipart/mixed; boundary=\"x\"\n\n--x\nContent-Type: text/plain\n\nplain\n"
-                                "--x\nContent-Type: text/html\n\n<html><head><style>b</style></head><body>rich<br></body></html>\n"_s;
+    const QString alternative =
+        u"Content-Type: multipart/mixed; boundary=\"x\"\n\n--x\nContent-Type: text/plain\n\nplain\n"
+        "--x\nContent-Type: text/html\n\n<html><head><style>b</style></head><body>rich<br></body></html>\n"_s;
     const Case cases[] = {
         {"no type, two lines", u"Subject: s\n\na\nb"_s, u"<p>a<br/>\nb</p>"_s},
         {"no empty line", u"Subject: s"_s, u""_s},
@@ -134,7 +135,8 @@ TEST_F(Mail, wholeAndHalf)
         {"a boundary that never closes", alternative, u"rich<br/>"_s},
         {"closed", alternative + u"--x--\nepilogue\n\nx"_s, u"rich<br/>"_s},
         {"no boundary", u"Content-Type: multipart/mixed\n\na"_s, u"<p>a</p>"_s},
-        {"a part without a header", u"Content-Type: multipart/mixed; boundary=x\n\npreamble\n--x\n\na\n--x--"_s, u"<p>a</p>"_s},
+        {"a part without a header", u"Content-Type: multipart/mixed; boundary=x\n\npreamble\n--x\n\na\n--x--"_s,
+         u"<p>a</p>"_s},
         {"unknown type", u"Content-Type: text/calendar\n\na"_s, u""_s},
         {"HTML without a body", u"Content-Type: text/html\n\n<b>a</b>"_s, u"<b>a</b>"_s},
         {"undecodable", u"Content-Type: text/html\nContent-Transfer-Encoding: base64\n\n6Q=="_s, u""_s},
@@ -152,9 +154,10 @@ TEST_F(Mail, wholeAndHalf)
 
 TEST_F(Mail, attachedTextIsAFile)
 {
-    const QString page = tm_emlToHTML(u"Content-Type: multipart/mixed; boundary=x\n\n--x\nContent-Type: text/plain\n\nbody\n--x\n"
-                                      "Content-Type: text/html; charset=utf-8\nContent-Transfer-Encoding: quoted-printable\n"
-                                      "Content-Disposition: attachment;\n filename=\"a b.html\"\n\n<p>=C3=A4</p>\n--x--\n"_s);
+    const QString page =
+        tm_emlToHTML(u"Content-Type: multipart/mixed; boundary=x\n\n--x\nContent-Type: text/plain\n\nbody\n--x\n"
+                     "Content-Type: text/html; charset=utf-8\nContent-Transfer-Encoding: quoted-printable\n"
+                     "Content-Disposition: attachment;\n filename=\"a b.html\"\n\n<p>=C3=A4</p>\n--x--\n"_s);
     EXPECT_TRUE(page.contains(u"<p>body</p>"_s)) << page.toStdString();
     EXPECT_EQ(fileNamed(page, u"a b.html"_s), "<p>ä</p>\n");
 }

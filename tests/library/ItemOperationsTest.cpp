@@ -23,12 +23,15 @@ namespace {
 class Recorder final : public Organiser
 {
 public:
-    explicit Recorder(QStringList &log) : m_log(log) {}
+    explicit Recorder(QStringList &log)
+        : m_log(log)
+    {}
     bool bookIsTasklist(const QString &) override { return true; }
     void contextsFollow(const QString &, const QString &) override { m_log.append(QStringLiteral("contexts")); }
     void taskFollows(const QString &from, const QString &) override
     {
-        m_log.append(itemExists(from + QStringLiteral(".plist")) ? QStringLiteral("too early") : QStringLiteral("task"));
+        m_log.append(itemExists(from + QStringLiteral(".plist")) ? QStringLiteral("too early")
+                                                                 : QStringLiteral("task"));
     }
     void linksFollow(const QString &, const QString &) override { m_log.append(QStringLiteral("links")); }
 
@@ -86,7 +89,8 @@ TEST_F(Operations, duplicates)
     EXPECT_TRUE(exists(QStringLiteral("/Note copy 1.md")));
     const QVariantMap copy = plist(QStringLiteral("/Note copy.md.plist"));
     EXPECT_EQ(copy.keys().join(u' '), QStringLiteral("CreationDate Markdown URL"));
-    EXPECT_EQ(copy.value(QStringLiteral("CreationDate")).toDateTime(), QDateTime(QDate(2020, 1, 1), QTime(0, 0, 1), Qt::UTC));
+    EXPECT_EQ(copy.value(QStringLiteral("CreationDate")).toDateTime(),
+              QDateTime(QDate(2020, 1, 1), QTime(0, 0, 1), Qt::UTC));
     write(QStringLiteral("/Other.html"));
     tm_finishDuplicateTo(path, at(QStringLiteral("/Other.html")));
     EXPECT_EQ(plist(QStringLiteral("/Other.html.plist")).keys().join(u' '), QStringLiteral("CreationDate URL"));
@@ -101,7 +105,8 @@ TEST_F(Operations, picturesGoAlong)
     write(QStringLiteral("/A/TMImages/other.png"), "mine");
     write(QStringLiteral("/B/TMImages/same.png"), "same");
     write(QStringLiteral("/B/TMImages/other.png"), "theirs");
-    const QString from = write(QStringLiteral("/A/n.md"), "![](TMImages/same.png) ![](TMImages/other.png) TMImages/other.pngx)");
+    const QString from =
+        write(QStringLiteral("/A/n.md"), "![](TMImages/same.png) ![](TMImages/other.png) TMImages/other.pngx)");
     ASSERT_TRUE(tm_moveItemToPath(from, at(QStringLiteral("/B/n.md"))));
     EXPECT_EQ(read(QStringLiteral("/B/n.md")), "![](TMImages/same.png) ![](TMImages/other 1.png) TMImages/other.pngx)");
     EXPECT_EQ(read(QStringLiteral("/B/TMImages/other 1.png")), "mine");
@@ -125,7 +130,8 @@ TEST_F(Operations, cleaningGivesUpAtAnyDoubt)
     write(QStringLiteral("/A/d.html"), "<img src=\"TMImages/a%20b&amp;c.png\">");
     clean();
     EXPECT_TRUE(exists(image)) << "named in encoded form";
-    EXPECT_EQ(plist(QStringLiteral("/A/d.html.plist")).value(QStringLiteral("Embedded Photos")).toStringList().size(), 1);
+    EXPECT_EQ(plist(QStringLiteral("/A/d.html.plist")).value(QStringLiteral("Embedded Photos")).toStringList().size(),
+              1);
     QFile::remove(at(QStringLiteral("/A/d.html")));
     write(QStringLiteral("/Elsewhere/x.md"));
     tm_setProperty(at(image), QVariantList{QStringLiteral("/Elsewhere/x.md")}, QStringLiteral("Backlinks"));

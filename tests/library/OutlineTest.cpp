@@ -18,7 +18,8 @@ protected:
 
 TEST_F(Outline, whatShowsInTheTree)
 {
-    for (const char *name : {"b10", "b9", "A", "Odd.NUMBERS", "x.numbers", ".hidden", "TMImages", "TMResources", "Icons"})
+    for (const char *name :
+         {"b10", "b9", "A", "Odd.NUMBERS", "x.numbers", ".hidden", "TMImages", "TMResources", "Icons"})
         makeBook(u'/' + QString::fromLatin1(name));
     write(QStringLiteral("/doc.md"));
     settings().setObject(QStringLiteral("useNumericOrder"), true);
@@ -101,8 +102,8 @@ TEST_F(Outline, onlyTheDeepestExpandedPathsAreKept)
 {
     saveExpandedPaths({QStringLiteral("TMSmartBooksCollapsed"), QStringLiteral("/r/A"), QStringLiteral("/r/A/B"),
                        QStringLiteral("/r/C")});
-    EXPECT_EQ(savedExpandedPaths(), (QStringList{QStringLiteral("TMSmartBooksCollapsed"), QStringLiteral("/r/A/B"),
-                                                 QStringLiteral("/r/C")}));
+    EXPECT_EQ(savedExpandedPaths(),
+              (QStringList{QStringLiteral("TMSmartBooksCollapsed"), QStringLiteral("/r/A/B"), QStringLiteral("/r/C")}));
     saveDocumentsToOpenOnStartup({{QStringLiteral("/r/a.md"), QStringLiteral("1"), true, {}, QStringLiteral("0")}});
     EXPECT_EQ(takeDocumentsToOpenOnStartup().size(), 1);
     EXPECT_TRUE(documentsToOpenOnStartup().isEmpty());

@@ -34,14 +34,22 @@ TEST_F(Paths, whatIsHidden)
         bool dotFile;
         bool excluded;
     } rows[] = {
-        {"/r/Book/a.md", false, false},         {"/r/.hidden.md", true, true},
-        {"/r/.git/a.md", true, true},           {"/r/Book/..foo", false, false},
-        {"/r/.x/..foo", true, true},            {"/r/a.md~", true, true},
-        {"/r/a.md.plist", false, true},         {"/r/mine.plist", false, true},
-        {"/r/Icon\r", false, true},             {"/r/Icons", false, true},
-        {"/r/Icon.md", false, false},           {"/r/__NewNoteTmp3.md", false, true},
-        {"/r/TMResources/Misc/S.txt", false, true}, {"/r/TMResources/CSS/Theme.css", false, false},
-        {"/r/Book/TMImages", false, true},      {"/r/Book/TMImages/a.png", false, false},
+        {"/r/Book/a.md", false, false},
+        {"/r/.hidden.md", true, true},
+        {"/r/.git/a.md", true, true},
+        {"/r/Book/..foo", false, false},
+        {"/r/.x/..foo", true, true},
+        {"/r/a.md~", true, true},
+        {"/r/a.md.plist", false, true},
+        {"/r/mine.plist", false, true},
+        {"/r/Icon\r", false, true},
+        {"/r/Icons", false, true},
+        {"/r/Icon.md", false, false},
+        {"/r/__NewNoteTmp3.md", false, true},
+        {"/r/TMResources/Misc/S.txt", false, true},
+        {"/r/TMResources/CSS/Theme.css", false, false},
+        {"/r/Book/TMImages", false, true},
+        {"/r/Book/TMImages/a.png", false, false},
         {"/r/x.__sidecar", false, true},
     };
     for (const auto &row : rows) {
@@ -116,7 +124,8 @@ TEST_F(Paths, relativePaths)
 TEST_F(Paths, newNames)
 {
     const Row rows[] = {
-        {u"a/b:c", u"a-b-c"}, {u"???", u"-"}, {u"--a--b__", u"a-b"}, {u" #Title& ", u"Title"}, {u"a <b> | c", u"a -b- - c"},
+        {u"a/b:c", u"a-b-c"},         {u"???", u"-"}, {u"--a--b__", u"a-b"}, {u" #Title& ", u"Title"},
+        {u"a <b> | c", u"a -b- - c"},
     };
     for (const Row &row : rows) EXPECT_EQ(tm_escapeIllegalCharacters(text(row.given)), text(row.wanted));
 

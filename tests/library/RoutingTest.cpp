@@ -22,8 +22,8 @@ protected:
                                  "TMLTFileMovedNotification", "TMLTUpdateDefaultInbox"})
             m_subscriptions.push_back(
                 notifications().observe(QString::fromLatin1(name), [this, name](const QVariantMap &payload) {
-                    const QString path = payload.value(QStringLiteral("newPath"), payload.value(QStringLiteral("path")))
-                                             .toString();
+                    const QString path =
+                        payload.value(QStringLiteral("newPath"), payload.value(QStringLiteral("path"))).toString();
                     posted.append(QString::fromLatin1(name).mid(4, 12) + u' ' + path.mid(root.size()));
                 }));
     }

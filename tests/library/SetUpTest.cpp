@@ -94,9 +94,11 @@ TEST_F(FirstLaunch, rootsAreListedOnceNewestFirst)
 TEST_F(FirstLaunch, launchShowsWhatTheLastSessionShowed)
 {
     QStringList posted;
-    const auto shown = notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), [&](const auto &payload) {
-        posted.append(QStringLiteral("item ") + lastPathComponent(payload.value(QStringLiteral("path")).toString()));
-    });
+    const auto shown =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), [&](const auto &payload) {
+            posted.append(QStringLiteral("item ") +
+                          lastPathComponent(payload.value(QStringLiteral("path")).toString()));
+        });
     const auto book = notifications().observe(QStringLiteral("TMLTNewBookSelectedNotification"),
                                               [&](const auto &) { posted.append(QStringLiteral("book")); });
     const QString document = write(QStringLiteral("/n.md"));

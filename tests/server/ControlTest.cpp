@@ -23,8 +23,7 @@ public:
               m_context.get_executor(), [this] { return m_context.get_executor(); }, [](auto) {}))
     {
         http::SocketError error;
-        while (!m_socket->acceptOnInterface("127.0.0.1", port, error))
-            ++port;
+        while (!m_socket->acceptOnInterface("127.0.0.1", port, error)) ++port;
     }
     [[nodiscard]] std::uint16_t port() const { return m_socket->localPort(); }
 
@@ -100,8 +99,8 @@ TEST_F(ControlTest, thePaneSwitchesTheServer)
     EXPECT_EQ(shown.usernameField, QStringLiteral("Tomelet"));
     const QRegularExpression ninePlain(QStringLiteral("^[0-9a-f]{4}-[0-9a-f]{4}$"));
     EXPECT_TRUE(ninePlain.match(shown.passwordField).hasMatch()) << shown.passwordField.toStdString();
-    EXPECT_TRUE(shown.connectionDetailsField.startsWith(QStringLiteral(
-        "Use the credentials above to connect to one of the given server addresses.\n\nhttp://")));
+    EXPECT_TRUE(shown.connectionDetailsField.startsWith(
+        QStringLiteral("Use the credentials above to connect to one of the given server addresses.\n\nhttp://")));
     EXPECT_TRUE(shown.connectionDetailsField.contains(QStringLiteral(".local:%1").arg(control.port())));
 
     pane.toggleServer(false);

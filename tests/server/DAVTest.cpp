@@ -61,8 +61,7 @@ TEST_F(DAVTest, putMakesAndReplacesFiles)
 
 TEST_F(DAVTest, bodiesOfAMegabyteAndMore)
 {
-    for (const std::size_t size :
-         {http::DAVConnection::maxBodyInMemory, http::DAVConnection::maxBodyInMemory + 1}) {
+    for (const std::size_t size : {http::DAVConnection::maxBodyInMemory, http::DAVConnection::maxBodyInMemory + 1}) {
         RawClient client(port());
         const std::string request = client.authorized("PUT", "/large", {}, std::string(size, 'L'));
         client.send(request.substr(0, request.size() - 10));
@@ -101,8 +100,7 @@ TEST_F(DAVTest, deleteRemovesWhatIsThere)
     EXPECT_TRUE(fs::exists(m_folder / "root-evil/kept"));
     EXPECT_EQ(status("DELETE", "/book"), 200);
     EXPECT_EQ(status("DELETE", "/book"), 404);
-    for (const char *root : {"/", "//", "/.", "/book/.."})
-        EXPECT_EQ(status("DELETE", root), 404) << root;
+    for (const char *root : {"/", "//", "/.", "/book/.."}) EXPECT_EQ(status("DELETE", root), 404) << root;
     EXPECT_EQ(status("DELETE", "/../root-evil"), 404);
     EXPECT_TRUE(exists("a.txt"));
 }
@@ -121,10 +119,9 @@ TEST_F(DAVTest, propfindListsFolders)
     Reply reply = ask("PROPFIND", "/", "Depth: 1\r\n");
     EXPECT_EQ(reply.status, 207);
     EXPECT_EQ(reply.header("Content-Type"), "application/xml; charset=\"utf-8\"");
-    EXPECT_TRUE(
-        reply.body.starts_with("<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n"
-                               "<D:response><D:href>/</D:href><D:propstat><D:prop>"
-                               "<D:resourcetype><D:collection/></D:resourcetype>"));
+    EXPECT_TRUE(reply.body.starts_with("<?xml version=\"1.0\" encoding=\"utf-8\" ?><D:multistatus xmlns:D=\"DAV:\">\n"
+                                       "<D:response><D:href>/</D:href><D:propstat><D:prop>"
+                                       "<D:resourcetype><D:collection/></D:resourcetype>"));
     EXPECT_TRUE(reply.body.ends_with("</D:multistatus>"));
     EXPECT_THAT(reply.body, HasSubstr("<D:href>/%C3%BC%20%26%20%3Cx%3E.md</D:href>"));
     EXPECT_THAT(reply.body, HasSubstr("<D:getcontentlength>5</D:getcontentlength>"));
@@ -191,8 +188,7 @@ TEST_F(DAVTest, copyAndMove)
         {"the root's copy", "COPY", "/", to("/x"), 404},
         {"a hidden name", "MOVE", "/a.txt", to("/.tomelet-upload-01234567-89AB-CDEF-0123-456789ABCDEF"), 404},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(status(row.method, row.uri, row.fields), row.status) << row.what;
+    for (const auto &row : rows) EXPECT_EQ(status(row.method, row.uri, row.fields), row.status) << row.what;
     EXPECT_EQ(get("a.txt") + get("book/b.txt"), "oldb");
     EXPECT_EQ(itemsInRoot(), 4U);
 }

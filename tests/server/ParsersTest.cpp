@@ -31,8 +31,7 @@ TEST(ByteRange, goodHeaders)
         {"bytes=0-9,10-19", {{0, 10}, {10, 10}}},
         {"bytes=99-99,-0", {{99, 1}, {100, 0}}},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(parseRangeRequest(row.header, 100), row.ranges) << row.header;
+    for (const auto &row : rows) EXPECT_EQ(parseRangeRequest(row.header, 100), row.ranges) << row.header;
 }
 
 TEST(ByteRange, badHeadersRejectTheWhole)
@@ -96,8 +95,8 @@ TEST(RequestPath, targetsInsideTheRoot)
 
 TEST(RequestPath, targetsThatNameNothing)
 {
-    for (const char *outside : {"/..", "/../root-evil/x", "/%2e%2e/x", "/a/%2E%2e/../x", "/..%2fx",
-                                "/../root/x", "http://host/../x", "/./../x", "..", "/a/../../root/a"})
+    for (const char *outside : {"/..", "/../root-evil/x", "/%2e%2e/x", "/a/%2E%2e/../x", "/..%2fx", "/../root/x",
+                                "http://host/../x", "/./../x", "..", "/a/../../root/a"})
         EXPECT_EQ(pathForTarget(outside, "/root").fault, PathFault::OutsideRoot) << outside;
     for (const char *malformed : {"/a%00b", "/%c0%ae%c0%ae/x", "/%e0%80%ae/x", "/%ff", "/%", "/%2", "/%gg"})
         EXPECT_EQ(pathForTarget(malformed, "/root").fault, PathFault::Malformed) << malformed;
@@ -129,14 +128,14 @@ TEST(HTTPMessage, takesBytesInAnyPieces)
 
 TEST(HTTPMessage, refusesWhatTwoReadersCouldReadTwoWays)
 {
-    for (const char *bad : {"GET /\r\n", "GET  / HTTP/1.1\r\n", "GET / HTTP/1.1 \r\n", "GET / HTTX/1.1\r\n",
-                            "GET / HTTP/1\r\n", "G(T / HTTP/1.1\r\n", " GET / HTTP/1.1\r\n",
-                            "GET /a\tb HTTP/1.1\r\n", "GET / HTTP/1.1\nX: y\r\n"}) {
+    for (const char *bad :
+         {"GET /\r\n", "GET  / HTTP/1.1\r\n", "GET / HTTP/1.1 \r\n", "GET / HTTX/1.1\r\n", "GET / HTTP/1\r\n",
+          "G(T / HTTP/1.1\r\n", " GET / HTTP/1.1\r\n", "GET /a\tb HTTP/1.1\r\n", "GET / HTTP/1.1\nX: y\r\n"}) {
         HTTPMessage message;
         EXPECT_FALSE(message.appendData(bad)) << bad;
     }
-    for (const char *bad : {"X : y", ": y", "nothing", " folded", "X: a\rb", "X: a\nY: b", "X: a\x01",
-                            "X\xC3: y", "Content-Length: 2"}) {
+    for (const char *bad :
+         {"X : y", ": y", "nothing", " folded", "X: a\rb", "X: a\nY: b", "X: a\x01", "X\xC3: y", "Content-Length: 2"}) {
         HTTPMessage message;
         ASSERT_TRUE(message.appendData("PUT / HTTP/1.1\r\nContent-Length: 1\r\ncontent-length: 1\r\n"));
         EXPECT_FALSE(message.appendData(std::string(bad) + "\r\n")) << bad;
@@ -155,12 +154,11 @@ TEST(HTTPMessage, writesWhatItHolds)
 
 TEST(Authorization, fieldsAreFoundWhereverTheyStand)
 {
-    const auto auth = parseAuthorization(
-        "Digest cnonce=\"c\", nonce=\"n\",uri=\"/a,b?nonce=x\" , qop=\"auth\", nc=0000000a, "
-        "response=\"r\",username=\"Tomelet\", algorithm=MD5");
+    const auto auth =
+        parseAuthorization("Digest cnonce=\"c\", nonce=\"n\",uri=\"/a,b?nonce=x\" , qop=\"auth\", nc=0000000a, "
+                           "response=\"r\",username=\"Tomelet\", algorithm=MD5");
     EXPECT_TRUE(auth.isDigest);
-    EXPECT_EQ(auth.username + "|" + auth.nonce + "|" + auth.cnonce + "|" + auth.uri,
-              "Tomelet|n|c|/a,b?nonce=x");
+    EXPECT_EQ(auth.username + "|" + auth.nonce + "|" + auth.cnonce + "|" + auth.uri, "Tomelet|n|c|/a,b?nonce=x");
     EXPECT_EQ(auth.qop + auth.nc + auth.response, "auth0000000ar");
 
     const auto odd = parseAuthorization("Digest username=Tomelet, nc=\"1\", uri=\"/unclosed");
@@ -178,8 +176,7 @@ TEST(Authorization, digestOfTheStandardsExample)
     auth.qop = "auth";
     auth.nc = "00000001";
     auth.cnonce = "0a4f113b";
-    EXPECT_EQ(digestResponse(auth, "testrealm@host.com", "Circle Of Life", "GET"),
-              "6629fae49393a05397450978507c4ef1");
+    EXPECT_EQ(digestResponse(auth, "testrealm@host.com", "Circle Of Life", "GET"), "6629fae49393a05397450978507c4ef1");
 }
 
 TEST(NonceList, forgetsByTimeAndNumber)
@@ -193,8 +190,7 @@ TEST(NonceList, forgetsByTimeAndNumber)
 
     const std::string second = list.generateNonce(start);
     std::string last;
-    for (std::size_t i = 0; i < NonceList::capacity; ++i)
-        last = list.generateNonce(start);
+    for (std::size_t i = 0; i < NonceList::capacity; ++i) last = list.generateNonce(start);
     EXPECT_FALSE(list.hasRecentNonce(second, start));
     EXPECT_TRUE(list.hasRecentNonce(last, start));
 }
@@ -215,8 +211,7 @@ TEST(XMLBody, selectedProperties)
     } rows[] = {
         {"", AllProperties},
         {"<propfind xmlns='DAV:'><allprop/></propfind>", AllProperties},
-        {"<D:propfind xmlns:D='DAV:'><D:prop><D:getcontentlength/><D:resourcetype/></D:prop></D:propfind>",
-         9},
+        {"<D:propfind xmlns:D='DAV:'><D:prop><D:getcontentlength/><D:resourcetype/></D:prop></D:propfind>", 9},
         {"<propfind><prop><getetag/><creationdate/></prop></propfind>", CreationDate},
         {"<propfind><prop><getetag/></prop></propfind>", AllProperties},
         {"<propfind><prop><getlastmodified/>", LastModified},
@@ -226,15 +221,13 @@ TEST(XMLBody, selectedProperties)
          "'file:///etc/passwd'>]><propfind><prop>&b;<resourcetype/></prop></propfind>",
          1},
     };
-    for (const auto &row : rows)
-        EXPECT_EQ(selectedProperties(row.body), row.properties) << row.body;
+    for (const auto &row : rows) EXPECT_EQ(selectedProperties(row.body), row.properties) << row.body;
 }
 
 TEST(XMLBody, lockInfo)
 {
-    const auto info =
-        parseLockInfo("<?xml version='1.0'?>\n<lockinfo xmlns='DAV:'>\n<lockscope> <shared/></lockscope>"
-                      "<locktype><write/></locktype><owner><href>a &amp; b</href></owner></lockinfo>");
+    const auto info = parseLockInfo("<?xml version='1.0'?>\n<lockinfo xmlns='DAV:'>\n<lockscope> <shared/></lockscope>"
+                                    "<locktype><write/></locktype><owner><href>a &amp; b</href></owner></lockinfo>");
     ASSERT_TRUE(info);
     EXPECT_EQ(info->scope + "|" + info->type + "|" + info->owner, "shared|write|a & b");
     EXPECT_FALSE(parseLockInfo("<propfind/>"));

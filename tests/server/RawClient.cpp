@@ -31,8 +31,7 @@ RawClient::RawClient(std::uint16_t port)
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     const int on = 1;
     setsockopt(m_socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    if (connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
-        std::perror("connect");
+    if (connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0) std::perror("connect");
 }
 
 RawClient::~RawClient()
@@ -51,8 +50,7 @@ void RawClient::send(std::string_view bytes)
 
 void RawClient::sendByByte(std::string_view bytes)
 {
-    for (const char byte : bytes)
-        send({&byte, 1});
+    for (const char byte : bytes) send({&byte, 1});
 }
 
 bool RawClient::fill()
@@ -107,10 +105,8 @@ Reply RawClient::receive(bool withoutBody)
     }
     if (reply.status == 100) return receive(withoutBody);
     if (withoutBody) return reply;
-    if (reply.header("Transfer-Encoding") == "chunked")
-        reply.body = takeChunks();
-    else
-        reply.body = take(std::strtoul(reply.header("Content-Length").c_str(), nullptr, 10));
+    if (reply.header("Transfer-Encoding") == "chunked") reply.body = takeChunks();
+    else reply.body = take(std::strtoul(reply.header("Content-Length").c_str(), nullptr, 10));
     return reply;
 }
 
@@ -137,8 +133,8 @@ void RawClient::abort()
     m_socket = -1;
 }
 
-std::string RawClient::authorized(const std::string &method, const std::string &uri,
-                                  const std::string &fields, const std::string &body)
+std::string RawClient::authorized(const std::string &method, const std::string &uri, const std::string &fields,
+                                  const std::string &body)
 {
     if (nonce.empty()) {
         send("GET / HTTP/1.1\r\nHost: test\r\n\r\n");
@@ -146,8 +142,9 @@ std::string RawClient::authorized(const std::string &method, const std::string &
     }
     char count[9];
     std::snprintf(count, sizeof count, "%08x", ++nc);
-    std::string text = method + " " + uri + " HTTP/1.1\r\nHost: test\r\nAuthorization: " +
-                       digestHeader(method, uri, nonce, count) + "\r\n" + fields;
+    std::string text = method + " " + uri +
+                       " HTTP/1.1\r\nHost: test\r\nAuthorization: " + digestHeader(method, uri, nonce, count) + "\r\n" +
+                       fields;
     if (!body.empty() || method == "PUT") text += "Content-Length: " + std::to_string(body.size()) + "\r\n";
     return text + "\r\n" + body;
 }
@@ -170,8 +167,8 @@ std::string digestHeader(const std::string &method, const std::string &uri, cons
     auth.nc = nc;
     auth.cnonce = "0a4f113b";
     // cnonce stands first: a reader that looks for "nonce=" anywhere takes the wrong one.
-    return "Digest username=\"Tomelet\", cnonce=\"" + auth.cnonce + "\", realm=\"" + testRealm +
-           "\", nonce=\"" + nonce + "\", uri=\"" + uri + "\", qop=auth, nc=" + nc + ", response=\"" +
+    return "Digest username=\"Tomelet\", cnonce=\"" + auth.cnonce + "\", realm=\"" + testRealm + "\", nonce=\"" +
+           nonce + "\", uri=\"" + uri + "\", qop=auth, nc=" + nc + ", response=\"" +
            http::digestResponse(auth, testRealm, password, method) + "\"";
 }
 
@@ -179,8 +176,7 @@ std::string nonceOf(const Reply &reply)
 {
     const std::string challenge = reply.header("WWW-Authenticate");
     const auto start = challenge.find("nonce=\"");
-    return start == challenge.npos ? std::string()
-                                   : challenge.substr(start + 7, challenge.size() - start - 8);
+    return start == challenge.npos ? std::string() : challenge.substr(start + 7, challenge.size() - start - 8);
 }
 
 } // namespace tomelet::test

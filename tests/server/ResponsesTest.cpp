@@ -43,18 +43,15 @@ public:
 protected:
     bool isPasswordProtected(const std::string &path) override { return path == "/basic"; }
     bool useDigestAccessAuthentication() override { return false; }
-    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
-                                                        const std::string &uri) override
+    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method, const std::string &uri) override
     {
         const std::string file = filePathForURI("/file");
         if (uri == "/basic") return std::make_shared<HTTPDataResponse>("in");
         if (uri == "/teapot") return std::make_shared<HTTPErrorResponse>(418);
         if (uri == "/redirect") return std::make_shared<HTTPRedirectResponse>("/elsewhere");
-        if (uri == "/late")
-            return std::make_shared<LateChunks>(std::string(3 << 20, 'z'), shared_from_this());
+        if (uri == "/late") return std::make_shared<LateChunks>(std::string(3 << 20, 'z'), shared_from_this());
         if (uri == "/async")
-            return HTTPAsyncFileResponse::withFilePath(file, weak_from_this(), config().fileQueue,
-                                                       connectionQueue());
+            return HTTPAsyncFileResponse::withFilePath(file, weak_from_this(), config().fileQueue, connectionQueue());
         if (uri.starts_with("/dynamic"))
             return HTTPDynamicFileResponse::withFilePath(filePathForURI(uri), weak_from_this(), "%%",
                                                          {{"NAME", "Tomelet"}, {"EMPTY", ""}});
@@ -70,9 +67,8 @@ protected:
     void SetUp() override
     {
         ServerFixture::SetUp();
-        startServer([](auto socket, auto config) {
-            return std::make_shared<Offering>(std::move(socket), std::move(config));
-        });
+        startServer(
+            [](auto socket, auto config) { return std::make_shared<Offering>(std::move(socket), std::move(config)); });
     }
     Reply ask(const std::string &uri, const std::string &fields = {})
     {
@@ -122,8 +118,7 @@ TEST_F(ResponsesTest, keysAreReplacedWhereverTheFileIsCut)
 TEST_F(ResponsesTest, largeFilesComeWholeAndInRanges)
 {
     std::string content;
-    for (int i = 0; content.size() < (20U << 20); ++i)
-        content += std::to_string(i) + "\n";
+    for (int i = 0; content.size() < (20U << 20); ++i) content += std::to_string(i) + "\n";
     put("file", content);
     EXPECT_TRUE(ask("/async").body == content);
     EXPECT_TRUE(ask("/file").body == content);

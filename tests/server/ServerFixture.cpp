@@ -31,15 +31,13 @@ void ServerFixture::TearDown()
     fs::remove_all(m_folder);
 }
 
-void ServerFixture::startServer(http::HTTPServer::ConnectionClass connections,
-                                std::chrono::milliseconds timeout)
+void ServerFixture::startServer(http::HTTPServer::ConnectionClass connections, std::chrono::milliseconds timeout)
 {
     m_server.setDocumentRoot(m_root.string());
     m_server.setConnectionClass(std::move(connections));
     m_server.setInterface("127.0.0.1");
     m_server.setTimeout(timeout);
-    m_server.setClock(
-        [this] { return std::chrono::steady_clock::now() + std::chrono::seconds(m_passed.load()); });
+    m_server.setClock([this] { return std::chrono::steady_clock::now() + std::chrono::seconds(m_passed.load()); });
     m_server.setUsername("Tomelet");
     m_server.setPassword("secret");
     http::SocketError error;
@@ -48,11 +46,9 @@ void ServerFixture::startServer(http::HTTPServer::ConnectionClass connections,
 
 void ServerFixture::startDAV(std::chrono::milliseconds timeout)
 {
-    startServer(
-        [](auto socket, auto config) {
-            return std::make_shared<http::DAVConnection>(std::move(socket), std::move(config));
-        },
-        timeout);
+    startServer([](auto socket,
+                   auto config) { return std::make_shared<http::DAVConnection>(std::move(socket), std::move(config)); },
+                timeout);
 }
 
 void ServerFixture::put(const std::string &name, const std::string &content) const

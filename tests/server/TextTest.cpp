@@ -22,12 +22,10 @@ TEST(MD5, knownDigests)
 TEST(Text, numbersAreDigitsAndNothingElse)
 {
     EXPECT_EQ(parseDecimal("9223372036854775807"), 9223372036854775807ULL);
-    for (const char *bad :
-         {"", "+1", "-1", " 1", "1 ", "0x1", "1,1", "9223372036854775808", "99999999999999999999"})
+    for (const char *bad : {"", "+1", "-1", " 1", "1 ", "0x1", "1,1", "9223372036854775808", "99999999999999999999"})
         EXPECT_EQ(parseDecimal(bad), std::nullopt) << bad;
     EXPECT_EQ(parseHexadecimal("00fF"), 255U);
-    for (const char *bad : {"", "0x1", "g", "8000000000000000"})
-        EXPECT_EQ(parseHexadecimal(bad), std::nullopt) << bad;
+    for (const char *bad : {"", "0x1", "g", "8000000000000000"}) EXPECT_EQ(parseHexadecimal(bad), std::nullopt) << bad;
 }
 
 TEST(Text, onlyWellFormedUTF8IsValid)
@@ -42,12 +40,10 @@ TEST(Text, onlyWellFormedUTF8IsValid)
 
 TEST(Text, escapesAreInverse)
 {
-    EXPECT_EQ(percentEscaped("/a b<&>?+#%[é]'~:@=$,;!*()"),
-              "/a%20b%3C%26%3E%3F%2B%23%25%5B%C3%A9%5D'~:@=$,;!*()");
+    EXPECT_EQ(percentEscaped("/a b<&>?+#%[é]'~:@=$,;!*()"), "/a%20b%3C%26%3E%3F%2B%23%25%5B%C3%A9%5D'~:@=$,;!*()");
     const std::string odd = "/q\"\\^`{|}\x01\x7F/ü";
     EXPECT_EQ(percentDecoded(percentEscaped(odd)), odd);
-    for (const char *bad : {"%", "%4", "%zz", "a%2", "%-1"})
-        EXPECT_EQ(percentDecoded(bad), std::nullopt) << bad;
+    for (const char *bad : {"%", "%4", "%zz", "a%2", "%-1"}) EXPECT_EQ(percentDecoded(bad), std::nullopt) << bad;
     EXPECT_EQ(percentDecoded("+%00"), std::string("+\0", 2));
 }
 

@@ -19,7 +19,10 @@ namespace {
 class FolderTrash final : public Trash
 {
 public:
-    FolderTrash(QString folder, const bool &works) : m_folder(std::move(folder)), m_works(works) {}
+    FolderTrash(QString folder, const bool &works)
+        : m_folder(std::move(folder))
+        , m_works(works)
+    {}
 
     std::optional<QString> take(const QString &path) override
     {

@@ -20,8 +20,7 @@ struct Case
 template <typename Operation>
 void check(Operation operation, std::initializer_list<Case> cases)
 {
-    for (const Case &row : cases)
-        EXPECT_EQ(operation(row.text), row.wanted) << row.name;
+    for (const Case &row : cases) EXPECT_EQ(operation(row.text), row.wanted) << row.name;
 }
 
 } // namespace tomelet::test

@@ -30,8 +30,7 @@ double secondsFor(const QList<QByteArray> &texts, int repeat, uint32_t extension
 {
     const auto start = std::chrono::steady_clock::now();
     for (int i = 0; i < repeat; ++i)
-        for (const QByteArray &text : texts)
-            convertOnce(text, extensions);
+        for (const QByteArray &text : texts) convertOnce(text, extensions);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
@@ -41,10 +40,9 @@ int runBenchEngine(const Invocation &call)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Converts files in memory and prints the time it took."));
-    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."),
-                                 QStringLiteral("FILE..."));
-    parser.addOption({QStringLiteral("repeat"), QStringLiteral("How many times."), QStringLiteral("N"),
-                      QStringLiteral("1")});
+    parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."), QStringLiteral("FILE..."));
+    parser.addOption(
+        {QStringLiteral("repeat"), QStringLiteral("How many times."), QStringLiteral("N"), QStringLiteral("1")});
     addExtensionsOption(parser);
     if (const auto status = parse(call, parser)) return *status;
 

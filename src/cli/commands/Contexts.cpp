@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `contexts` and `context add|remove|rename|delete|exclude|refresh|extract`.
+#include "organising/contexts/Contexts.h"
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/TerminalProgress.h"
@@ -7,7 +8,6 @@
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "organising/contexts/ContextStores.h"
-#include "organising/contexts/Contexts.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -45,8 +45,9 @@ int changeContext(const Invocation &call, const QStringList &words)
         note(call, QStringLiteral("read %1 property files")
                        .arg(tm_refreshContexts(terminalProgress(call, QStringLiteral("Refreshing contexts")))));
     else if (action == u"extract" && words.size() == 1)
-        note(call, QStringLiteral("read %1 documents")
-                       .arg(extractContextsFromDocuments(terminalProgress(call, QStringLiteral("Extracting contexts")))));
+        note(call,
+             QStringLiteral("read %1 documents")
+                 .arg(extractContextsFromDocuments(terminalProgress(call, QStringLiteral("Extracting contexts")))));
     else return wrongUsage(call, usage);
     return Done;
 }
@@ -64,8 +65,7 @@ int runContexts(const Invocation &call)
     for (const QString &word : tm_listOfAllAvailableTags()) {
         if (word == favoriteContext) continue;
         const qlonglong count = tm_numberOfItemsForTag(word);
-        if (call.json)
-            all.append(QJsonObject{{QStringLiteral("context"), word}, {QStringLiteral("items"), count}});
+        if (call.json) all.append(QJsonObject{{QStringLiteral("context"), word}, {QStringLiteral("items"), count}});
         else writeLine(word + u'\t' + QString::number(count));
     }
     if (call.json) writeJson(all);
@@ -76,7 +76,8 @@ int runContext(const Invocation &call)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Changes contexts: ") + usage);
-    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("What to do."), QStringLiteral("ACTION [ARGS]"));
+    parser.addPositionalArgument(QStringLiteral("action"), QStringLiteral("What to do."),
+                                 QStringLiteral("ACTION [ARGS]"));
     if (const auto status = parse(call, parser)) return *status;
     if (const auto status = openNotebook(call)) return *status;
     const int status = changeContext(call, parser.positionalArguments());

@@ -65,8 +65,7 @@ const Named *find(std::span<const Named> table, const QString &name)
 QString namesOf(std::span<const Named> table)
 {
     QStringList names;
-    for (const Named &entry : table)
-        names << QLatin1StringView(entry.name);
+    for (const Named &entry : table) names << QLatin1StringView(entry.name);
     return names.join(QStringLiteral(", "));
 }
 
@@ -80,23 +79,20 @@ struct Job
 
 void describe(QCommandLineParser &parser)
 {
-    parser.setApplicationDescription(QStringLiteral(
-        "Converts Markdown with the engine alone. Without FILE, or for \"-\", it reads standard "
-        "input. With any of the single flags the extensions start from none."));
+    parser.setApplicationDescription(
+        QStringLiteral("Converts Markdown with the engine alone. Without FILE, or for \"-\", it reads standard "
+                       "input. With any of the single flags the extensions start from none."));
     parser.addPositionalArgument(QStringLiteral("file"), QStringLiteral("What to convert."),
                                  QStringLiteral("[FILE...]"));
+    parser.addOption({QStringLiteral("to"), namesOf(outputFormats), QStringLiteral("FORMAT"), QStringLiteral("html")});
     parser.addOption(
-        {QStringLiteral("to"), namesOf(outputFormats), QStringLiteral("FORMAT"), QStringLiteral("html")});
-    parser.addOption({QStringLiteral("from"), namesOf(inputFormats), QStringLiteral("FORMAT"),
-                      QStringLiteral("markdown")});
-    parser.addOption(
-        {QStringLiteral("language"), namesOf(languages), QStringLiteral("L"), QStringLiteral("en")});
+        {QStringLiteral("from"), namesOf(inputFormats), QStringLiteral("FORMAT"), QStringLiteral("markdown")});
+    parser.addOption({QStringLiteral("language"), namesOf(languages), QStringLiteral("L"), QStringLiteral("en")});
     parser.addOption({QStringLiteral("o"), QStringLiteral("The result's file; with several inputs a folder."),
                       QStringLiteral("FILE")});
     addExtensionsOption(parser);
     for (const Named &flag : flags)
-        parser.addOption(
-            {QLatin1StringView(flag.name), QStringLiteral("Adds %1 to the extensions.").arg(flag.value)});
+        parser.addOption({QLatin1StringView(flag.name), QStringLiteral("Adds %1 to the extensions.").arg(flag.value)});
 }
 
 std::optional<uint32_t> extensions(const QCommandLineParser &parser)
@@ -111,14 +107,12 @@ std::optional<uint32_t> extensions(const QCommandLineParser &parser)
 // Converts bytes that stand in a file of the folder; `path` is empty for standard input.
 std::optional<QByteArray> convert(const Job &job, const QByteArray &text, const QString &path)
 {
-    const QByteArray folder =
-        QFile::encodeName(path.isEmpty() ? QDir::currentPath() : QFileInfo(path).absolutePath());
+    const QByteArray folder = QFile::encodeName(path.isEmpty() ? QDir::currentPath() : QFileInfo(path).absolutePath());
     d_string *source = d_string_new("");
     const qsizetype mark = text.startsWith("\xEF\xBB\xBF") ? 3 : 0; // a byte order mark is no text
     d_string_append_c_array(source, text.constData() + mark, static_cast<size_t>(text.size() - mark));
     if (job.extensions & EXT_TRANSCLUDE) {
-        const QByteArray file =
-            path.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(path).absoluteFilePath());
+        const QByteArray file = path.isEmpty() ? QByteArray() : QFile::encodeName(QFileInfo(path).absoluteFilePath());
         mmd_transclude_source(source, folder.constData(), file.isEmpty() ? nullptr : file.constData(),
                               static_cast<uint16_t>(job.to->value), nullptr, nullptr);
     }
@@ -156,13 +150,10 @@ int convertAll(const Job &job, const QStringList &inputs, const QString &output)
         if (!text) return fail(error);
         const auto result = convert(job, *text, input == QLatin1StringView("-") ? QString() : input);
         if (!result)
-            return fail(
-                QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(job.to->name)));
+            return fail(QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(job.to->name)));
         const QString path = resultPath(output, input, inputs.size(), *job.to);
-        if (path.isEmpty())
-            writeBytes(*result);
-        else if (!writeFile(path, *result, error))
-            return fail(error);
+        if (path.isEmpty()) writeBytes(*result);
+        else if (!writeFile(path, *result, error)) return fail(error);
     }
     return Done;
 }
@@ -186,8 +177,7 @@ int runConvert(const Invocation &call)
     if (!mmd_format_is_available(static_cast<uint16_t>(to->value)))
         return fail(QStringLiteral("the format \"%1\" is not available").arg(QLatin1StringView(to->name)));
     if (from->value != 0)
-        return fail(
-            QStringLiteral("reading the format \"%1\" is not available").arg(QLatin1StringView(from->name)));
+        return fail(QStringLiteral("reading the format \"%1\" is not available").arg(QLatin1StringView(from->name)));
 
     QStringList inputs = parser.positionalArguments();
     if (inputs.isEmpty()) inputs << QStringLiteral("-");

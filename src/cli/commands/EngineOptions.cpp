@@ -14,8 +14,8 @@ static QString extensionsName()
 
 void addExtensionsOption(QCommandLineParser &parser)
 {
-    parser.addOption({extensionsName(), QStringLiteral("The engine's extensions, the sum of their bits."),
-                      QStringLiteral("N")});
+    parser.addOption(
+        {extensionsName(), QStringLiteral("The engine's extensions, the sum of their bits."), QStringLiteral("N")});
 }
 
 std::optional<uint32_t> extensionsOption(const QCommandLineParser &parser, uint32_t fallback)

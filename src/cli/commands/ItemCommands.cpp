@@ -50,7 +50,8 @@ int transfer(const Invocation &call, const char *description, const char *verb, 
         to = joinPath(to, lastPathComponent(from));
     if (itemExists(to) && to.compare(from, Qt::CaseInsensitive) != 0)
         return fail(QStringLiteral("an item with name \"%1\" already exists").arg(lastPathComponent(to)));
-    if (!operation(from, to)) return fail(QStringLiteral("%1 could not be %2 to %3").arg(from, QLatin1StringView(verb), to));
+    if (!operation(from, to))
+        return fail(QStringLiteral("%1 could not be %2 to %3").arg(from, QLatin1StringView(verb), to));
     return finish(to);
 }
 
@@ -68,7 +69,8 @@ int runCp(const Invocation &call)
 
 int runBook(const Invocation &call)
 {
-    const QCommandLineOption in(QStringLiteral("in"), QStringLiteral("The book to make it in."), QStringLiteral("book"));
+    const QCommandLineOption in(QStringLiteral("in"), QStringLiteral("The book to make it in."),
+                                QStringLiteral("book"));
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Makes a book."));
     parser.addOption(in);

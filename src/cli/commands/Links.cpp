@@ -50,14 +50,16 @@ int runLinks(const Invocation &call)
 
 int runBacklinks(const Invocation &call)
 {
-    return runOnItem(call, QStringLiteral("Prints the documents that refer to an item, as they are stored with it."),
-                     [](const QString &item) { return tm_propertyForKey(item, QStringLiteral("Backlinks")).toStringList(); });
+    return runOnItem(
+        call, QStringLiteral("Prints the documents that refer to an item, as they are stored with it."),
+        [](const QString &item) { return tm_propertyForKey(item, QStringLiteral("Backlinks")).toStringList(); });
 }
 
 int runCheckLinks(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Prints the items whose stored path is not their own, with that path."));
+    parser.setApplicationDescription(
+        QStringLiteral("Prints the items whose stored path is not their own, with that path."));
     parser.addOptions({{QStringLiteral("repair"), QStringLiteral("Make the links point to the right items again.")},
                        {QStringLiteral("remove"), QStringLiteral("Remove the backlinks of all items.")}});
     if (const auto status = parse(call, parser)) return *status;
@@ -66,16 +68,16 @@ int runCheckLinks(const Invocation &call)
     if (!parser.positionalArguments().isEmpty() || (repair && remove))
         return wrongUsage(call, QStringLiteral("check-links takes one of --repair and --remove, or nothing"));
     if (const auto status = openNotebook(call)) return *status;
-    const BacklinkCheck check = remove   ? BacklinkCheck::Remove
-                                : repair ? BacklinkCheck::Repair
-                                         : BacklinkCheck::Find;
-    const CheckedBacklinks checked = tm_findBrokenBacklinks(tomeletRoot(), check, terminalProgress(call, QStringLiteral("Checking links")));
+    const BacklinkCheck check = remove ? BacklinkCheck::Remove : repair ? BacklinkCheck::Repair : BacklinkCheck::Find;
+    const CheckedBacklinks checked =
+        tm_findBrokenBacklinks(tomeletRoot(), check, terminalProgress(call, QStringLiteral("Checking links")));
     drainPendingWork();
     QJsonArray all;
     for (qsizetype i = 0; i < checked.mismatches.size(); ++i) {
         if (!call.json) writeLine(checked.mismatches[i] + u'\t' + checked.stalePaths[i]);
-        else all.append(QJsonObject{{QStringLiteral("path"), checked.mismatches[i]},
-                                    {QStringLiteral("ReferencedPath"), checked.stalePaths[i]}});
+        else
+            all.append(QJsonObject{{QStringLiteral("path"), checked.mismatches[i]},
+                                   {QStringLiteral("ReferencedPath"), checked.stalePaths[i]}});
     }
     if (call.json) writeJson(all);
     note(call, checked.message());
@@ -85,9 +87,11 @@ int runCheckLinks(const Invocation &call)
 int runRefreshLinks(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Reads all documents and stores with each item which of them refer to it."));
+    parser.setApplicationDescription(
+        QStringLiteral("Reads all documents and stores with each item which of them refer to it."));
     if (const auto status = parse(call, parser)) return *status;
-    if (!parser.positionalArguments().isEmpty()) return wrongUsage(call, QStringLiteral("refresh-links takes no arguments"));
+    if (!parser.positionalArguments().isEmpty())
+        return wrongUsage(call, QStringLiteral("refresh-links takes no arguments"));
     if (const auto status = openNotebook(call)) return *status;
     if (!settings().boolean(QStringLiteral("manageLinks")))
         return fail(QStringLiteral("links are not managed; `tomelet settings set manageLinks true` turns it on"));

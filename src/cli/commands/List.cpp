@@ -24,9 +24,15 @@ int smartTypeOf(const QString &word)
         const char *word;
         int type;
     } types[] = {
-        {"due", DueTasksBook},       {"contexts", ContextsBook},   {"favorites", FavoritesBook},
-        {"inbox", InboxBook},        {"tasklists", AllTaskListsBook}, {"recent", RecentItemsBook},
-        {"modified", RecentlyModifiedBook}, {"search", SearchResultsBook}, {"conflicts", ConflictsBook},
+        {"due", DueTasksBook},
+        {"contexts", ContextsBook},
+        {"favorites", FavoritesBook},
+        {"inbox", InboxBook},
+        {"tasklists", AllTaskListsBook},
+        {"recent", RecentItemsBook},
+        {"modified", RecentlyModifiedBook},
+        {"search", SearchResultsBook},
+        {"conflicts", ConflictsBook},
     };
     for (const auto &row : types)
         if (word == QLatin1StringView(row.word)) return row.type;
@@ -36,7 +42,8 @@ int smartTypeOf(const QString &word)
 void printRow(const QVariantMap &row)
 {
     const QString icon = row.value(QStringLiteral("taskIcon")).toString();
-    const bool pinned = row.value(QStringLiteral("pinnedSequence")).toLongLong() != std::numeric_limits<qlonglong>::max();
+    const bool pinned =
+        row.value(QStringLiteral("pinnedSequence")).toLongLong() != std::numeric_limits<qlonglong>::max();
     QString line = row.value(QStringLiteral("title")).toString();
     if (pinned) line += QStringLiteral("\tpinned");
     if (!icon.isEmpty()) line += u'\t' + icon;

@@ -24,8 +24,7 @@ void listOperations(const Invocation &call)
         if (call.json)
             all.append(QJsonObject{{QStringLiteral("name"), operation.name},
                                    {QStringLiteral("parameters"), QJsonArray::fromStringList(operation.parameters)}});
-        else
-            writeLine(operation.name + QStringLiteral("(%1)").arg(operation.parameters.join(QStringLiteral(", "))));
+        else writeLine(operation.name + QStringLiteral("(%1)").arg(operation.parameters.join(QStringLiteral(", "))));
     }
     if (call.json) writeJson(all);
 }

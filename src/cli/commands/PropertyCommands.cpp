@@ -73,8 +73,9 @@ int runGet(const Invocation &call)
     if (const auto status = takeItem(call, parser, 1, 2, "ITEM [KEY]", path)) return *status;
     const QStringList words = parser.positionalArguments();
     if (words.size() == 1) printAll(call, storedProperties(path));
-    else printValue(call, parser.isSet(inherited) ? tm_inheritedPropertyForKey(path, words[1])
-                                                  : tm_propertyForKey(path, words[1]));
+    else
+        printValue(call, parser.isSet(inherited) ? tm_inheritedPropertyForKey(path, words[1])
+                                                 : tm_propertyForKey(path, words[1]));
     return Done;
 }
 
@@ -136,9 +137,9 @@ int runLabel(const Invocation &call)
     parser.setApplicationDescription(QStringLiteral("Labels an item with a colour; \"Auto\" takes the label off."));
     QString path;
     if (const auto status = takeItem(call, parser, 2, 2, "ITEM COLOR", path)) return *status;
-    static const QStringList colors{QStringLiteral("red"),    QStringLiteral("orange"), QStringLiteral("yellow"),
-                                    QStringLiteral("green"),  QStringLiteral("blue"),   QStringLiteral("purple"),
-                                    QStringLiteral("gray"),   QStringLiteral("beige"),  QStringLiteral("default"),
+    static const QStringList colors{QStringLiteral("red"),   QStringLiteral("orange"), QStringLiteral("yellow"),
+                                    QStringLiteral("green"), QStringLiteral("blue"),   QStringLiteral("purple"),
+                                    QStringLiteral("gray"),  QStringLiteral("beige"),  QStringLiteral("default"),
                                     QStringLiteral("Auto")};
     const QString color = parser.positionalArguments()[1];
     if (!colors.contains(color))

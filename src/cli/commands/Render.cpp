@@ -18,8 +18,7 @@ namespace tomelet::cli {
 
 static QString pageOf(const QString &path)
 {
-    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path)
-                                                                     : pageForItem(path);
+    return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path) : pageForItem(path);
 }
 
 static QString whyUnreadable(const QString &path)

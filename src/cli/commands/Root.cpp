@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `tomelet root [DIR]`: which notebook is in force, or choosing one and setting it up.
+#include "library/Root.h"
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "library/AppDelegate.h"
-#include "library/Root.h"
 
 #include <QCommandLineParser>
 #include <QDir>
@@ -35,16 +35,15 @@ static int chooseRoot(const QString &folder)
 int runRoot(const Invocation &call)
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        QStringLiteral("Prints the notebook's folder, or chooses DIR and sets it up."));
+    parser.setApplicationDescription(QStringLiteral("Prints the notebook's folder, or chooses DIR and sets it up."));
     parser.addPositionalArgument(QStringLiteral("dir"), QStringLiteral("The folder; made when missing."),
                                  QStringLiteral("[DIR]"));
     if (const auto status = parse(call, parser)) return *status;
     takeOptions(call);
     const QStringList words = parser.positionalArguments();
     if (words.size() > 1) return wrongUsage(call, QStringLiteral("root takes one folder"));
-    if (words.size() == 1) return words[0].isEmpty() ? wrongUsage(call, QStringLiteral("root takes a folder"))
-                                                     : chooseRoot(words[0]);
+    if (words.size() == 1)
+        return words[0].isEmpty() ? wrongUsage(call, QStringLiteral("root takes a folder")) : chooseRoot(words[0]);
     const QString stored = settings().string(QStringLiteral("TomeletFolder"));
     if (stored.isEmpty()) return fail(QStringLiteral("no notebook is chosen yet: tomelet root DIR chooses one"));
     if (call.json) writeJson(stored);

@@ -36,11 +36,9 @@ QStringList addressesOf(const ServerControl &control, const QString &interface)
 {
     QStringList hosts{interface.contains(u':') ? u'[' + interface + u']' : interface};
     if (interface.isEmpty())
-        hosts =
-            QStringList{localHostName()} + localIPv4Addresses() + QStringList{QStringLiteral("localhost")};
+        hosts = QStringList{localHostName()} + localIPv4Addresses() + QStringList{QStringLiteral("localhost")};
     QStringList addresses;
-    for (const QString &host : hosts)
-        addresses += QStringLiteral("http://%1:%2").arg(host).arg(control.port());
+    for (const QString &host : hosts) addresses += QStringLiteral("http://%1:%2").arg(host).arg(control.port());
     return addresses;
 }
 
@@ -52,8 +50,7 @@ void printAccess(const Invocation &call, const ServerControl &control, const QSt
                               {QStringLiteral("user"), serverUser},
                               {QStringLiteral("password"), control.password()}});
     } else {
-        for (const QString &address : addresses)
-            writeLine(address);
+        for (const QString &address : addresses) writeLine(address);
         writeLine(QStringLiteral("User: ") + serverUser);
         writeLine(QStringLiteral("Password: ") + control.password());
     }
@@ -76,9 +73,7 @@ int serve(const Invocation &call, Settings &settings, const ServerOverrides &ove
     QString failure;
     ServerControl control(
         settings,
-        [&failure](const QString &title, const QString &text) {
-            failure = title + QStringLiteral(": ") + text;
-        },
+        [&failure](const QString &title, const QString &text) { failure = title + QStringLiteral(": ") + text; },
         overrides);
     if (control.password().isEmpty()) control.createNewPassword();
     const sigset_t endSignals = blockEndSignals();
@@ -100,19 +95,17 @@ int runServe(const Invocation &call)
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Serves the notebook over HTTP and WebDAV until it is interrupted."));
-    const QCommandLineOption port(QStringLiteral("port"),
-                                  QStringLiteral("The port; 0 lets the system choose."), QStringLiteral("N"));
+    const QCommandLineOption port(QStringLiteral("port"), QStringLiteral("The port; 0 lets the system choose."),
+                                  QStringLiteral("N"));
     const QCommandLineOption password(
-        QStringLiteral("password"),
-        QStringLiteral("The password of this run; other users of the machine can see it."),
+        QStringLiteral("password"), QStringLiteral("The password of this run; other users of the machine can see it."),
         QStringLiteral("P"));
     const QCommandLineOption interface(QStringLiteral("interface"),
                                        QStringLiteral("Listens on this address or network interface alone."),
                                        QStringLiteral("ADDR"));
     parser.addOptions({port, password, interface});
     if (const auto status = parse(call, parser)) return *status;
-    if (!parser.positionalArguments().isEmpty())
-        return wrongUsage(call, QStringLiteral("serve takes no arguments"));
+    if (!parser.positionalArguments().isEmpty()) return wrongUsage(call, QStringLiteral("serve takes no arguments"));
 
     ServerOverrides overrides;
     if (parser.isSet(port)) {

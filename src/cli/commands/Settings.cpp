@@ -31,8 +31,7 @@ void printOne(const Invocation &call, const QVariant &value)
         writeLine(jsonTextFromVariant(value));
     else if (value.typeId() == QMetaType::Bool)
         writeLine(value.toBool() ? QStringLiteral("true") : QStringLiteral("false"));
-    else if (value.isValid())
-        writeLine(textFromVariant(value));
+    else if (value.isValid()) writeLine(textFromVariant(value));
 }
 
 int store(Settings &settings, const QString &key, const QVariant &value)

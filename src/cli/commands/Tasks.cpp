@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // `tasks`, `tasklist`, `task`, `due`, `extract` and `reminders`.
+#include "organising/tasks/Tasks.h"
 #include "cli/Invocation.h"
 #include "cli/Items.h"
 #include "cli/commands/AllCommands.h"
@@ -16,7 +17,6 @@
 #include "organising/tasks/TaskExtraction.h"
 #include "organising/tasks/TaskRepeats.h"
 #include "organising/tasks/TaskRows.h"
-#include "organising/tasks/Tasks.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
@@ -44,11 +44,10 @@ void printRows(const Invocation &call, const QList<QVariantMap> &rows)
     QJsonArray all;
     for (const QVariantMap &row : rows) {
         const QString path = row.value(QStringLiteral("path")).toString();
-        if (call.json)
-            all.append(jsonFromVariant(row));
+        if (call.json) all.append(jsonFromVariant(row));
         else
-            writeLine(row.value(QStringLiteral("taskIcon")).toString() + u'\t' + tm_normalizedPath(path) +
-                      u'\t' + tm_weekdayString(tm_dueDateForTask(path)));
+            writeLine(row.value(QStringLiteral("taskIcon")).toString() + u'\t' + tm_normalizedPath(path) + u'\t' +
+                      tm_weekdayString(tm_dueDateForTask(path)));
     }
     if (call.json) writeJson(all);
 }
@@ -74,11 +73,9 @@ int runTasks(const Invocation &call)
 int runDue(const Invocation &call)
 {
     QStringList words;
-    if (const auto status = begin(call, "Prints the due tasks of all tasklists.", "", 0, 0, words))
-        return *status;
+    if (const auto status = begin(call, "Prints the due tasks of all tasklists.", "", 0, 0, words)) return *status;
     QList<QVariantMap> rows;
-    for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false))
-        rows.append(row.toMap());
+    for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false)) rows.append(row.toMap());
     sortRows(rows, QStringLiteral("DueDate"), false);
     printRows(call, rows);
     return Done;
@@ -88,22 +85,20 @@ int runDue(const Invocation &call)
 static QVariantMap reminderDictionary(const Reminder &reminder, const ReminderCandidate &task)
 {
     QVariantMap values = tm_notificationForDate(reminder.path, reminder.fireDate, task.repeatInterval);
-    values.insert(
-        {{QStringLiteral("path"), reminder.path},
-         {QStringLiteral("normPath"), tm_normalizedPath(reminder.path)},
-         {QStringLiteral("fireDate"), reminder.fireDate},
-         {QStringLiteral("modDate"), task.modDate},
-         {QStringLiteral("counterIncrement"), task.countsUp ? QStringLiteral("1") : QStringLiteral("0")},
-         {QStringLiteral("repeatInterval"), QString::number(task.repeatInterval)},
-         {QStringLiteral("taskState"), task.taskState}});
+    values.insert({{QStringLiteral("path"), reminder.path},
+                   {QStringLiteral("normPath"), tm_normalizedPath(reminder.path)},
+                   {QStringLiteral("fireDate"), reminder.fireDate},
+                   {QStringLiteral("modDate"), task.modDate},
+                   {QStringLiteral("counterIncrement"), task.countsUp ? QStringLiteral("1") : QStringLiteral("0")},
+                   {QStringLiteral("repeatInterval"), QString::number(task.repeatInterval)},
+                   {QStringLiteral("taskState"), task.taskState}});
     return values;
 }
 
 static QJsonArray remindersAsJson()
 {
     QHash<QString, ReminderCandidate> tasks;
-    for (const ReminderCandidate &task : reminderCandidates())
-        tasks.insert(task.path, task);
+    for (const ReminderCandidate &task : reminderCandidates()) tasks.insert(task.path, task);
     QJsonArray all;
     for (const Reminder &reminder : scheduledReminders())
         all.append(jsonFromVariant(reminderDictionary(reminder, tasks.value(reminder.path))));
@@ -128,8 +123,7 @@ int runReminders(const Invocation &call)
 int runExtract(const Invocation &call)
 {
     QStringList words;
-    if (const auto status =
-            begin(call, "Makes tasks of the marked lines of a document.", "ITEM", 1, 1, words))
+    if (const auto status = begin(call, "Makes tasks of the marked lines of a document.", "ITEM", 1, 1, words))
         return *status;
     const QString path = itemPath(words.first());
     if (!itemExists(path)) return fail(QStringLiteral("%1 does not exist").arg(path));
@@ -137,11 +131,9 @@ int runExtract(const Invocation &call)
         return fail(QStringLiteral("the setting markTaskWithCharacter is not set"));
     const QStringList made = extractMarkedTasks(path);
     drainPendingWork();
-    if (call.json)
-        writeJson(QJsonArray::fromStringList(made));
+    if (call.json) writeJson(QJsonArray::fromStringList(made));
     else
-        for (const QString &task : made)
-            writeLine(tm_normalizedPath(task));
+        for (const QString &task : made) writeLine(tm_normalizedPath(task));
     return Done;
 }
 
@@ -151,20 +143,17 @@ namespace {
 
 bool personWantsReset()
 {
-    return askQuestion(
-               {localized(TOMELET_TEXT("Reset all tasks?")),
-                localized(TOMELET_TEXT("You are about to clear task states, due dates and reminders.")) +
-                    u'\n' + localized(TOMELET_TEXT("You cannot undo this action.")),
-                {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}}) == 0;
+    return askQuestion({localized(TOMELET_TEXT("Reset all tasks?")),
+                        localized(TOMELET_TEXT("You are about to clear task states, due dates and reminders.")) +
+                            u'\n' + localized(TOMELET_TEXT("You cannot undo this action.")),
+                        {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}}) == 0;
 }
 
 int resetTasklist(const Invocation &call, const QString &book)
 {
     if (!tm_bookIsTasklist(book)) return fail(QStringLiteral("%1 is no tasklist").arg(book));
-    if (personWantsReset())
-        tm_resetTasklist(book);
-    else
-        note(call, QStringLiteral("nothing was reset"));
+    if (personWantsReset()) tm_resetTasklist(book);
+    else note(call, QStringLiteral("nothing was reset"));
     return Done;
 }
 
@@ -182,10 +171,8 @@ int runTasklist(const Invocation &call)
     const QString book = itemPath(words.last());
     if (!pathIsPlainBook(book)) return fail(QStringLiteral("%1 is no book").arg(book));
     int status = Done;
-    if (action == u"reset")
-        status = resetTasklist(call, book);
-    else if (tm_bookIsTasklist(book) != (action == u"on"))
-        tm_toggleTasklistKeepingDetails(book, true);
+    if (action == u"reset") status = resetTasklist(call, book);
+    else if (tm_bookIsTasklist(book) != (action == u"on")) tm_toggleTasklistKeepingDetails(book, true);
     drainPendingWork();
     if (action != u"reset" && tm_bookIsTasklist(book) != (action == u"on"))
         status = fail(QStringLiteral("%1 could not be switched %2").arg(book, action));
@@ -205,8 +192,7 @@ int forEachItem(const QStringList &items, const Change &change)
 {
     for (const QString &item : items)
         if (!itemExists(itemPath(item))) return fail(QStringLiteral("%1 does not exist").arg(itemPath(item)));
-    for (const QString &item : items)
-        change(itemPath(item));
+    for (const QString &item : items) change(itemPath(item));
     return Done;
 }
 
@@ -214,10 +200,8 @@ int changeDueDate(const Invocation &call, const QString &path, const QString &wo
 {
     if (word.isEmpty()) {
         const QDateTime due = tm_dueDateForTask(path);
-        if (call.json)
-            writeJson(jsonFromVariant(due));
-        else
-            writeLine(tm_weekdayString(due));
+        if (call.json) writeJson(jsonFromVariant(due));
+        else writeLine(tm_weekdayString(due));
         return Done;
     }
     const QDateTime date = dateFromIso(word);
@@ -231,8 +215,7 @@ int changeDueDate(const Invocation &call, const QString &path, const QString &wo
 // The words in any order: a number, a unit in singular or plural, and what is left as the type.
 std::optional<QStringList> repeatDetailsFrom(QStringList words)
 {
-    if (words.size() == 1 && words.first().startsWith(u'['))
-        words = variantFromJsonText(words.first()).toStringList();
+    if (words.size() == 1 && words.first().startsWith(u'[')) words = variantFromJsonText(words.first()).toStringList();
     static const QStringList units{QStringLiteral("hour"), QStringLiteral("day"), QStringLiteral("week"),
                                    QStringLiteral("month"), QStringLiteral("year")};
     QStringList type;
@@ -242,16 +225,12 @@ std::optional<QStringList> repeatDetailsFrom(QStringList words)
         bool isNumber = false;
         const qulonglong number = word.toULongLong(&isNumber);
         const QString singular = word.endsWith(u's') ? word.chopped(1) : word;
-        if (isNumber)
-            factor = QString::number(number);
-        else if (units.contains(singular))
-            unit = singular;
-        else
-            type.append(word);
+        if (isNumber) factor = QString::number(number);
+        else if (units.contains(singular)) unit = singular;
+        else type.append(word);
     }
     const QString typeText = type.join(u' ').replace(u'-', u' ');
-    if ((typeText != u"when due" && typeText != u"when done") || unit.isEmpty() || factor == u"0")
-        return std::nullopt;
+    if ((typeText != u"when due" && typeText != u"when done") || unit.isEmpty() || factor == u"0") return std::nullopt;
     return QStringList{typeText, unit, factor};
 }
 
@@ -259,10 +238,8 @@ int changeRepeat(const Invocation &call, const QString &path, const QStringList 
 {
     if (words.isEmpty()) {
         const QStringList details = tm_repeatDetails(path).value_or(QStringList());
-        if (call.json)
-            writeJson(QJsonArray::fromStringList(details));
-        else
-            writeLine(tm_readableRepeatDetails(path));
+        if (call.json) writeJson(QJsonArray::fromStringList(details));
+        else writeLine(tm_readableRepeatDetails(path));
         return Done;
     }
     if (words == QStringList{QStringLiteral("none")}) {
@@ -298,8 +275,8 @@ int changeTask(const Invocation &call, const QString &action, const QStringList 
 int runTask(const Invocation &call)
 {
     QStringList words;
-    if (const auto status = begin(call, "Changes single tasks.",
-                                  "toggle|not-a-task|due|clear-due|repeat ITEM [...]", 2, 100000, words))
+    if (const auto status =
+            begin(call, "Changes single tasks.", "toggle|not-a-task|due|clear-due|repeat ITEM [...]", 2, 100000, words))
         return *status;
     const int status = changeTask(call, words.first(), words.mid(1));
     drainPendingWork();

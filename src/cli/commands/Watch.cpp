@@ -35,8 +35,8 @@ public:
 private:
     void follow(const char *notification, const char *word, const char *key)
     {
-        m_subscriptions.push_back(notifications().observe(
-            QString::fromLatin1(notification), [this, word, key](const QVariantMap &payload) {
+        m_subscriptions.push_back(
+            notifications().observe(QString::fromLatin1(notification), [this, word, key](const QVariantMap &payload) {
                 print(QLatin1StringView(word), payload.value(QStringLiteral("originalPath")).toString(),
                       payload.value(QLatin1StringView(key)).toString());
             }));
@@ -88,8 +88,7 @@ int runWatch(const Invocation &call)
     index.present();
     DesktopReminders desktop;
     const ReminderDelivery delivery(desktop);
-    const auto opener =
-        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), openInDesktop);
+    const auto opener = notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), openInDesktop);
     note(call, QStringLiteral("following the notebook; Ctrl+C ends it"));
     const QuitOnSignals quitter;
     const int status = QCoreApplication::exec();

@@ -86,24 +86,31 @@ CallResult callOperation(const QString &name, QVariantList arguments, bool fromS
         return {CallResult::UnknownName,
                 QStringLiteral("there is no operation \"%1\"; the nearest are %2")
                     .arg(name, registry().nearest(name).join(QStringLiteral(", "))),
-                {}, false};
+                {},
+                false};
     if (arguments.size() != operation->parameters.size())
         return {CallResult::WrongArguments,
-                QStringLiteral("%1 takes: %2").arg(name, operation->parameters.join(QStringLiteral(", "))), {}, false};
+                QStringLiteral("%1 takes: %2").arg(name, operation->parameters.join(QStringLiteral(", "))),
+                {},
+                false};
 
     if (operation->receiver != Receiver::None) {
         QVariant receiver = arguments[0];
         if (fromShell) {
             const auto text = receiverText(receiver.toString());
             if (!text)
-                return {CallResult::Failure, QStringLiteral("%1 cannot be read").arg(receiver.toString().mid(1)), {},
+                return {CallResult::Failure,
+                        QStringLiteral("%1 cannot be read").arg(receiver.toString().mid(1)),
+                        {},
                         false};
             receiver = *text;
         }
         arguments[0] = receiverValue(receiver, operation->receiver);
         if (operation->receiver == Receiver::Path && hasNoPlace(arguments[0].toString()))
-            return {CallResult::Failure, QStringLiteral("there is no notebook for %1").arg(textFromVariant(receiver)),
-                    {}, false};
+            return {CallResult::Failure,
+                    QStringLiteral("there is no notebook for %1").arg(textFromVariant(receiver)),
+                    {},
+                    false};
     }
     for (qsizetype i = 1; i < arguments.size(); ++i)
         if (namesAPlace(operation->parameters[i]) && !textFromVariant(arguments[i]).isEmpty())

@@ -80,23 +80,20 @@ Range rangeOf(Text text, Text regex, quint32 options, Range range, int capture)
 
 QVariant matching(Text text, Text regex, quint32 options, Range range, int capture)
 {
-    return orThrow([&](RKLError *error) {
-        return textOrNothing(stringByMatching(text, regex, options, range, capture, error));
-    });
+    return orThrow(
+        [&](RKLError *error) { return textOrNothing(stringByMatching(text, regex, options, range, capture, error)); });
 }
 
 QStringList components(Text text, Text regex, quint32 options, Range range, int capture)
 {
-    return orThrow([&](RKLError *error) {
-        return componentsMatchedByRegex(text, regex, options, range, capture, error);
-    });
+    return orThrow(
+        [&](RKLError *error) { return componentsMatchedByRegex(text, regex, options, range, capture, error); });
 }
 
 QStringList captures(Text text, Text regex, quint32 options, Range range)
 {
-    return orThrow([&](RKLError *error) {
-        return captureComponentsMatchedByRegex(text, regex, options, range, error);
-    });
+    return orThrow(
+        [&](RKLError *error) { return captureComponentsMatchedByRegex(text, regex, options, range, error); });
 }
 
 QVariantList allCaptures(Text text, Text regex, quint32 options, Range range)
@@ -113,17 +110,15 @@ QStringList separated(Text text, Text regex, quint32 options, Range range)
 
 QString replacing(Text text, Text regex, Text with, quint32 options, Range range)
 {
-    return orThrow([&](RKLError *error) {
-        return stringByReplacingOccurrencesOfRegex(text, regex, with, options, range, error);
-    });
+    return orThrow(
+        [&](RKLError *error) { return stringByReplacingOccurrencesOfRegex(text, regex, with, options, range, error); });
 }
 
 // The text is a copy of the caller's, so that the number of replacements is what remains.
 qsizetype replace(QString text, Text regex, Text with, quint32 options, Range range)
 {
-    return orThrow([&](RKLError *error) {
-        return replaceOccurrencesOfRegex(text, regex, with, options, range, error);
-    });
+    return orThrow(
+        [&](RKLError *error) { return replaceOccurrencesOfRegex(text, regex, with, options, range, error); });
 }
 
 QVariantList dictionaries(Text text, Text regex, quint32 options, Range range, const QVariant &keys)

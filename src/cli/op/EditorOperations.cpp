@@ -35,14 +35,16 @@ EditorCommand commandOf(const QString &name)
 
 void requireArguments(EditorCommand command, qsizetype given)
 {
-    const qsizetype wanted = command == EditorCommand::Markdown ? 2
-                             : command == EditorCommand::Type || command == EditorCommand::SmartReplace ||
-                                     command == EditorCommand::Heading
-                                 ? 1
-                                 : 0;
+    const qsizetype wanted =
+        command == EditorCommand::Markdown ? 2
+        : command == EditorCommand::Type || command == EditorCommand::SmartReplace || command == EditorCommand::Heading
+            ? 1
+            : 0;
     // Sorting may be told both of its settings.
     const bool fits = given == wanted || (command == EditorCommand::SortLines && given == 2);
-    if (!fits) throw std::invalid_argument(QStringLiteral("arguments wanted: %1, given: %2").arg(wanted).arg(given).toStdString());
+    if (!fits)
+        throw std::invalid_argument(
+            QStringLiteral("arguments wanted: %1, given: %2").arg(wanted).arg(given).toStdString());
 }
 
 QVariant editorApply(const QString &text, const QVariant &selection, const QString &name, const QVariantList &given)
@@ -89,7 +91,9 @@ void addEditorOperations(Registry &add)
              });
     add.text("editor_apply", "text, selection, command, first, second",
              [](const QString &text, const QVariant &selection, const QString &command, const QVariant &first,
-                const QVariant &second) { return editorApply(text, selection, command, {first, second}); });
+                const QVariant &second) {
+                 return editorApply(text, selection, command, {first, second});
+             });
     add.text("tm_generatorIsTomelet", "page", tm_generatorIsTomelet);
     add.text("tm_writeToFile", "text, path, atomically, encoding",
              [](const QString &text, const QString &path, bool atomically, TextEncoding encoding) {

@@ -118,10 +118,11 @@ void addProperties(Registry &add)
              [](const QString &path, bool asTask, const QVariant &details, const QVariant &order) {
                  return tm_dictionaryForItemAsTask(path, asTask, withIsoDates(details), order);
              });
-    add.path("tm_dictionaryForItemAsTask", "path, asTask, details, sortOrder, pinnedOrder",
-             [](const QString &path, bool asTask, const QVariant &details, const QVariant &order, const QVariant &pins) {
-                 return tm_dictionaryForItemAsTask(path, asTask, withIsoDates(details), order, pins);
-             });
+    add.path(
+        "tm_dictionaryForItemAsTask", "path, asTask, details, sortOrder, pinnedOrder",
+        [](const QString &path, bool asTask, const QVariant &details, const QVariant &order, const QVariant &pins) {
+            return tm_dictionaryForItemAsTask(path, asTask, withIsoDates(details), order, pins);
+        });
     add.value("tm_sortByParameter", "rows, parameter, descending", tm_sortByParameter);
     add.value("tm_localizedIndexOfObject", "list, text", tm_localizedIndexOfObject);
     add.plain("tm_locationSpecificSettingForKey", "key", tm_locationSpecificSettingForKey);

@@ -20,9 +20,8 @@ namespace tomelet::cli {
 static void addContexts(Registry &add)
 {
     add.text("tm_extractTagsFromString", "text", tm_extractTagsFromString);
-    add.text("tm_tagIsManagedAutomatically", "word", [](const QString &word) {
-        return !word.isEmpty() && tm_tagIsManagedAutomatically(word);
-    });
+    add.text("tm_tagIsManagedAutomatically", "word",
+             [](const QString &word) { return !word.isEmpty() && tm_tagIsManagedAutomatically(word); });
     add.text("tm_assignClassToContextTags", "html, tags", tm_assignClassToContextTags);
     add.plain("tm_unfilteredListOfAllTags", "", tm_unfilteredListOfAllTags);
     add.text("tm_unfilteredListOfAllTags", "receiver", [](const QString &) { return tm_unfilteredListOfAllTags(); });

@@ -56,7 +56,8 @@ void addPageOperations(Registry &add)
     add.text("tm_rangesOfFencedCodeBlocks", "text", rangesOfCode);
     add.value("tm_textCheckingResultsIntersectResult", "ranges, match", listHoldsRange);
     add.text("tm_makeWikiLinksMarkdownLinks", "text", tm_makeWikiLinksMarkdownLinks);
-    add.text("tm_markdownToHTML", "pathOrText", [](const QString &text) { return tm_markdownToHTML(itemOrText(text)); });
+    add.text("tm_markdownToHTML", "pathOrText",
+             [](const QString &text) { return tm_markdownToHTML(itemOrText(text)); });
     add.text("tm_ownMarkdownWithPath", "text, path",
              [](const QString &text, const QString &path) { return tm_ownMarkdownWithPath(text, itemPath(path)); });
     add.text("tm_markdownWithPandoc", "text, titleBlock, andTOC", tm_markdownWithPandoc);

@@ -53,13 +53,10 @@ static void addTaskLists(Registry &add)
     add.path("tm_taskPlistChangedAtPath", "store", tm_taskPlistChangedAtPath);
     add.plain("updateListOfTasklists", "", updateListOfTasklists);
     add.plain("updateListOfTasklistsQuick", "", updateListOfTasklistsQuick);
-    add.plain("updateListOfTasklistRemoving", "removing, adding",
-              [](const QString &removing, const QString &adding) {
-                  const auto path = [](const QString &item) {
-                      return item.isEmpty() ? item : itemPath(item);
-                  };
-                  updateListOfTasklistRemoving(path(removing), path(adding));
-              });
+    add.plain("updateListOfTasklistRemoving", "removing, adding", [](const QString &removing, const QString &adding) {
+        const auto path = [](const QString &item) { return item.isEmpty() ? item : itemPath(item); };
+        updateListOfTasklistRemoving(path(removing), path(adding));
+    });
     add.path("openChecklistItems", "path", openChecklistItems);
 }
 
@@ -70,13 +67,10 @@ static void addDueDates(Registry &add)
     add.path("tm_repeatDetails", "path", tm_repeatDetails);
     add.path("tm_setRepeatDetails", "path, details", tm_setRepeatDetails);
     add.path("tm_readableRepeatDetails", "path", tm_readableRepeatDetails);
-    add.value("tm_readableRepeatDetailsForDetails", "details", [](const QVariant &details) {
-        return tm_readableRepeatDetailsForDetails(details.toStringList());
-    });
+    add.value("tm_readableRepeatDetailsForDetails", "details",
+              [](const QVariant &details) { return tm_readableRepeatDetailsForDetails(details.toStringList()); });
     add.text("tm_readableRepeatDetailsForDetails", "receiver, details",
-             [](const QString &, const QStringList &details) {
-                 return tm_readableRepeatDetailsForDetails(details);
-             });
+             [](const QString &, const QStringList &details) { return tm_readableRepeatDetailsForDetails(details); });
     add.path("tm_addRepeatingTask", "path", tm_addRepeatingTask);
     add.path("tm_notificationForDate", "path, date, repeat", tm_notificationForDate);
     add.plain("tm_repostAllNotifications", "", tm_repostAllNotifications);
@@ -84,10 +78,9 @@ static void addDueDates(Registry &add)
     add.path("tm_openTaskFromNotification", "path", tm_openTaskFromNotification);
     add.value("tm_showDueDateDialogForItems", "items", [](const QVariant &items) {
         QStringList paths;
-        for (const QString &item : items.toStringList())
-            paths.append(itemPath(item));
-        tm_showDueDateDialogForItems(
-            paths, [](const Question &question, DueDateChoice &) { return askQuestion(question); });
+        for (const QString &item : items.toStringList()) paths.append(itemPath(item));
+        tm_showDueDateDialogForItems(paths,
+                                     [](const Question &question, DueDateChoice &) { return askQuestion(question); });
     });
 }
 

@@ -19,12 +19,10 @@ namespace tomelet::cli {
 
 template <typename T>
 struct IsOptional : std::false_type
-{
-};
+{};
 template <typename T>
 struct IsOptional<std::optional<T>> : std::true_type
-{
-};
+{};
 
 /// A range in its text form, "{location, length}"; null is the whole text. Throws for anything else.
 inline Range rangeFromVariant(const QVariant &value)

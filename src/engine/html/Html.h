@@ -42,25 +42,23 @@ void export_table_cell_html(d_string *out, const char *source, token *cell, scra
 void export_toc_html(d_string *out, const char *source, const token *block, scratch_pad &scratch);
 /// A list of the headings from number `counter` on that lie between min and max, as long as they are not
 /// above `level`.
-void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter,
-                               int level, int min, int max);
+void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter, int level,
+                               int min, int max);
 
 // Links and images. `bracket` is the token of the bracket.
 void export_bracket_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_image_bracket_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_angle_html(d_string *out, const char *source, token *angle, scratch_pad &scratch);
-void mmd_export_link_html(d_string *out, const char *source, token *bracket, const link &target,
-                          scratch_pad &scratch);
-void mmd_export_image_html(d_string *out, const char *source, token *bracket, const link &target,
-                           scratch_pad &scratch, bool is_figure);
+void mmd_export_link_html(d_string *out, const char *source, token *bracket, const link &target, scratch_pad &scratch);
+void mmd_export_image_html(d_string *out, const char *source, token *bracket, const link &target, scratch_pad &scratch,
+                           bool is_figure);
 /// The bracket's delimiters become empty, so that its children are what it says.
 void empty_delimiters(token *pair);
 
 // Notes: where they are used, the link back from their last paragraph, their lists.
 void export_footnote_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 /// With a locator when there is one: "[p. 3][#key]".
-void export_citation_html(d_string *out, const char *source, token *bracket, token *locator,
-                          scratch_pad &scratch);
+void export_citation_html(d_string *out, const char *source, token *bracket, token *locator, scratch_pad &scratch);
 void export_glossary_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_abbreviation_html(d_string *out, const char *source, token *bracket, scratch_pad &scratch);
 void export_back_link_html(d_string *out, const scratch_pad &scratch);

@@ -44,8 +44,7 @@ void export_paragraph(d_string *out, const char *source, const token *t, scratch
 void trim_trailing_whitespace(d_string *out)
 {
     size_t length = out->currentStringLength;
-    while (length > 0 && char_is_whitespace_or_line_ending(out->str[length - 1]))
-        --length;
+    while (length > 0 && char_is_whitespace_or_line_ending(out->str[length - 1])) --length;
     d_string_erase(out, length, to_the_end);
 }
 
@@ -87,8 +86,7 @@ void export_list(d_string *out, const char *source, const token *t, scratch_pad 
 // An item of one line keeps that line; one of more lines holds blocks, which write their own paragraphs.
 bool holds_a_line(const token *item)
 {
-    return item->child &&
-           (item->child->type == LINE_LIST_BULLETED || item->child->type == LINE_LIST_ENUMERATED);
+    return item->child && (item->child->type == LINE_LIST_BULLETED || item->child->type == LINE_LIST_ENUMERATED);
 }
 
 void export_list_item(d_string *out, const char *source, const token *t, scratch_pad &scratch)
@@ -107,8 +105,7 @@ void export_list_item(d_string *out, const char *source, const token *t, scratch
 void export_indented_code(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     const token *first = t->child;
-    while (first && first->type != TEXT_PLAIN)
-        first = first->next; // a list's marker
+    while (first && first->type != TEXT_PLAIN) first = first->next; // a list's marker
     pad(out, 2, scratch);
     print(out, "<pre><code>");
     mmd_export_token_tree_html_raw(out, source, first, scratch);
@@ -116,8 +113,7 @@ void export_indented_code(d_string *out, const char *source, const token *t, scr
     scratch.padded = 0;
 }
 
-void export_raw_fence(d_string *out, const char *source, const token *t, std::string_view filter,
-                      scratch_pad &scratch)
+void export_raw_fence(d_string *out, const char *source, const token *t, std::string_view filter, scratch_pad &scratch)
 {
     if (!raw_filter_text_matches(filter, scratch.output_format)) return;
     pad(out, 2, scratch);
@@ -237,30 +233,16 @@ void export_table_section(d_string *out, const char *source, const token *t, scr
 bool export_block_html(d_string *out, const char *source, token *t, scratch_pad &scratch)
 {
     switch (t->type) {
-    case BLOCK_BLOCKQUOTE:
-        export_blockquote(out, source, t, scratch);
-        return true;
-    case BLOCK_CODE_FENCED:
-        export_fenced_code(out, source, t, scratch);
-        return true;
-    case BLOCK_CODE_INDENTED:
-        export_indented_code(out, source, t, scratch);
-        return true;
-    case BLOCK_DEFLIST:
-        export_definition_list(out, source, t, scratch);
-        return true;
-    case BLOCK_DEFINITION:
-        export_definition(out, source, t, scratch);
-        return true;
-    case BLOCK_TERM:
-        export_term(out, source, t, scratch);
-        return true;
+    case BLOCK_BLOCKQUOTE: export_blockquote(out, source, t, scratch); return true;
+    case BLOCK_CODE_FENCED: export_fenced_code(out, source, t, scratch); return true;
+    case BLOCK_CODE_INDENTED: export_indented_code(out, source, t, scratch); return true;
+    case BLOCK_DEFLIST: export_definition_list(out, source, t, scratch); return true;
+    case BLOCK_DEFINITION: export_definition(out, source, t, scratch); return true;
+    case BLOCK_TERM: export_term(out, source, t, scratch); return true;
     case BLOCK_PARA:
     case BLOCK_DEF_FOOTNOTE:
     case BLOCK_DEF_GLOSSARY:
-    case BLOCK_DEF_CITATION:
-        export_paragraph(out, source, t, scratch);
-        return true;
+    case BLOCK_DEF_CITATION: export_paragraph(out, source, t, scratch); return true;
     case BLOCK_H1:
     case BLOCK_H2:
     case BLOCK_H3:
@@ -268,51 +250,27 @@ bool export_block_html(d_string *out, const char *source, token *t, scratch_pad 
     case BLOCK_H5:
     case BLOCK_H6:
     case BLOCK_SETEXT_1:
-    case BLOCK_SETEXT_2:
-        export_heading(out, source, t, scratch);
-        return true;
-    case BLOCK_HR:
-        export_rule(out, scratch);
-        return true;
-    case BLOCK_HTML:
-        export_html_block(out, source, t, scratch);
-        return true;
+    case BLOCK_SETEXT_2: export_heading(out, source, t, scratch); return true;
+    case BLOCK_HR: export_rule(out, scratch); return true;
+    case BLOCK_HTML: export_html_block(out, source, t, scratch); return true;
     case BLOCK_LIST_BULLETED:
     case BLOCK_LIST_BULLETED_LOOSE:
     case BLOCK_LIST_ENUMERATED:
-    case BLOCK_LIST_ENUMERATED_LOOSE:
-        export_list(out, source, t, scratch);
-        return true;
+    case BLOCK_LIST_ENUMERATED_LOOSE: export_list(out, source, t, scratch); return true;
     case BLOCK_LIST_ITEM:
-    case BLOCK_LIST_ITEM_TIGHT:
-        export_list_item(out, source, t, scratch);
-        return true;
-    case BLOCK_TABLE:
-        export_table_html(out, source, t, scratch);
-        return true;
-    case BLOCK_TABLE_HEADER:
-        export_table_header(out, source, t, scratch);
-        return true;
-    case BLOCK_TABLE_SECTION:
-        export_table_section(out, source, t, scratch);
-        return true;
-    case TABLE_ROW:
-        export_table_row_html(out, source, t, scratch);
-        return true;
-    case TABLE_CELL:
-        export_table_cell_html(out, source, t, scratch);
-        return true;
-    case BLOCK_TOC:
-        export_toc_html(out, source, t, scratch);
-        return true;
+    case BLOCK_LIST_ITEM_TIGHT: export_list_item(out, source, t, scratch); return true;
+    case BLOCK_TABLE: export_table_html(out, source, t, scratch); return true;
+    case BLOCK_TABLE_HEADER: export_table_header(out, source, t, scratch); return true;
+    case BLOCK_TABLE_SECTION: export_table_section(out, source, t, scratch); return true;
+    case TABLE_ROW: export_table_row_html(out, source, t, scratch); return true;
+    case TABLE_CELL: export_table_cell_html(out, source, t, scratch); return true;
+    case BLOCK_TOC: export_toc_html(out, source, t, scratch); return true;
     case BLOCK_EMPTY:
     case BLOCK_META:
     case BLOCK_DEF_ABBREVIATION:
     case BLOCK_DEF_LINK:
-    case LINE_TABLE_SEPARATOR:
-        return true;
-    default:
-        return false;
+    case LINE_TABLE_SEPARATOR: return true;
+    default: return false;
     }
 }
 

@@ -43,34 +43,20 @@ void export_deletion(d_string *out, const char *source, token *t, scratch_pad &s
 std::string_view unmatched_text(uint16_t type)
 {
     switch (type) {
-    case CRITIC_ADD_OPEN:
-        return "{++";
-    case CRITIC_ADD_CLOSE:
-        return "++}";
-    case CRITIC_DEL_OPEN:
-        return "{--";
-    case CRITIC_DEL_CLOSE:
-        return "--}";
-    case CRITIC_COM_OPEN:
-        return "{&gt;&gt;";
-    case CRITIC_COM_CLOSE:
-        return "&lt;&lt;}";
-    case CRITIC_SUB_OPEN:
-        return "{~~";
-    case CRITIC_SUB_DIV:
-        return "~&gt;";
-    case CRITIC_SUB_DIV_A:
-        return "~";
-    case CRITIC_SUB_DIV_B:
-        return "&gt;";
-    case CRITIC_SUB_CLOSE:
-        return "~~}";
-    case CRITIC_HI_OPEN:
-        return "{==";
-    case CRITIC_HI_CLOSE:
-        return "==}";
-    default:
-        return {};
+    case CRITIC_ADD_OPEN: return "{++";
+    case CRITIC_ADD_CLOSE: return "++}";
+    case CRITIC_DEL_OPEN: return "{--";
+    case CRITIC_DEL_CLOSE: return "--}";
+    case CRITIC_COM_OPEN: return "{&gt;&gt;";
+    case CRITIC_COM_CLOSE: return "&lt;&lt;}";
+    case CRITIC_SUB_OPEN: return "{~~";
+    case CRITIC_SUB_DIV: return "~&gt;";
+    case CRITIC_SUB_DIV_A: return "~";
+    case CRITIC_SUB_DIV_B: return "&gt;";
+    case CRITIC_SUB_CLOSE: return "~~}";
+    case CRITIC_HI_OPEN: return "{==";
+    case CRITIC_HI_CLOSE: return "==}";
+    default: return {};
     }
 }
 
@@ -79,12 +65,8 @@ std::string_view unmatched_text(uint16_t type)
 bool export_critic_html(d_string *out, const char *source, token *t, scratch_pad &scratch)
 {
     switch (t->type) {
-    case PAIR_CRITIC_ADD:
-        export_addition(out, source, t, scratch);
-        return true;
-    case PAIR_CRITIC_DEL:
-        export_deletion(out, source, t, scratch);
-        return true;
+    case PAIR_CRITIC_ADD: export_addition(out, source, t, scratch); return true;
+    case PAIR_CRITIC_DEL: export_deletion(out, source, t, scratch); return true;
     case PAIR_CRITIC_COM:
         export_change(out, source, t, scratch, comment, EXT_CRITIC_ACCEPT | EXT_CRITIC_REJECT, 0);
         return true;

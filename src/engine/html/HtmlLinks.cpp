@@ -45,10 +45,8 @@ void make_link_text(token *bracket)
 
 std::string_view trimmed(std::string_view text)
 {
-    while (!text.empty() && char_is_whitespace_or_line_ending(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && char_is_whitespace_or_line_ending(text.back()))
-        text.remove_suffix(1);
+    while (!text.empty() && char_is_whitespace_or_line_ending(text.front())) text.remove_prefix(1);
+    while (!text.empty() && char_is_whitespace_or_line_ending(text.back())) text.remove_suffix(1);
     return text;
 }
 
@@ -72,8 +70,7 @@ void export_autolink(d_string *out, std::string_view address, scratch_pad &scrat
 std::string_view pixels(std::string_view size)
 {
     size_t digits = 0;
-    while (digits < size.size() && char_is_digit(size[digits]))
-        ++digits;
+    while (digits < size.size() && char_is_digit(size[digits])) ++digits;
     const std::string_view unit = size.substr(digits);
     return unit.empty() || unit == "px" ? size.substr(0, digits) : std::string_view{};
 }
@@ -100,10 +97,8 @@ void print_image_attributes(d_string *out, const link &target)
     for (const link_attribute &a : target.attributes) {
         if (!is_size(a)) continue;
         const std::string_view digits = pixels(a.value);
-        if (digits.empty())
-            styled = true;
-        else
-            print_attribute(out, a.key, digits);
+        if (digits.empty()) styled = true;
+        else print_attribute(out, a.key, digits);
     }
     if (styled) {
         print(out, " style=\"");
@@ -157,24 +152,22 @@ bool has_label(const token *bracket)
 
 } // namespace
 
-void mmd_export_link_html(d_string *out, const char *source, token *bracket, const link &target,
-                          scratch_pad &scratch)
+void mmd_export_link_html(d_string *out, const char *source, token *bracket, const link &target, scratch_pad &scratch)
 {
     const bool mask = scratch.has(EXT_OBFUSCATE) && target.url.starts_with("mailto:");
     print(out, "<a href=\"");
     mmd_print_string_html(out, target.url, mask ? generator(scratch) : nullptr, false);
     print(out, "\"");
     if (!target.title.empty()) print_attribute(out, "title", target.title);
-    for (const link_attribute &a : target.attributes)
-        print_attribute(out, a.key, a.value);
+    for (const link_attribute &a : target.attributes) print_attribute(out, a.key, a.value);
     print(out, ">");
     make_link_text(bracket);
     mmd_export_token_tree_html(out, source, bracket->child, scratch);
     print(out, "</a>");
 }
 
-void mmd_export_image_html(d_string *out, const char *source, token *bracket, const link &target,
-                           scratch_pad &scratch, bool is_figure)
+void mmd_export_image_html(d_string *out, const char *source, token *bracket, const link &target, scratch_pad &scratch,
+                           bool is_figure)
 {
     if (is_figure) begin_figure(out, scratch);
     print_image_url(out, target, scratch);
@@ -230,12 +223,10 @@ void export_angle_html(d_string *out, const char *source, token *angle, scratch_
     const std::string_view address = trimmed(text_inside_pair(source, angle));
     if (!address.empty() && scan_url(address.data(), address.size()) == address.size())
         export_autolink(out, address, scratch);
-    else if (scan_html(source + angle->start, angle->len) == angle->len)
-        print(out, token_text(source, angle));
+    else if (scan_html(source + angle->start, angle->len) == angle->len) print(out, token_text(source, angle));
     else if (!address.empty() && scan_uri(address.data(), address.size()) == address.size())
         export_autolink(out, address, scratch);
-    else
-        mmd_export_token_tree_html(out, source, angle->child, scratch);
+    else mmd_export_token_tree_html(out, source, angle->child, scratch);
 }
 
 } // namespace tomelet::engine

@@ -100,8 +100,7 @@ void print_back_link(d_string *out, std::string_view prefix, int anchor, std::st
     print(out, "\">&#160;&#8617;&#xfe0e;</a>");
 }
 
-void print_citation(d_string *out, const char *source, const note_use &use, const token *locator,
-                    scratch_pad &scratch)
+void print_citation(d_string *out, const char *source, const note_use &use, const token *locator, scratch_pad &scratch)
 {
     open_note_link(out, "cn", use.number, use.first, "see citation", "citation");
     print(out, "(");
@@ -124,8 +123,7 @@ void export_footnote_html(d_string *out, const char *source, token *bracket, scr
     print(out, "</sup></a>");
 }
 
-void export_citation_html(d_string *out, const char *source, token *bracket, token *locator,
-                          scratch_pad &scratch)
+void export_citation_html(d_string *out, const char *source, token *bracket, token *locator, scratch_pad &scratch)
 {
     const note_use use = citation_from_bracket(source, scratch, bracket);
     if (locator) scratch.skip_token = 0;
@@ -169,28 +167,23 @@ void export_back_link_html(d_string *out, const scratch_pad &scratch)
 {
     if (const int number = scratch.footnotes.being_printed)
         print_back_link(out, "fn", footnote_anchor(scratch, number), "reversefootnote");
-    if (const int number = scratch.glossary.being_printed)
-        print_back_link(out, "gn", number, "reverseglossary");
-    if (const int number = scratch.citations.being_printed)
-        print_back_link(out, "cn", number, "reversecitation");
+    if (const int number = scratch.glossary.being_printed) print_back_link(out, "gn", number, "reverseglossary");
+    if (const int number = scratch.citations.being_printed) print_back_link(out, "cn", number, "reversecitation");
 }
 
 void mmd_export_footnote_list_html(d_string *out, const char *source, scratch_pad &scratch)
 {
-    export_note_list(out, source, scratch, scratch.footnotes,
-                     {"<div class=\"footnotes\">\n<hr />\n<ol>", "fn", false});
+    export_note_list(out, source, scratch, scratch.footnotes, {"<div class=\"footnotes\">\n<hr />\n<ol>", "fn", false});
 }
 
 void mmd_export_glossary_list_html(d_string *out, const char *source, scratch_pad &scratch)
 {
-    export_note_list(out, source, scratch, scratch.glossary,
-                     {"<div class=\"glossary\">\n<hr />\n<ol>", "gn", true});
+    export_note_list(out, source, scratch, scratch.glossary, {"<div class=\"glossary\">\n<hr />\n<ol>", "gn", true});
 }
 
 void mmd_export_citation_list_html(d_string *out, const char *source, scratch_pad &scratch)
 {
-    export_note_list(out, source, scratch, scratch.citations,
-                     {"<div class=\"citations\">\n<hr />\n<ol>", "cn", false});
+    export_note_list(out, source, scratch, scratch.citations, {"<div class=\"citations\">\n<hr />\n<ol>", "cn", false});
 }
 
 } // namespace tomelet::engine

@@ -16,8 +16,7 @@ std::string_view marker_and_blanks(const char *source, const token *t)
 {
     size_t end = token_end(t);
     const size_t limit = t->next ? t->next->start : end;
-    while (end < limit && char_is_whitespace(source[end]))
-        ++end;
+    while (end < limit && char_is_whitespace(source[end])) ++end;
     return {source + t->start, end - t->start};
 }
 
@@ -33,20 +32,13 @@ std::string_view math_delimiter(const token *t)
 {
     const bool opens = t->mate && t->mate->start > t->start;
     switch (t->type) {
-    case MATH_PAREN_OPEN:
-        return t->mate ? "\\(" : "";
-    case MATH_PAREN_CLOSE:
-        return t->mate ? "\\)" : "";
-    case MATH_BRACKET_OPEN:
-        return t->mate ? "\\[" : "";
-    case MATH_BRACKET_CLOSE:
-        return t->mate ? "\\]" : "";
-    case MATH_DOLLAR_SINGLE:
-        return !t->mate ? "" : opens ? "\\(" : "\\)";
-    case MATH_DOLLAR_DOUBLE:
-        return !t->mate ? "" : opens ? "\\[" : "\\]";
-    default:
-        return {};
+    case MATH_PAREN_OPEN: return t->mate ? "\\(" : "";
+    case MATH_PAREN_CLOSE: return t->mate ? "\\)" : "";
+    case MATH_BRACKET_OPEN: return t->mate ? "\\[" : "";
+    case MATH_BRACKET_CLOSE: return t->mate ? "\\]" : "";
+    case MATH_DOLLAR_SINGLE: return !t->mate ? "" : opens ? "\\(" : "\\)";
+    case MATH_DOLLAR_DOUBLE: return !t->mate ? "" : opens ? "\\[" : "\\]";
+    default: return {};
     }
 }
 
@@ -55,24 +47,17 @@ std::string_view math_delimiter(const token *t)
 void mmd_export_token_html_raw(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     switch (t->type) {
-    case TEXT_EMPTY:
-        break;
-    case ESCAPED_CHARACTER:
-        export_escape_raw(out, source, t);
-        break;
+    case TEXT_EMPTY: break;
+    case ESCAPED_CHARACTER: export_escape_raw(out, source, t); break;
     case MARKER_LIST_BULLET:
-    case MARKER_LIST_ENUMERATOR:
-        mmd_print_string_html(out, marker_and_blanks(source, t), nullptr, false);
-        break;
+    case MARKER_LIST_ENUMERATOR: mmd_print_string_html(out, marker_and_blanks(source, t), nullptr, false); break;
     case SUPERSCRIPT:
     case SUBSCRIPT:
         mmd_print_string_html(out, token_text(source, t), nullptr, false); // its text too, if it has any
         break;
     default:
-        if (t->child)
-            mmd_export_token_tree_html_raw(out, source, t->child, scratch);
-        else
-            mmd_print_string_html(out, token_text(source, t), nullptr, false);
+        if (t->child) mmd_export_token_tree_html_raw(out, source, t->child, scratch);
+        else mmd_print_string_html(out, token_text(source, t), nullptr, false);
     }
 }
 
@@ -80,24 +65,20 @@ void mmd_export_token_tree_html_raw(d_string *out, const char *source, const tok
 {
     if (scratch.recurse_depth >= kMaxDepth) return;
     ++scratch.recurse_depth;
-    for (; t; t = t->next)
-        mmd_export_token_html_raw(out, source, t, scratch);
+    for (; t; t = t->next) mmd_export_token_html_raw(out, source, t, scratch);
     --scratch.recurse_depth;
 }
 
 void mmd_export_token_html_math(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
     const std::string_view delimiter = math_delimiter(t);
-    if (!delimiter.empty())
-        print(out, delimiter);
-    else
-        mmd_export_token_html_raw(out, source, t, scratch);
+    if (!delimiter.empty()) print(out, delimiter);
+    else mmd_export_token_html_raw(out, source, t, scratch);
 }
 
 void mmd_export_token_tree_html_math(d_string *out, const char *source, const token *t, scratch_pad &scratch)
 {
-    for (; t; t = t->next)
-        mmd_export_token_html_math(out, source, t, scratch);
+    for (; t; t = t->next) mmd_export_token_html_math(out, source, t, scratch);
 }
 
 } // namespace tomelet::engine

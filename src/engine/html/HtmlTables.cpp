@@ -14,21 +14,14 @@ namespace {
 std::string_view column_tag(char alignment)
 {
     switch (alignment) {
-    case 'l':
-        return "<col style=\"text-align:left;\"/>\n";
-    case 'r':
-        return "<col style=\"text-align:right;\"/>\n";
-    case 'c':
-        return "<col style=\"text-align:center;\"/>\n";
+    case 'l': return "<col style=\"text-align:left;\"/>\n";
+    case 'r': return "<col style=\"text-align:right;\"/>\n";
+    case 'c': return "<col style=\"text-align:center;\"/>\n";
     case 'L':
-    case 'N':
-        return "<col style=\"text-align:left;\" class=\"extended\"/>\n";
-    case 'R':
-        return "<col style=\"text-align:right;\" class=\"extended\"/>\n";
-    case 'C':
-        return "<col style=\"text-align:center;\" class=\"extended\"/>\n";
-    default:
-        return "<col />\n";
+    case 'N': return "<col style=\"text-align:left;\" class=\"extended\"/>\n";
+    case 'R': return "<col style=\"text-align:right;\" class=\"extended\"/>\n";
+    case 'C': return "<col style=\"text-align:center;\" class=\"extended\"/>\n";
+    default: return "<col />\n";
     }
 }
 
@@ -36,21 +29,16 @@ std::string_view cell_style(char alignment)
 {
     switch (alignment) {
     case 'l':
-    case 'L':
-        return " style=\"text-align:left;\"";
+    case 'L': return " style=\"text-align:left;\"";
     case 'r':
-    case 'R':
-        return " style=\"text-align:right;\"";
+    case 'R': return " style=\"text-align:right;\"";
     case 'c':
-    case 'C':
-        return " style=\"text-align:center;\"";
-    default:
-        return "";
+    case 'C': return " style=\"text-align:center;\"";
+    default: return "";
     }
 }
 
-void export_caption(d_string *out, const char *source, token *caption, const token *label,
-                    scratch_pad &scratch)
+void export_caption(d_string *out, const char *source, token *caption, const token *label, scratch_pad &scratch)
 {
     print(out, " id=\"");
     print(out, label_from_string(text_inside_pair(source, label)));
@@ -63,8 +51,7 @@ void export_caption(d_string *out, const char *source, token *caption, const tok
 void export_columns(d_string *out, const scratch_pad &scratch)
 {
     print(out, "<colgroup>\n");
-    for (const char alignment : scratch.table_alignment)
-        print(out, column_tag(alignment));
+    for (const char alignment : scratch.table_alignment) print(out, column_tag(alignment));
     print(out, "</colgroup>\n");
 }
 
@@ -82,10 +69,8 @@ void export_table_html(d_string *out, const char *source, token *table, scratch_
     token *caption = table_caption(table, &label);
     pad(out, 2, scratch);
     print(out, "<table");
-    if (caption)
-        export_caption(out, source, caption, label, scratch);
-    else
-        print(out, ">\n");
+    if (caption) export_caption(out, source, caption, label, scratch);
+    else print(out, ">\n");
     scratch.padded = 2;
     read_table_column_alignments(source, table, scratch);
     export_columns(out, scratch);
@@ -132,16 +117,14 @@ static bool is_in_range(const token *header, int min, int max)
 // The next heading of the contents from `index` on, or the end of the stack.
 static size_t next_entry(const scratch_pad &scratch, size_t index, int min, int max)
 {
-    while (index < scratch.header_stack->size && !is_in_range(header_at(scratch, index), min, max))
-        ++index;
+    while (index < scratch.header_stack->size && !is_in_range(header_at(scratch, index), min, max)) ++index;
     return index;
 }
 
 static void trim_blanks(d_string *out)
 {
     size_t length = out->currentStringLength;
-    while (length > 0 && (out->str[length - 1] == ' ' || out->str[length - 1] == '\n'))
-        --length;
+    while (length > 0 && (out->str[length - 1] == ' ' || out->str[length - 1] == '\n')) --length;
     d_string_erase(out, length, to_the_end);
 }
 
@@ -155,8 +138,8 @@ static void export_toc_link(d_string *out, const char *source, token *header, sc
     print(out, "</a>");
 }
 
-void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter,
-                               int level, int min, int max)
+void mmd_export_toc_entry_html(d_string *out, const char *source, scratch_pad &scratch, size_t &counter, int level,
+                               int min, int max)
 {
     print(out, "\n<ul>\n");
     for (;;) {
@@ -177,8 +160,7 @@ void export_toc_html(d_string *out, const char *source, const token *block, scra
 {
     if (scratch.output_format == FORMAT_EPUB) return;
     const token *toc = block->child;
-    while (toc && toc->type != TOC && toc->type != TOC_SINGLE && toc->type != TOC_RANGE)
-        toc = toc->next;
+    while (toc && toc->type != TOC && toc->type != TOC_SINGLE && toc->type != TOC_RANGE) toc = toc->next;
     int min = 1;
     int max = 6;
     if (toc && toc->type != TOC) {

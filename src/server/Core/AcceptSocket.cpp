@@ -93,19 +93,18 @@ std::uint16_t AcceptSocket::localPort() const
 
 void AcceptSocket::acceptNext()
 {
-    m_acceptor.async_accept(m_nextQueue(),
-                            [self = shared_from_this()](std::error_code error, tcp::socket socket) {
-                                if (!self->m_acceptor.is_open()) return;
-                                if (!error) {
-                                    self->m_didAccept(std::move(socket));
-                                    return self->acceptNext();
-                                }
-                                // Out of descriptors, as a rule: they come back when connections end.
-                                self->m_pause.expires_after(pauseWithoutDescriptors);
-                                self->m_pause.async_wait([self](std::error_code cancelled) {
-                                    if (!cancelled && self->m_acceptor.is_open()) self->acceptNext();
-                                });
-                            });
+    m_acceptor.async_accept(m_nextQueue(), [self = shared_from_this()](std::error_code error, tcp::socket socket) {
+        if (!self->m_acceptor.is_open()) return;
+        if (!error) {
+            self->m_didAccept(std::move(socket));
+            return self->acceptNext();
+        }
+        // Out of descriptors, as a rule: they come back when connections end.
+        self->m_pause.expires_after(pauseWithoutDescriptors);
+        self->m_pause.async_wait([self](std::error_code cancelled) {
+            if (!cancelled && self->m_acceptor.is_open()) self->acceptNext();
+        });
+    });
 }
 
 void AcceptSocket::close()

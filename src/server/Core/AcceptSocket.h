@@ -29,8 +29,7 @@ public:
     /// Listens on the interface: "" for all of them, IPv4 and IPv6; "localhost" and "loopback" for this
     /// machine alone; an IP address; or an interface's name such as "eth0". Port 0 lets the system choose.
     /// False, with the reason, when that fails.
-    [[nodiscard]] bool acceptOnInterface(const std::string &interface, std::uint16_t port,
-                                         SocketError &error);
+    [[nodiscard]] bool acceptOnInterface(const std::string &interface, std::uint16_t port, SocketError &error);
     /// 0 when not listening.
     [[nodiscard]] std::uint16_t localPort() const;
     /// On the queue.

@@ -73,8 +73,7 @@ void AsyncSocket::readDataUpToLength(std::size_t length, Timeout timeout, int ta
     queueRead(ReadKind::UpToLength, {}, length, timeout, tag);
 }
 
-void AsyncSocket::queueRead(ReadKind kind, std::string_view delimiter, std::size_t length, Timeout timeout,
-                            int tag)
+void AsyncSocket::queueRead(ReadKind kind, std::string_view delimiter, std::size_t length, Timeout timeout, int tag)
 {
     if (m_ended) return;
     m_reads.push_back({kind, delimiter, length, tag, timeout, Clock::now() + timeout});
@@ -103,17 +102,13 @@ void AsyncSocket::pump()
     if (m_pumping || m_ended) return;
     m_pumping = true;
     int steps = stepsPerTurn;
-    while (!m_ended && steps > 0 && (serveWrites() || serveRead()))
-        --steps;
+    while (!m_ended && steps > 0 && (serveWrites() || serveRead())) --steps;
     m_pumping = false;
     if (m_ended) return;
     if (m_writes.empty()) cork(false);
-    if (m_endAfterWriting && m_writes.empty())
-        end({});
-    else if (steps == 0)
-        schedulePump();
-    else
-        waitForSocket();
+    if (m_endAfterWriting && m_writes.empty()) end({});
+    else if (steps == 0) schedulePump();
+    else waitForSocket();
 }
 
 // ---- Reading
@@ -138,8 +133,7 @@ bool AsyncSocket::serveFromBuffer(const ReadOperation &operation)
 bool AsyncSocket::serveToData(const ReadOperation &operation)
 {
     const auto found = m_input.view().find(operation.delimiter, m_scanned);
-    const std::size_t length =
-        found == std::string_view::npos ? m_input.size() : found + operation.delimiter.size();
+    const std::size_t length = found == std::string_view::npos ? m_input.size() : found + operation.delimiter.size();
     if (length > operation.length) {
         end("the line is too long");
         return true;
@@ -157,8 +151,7 @@ void AsyncSocket::deliver(std::size_t length, int tag)
 {
     m_reads.pop_front();
     m_scanned = 0;
-    if (const auto delegate = m_delegate.lock())
-        delegate->socketDidReadData(m_input.view().substr(0, length), tag);
+    if (const auto delegate = m_delegate.lock()) delegate->socketDidReadData(m_input.view().substr(0, length), tag);
     m_input.consume(length);
 }
 
@@ -224,8 +217,7 @@ ssize_t AsyncSocket::sendBytes()
     for (WriteOperation &operation : m_writes) {
         more = operation.data.file || used == parts.size();
         if (more) break;
-        parts[used++] = {operation.data.bytes.data() + operation.sent,
-                         operation.data.bytes.size() - operation.sent};
+        parts[used++] = {operation.data.bytes.data() + operation.sent, operation.data.bytes.size() - operation.sent};
     }
     msghdr message{};
     message.msg_iov = parts.data();
@@ -301,8 +293,7 @@ void AsyncSocket::armTimer()
 {
     auto next = Clock::time_point::max();
     if (!m_reads.empty() && m_reads.front().timeout != noTimeout) next = m_reads.front().deadline;
-    if (!m_writes.empty() && m_writes.front().timeout != noTimeout)
-        next = std::min(next, m_writes.front().deadline);
+    if (!m_writes.empty() && m_writes.front().timeout != noTimeout) next = std::min(next, m_writes.front().deadline);
     if (next >= m_timerExpiry) return;
     m_timerExpiry = next;
     m_timer.expires_at(next);
@@ -319,8 +310,7 @@ void AsyncSocket::timerFired()
     m_readable = m_writable = true;
     pump();
     const auto passed = [now = Clock::now()](const auto &operations) {
-        return !operations.empty() && operations.front().timeout != noTimeout &&
-               operations.front().deadline <= now;
+        return !operations.empty() && operations.front().timeout != noTimeout && operations.front().deadline <= now;
     };
     if (!m_ended && (passed(m_reads) || passed(m_writes))) end("timed out");
 }

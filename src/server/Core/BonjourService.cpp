@@ -40,8 +40,7 @@ using StringList = std::unique_ptr<AvahiStringList, StringListDeleter>;
 StringList listOf(const std::map<std::string, std::string> &txtRecord)
 {
     AvahiStringList *list = nullptr;
-    for (const auto &[key, value] : txtRecord)
-        list = avahi_string_list_add_pair(list, key.c_str(), value.c_str());
+    for (const auto &[key, value] : txtRecord) list = avahi_string_list_add_pair(list, key.c_str(), value.c_str());
     return StringList(list);
 }
 
@@ -82,8 +81,8 @@ private:
     void connect()
     {
         int error = 0;
-        m_client = avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged,
-                                    this, &error);
+        m_client =
+            avahi_client_new(avahi_threaded_poll_get(m_poll), AVAHI_CLIENT_NO_FAIL, &clientChanged, this, &error);
     }
 
     // The daemon went away: a new client waits for it to come back.
@@ -99,19 +98,15 @@ private:
     static void clientChanged(AvahiClient *client, AvahiClientState state, void *self)
     {
         auto *const publication = static_cast<Publication *>(self);
-        if (state == AVAHI_CLIENT_S_RUNNING)
-            publication->publish(client);
-        else if (state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING)
-            publication->withdraw();
-        else if (state == AVAHI_CLIENT_FAILURE)
-            publication->reconnect(client);
+        if (state == AVAHI_CLIENT_S_RUNNING) publication->publish(client);
+        else if (state == AVAHI_CLIENT_S_COLLISION || state == AVAHI_CLIENT_S_REGISTERING) publication->withdraw();
+        else if (state == AVAHI_CLIENT_FAILURE) publication->reconnect(client);
     }
 
     static void groupChanged(AvahiEntryGroup *group, AvahiEntryGroupState state, void *self)
     {
         auto *const publication = static_cast<Publication *>(self);
-        if (state == AVAHI_ENTRY_GROUP_ESTABLISHED)
-            publication->setPublishedName(publication->m_name);
+        if (state == AVAHI_ENTRY_GROUP_ESTABLISHED) publication->setPublishedName(publication->m_name);
         else if (state == AVAHI_ENTRY_GROUP_COLLISION) {
             publication->chooseAnotherName();
             publication->publish(avahi_entry_group_get_client(group));
@@ -129,8 +124,7 @@ private:
             error = addService();
         }
         if (error == AVAHI_OK) error = avahi_entry_group_commit(m_group);
-        if (error != AVAHI_OK)
-            logLine(std::string("HTTPServer: Failed to publish service: ") + avahi_strerror(error));
+        if (error != AVAHI_OK) logLine(std::string("HTTPServer: Failed to publish service: ") + avahi_strerror(error));
     }
 
     int addService()
@@ -138,9 +132,9 @@ private:
         const StringList txt = listOf(m_record.txtRecord);
         const std::string type = withoutFinalDot(m_record.type);
         const std::string domain = withoutFinalDot(m_record.domain);
-        return avahi_entry_group_add_service_strlst(
-            m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, {}, m_name.c_str(), type.c_str(),
-            domain.empty() ? nullptr : domain.c_str(), nullptr, m_record.port, txt.get());
+        return avahi_entry_group_add_service_strlst(m_group, AVAHI_IF_UNSPEC, AVAHI_PROTO_UNSPEC, {}, m_name.c_str(),
+                                                    type.c_str(), domain.empty() ? nullptr : domain.c_str(), nullptr,
+                                                    m_record.port, txt.get());
     }
 
     void withdraw()

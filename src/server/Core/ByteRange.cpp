@@ -80,8 +80,8 @@ std::vector<ByteRange> parseRangeRequest(std::string_view header, std::uint64_t 
 
 std::string contentRange(const ByteRange &range, std::uint64_t contentLength)
 {
-    return "bytes " + std::to_string(range.location) + "-" +
-           std::to_string(range.location + range.length - 1) + "/" + std::to_string(contentLength);
+    return "bytes " + std::to_string(range.location) + "-" + std::to_string(range.location + range.length - 1) + "/" +
+           std::to_string(contentLength);
 }
 
 } // namespace tomelet::http

@@ -11,8 +11,8 @@
 
 namespace tomelet::http {
 
-/// A few threads with an event loop each. What runs on one loop is serial without a lock, and to wait for a socket wakes
-/// no other thread, which would cost more than the sending itself.
+/// A few threads with an event loop each. What runs on one loop is serial without a lock, and to wait for a socket
+/// wakes no other thread, which would cost more than the sending itself.
 class EventLoops
 {
 public:

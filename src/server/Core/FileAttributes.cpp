@@ -40,8 +40,7 @@ void copyAttributes(int source, int target)
     {};
     if (fstat(source, &status) != 0) return;
     // The owner first: changing it takes the set-user bits off the mode.
-    if (fchown(target, status.st_uid, status.st_gid) != 0)
-        (void)fchown(target, static_cast<uid_t>(-1), status.st_gid);
+    if (fchown(target, status.st_uid, status.st_gid) != 0) (void)fchown(target, static_cast<uid_t>(-1), status.st_gid);
     fchmod(target, status.st_mode & 07777);
     copyExtendedAttributes(source, target);
 }

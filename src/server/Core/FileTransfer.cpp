@@ -64,15 +64,10 @@ bool copyTree(const fs::path &source, const fs::path &target)
 {
     std::error_code error;
     switch (fs::symlink_status(source, error).type()) {
-    case fs::file_type::regular:
-        return copyRegularFile(source, target);
-    case fs::file_type::directory:
-        return copyFolder(source, target);
-    case fs::file_type::symlink:
-        fs::copy_symlink(source, target, error);
-        return !error;
-    default:
-        return false;
+    case fs::file_type::regular: return copyRegularFile(source, target);
+    case fs::file_type::directory: return copyFolder(source, target);
+    case fs::file_type::symlink: fs::copy_symlink(source, target, error); return !error;
+    default: return false;
     }
 }
 

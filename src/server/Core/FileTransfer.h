@@ -16,10 +16,8 @@ namespace tomelet::http {
 /// Copies a file, a folder with all that is in it, or a symbolic link as a link, with attributes and dates.
 /// The copy is made in a temporary place in scratchFolder and appears at the target whole; false leaves
 /// nothing behind.
-[[nodiscard]] bool copyItem(const std::string &source, const std::string &target,
-                            const std::string &scratchFolder);
+[[nodiscard]] bool copyItem(const std::string &source, const std::string &target, const std::string &scratchFolder);
 /// Moves an item by renaming it; to another file system by a copy. False when the target exists.
-[[nodiscard]] bool moveItem(const std::string &source, const std::string &target,
-                            const std::string &scratchFolder);
+[[nodiscard]] bool moveItem(const std::string &source, const std::string &target, const std::string &scratchFolder);
 
 } // namespace tomelet::http

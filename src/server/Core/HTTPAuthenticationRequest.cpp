@@ -46,10 +46,8 @@ void take(HTTPAuthenticationRequest &auth, const Parameter &parameter)
         {"username", auth.username}, {"realm", auth.realm},   {"nonce", auth.nonce},
         {"uri", auth.uri},           {"cnonce", auth.cnonce}, {"response", auth.response},
     };
-    if (parameter.name == "qop")
-        auth.qop = parameter.value;
-    else if (parameter.name == "nc" && !parameter.quoted)
-        auth.nc = parameter.value;
+    if (parameter.name == "qop") auth.qop = parameter.value;
+    else if (parameter.name == "nc" && !parameter.quoted) auth.nc = parameter.value;
     else if (parameter.quoted)
         for (const auto &[name, field] : quotedFields)
             if (parameter.name == name) field = parameter.value;
@@ -66,15 +64,14 @@ HTTPAuthenticationRequest parseAuthorization(std::string_view header)
     } else if (header.starts_with("Digest ")) {
         auth.isDigest = true;
         std::string_view rest = header.substr(7);
-        for (auto parameter = consumeParameter(rest); !parameter.name.empty();
-             parameter = consumeParameter(rest))
+        for (auto parameter = consumeParameter(rest); !parameter.name.empty(); parameter = consumeParameter(rest))
             take(auth, parameter);
     }
     return auth;
 }
 
-std::string digestResponse(const HTTPAuthenticationRequest &auth, std::string_view realm,
-                           std::string_view password, std::string_view method)
+std::string digestResponse(const HTTPAuthenticationRequest &auth, std::string_view realm, std::string_view password,
+                           std::string_view method)
 {
     const auto joined = [](auto... parts) {
         std::string text;

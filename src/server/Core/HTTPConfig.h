@@ -21,8 +21,7 @@ struct HTTPConfig
     std::string documentRoot;        ///< absolute, symbolic links resolved, without a "/" at its end
     asio::any_io_executor fileQueue; ///< where reading ahead in large files may wait for the disk
     asio::any_io_executor workQueue; ///< where requests are answered that may take long
-    std::function<NonceList::Time()> now =
-        std::chrono::steady_clock::now;       ///< the clock that nonces expire by
+    std::function<NonceList::Time()> now = std::chrono::steady_clock::now; ///< the clock that nonces expire by
     std::chrono::milliseconds timeout{30000}; ///< for header lines, response headers and chunk framing
     std::function<void(HTTPConnection *)> connectionDidDie;
     std::function<void(std::shared_ptr<WebSocket>)> webSocketDidStart;

@@ -156,10 +156,8 @@ std::vector<std::string> HTTPConnection::directoryIndexFileNames()
 std::string HTTPConnection::filePathForURI(const std::string &uri, bool allowDirectory)
 {
     const std::string &root = m_config->documentRoot;
-    if (root.empty())
-        log("No configured document root");
-    else if (!root.starts_with('/'))
-        log("Document root is invalid file path");
+    if (root.empty()) log("No configured document root");
+    else if (!root.starts_with('/')) log("Document root is invalid file path");
     if (!root.starts_with('/')) return {};
 
     const RequestPath target = pathForTarget(uri, root);
@@ -167,13 +165,11 @@ std::string HTTPConnection::filePathForURI(const std::string &uri, bool allowDir
     if (target.fault != PathFault::None) return {};
     if (allowDirectory || !isDirectory(target.path)) return target.path;
     for (const std::string &name : directoryIndexFileNames())
-        if (const std::string index = target.path + "/" + name; exists(index) && !isDirectory(index))
-            return index;
+        if (const std::string index = target.path + "/" + name; exists(index) && !isDirectory(index)) return index;
     return {};
 }
 
-std::shared_ptr<HTTPResponse> HTTPConnection::httpResponseForMethod(const std::string &,
-                                                                    const std::string &uri)
+std::shared_ptr<HTTPResponse> HTTPConnection::httpResponseForMethod(const std::string &, const std::string &uri)
 {
     const std::string path = filePathForURI(uri);
     if (path.empty() || !exists(path)) return nullptr;

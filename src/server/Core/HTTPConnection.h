@@ -60,8 +60,7 @@ protected:
     // what it calls may run on the work queue instead; nothing else runs for the connection then.
 
     [[nodiscard]] virtual bool supportsMethod(const std::string &method, const std::string &path);
-    [[nodiscard]] virtual bool expectsRequestBodyFromMethod(const std::string &method,
-                                                            const std::string &path);
+    [[nodiscard]] virtual bool expectsRequestBodyFromMethod(const std::string &method, const std::string &path);
     [[nodiscard]] virtual bool isPasswordProtected(const std::string &path);
     [[nodiscard]] virtual bool useDigestAccessAuthentication();
     [[nodiscard]] virtual std::string realm();

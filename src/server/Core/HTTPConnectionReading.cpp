@@ -28,20 +28,13 @@ std::optional<std::uint64_t> parseChunkSize(std::string_view line)
 void HTTPConnection::socketDidReadData(std::string_view data, int tag)
 {
     switch (tag) {
-    case tags::RequestHeader:
-        return didReadHeaderLine(data);
-    case tags::RequestBody:
-        return didReadBody(data);
-    case tags::RequestChunkSize:
-        return didReadChunkSize(data);
-    case tags::RequestChunkData:
-        return didReadChunkData(data);
-    case tags::RequestChunkTrailer:
-        return didReadChunkTrailer(data);
-    case tags::RequestChunkFooter:
-        return didReadChunkFooter(data);
-    default:
-        return;
+    case tags::RequestHeader: return didReadHeaderLine(data);
+    case tags::RequestBody: return didReadBody(data);
+    case tags::RequestChunkSize: return didReadChunkSize(data);
+    case tags::RequestChunkData: return didReadChunkData(data);
+    case tags::RequestChunkTrailer: return didReadChunkTrailer(data);
+    case tags::RequestChunkFooter: return didReadChunkFooter(data);
+    default: return;
     }
 }
 
@@ -111,10 +104,8 @@ void HTTPConnection::prepareToReadBody()
     prepareForBodyWithSize(*size);
     if (*size == 0) return didReadWholeBody();
     sendContinueIfExpected();
-    if (*size == limits::chunkedBody)
-        readChunkSize();
-    else
-        readBody();
+    if (*size == limits::chunkedBody) readChunkSize();
+    else readBody();
 }
 
 // Chunked wins over a length that stands beside it (RFC 9112, 6.3).
@@ -142,19 +133,16 @@ void HTTPConnection::sendContinueIfExpected()
 void HTTPConnection::readBody()
 {
     const std::uint64_t rest = m_requestContentLength - m_requestContentLengthReceived;
-    m_asyncSocket->readDataUpToLength(
-        static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)), AsyncSocket::noTimeout,
-        tags::RequestBody);
+    m_asyncSocket->readDataUpToLength(static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)),
+                                      AsyncSocket::noTimeout, tags::RequestBody);
 }
 
 void HTTPConnection::didReadBody(std::string_view data)
 {
     m_requestContentLengthReceived += data.size();
     processBodyData(data);
-    if (m_requestContentLengthReceived < m_requestContentLength)
-        readBody();
-    else
-        didReadWholeBody();
+    if (m_requestContentLengthReceived < m_requestContentLength) readBody();
+    else didReadWholeBody();
 }
 
 void HTTPConnection::didReadWholeBody()
@@ -167,8 +155,7 @@ void HTTPConnection::didReadWholeBody()
 
 void HTTPConnection::readChunkSize()
 {
-    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::chunkLineLength,
-                                  tags::RequestChunkSize);
+    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::chunkLineLength, tags::RequestChunkSize);
 }
 
 void HTTPConnection::didReadChunkSize(std::string_view line)
@@ -180,18 +167,15 @@ void HTTPConnection::didReadChunkSize(std::string_view line)
     }
     m_requestChunkSize = *size;
     m_requestChunkSizeReceived = 0;
-    if (*size > 0)
-        readChunkData();
-    else
-        readChunkFooter();
+    if (*size > 0) readChunkData();
+    else readChunkFooter();
 }
 
 void HTTPConnection::readChunkData()
 {
     const std::uint64_t rest = m_requestChunkSize - m_requestChunkSizeReceived;
-    m_asyncSocket->readDataUpToLength(
-        static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)), AsyncSocket::noTimeout,
-        tags::RequestChunkData);
+    m_asyncSocket->readDataUpToLength(static_cast<std::size_t>(std::min<std::uint64_t>(rest, limits::bodyPiece)),
+                                      AsyncSocket::noTimeout, tags::RequestChunkData);
 }
 
 void HTTPConnection::didReadChunkData(std::string_view data)
@@ -212,17 +196,14 @@ void HTTPConnection::didReadChunkTrailer(std::string_view data)
 
 void HTTPConnection::readChunkFooter()
 {
-    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::headerLineLength,
-                                  tags::RequestChunkFooter);
+    m_asyncSocket->readDataToData(lineEnd, AsyncSocket::noTimeout, limits::headerLineLength, tags::RequestChunkFooter);
 }
 
 void HTTPConnection::didReadChunkFooter(std::string_view line)
 {
     if (!countHeaderLine()) return;
-    if (line.size() > lineEnd.size())
-        readChunkFooter();
-    else
-        didReadWholeBody();
+    if (line.size() > lineEnd.size()) readChunkFooter();
+    else didReadWholeBody();
 }
 
 } // namespace tomelet::http

@@ -55,10 +55,8 @@ void HTTPConnection::replyToHTTPRequest()
 void HTTPConnection::replyWith(std::shared_ptr<HTTPResponse> response)
 {
     m_httpResponse = std::move(response);
-    if (m_httpResponse)
-        sendResponseHeadersAndBody();
-    else
-        handleResourceNotFound();
+    if (m_httpResponse) sendResponseHeadersAndBody();
+    else handleResourceNotFound();
 }
 
 // No read and no write is queued meanwhile, so that of all events only the connection's end can come.
@@ -67,9 +65,8 @@ void HTTPConnection::replyOnWorkQueue(const std::string &uri)
     m_working = true;
     asio::post(m_config->workQueue, [self = shared_from_this(), uri] {
         auto response = self->httpResponseForMethod(self->m_request.method(), uri);
-        asio::post(self->connectionQueue(), [self, response = std::move(response)]() mutable {
-            self->didFinishWork(std::move(response));
-        });
+        asio::post(self->connectionQueue(),
+                   [self, response = std::move(response)]() mutable { self->didFinishWork(std::move(response)); });
     });
 }
 
@@ -152,8 +149,8 @@ void HTTPConnection::sendError(HTTPMessage message, int tag)
 
 void HTTPConnection::handleVersionNotSupported(const std::string &version)
 {
-    logLine("HTTP Server: Error 505 - Version Not Supported: " + printable(version) + " (" +
-            printable(requestURI()) + ")");
+    logLine("HTTP Server: Error 505 - Version Not Supported: " + printable(version) + " (" + printable(requestURI()) +
+            ")");
     sendError(errorMessage(505), tags::Response);
 }
 
@@ -161,11 +158,9 @@ void HTTPConnection::handleAuthenticationFailed()
 {
     HTTPMessage message = errorMessage(401);
     if (useDigestAccessAuthentication())
-        message.setHeaderField("WWW-Authenticate", "Digest realm=\"" + realm() +
-                                                       "\", qop=\"auth\", nonce=\"" +
+        message.setHeaderField("WWW-Authenticate", "Digest realm=\"" + realm() + "\", qop=\"auth\", nonce=\"" +
                                                        recentNonces().generateNonce(m_config->now()) + "\"");
-    else
-        message.setHeaderField("WWW-Authenticate", "Basic realm=\"" + realm() + "\"");
+    else message.setHeaderField("WWW-Authenticate", "Basic realm=\"" + realm() + "\"");
     sendError(std::move(message), tags::Response);
 }
 
@@ -177,8 +172,7 @@ void HTTPConnection::handleInvalidRequest()
 
 void HTTPConnection::handleUnknownMethod(const std::string &method)
 {
-    logLine("HTTP Server: Error 405 - Method Not Allowed: " + printable(method) + " (" +
-            printable(requestURI()) + ")");
+    logLine("HTTP Server: Error 405 - Method Not Allowed: " + printable(method) + " (" + printable(requestURI()) + ")");
     sendError(closingErrorMessage(405), tags::FinalResponse);
 }
 

@@ -35,10 +35,8 @@ void HTTPConnection::responseHasAvailableData(std::shared_ptr<HTTPResponse> resp
 {
     asio::post(connectionQueue(), [self = shared_from_this(), response = std::move(response)] {
         if (self->m_httpResponse != response) return;
-        if (!self->m_sentResponseHeaders)
-            self->sendResponseHeadersAndBody();
-        else if (self->m_sendsBody)
-            self->continueSendingBody();
+        if (!self->m_sentResponseHeaders) self->sendResponseHeadersAndBody();
+        else if (self->m_sendsBody) self->continueSendingBody();
     });
 }
 
@@ -74,10 +72,8 @@ HTTPMessage HTTPConnection::responseHeader(bool chunked, std::uint64_t contentLe
     if (m_ranges.size() == 1) return uniRangeHeader(contentLength);
     if (m_ranges.size() > 1) return multiRangeHeader(contentLength);
     HTTPMessage header = HTTPMessage::responseWithStatusCode(m_httpResponse->status(), {}, "HTTP/1.1");
-    if (chunked)
-        header.setHeaderField("Transfer-Encoding", "chunked");
-    else
-        header.setHeaderField("Content-Length", std::to_string(contentLength));
+    if (chunked) header.setHeaderField("Transfer-Encoding", "chunked");
+    else header.setHeaderField("Content-Length", std::to_string(contentLength));
     return header;
 }
 
@@ -110,21 +106,16 @@ HTTPMessage HTTPConnection::multiRangeHeader(std::uint64_t contentLength)
 void HTTPConnection::startSendingBody()
 {
     m_rangeIndex = 0;
-    if (m_ranges.size() == 1)
-        m_httpResponse->setOffset(m_ranges.front().location);
-    else if (m_ranges.size() > 1)
-        startRangePart();
+    if (m_ranges.size() == 1) m_httpResponse->setOffset(m_ranges.front().location);
+    else if (m_ranges.size() > 1) startRangePart();
     continueSendingBody();
 }
 
 void HTTPConnection::continueSendingBody()
 {
-    if (m_ranges.empty())
-        continueSendingStandardResponseBody();
-    else if (m_ranges.size() == 1)
-        continueSendingSingleRangeResponseBody();
-    else
-        continueSendingMultiRangeResponseBody();
+    if (m_ranges.empty()) continueSendingStandardResponseBody();
+    else if (m_ranges.size() == 1) continueSendingSingleRangeResponseBody();
+    else continueSendingMultiRangeResponseBody();
 }
 
 std::size_t HTTPConnection::roomInWriteQueue() const
@@ -161,10 +152,8 @@ void HTTPConnection::sendChunk(BodyPiece data)
         writePiece(std::move(data), tags::ChunkedResponseBody);
     }
     if (done)
-        m_asyncSocket->writeData(std::string(empty ? "0\r\n\r\n" : "\r\n0\r\n\r\n"), m_config->timeout,
-                                 tags::Response);
-    else
-        m_asyncSocket->writeData(std::string("\r\n"), m_config->timeout, tags::ChunkedResponseFooter);
+        m_asyncSocket->writeData(std::string(empty ? "0\r\n\r\n" : "\r\n0\r\n\r\n"), m_config->timeout, tags::Response);
+    else m_asyncSocket->writeData(std::string("\r\n"), m_config->timeout, tags::ChunkedResponseFooter);
 }
 
 std::uint64_t HTTPConnection::restOfRange(const ByteRange &range)
@@ -202,10 +191,8 @@ void HTTPConnection::continueSendingMultiRangeResponseBody()
             writePiece(std::move(data), tags::PartialRangesResponseBody);
         }
         if (restOfRange(range) > 0) continue;
-        if (++m_rangeIndex < m_ranges.size())
-            startRangePart();
-        else
-            m_asyncSocket->writeData(multiRangeEnd(m_rangeBoundary), m_config->timeout, tags::Response);
+        if (++m_rangeIndex < m_ranges.size()) startRangePart();
+        else m_asyncSocket->writeData(multiRangeEnd(m_rangeBoundary), m_config->timeout, tags::Response);
     }
 }
 
@@ -221,18 +208,12 @@ void HTTPConnection::socketDidWriteData(int tag)
     }
     switch (tag) {
     case tags::PartialResponseBody:
-    case tags::ChunkedResponseFooter:
-        return continueSendingStandardResponseBody();
-    case tags::PartialRangeResponseBody:
-        return continueSendingSingleRangeResponseBody();
-    case tags::PartialRangesResponseBody:
-        return continueSendingMultiRangeResponseBody();
-    case tags::Response:
-        return didFinishReply();
-    case tags::FinalResponse:
-        return m_asyncSocket->disconnect();
-    default:
-        return;
+    case tags::ChunkedResponseFooter: return continueSendingStandardResponseBody();
+    case tags::PartialRangeResponseBody: return continueSendingSingleRangeResponseBody();
+    case tags::PartialRangesResponseBody: return continueSendingMultiRangeResponseBody();
+    case tags::Response: return didFinishReply();
+    case tags::FinalResponse: return m_asyncSocket->disconnect();
+    default: return;
     }
 }
 

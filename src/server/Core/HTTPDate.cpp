@@ -22,8 +22,8 @@ std::string withNames(const char *format, std::time_t time)
 {
     const std::tm t = inGMT(time);
     char text[80];
-    std::snprintf(text, sizeof text, format, dayNames[t.tm_wday], t.tm_mday, monthNames[t.tm_mon],
-                  t.tm_year + 1900, t.tm_hour, t.tm_min, t.tm_sec);
+    std::snprintf(text, sizeof text, format, dayNames[t.tm_wday], t.tm_mday, monthNames[t.tm_mon], t.tm_year + 1900,
+                  t.tm_hour, t.tm_min, t.tm_sec);
     return text;
 }
 
@@ -43,8 +43,8 @@ std::string creationDate(std::time_t time)
 {
     const std::tm t = inGMT(time);
     char text[80];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d+00:00", t.tm_year + 1900, t.tm_mon + 1,
-                  t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d+00:00", t.tm_year + 1900, t.tm_mon + 1, t.tm_mday,
+                  t.tm_hour, t.tm_min, t.tm_sec);
     return text;
 }
 

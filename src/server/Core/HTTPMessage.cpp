@@ -71,8 +71,7 @@ HTTPMessage HTTPMessage::responseWithStatusCode(int status, std::string descript
     HTTPMessage message;
     message.m_state = State::Complete;
     message.m_status = status;
-    message.m_description =
-        description.empty() ? std::string(statusDescription(status)) : std::move(description);
+    message.m_description = description.empty() ? std::string(statusDescription(status)) : std::move(description);
     message.m_version = std::move(version);
     return message;
 }
@@ -127,12 +126,9 @@ bool HTTPMessage::parseField(std::string_view line)
     const auto value = trimmed(line.substr(colon + 1));
     if (!isToken(name) || !isFieldValue(value)) return false;
     const std::string *const earlier = m_headers.find(name);
-    if (!earlier)
-        m_headers.set(name, std::string(value));
-    else if (equalsIgnoringCase(name, "Content-Length"))
-        return *earlier == value;
-    else
-        m_headers.set(name, *earlier + ", " + std::string(value));
+    if (!earlier) m_headers.set(name, std::string(value));
+    else if (equalsIgnoringCase(name, "Content-Length")) return *earlier == value;
+    else m_headers.set(name, *earlier + ", " + std::string(value));
     return true;
 }
 
@@ -142,11 +138,9 @@ std::string HTTPMessage::messageData() const
     data.reserve(512 + m_body.size());
     if (m_status > 0)
         data.append(m_version).append(" ").append(std::to_string(m_status)).append(" ").append(m_description);
-    else
-        data.append(m_method).append(" ").append(m_url).append(" ").append(m_version);
+    else data.append(m_method).append(" ").append(m_url).append(" ").append(m_version);
     data.append(lineEnd);
-    for (const auto &[name, value] : m_headers)
-        data.append(name).append(": ").append(value).append(lineEnd);
+    for (const auto &[name, value] : m_headers) data.append(name).append(": ").append(value).append(lineEnd);
     data.append(lineEnd).append(m_body);
     return data;
 }

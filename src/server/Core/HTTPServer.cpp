@@ -57,10 +57,7 @@ public:
 
     [[nodiscard]] bool isListening() const { return m_listening; }
     [[nodiscard]] std::uint16_t port() const { return m_port; }
-    [[nodiscard]] std::string publishedName() const
-    {
-        return m_bonjour ? m_bonjour->publishedName() : std::string();
-    }
+    [[nodiscard]] std::string publishedName() const { return m_bonjour ? m_bonjour->publishedName() : std::string(); }
     [[nodiscard]] std::size_t numberOfConnections();
     [[nodiscard]] std::size_t numberOfWebSockets();
 
@@ -148,8 +145,7 @@ void HTTPServer::Running::stopListening()
 void HTTPServer::Running::closeConnections()
 {
     std::unique_lock lock(m_mutex);
-    for (const auto &connection : m_connections)
-        connection->stop();
+    for (const auto &connection : m_connections) connection->stop();
     m_connectionEnded.wait_for(lock, longestFarewell, [this] { return m_connections.empty(); });
 }
 

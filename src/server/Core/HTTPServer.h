@@ -18,8 +18,8 @@ namespace tomelet::http {
 class HTTPServer
 {
 public:
-    using ConnectionClass = std::function<std::shared_ptr<HTTPConnection>(
-        std::shared_ptr<AsyncSocket> socket, std::shared_ptr<const HTTPConfig> config)>;
+    using ConnectionClass = std::function<std::shared_ptr<HTTPConnection>(std::shared_ptr<AsyncSocket> socket,
+                                                                          std::shared_ptr<const HTTPConfig> config)>;
     using TXTRecord = std::map<std::string, std::string>;
 
     HTTPServer();

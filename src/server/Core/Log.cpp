@@ -17,10 +17,8 @@ std::function<void(const std::string &)> currentSink;
 void logLine(const std::string &line)
 {
     const std::lock_guard lock(sinkMutex);
-    if (currentSink)
-        currentSink(line);
-    else
-        std::fprintf(stderr, "%s\n", line.c_str());
+    if (currentSink) currentSink(line);
+    else std::fprintf(stderr, "%s\n", line.c_str());
 }
 
 void setLogSink(std::function<void(const std::string &)> sink)

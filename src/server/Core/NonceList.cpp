@@ -31,8 +31,7 @@ void NonceList::forgetOldest()
 
 void NonceList::forgetExpired(Time now)
 {
-    while (!m_order.empty() && m_order.front().expiry <= now)
-        forgetOldest();
+    while (!m_order.empty() && m_order.front().expiry <= now) forgetOldest();
 }
 
 NonceList &recentNonces()

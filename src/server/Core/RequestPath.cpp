@@ -28,12 +28,9 @@ std::optional<std::vector<std::string_view>> resolved(std::string_view path)
         const auto component = path.substr(0, slash);
         path.remove_prefix(slash == path.npos ? path.size() : slash + 1);
         if (component.empty() || component == ".") continue;
-        if (component != "..")
-            components.push_back(component);
-        else if (components.empty())
-            return std::nullopt;
-        else
-            components.pop_back();
+        if (component != "..") components.push_back(component);
+        else if (components.empty()) return std::nullopt;
+        else components.pop_back();
     }
     return components;
 }
@@ -46,8 +43,7 @@ RequestPath pathBelowRoot(std::string_view decoded, std::string_view root)
     const auto components = resolved(decoded);
     if (!components) return {{}, PathFault::OutsideRoot};
     std::string path(root == "/" ? std::string_view() : root);
-    for (const std::string_view component : *components)
-        path.append("/").append(component);
+    for (const std::string_view component : *components) path.append("/").append(component);
     if (path.empty()) path += '/';
     return {std::move(path), PathFault::None};
 }

@@ -43,8 +43,7 @@ std::string parentOf(const std::string &path)
 TemporaryItem::TemporaryItem(Kind kind, const std::string &folder)
     : m_path(folder + "/" + std::string(namePrefix) + makeUUID())
 {
-    if (kind == Kind::File)
-        m_handle = FileHandle(open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (kind == Kind::File) m_handle = FileHandle(open(m_path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     else if (mkdir(m_path.c_str(), 0777) == 0)
         m_handle = FileHandle(open(m_path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     m_valid = m_handle.isOpen();
@@ -60,10 +59,8 @@ void TemporaryItem::append(std::string_view data)
 {
     while (m_valid && !data.empty()) {
         const ssize_t count = ::write(m_handle.descriptor(), data.data(), data.size());
-        if (count > 0)
-            data.remove_prefix(static_cast<std::size_t>(count));
-        else
-            m_valid = count < 0 && errno == EINTR;
+        if (count > 0) data.remove_prefix(static_cast<std::size_t>(count));
+        else m_valid = count < 0 && errno == EINTR;
     }
 }
 

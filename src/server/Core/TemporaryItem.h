@@ -45,8 +45,7 @@ private:
 };
 
 /// Writes the bytes to the target as TemporaryItem::moveIntoPlace does, by way of a file in the folder.
-[[nodiscard]] bool writeFileAtomically(const std::string &folder, const std::string &target,
-                                       std::string_view bytes);
+[[nodiscard]] bool writeFileAtomically(const std::string &folder, const std::string &target, std::string_view bytes);
 
 /// True for the name of a temporary item, of whichever server.
 [[nodiscard]] bool isTemporaryName(std::string_view name);

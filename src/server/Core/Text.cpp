@@ -28,8 +28,7 @@ std::optional<std::uint64_t> parseNumber(std::string_view text, int base)
     for (const char c : text) {
         const int digit = digitValue(c);
         if (digit >= base) return std::nullopt;
-        if (value > (limit - static_cast<std::uint64_t>(digit)) / static_cast<std::uint64_t>(base))
-            return std::nullopt;
+        if (value > (limit - static_cast<std::uint64_t>(digit)) / static_cast<std::uint64_t>(base)) return std::nullopt;
         value = value * static_cast<std::uint64_t>(base) + static_cast<std::uint64_t>(digit);
     }
     return value;
@@ -68,8 +67,7 @@ int base64Value(char c)
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b)
 {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lowered(x) == lowered(y); });
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return lowered(x) == lowered(y); });
 }
 
 std::string_view trimmed(std::string_view text)
@@ -139,26 +137,19 @@ std::string escapedForXML(std::string_view text)
     std::string escaped;
     escaped.reserve(text.size());
     for (const char c : text) {
-        if (c == '&')
-            escaped += "&amp;";
-        else if (c == '<')
-            escaped += "&lt;";
-        else if (c == '>')
-            escaped += "&gt;";
-        else if (c == '"')
-            escaped += "&quot;";
-        else if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n')
-            escaped += '?';
-        else
-            escaped += c;
+        if (c == '&') escaped += "&amp;";
+        else if (c == '<') escaped += "&lt;";
+        else if (c == '>') escaped += "&gt;";
+        else if (c == '"') escaped += "&quot;";
+        else if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\n') escaped += '?';
+        else escaped += c;
     }
     return escaped;
 }
 
 std::optional<std::string> base64Decoded(std::string_view text)
 {
-    while (!text.empty() && text.back() == '=')
-        text.remove_suffix(1);
+    while (!text.empty() && text.back() == '=') text.remove_suffix(1);
     std::string decoded;
     unsigned bits = 0;
     int count = 0;
@@ -178,8 +169,7 @@ bool equalsInConstantTime(std::string_view a, std::string_view b)
 {
     if (a.size() != b.size()) return false;
     volatile unsigned char difference = 0;
-    for (std::size_t i = 0; i < a.size(); ++i)
-        difference = static_cast<unsigned char>(difference | (a[i] ^ b[i]));
+    for (std::size_t i = 0; i < a.size(); ++i) difference = static_cast<unsigned char>(difference | (a[i] ^ b[i]));
     return difference == 0;
 }
 

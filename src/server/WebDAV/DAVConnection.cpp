@@ -17,8 +17,7 @@ namespace tomelet::http {
 namespace {
 
 constexpr std::uint64_t maxSizeOfSmallFile = 16777216;
-constexpr std::size_t maxDocumentSize =
-    4 * 1024 * 1024; ///< of an XML body; what is longer counts as unreadable
+constexpr std::size_t maxDocumentSize = 4 * 1024 * 1024; ///< of an XML body; what is longer counts as unreadable
 
 template <std::size_t N>
 bool isOneOf(const std::string &method, const std::array<const char *, N> &methods)
@@ -57,19 +56,14 @@ void DAVConnection::prepareForBodyWithSize(std::uint64_t size)
 {
     m_requestContentBody = {};
     if (!isAuthorized() || !config().documentRoot.starts_with('/')) return;
-    if (size <= maxBodyInMemory)
-        m_requestContentBody = std::string();
-    else
-        m_requestContentBody =
-            std::make_unique<TemporaryItem>(TemporaryItem::Kind::File, config().documentRoot);
+    if (size <= maxBodyInMemory) m_requestContentBody = std::string();
+    else m_requestContentBody = std::make_unique<TemporaryItem>(TemporaryItem::Kind::File, config().documentRoot);
 }
 
 void DAVConnection::processBodyData(std::string_view data)
 {
-    if (auto *const buffer = std::get_if<std::string>(&m_requestContentBody))
-        buffer->append(data);
-    else if (auto *const file = std::get_if<BodyFile>(&m_requestContentBody))
-        (*file)->append(data);
+    if (auto *const buffer = std::get_if<std::string>(&m_requestContentBody)) buffer->append(data);
+    else if (auto *const file = std::get_if<BodyFile>(&m_requestContentBody)) (*file)->append(data);
 }
 
 void DAVConnection::finishResponse()
@@ -85,8 +79,7 @@ std::string DAVConnection::filePathForURI(const std::string &uri, bool allowDire
     return isTemporaryName(relative.substr(0, relative.find('/'))) ? std::string() : path;
 }
 
-std::shared_ptr<HTTPResponse> DAVConnection::httpResponseForMethod(const std::string &method,
-                                                                   const std::string &uri)
+std::shared_ptr<HTTPResponse> DAVConnection::httpResponseForMethod(const std::string &method, const std::string &uri)
 {
     if (method == "GET" || method == "HEAD") return responseToGET(uri);
     const std::string path = filePathForURI(uri, true);
@@ -122,14 +115,11 @@ std::shared_ptr<HTTPResponse> DAVConnection::responseToPUT(const std::string &pa
     return nullptr;
 }
 
-std::shared_ptr<HTTPResponse> DAVConnection::responseToDAVMethod(const std::string &method,
-                                                                 const std::string &path)
+std::shared_ptr<HTTPResponse> DAVConnection::responseToDAVMethod(const std::string &method, const std::string &path)
 {
     std::string body;
-    if (auto *const file = std::get_if<BodyFile>(&m_requestContentBody))
-        body = documentInFile((*file)->path());
-    else if (auto *const buffer = std::get_if<std::string>(&m_requestContentBody))
-        body = std::move(*buffer);
+    if (auto *const file = std::get_if<BodyFile>(&m_requestContentBody)) body = documentInFile((*file)->path());
+    else if (auto *const buffer = std::get_if<std::string>(&m_requestContentBody)) body = std::move(*buffer);
     return DAVResponse::withMethod(method, request().allHeaderFields(), body,
                                    relativeToRoot(path, config().documentRoot), config().documentRoot);
 }

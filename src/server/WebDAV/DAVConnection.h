@@ -31,8 +31,7 @@ protected:
     void processBodyData(std::string_view data) override;
     void finishResponse() override;
     std::string filePathForURI(const std::string &uri, bool allowDirectory = false) override;
-    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method,
-                                                        const std::string &uri) override;
+    std::shared_ptr<HTTPResponse> httpResponseForMethod(const std::string &method, const std::string &uri) override;
     bool mayTakeLong(const std::string &method) override;
 
 private:

@@ -41,8 +41,7 @@ Lock requestedLock(const DAVRequest &request)
 
 std::string bodyOfLock(const DAVRequest &request, const Lock &lock)
 {
-    std::string body =
-        std::string(xmlDeclaration) + "<D:prop xmlns:D=\"DAV:\">\n<D:lockdiscovery>\n<D:activelock>\n";
+    std::string body = std::string(xmlDeclaration) + "<D:prop xmlns:D=\"DAV:\">\n<D:lockdiscovery>\n<D:activelock>\n";
     const auto add = [&body](const char *before, const std::string &text, const char *after) {
         body.append(before).append(escapedForXML(text)).append(after);
     };

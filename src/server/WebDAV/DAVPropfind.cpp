@@ -36,26 +36,19 @@ void appendProperties(std::string &body, const Attributes &attributes, unsigned 
     if (selected & ResourceType)
         body += folder ? "<D:resourcetype><D:collection/></D:resourcetype>" : "<D:resourcetype/>";
     if ((selected & CreationDate) && (attributes.stx_mask & STATX_BTIME))
-        body.append("<D:creationdate>")
-            .append(creationDate(attributes.stx_btime.tv_sec))
-            .append("</D:creationdate>");
+        body.append("<D:creationdate>").append(creationDate(attributes.stx_btime.tv_sec)).append("</D:creationdate>");
     if ((selected & LastModified) && (attributes.stx_mask & STATX_MTIME))
         body.append("<D:getlastmodified>")
             .append(modificationDate(attributes.stx_mtime.tv_sec))
             .append("</D:getlastmodified>");
     if ((selected & ContentLength) && !folder)
-        body.append("<D:getcontentlength>")
-            .append(std::to_string(attributes.stx_size))
-            .append("</D:getcontentlength>");
+        body.append("<D:getcontentlength>").append(std::to_string(attributes.stx_size)).append("</D:getcontentlength>");
 }
 
-void appendEntry(std::string &body, const std::string &resource, const Attributes &attributes,
-                 unsigned selected)
+void appendEntry(std::string &body, const std::string &resource, const Attributes &attributes, unsigned selected)
 {
     if (!isValidUTF8(resource)) return;
-    body.append("<D:response><D:href>")
-        .append(percentEscaped(resource))
-        .append("</D:href><D:propstat><D:prop>");
+    body.append("<D:response><D:href>").append(percentEscaped(resource)).append("</D:href><D:propstat><D:prop>");
     appendProperties(body, attributes, selected);
     body += "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat></D:response>\n";
 }

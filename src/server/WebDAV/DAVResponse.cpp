@@ -26,10 +26,8 @@ OptionalDAVReply replyToMKCOL(const DAVRequest &request)
 {
     DAVReply reply;
     const auto parent = std::filesystem::path(request.path).parent_path().string();
-    if (!request.resourcePath.empty() && !isFolder(parent))
-        reply.status = 409;
-    else if (mkdir(request.path.c_str(), 0777) != 0)
-        reply.status = 405;
+    if (!request.resourcePath.empty() && !isFolder(parent)) reply.status = 409;
+    else if (mkdir(request.path.c_str(), 0777) != 0) reply.status = 405;
     if (reply.status != 200) logLine("Failed creating folder \"" + printable(request.path) + "\"");
     return reply;
 }
@@ -51,9 +49,8 @@ Handler handlerOfMethod(const std::string &method)
         const char *method;
         Handler handler;
     } table[] = {
-        {"OPTIONS", replyToOPTIONS}, {"PROPFIND", replyToPROPFIND}, {"MKCOL", replyToMKCOL},
-        {"MOVE", replyToMOVE},       {"COPY", replyToCOPY},         {"LOCK", replyToLOCK},
-        {"UNLOCK", replyToUNLOCK},
+        {"OPTIONS", replyToOPTIONS}, {"PROPFIND", replyToPROPFIND}, {"MKCOL", replyToMKCOL},   {"MOVE", replyToMOVE},
+        {"COPY", replyToCOPY},       {"LOCK", replyToLOCK},         {"UNLOCK", replyToUNLOCK},
     };
     for (const auto &row : table)
         if (method == row.method) return row.handler;
@@ -63,8 +60,7 @@ Handler handlerOfMethod(const std::string &method)
 } // namespace
 
 std::shared_ptr<DAVResponse> DAVResponse::withMethod(const std::string &method, const HTTPHeaders &headers,
-                                                     const std::string &bodyData,
-                                                     const std::string &resourcePath,
+                                                     const std::string &bodyData, const std::string &resourcePath,
                                                      const std::string &rootPath)
 {
     const Handler handler = handlerOfMethod(method);

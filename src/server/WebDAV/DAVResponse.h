@@ -16,8 +16,7 @@ public:
     /// Null, which is answered with 404, for an unknown method, a resource outside the root and whatever the
     /// method itself answers so. The body is empty when the request has none.
     static std::shared_ptr<DAVResponse> withMethod(const std::string &method, const HTTPHeaders &headers,
-                                                   const std::string &bodyData,
-                                                   const std::string &resourcePath,
+                                                   const std::string &bodyData, const std::string &resourcePath,
                                                    const std::string &rootPath);
 
     explicit DAVResponse(DAVReply reply)

@@ -24,8 +24,7 @@ std::string destinationPath(const DAVRequest &request)
     const std::string host = request.headers.value("Host");
     const auto found = host.empty() ? destination.npos : destination.find(host);
     if (found == destination.npos) return {};
-    const auto place =
-        pathForEscapedPath(std::string_view(destination).substr(found + host.size()), request.rootPath);
+    const auto place = pathForEscapedPath(std::string_view(destination).substr(found + host.size()), request.rootPath);
     const std::string relative = relativeToRoot(place.path, request.rootPath);
     return isTemporaryName(relative.substr(0, relative.find('/'))) ? std::string() : place.path;
 }
@@ -35,8 +34,7 @@ bool liesInside(const std::string &folder, const std::string &item)
 {
     std::error_code error;
     if (!fs::is_directory(fs::symlink_status(item, error))) return false;
-    return isInsideRoot(fs::weakly_canonical(folder, error).string(),
-                        fs::weakly_canonical(item, error).string());
+    return isInsideRoot(fs::weakly_canonical(folder, error).string(), fs::weakly_canonical(item, error).string());
 }
 
 OptionalDAVReply transfer(const DAVRequest &request, bool copies)
@@ -57,12 +55,11 @@ OptionalDAVReply transfer(const DAVRequest &request, bool copies)
         return reply;
     }
     const auto carryOut = copies ? copyItem : moveItem;
-    const bool done =
-        !liesInside(parent, request.path) && carryOut(request.path, destination, request.rootPath);
+    const bool done = !liesInside(parent, request.path) && carryOut(request.path, destination, request.rootPath);
     reply.status = !done ? 403 : appeared ? 204 : 201;
     if (!done)
-        logLine(std::string(copies ? "Failed copying \"" : "Failed moving \"") + printable(request.path) +
-                "\" to \"" + printable(destination) + "\"");
+        logLine(std::string(copies ? "Failed copying \"" : "Failed moving \"") + printable(request.path) + "\" to \"" +
+                printable(destination) + "\"");
     return reply;
 }
 

@@ -23,8 +23,8 @@ int statusOfStoring(const std::string &filePath, const HTTPHeaders &headers, Sto
 
 PUTResponse::PUTResponse(const std::string &filePath, const HTTPHeaders &headers, const std::string &bodyData,
                          const std::string &scratchFolder)
-    : HTTPErrorResponse(statusOfStoring(
-          filePath, headers, [&] { return writeFileAtomically(scratchFolder, filePath, bodyData); }))
+    : HTTPErrorResponse(
+          statusOfStoring(filePath, headers, [&] { return writeFileAtomically(scratchFolder, filePath, bodyData); }))
 {}
 
 PUTResponse::PUTResponse(const std::string &filePath, const HTTPHeaders &headers, TemporaryItem &bodyFile)

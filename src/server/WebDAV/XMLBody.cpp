@@ -26,14 +26,12 @@ Document parseDocument(std::string_view body)
 {
     static const bool ready = (xmlInitParser(), true); // once, before several threads parse
     if (!ready || body.empty() || body.size() > INT_MAX) return nullptr;
-    return Document(
-        xmlReadMemory(body.data(), static_cast<int>(body.size()), nullptr, nullptr, parseOptions));
+    return Document(xmlReadMemory(body.data(), static_cast<int>(body.size()), nullptr, nullptr, parseOptions));
 }
 
 bool isNamed(const xmlNode *node, const char *name)
 {
-    return node->type == XML_ELEMENT_NODE &&
-           xmlStrcmp(node->name, reinterpret_cast<const xmlChar *>(name)) == 0;
+    return node->type == XML_ELEMENT_NODE && xmlStrcmp(node->name, reinterpret_cast<const xmlChar *>(name)) == 0;
 }
 
 std::string nameOf(const xmlNode *node)
@@ -43,8 +41,7 @@ std::string nameOf(const xmlNode *node)
 
 const xmlNode *firstElement(const xmlNode *node)
 {
-    while (node && node->type != XML_ELEMENT_NODE)
-        node = node->next;
+    while (node && node->type != XML_ELEMENT_NODE) node = node->next;
     return node;
 }
 
@@ -115,8 +112,7 @@ std::optional<LockInfo> parseLockInfo(std::string_view body)
         logLine("Invalid DAV lock body: " + printable(body));
         return std::nullopt;
     }
-    return LockInfo{nameOfFirstChild(childNamed(info, "lockscope")),
-                    nameOfFirstChild(childNamed(info, "locktype")),
+    return LockInfo{nameOfFirstChild(childNamed(info, "lockscope")), nameOfFirstChild(childNamed(info, "locktype")),
                     textOf(childNamed(childNamed(info, "owner"), "href"))};
 }
 

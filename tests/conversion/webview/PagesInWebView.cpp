@@ -67,10 +67,8 @@ int main(int count, char **words)
     ListeningPage page(&profile);
     qsizetype next = 0;
     const auto loadNext = [&] {
-        if (next < files.size())
-            page.load(QUrl::fromLocalFile(files[next++]));
-        else
-            QCoreApplication::quit();
+        if (next < files.size()) page.load(QUrl::fromLocalFile(files[next++]));
+        else QCoreApplication::quit();
     };
     QObject::connect(&page, &QWebEnginePage::loadFinished, [&](bool done) {
         if (!done) page.say(u"did not load"_s);

@@ -15,9 +15,10 @@ constexpr std::uint64_t largestWindow = 64 * 1024 * 1024;
 
 } // namespace
 
-std::shared_ptr<HTTPAsyncFileResponse>
-HTTPAsyncFileResponse::withFilePath(const std::string &path, std::weak_ptr<HTTPResponseOwner> owner,
-                                    asio::any_io_executor fileQueue, asio::any_io_executor ownQueue)
+std::shared_ptr<HTTPAsyncFileResponse> HTTPAsyncFileResponse::withFilePath(const std::string &path,
+                                                                           std::weak_ptr<HTTPResponseOwner> owner,
+                                                                           asio::any_io_executor fileQueue,
+                                                                           asio::any_io_executor ownQueue)
 {
     const auto size = sizeOfServedFile(path);
     if (!size) return nullptr;
@@ -26,8 +27,8 @@ HTTPAsyncFileResponse::withFilePath(const std::string &path, std::weak_ptr<HTTPR
 }
 
 HTTPAsyncFileResponse::HTTPAsyncFileResponse(std::string path, std::uint64_t size,
-                                             std::weak_ptr<HTTPResponseOwner> owner,
-                                             asio::any_io_executor fileQueue, asio::any_io_executor ownQueue)
+                                             std::weak_ptr<HTTPResponseOwner> owner, asio::any_io_executor fileQueue,
+                                             asio::any_io_executor ownQueue)
     : HTTPFileResponse(std::move(path), size, std::move(owner))
     , m_fileQueue(std::move(fileQueue))
     , m_ownQueue(std::move(ownQueue))
@@ -49,8 +50,7 @@ BodyPiece HTTPAsyncFileResponse::readDataOfLength(std::size_t length)
         m_starved = !isDone();
         return {};
     }
-    return HTTPFileResponse::readDataOfLength(
-        static_cast<std::size_t>(std::min<std::uint64_t>(length, atHand)));
+    return HTTPFileResponse::readDataOfLength(static_cast<std::size_t>(std::min<std::uint64_t>(length, atHand)));
 }
 
 bool HTTPAsyncFileResponse::delayResponseHeaders()
@@ -80,8 +80,7 @@ void HTTPAsyncFileResponse::didFetch(std::uint64_t from, std::uint64_t to)
 {
     m_fetching = false;
     m_hasData = true;
-    if (m_fetchedTo == from)
-        m_fetchedTo = to; // else the offset was moved meanwhile, and what is needed with it
+    if (m_fetchedTo == from) m_fetchedTo = to; // else the offset was moved meanwhile, and what is needed with it
     if (!m_starved) return;
     m_starved = false;
     if (const auto owner = m_owner.lock()) owner->responseHasAvailableData(shared_from_this());

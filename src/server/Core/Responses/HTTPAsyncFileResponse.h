@@ -35,7 +35,7 @@ private:
     asio::any_io_executor m_fileQueue;
     asio::any_io_executor m_ownQueue;
     std::uint64_t m_window = firstWindow; ///< how much is asked for at once; it grows, so that it is rarely waited for
-    std::uint64_t m_fetchedTo = 0; ///< from the offset up to here the file is at hand
+    std::uint64_t m_fetchedTo = 0;        ///< from the offset up to here the file is at hand
     bool m_fetching = false;
     bool m_hasData = false; ///< a first stretch has come
     bool m_starved = false; ///< a read found nothing and waits for a call back

@@ -11,9 +11,10 @@ constexpr std::size_t readSize = 32 * 1024; ///< within what the file response h
 
 } // namespace
 
-std::shared_ptr<HTTPDynamicFileResponse>
-HTTPDynamicFileResponse::withFilePath(const std::string &path, std::weak_ptr<HTTPResponseOwner> owner,
-                                      std::string separator, Replacements replacements)
+std::shared_ptr<HTTPDynamicFileResponse> HTTPDynamicFileResponse::withFilePath(const std::string &path,
+                                                                               std::weak_ptr<HTTPResponseOwner> owner,
+                                                                               std::string separator,
+                                                                               Replacements replacements)
 {
     const auto size = sizeOfServedFile(path);
     if (!size) return nullptr;
@@ -22,15 +23,14 @@ HTTPDynamicFileResponse::withFilePath(const std::string &path, std::weak_ptr<HTT
 }
 
 HTTPDynamicFileResponse::HTTPDynamicFileResponse(std::string path, std::uint64_t size,
-                                                 std::weak_ptr<HTTPResponseOwner> owner,
-                                                 std::string separator, Replacements replacements)
+                                                 std::weak_ptr<HTTPResponseOwner> owner, std::string separator,
+                                                 Replacements replacements)
     : HTTPFileResponse(std::move(path), size, std::move(owner))
     , m_separator(std::move(separator))
     , m_replacements(std::move(replacements))
     , m_atEnd(size == 0)
 {
-    for (const auto &[key, value] : m_replacements)
-        m_longestKey = std::max(m_longestKey, key.size());
+    for (const auto &[key, value] : m_replacements) m_longestKey = std::max(m_longestKey, key.size());
 }
 
 BodyPiece HTTPDynamicFileResponse::readDataOfLength(std::size_t length)
@@ -66,10 +66,9 @@ void HTTPDynamicFileResponse::replaceKeys()
         const auto close = m_text.find(m_separator, m_separator.size());
         const std::size_t needed = 2 * m_separator.size() + m_longestKey;
         if (close == m_text.npos && !m_atEnd && m_text.size() < needed) return;
-        const auto key =
-            close == m_text.npos
-                ? m_replacements.end()
-                : m_replacements.find(m_text.substr(m_separator.size(), close - m_separator.size()));
+        const auto key = close == m_text.npos
+                             ? m_replacements.end()
+                             : m_replacements.find(m_text.substr(m_separator.size(), close - m_separator.size()));
         if (key == m_replacements.end()) {
             release(m_separator.size());
             continue;

@@ -16,8 +16,7 @@ public:
 
     static std::shared_ptr<HTTPDynamicFileResponse> withFilePath(const std::string &path,
                                                                  std::weak_ptr<HTTPResponseOwner> owner,
-                                                                 std::string separator,
-                                                                 Replacements replacements);
+                                                                 std::string separator, Replacements replacements);
 
     HTTPDynamicFileResponse(std::string path, std::uint64_t size, std::weak_ptr<HTTPResponseOwner> owner,
                             std::string separator, Replacements replacements);

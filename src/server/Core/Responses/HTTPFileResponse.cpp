@@ -33,8 +33,7 @@ std::optional<std::uint64_t> sizeOfServedFile(const std::string &path)
 {
     struct stat status
     {};
-    if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
-        return static_cast<std::uint64_t>(status.st_size);
+    if (stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) return static_cast<std::uint64_t>(status.st_size);
     logLine("HTTPFileResponse: no attributes of a file at " + printable(path));
     return std::nullopt;
 }
@@ -46,8 +45,7 @@ std::shared_ptr<HTTPFileResponse> HTTPFileResponse::withFilePath(const std::stri
     return size ? std::make_shared<HTTPFileResponse>(path, *size, std::move(owner)) : nullptr;
 }
 
-HTTPFileResponse::HTTPFileResponse(std::string path, std::uint64_t size,
-                                   std::weak_ptr<HTTPResponseOwner> owner)
+HTTPFileResponse::HTTPFileResponse(std::string path, std::uint64_t size, std::weak_ptr<HTTPResponseOwner> owner)
     : m_path(std::move(path))
     , m_size(size)
     , m_owner(std::move(owner))
