@@ -181,10 +181,14 @@ void MainWindow::showMessage(const QString &title, const QString &text)
 void MainWindow::showSource(const ListSource &source)
 {
     m_outline->setBookOnDisplay(source.book);
+    // There may be thousands of results; their rows come when they are made.
+    const bool results = source.smartType == SearchResultsBook;
+    if (results) m_listModel->controller().setRowsOfSearchResults({});
     m_listModel->show(source);
     m_list->scrollToTop();
     if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) document()->showDocument({});
     updateListTexts();
+    if (results) m_search->reloadResults();
 }
 
 // Whether the row led to another list: a book, a smart book or a context.
@@ -210,6 +214,13 @@ void MainWindow::reloadRows()
     if (const QModelIndex index = m_listModel->indexOfPath(document()->path()); index.isValid()) m_list->selectOnly(index);
 }
 
+// Those of search results are made on the thread of the search.
+void MainWindow::readRowsAnew()
+{
+    if (m_listModel->controller().source().smartType == SearchResultsBook) m_search->reloadResults();
+    else reloadRows();
+}
+
 // The row that one comes from is the one selected.
 void MainWindow::showEnclosing()
 {
@@ -228,7 +239,7 @@ void MainWindow::showOutline(bool shown)
 {
     m_outline->setVisible(shown);
     settings().setObject(QStringLiteral("outlineIsCollapsed"), shown ? QVariant() : QVariant(true));
-    reloadRows();
+    readRowsAnew();
 }
 
 void MainWindow::updateListTexts()
@@ -325,10 +336,7 @@ void MainWindow::reloadListFor(const QString &path)
 // A moment later, so that a thousand changes are one reload.
 void MainWindow::reloadListSoon()
 {
-    platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] {
-        if (m_listModel->controller().source().smartType == SearchResultsBook) return m_search->reloadResults();
-        reloadRows();
-    });
+    platform().delayedCalls.schedule(QStringLiteral("reloadBook"), {}, 100ms, [this] { readRowsAnew(); });
 }
 
 void MainWindow::observe()
@@ -365,9 +373,7 @@ void MainWindow::observe()
         showSource({path, OrdinaryBook, {}});
         m_outlineController.expandPathToItem(path);
     });
-    onPath("TMLTReloadCurrentBook", "path", [this](const QString &) {
-        reloadRows();
-    });
+    onPath("TMLTReloadCurrentBook", "path", [this](const QString &) { readRowsAnew(); });
     onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
 }
 

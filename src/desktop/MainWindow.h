@@ -23,6 +23,7 @@ class QLabel;
 class QProgressBar;
 class QSplitter;
 class QStackedWidget;
+class QToolButton;
 
 namespace tomelet::desktop {
 
@@ -110,6 +111,8 @@ private:
     // What the search asks of its field.
     void reloadList() override;
     void showStatus(const QString &text) override;
+    void showSearchOptions() override;
+    void hideSearchOptions() override;
 
     void showSource(const ListSource &source);
     bool openRow(const QModelIndex &index);
@@ -118,6 +121,7 @@ private:
     void updateListTexts();
     [[nodiscard]] DocumentPane *document() const;
     void reloadRows();
+    void readRowsAnew();
     void documentSelected();
     void documentChanged();
     void openSelectionInTabs();
@@ -142,6 +146,7 @@ private:
     QLabel *m_listTitle;
     QLabel *m_listEmpty;
     QLineEdit *m_filter;
+    QToolButton *m_searchOptions = nullptr;
     QProgressBar *m_indexProgress;
     QStackedWidget *m_listStack;
     DocumentDesk *m_desk;

@@ -261,8 +261,15 @@ void FolderWatcher::planUnwatched(WatchedFolder *folder)
         if (item.folder) planUnwatched(item.folder.get());
 }
 
+// A temporary file without a name (O_TMPFILE) has events all the same, under its number: "#123".
+static bool isNumberOfUnnamed(const std::string &name)
+{
+    return name.size() > 1 && name[0] == '#' && name.find_first_not_of("0123456789", 1) == std::string::npos;
+}
+
 void FolderWatcher::touched(WatchedFolder *folder, const std::string &name, bool isFolder)
 {
+    if (isNumberOfUnnamed(name) && !folder->items.contains(name)) return;
     m_outbox.changed(WatchedFolders::path(folder) + '/' + name);
     if (!isFolder) return;
     // A folder that could not be read may have become readable.

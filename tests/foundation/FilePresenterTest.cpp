@@ -18,6 +18,7 @@
 #include <random>
 #include <thread>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 using namespace tomelet;
@@ -170,6 +171,16 @@ TEST_F(FilePresenterTest, waysOfSaving)
     write(m_root / "a/tmp");
     fs::rename(m_root / "a/tmp", m_root / "a/fresh.md");
     EXPECT_THAT(settled(), ElementsAre("~ a/tmp", "a/tmp > a/fresh.md", "~ a/fresh.md"));
+
+    const int unnamed = ::open((m_root / "a").c_str(), O_TMPFILE | O_WRONLY, 0600);
+    ASSERT_GE(unnamed, 0);
+    EXPECT_EQ(::write(unnamed, "new", 3), 3);
+    EXPECT_EQ(::linkat(AT_FDCWD, ("/proc/self/fd/" + std::to_string(unnamed)).c_str(), AT_FDCWD,
+                       (m_root / "a/named.md").c_str(), AT_SYMLINK_FOLLOW),
+              0);
+    ::close(unnamed);
+    write(m_root / "a/#12");
+    EXPECT_THAT(settled(), testing::UnorderedElementsAre("~ a/named.md", "~ a/#12")) << "a name only in the end";
 
     fs::rename(m_root / "a", m_root / "c");
     fs::create_directory(m_root / "a");

@@ -90,6 +90,7 @@ TEST_F(Field, FiltersByNameAndThenSearchesAndLeadsBack)
     EXPECT_EQ(list.source().smartType, SearchResultsBook);
     EXPECT_EQ(titlesOf(list), (QStringList{u"Apple.md"_s, u"Pear.md"_s}));
     EXPECT_EQ(search.header(), u"Search: apple - 2 Hits"_s);
+    EXPECT_TRUE(view.showsOptions);
     EXPECT_EQ(view.status, QString());
     EXPECT_TRUE(TMLTOutlineItem::smartBookOfType(SearchResultsBook));
 

@@ -163,7 +163,12 @@ void DocumentListModel::setFilter(const QString &text)
 
 void DocumentListModel::selectSortOrder(int index)
 {
-    changeRows([&] { m_controller.selectSortOrder(index); });
+    changeRows([&] {
+        m_controller.selectSortOrder(index);
+        // To sort them anew they need not be read anew.
+        if (m_controller.source().smartType == SearchResultsBook)
+            m_controller.setRowsOfSearchResults(m_controller.documentsList);
+    });
 }
 
 QString DocumentListModel::pathAt(const QModelIndex &index) const

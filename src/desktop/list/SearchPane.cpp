@@ -23,7 +23,7 @@ QWidget *MainWindow::makeSearchField()
     m_filter->setPlaceholderText(localized(TOMELET_TEXT("Search")));
     m_filter->setAccessibleName(localized(TOMELET_TEXT("Search")));
     m_filter->setClearButtonEnabled(true);
-    auto *options = new QToolButton;
+    QToolButton *options = m_searchOptions = new QToolButton;
     options->setText(QStringLiteral("…"));
     options->setAutoRaise(true);
     options->setPopupMode(QToolButton::InstantPopup);
@@ -117,6 +117,16 @@ void MainWindow::reloadList()
                                                               : TMLTOutlineItem::smartBookOfType(source.smartType);
     if (shown) m_outline->select(shown, true);
     reloadRows();
+}
+
+void MainWindow::showSearchOptions()
+{
+    m_searchOptions->show();
+}
+
+void MainWindow::hideSearchOptions()
+{
+    m_searchOptions->hide();
 }
 
 void MainWindow::showStatus(const QString &text)

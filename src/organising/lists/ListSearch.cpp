@@ -106,6 +106,7 @@ void ListSearch::queryDidFinishGathering(const QString &text, const QString &sco
     if (!TMLTOutlineItem::smartBookOfType(SearchResultsBook))
         TMLTOutlineItem::insertSmartChildOfType(SearchResultsBook);
     m_list.searchFilter.clear();
+    m_view.showSearchOptions(); // nothing is filtered any more
     m_list.setSource({m_origin.book, SearchResultsBook, {}});
     m_list.setRowsOfSearchResults(rows);
     m_view.reloadList();

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/search/IndexDatabase.h"
 
-#include "organising/search/IndexTokens.h"
-
 #include <QFile>
 
 #include <cstring>
@@ -14,7 +12,7 @@ namespace {
 
 constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
-constexpr qint64 ownVersion = 2; // of the tables and tokens; a file with others is made anew
+constexpr qint64 ownVersion = 3; // of the tables and tokens; a file with others is made anew
 constexpr size_t manyDocuments = 500;
 
 void check(int code)
@@ -173,11 +171,15 @@ IndexDatabase::IndexDatabase(const QString &file)
                 "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
                 "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, "
                 "tokenize='pieces');"
+                "CREATE VIRTUAL TABLE IF NOT EXISTS marks USING fts5(mark, content='', columnsize=0, detail=none, "
+                "tokenize='pieces');"
                 // Larger lots of tokens in memory make fewer pieces to merge.
                 "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
-                    // While the index is made nothing is merged bit by bit: it is all merged at the end.
-                    "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
-                "PRAGMA user_version=2; COMMIT");
+                "INSERT INTO marks(marks, rank) VALUES('hashsize', 16777216);"
+                // While the index is made nothing is merged bit by bit: it is all merged at the end.
+                "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
+                "INSERT INTO marks(marks, rank) VALUES('automerge', 0);"
+                "PRAGMA user_version=3; COMMIT");
     } catch (...) {
         m_statements.clear();
         sqlite3_close_v2(m_database);
@@ -228,10 +230,14 @@ void IndexDatabase::put(const Entry &entry)
     row.bind(3, entry.document.stamp.changed);
     row.bind(4, entry.text);
     row.run();
-    Statement &tokens = statement("INSERT INTO tokens(rowid, token) VALUES(?,?)");
-    tokens.bind(1, sqlite3_last_insert_rowid(m_database));
-    tokens.bind(2, entry.tokens);
-    tokens.run();
+    const qint64 number = sqlite3_last_insert_rowid(m_database);
+    const auto putInto = [&](Statement &table, const std::string &tokens) {
+        table.bind(1, number);
+        table.bind(2, tokens);
+        table.run();
+    };
+    putInto(statement("INSERT INTO tokens(rowid, token) VALUES(?,?)"), entry.tokens.tokens);
+    putInto(statement("INSERT INTO marks(rowid, mark) VALUES(?,?)"), entry.tokens.marks);
 }
 
 void IndexDatabase::remove(const QString &path)
@@ -242,12 +248,24 @@ void IndexDatabase::remove(const QString &path)
     row.run();
 }
 
-std::vector<qint64> IndexDatabase::find(const std::string &expression)
+// In the language of FTS5: https://sqlite.org/fts5.html#full_text_query_syntax
+static std::string expressionOf(const TermLookUps &lookUps)
 {
+    std::string text;
+    for (const TokenPhrase &phrase : lookUps.phrases) {
+        text += text.empty() ? "\"" : " AND \"";
+        for (const char c : phrase.tokens) text.append(c == '"' ? 2 : 1, c);
+        text += phrase.prefix ? "\"*" : "\"";
+    }
+    return text;
+}
+
+std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
+{
+    Statement &query = statement(lookUps.inMarks ? "SELECT rowid FROM marks WHERE marks MATCH ?"
+                                                 : "SELECT rowid FROM tokens WHERE tokens MATCH ?");
+    query.bind(1, expressionOf(lookUps));
     std::vector<qint64> numbers;
-    if (expression.empty()) return numbers;
-    Statement &query = statement("SELECT rowid FROM tokens WHERE tokens MATCH ?");
-    query.bind(1, expression);
     while (query.step()) numbers.push_back(query.integer(0));
     return numbers;
 }
@@ -308,7 +326,9 @@ void IndexDatabase::setComplete()
 {
     execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
             "INSERT INTO tokens(tokens) VALUES('optimize'); "
-            "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); COMMIT; "
+            "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); "
+            "INSERT INTO marks(marks) VALUES('optimize'); "
+            "INSERT INTO marks(marks, rank) VALUES('automerge', 4); COMMIT; "
             "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 

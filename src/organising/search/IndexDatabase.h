@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The index's file: an SQLite database with the documents and, in an FTS5 table without content, their tokens.
+// The index's file: an SQLite database with the documents and, in FTS5 tables without content, their tokens and marks.
 //
-// FTS5 cannot take a document out of such a table without its tokens, so a document that changes gets another number
+// FTS5 cannot take a document out of such tables without its tokens, so a document that changes gets another number
 // and the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
 #pragma once
+
+#include "organising/search/IndexTokens.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -48,7 +50,7 @@ public:
     struct Entry
     {
         Document document;
-        std::string tokens;
+        DocumentTokens tokens;
         QByteArray text;
     };
 
@@ -68,8 +70,8 @@ public:
     void put(const Entry &entry);
     void remove(const QString &path);
 
-    /// The numbers of the documents that an FTS5 expression over tokens finds; some may be out of use.
-    [[nodiscard]] std::vector<qint64> find(const std::string &expression);
+    /// The numbers of the documents in which all of a term's phrases are found, ascending; some may be out of use.
+    [[nodiscard]] std::vector<qint64> find(const TermLookUps &lookUps);
     /// The paths of those that are in use, each with `root` in front, which is always the same.
     [[nodiscard]] QStringList pathsOf(const std::vector<qint64> &documents, const QString &root);
     /// The text that was put with the document; "" for none.

@@ -2,6 +2,9 @@
 #include "organising/search/IndexTokens.h"
 
 #include <algorithm>
+#include <array>
+#include <bitset>
+#include <optional>
 #include <string_view>
 #include <unordered_set>
 
@@ -12,7 +15,10 @@ namespace {
 constexpr size_t longestWord = 32;
 constexpr size_t longestGap = 8;
 constexpr size_t longestEnd = 3;   // of a gap
-constexpr size_t longestPiece = 4; // of a gap
+constexpr size_t longestPiece = 8; // of a gap
+constexpr size_t longestRun = 250; // of one sign
+constexpr int charactersOfBeginning = 2;
+constexpr size_t longestWordOfPair = 5; // the longer ones are rarer
 constexpr size_t longestTitleKey = 24;
 constexpr int charactersOfDenseWord = 2;
 constexpr int longestSigns = 3;
@@ -159,38 +165,108 @@ void appendText(std::string &tokens, const FoldedText &text)
     }
 }
 
-void appendSigns(std::string &tokens, const FoldedText &text)
+/// Marks, each once. The pieces have to stay where they are.
+class Marks
 {
-    const Runs runs(text);
-    std::unordered_set<std::string_view> seen;
-    for (size_t from = 0; from < text.text.size();) {
-        const size_t end = runs.gapFrom(from);
-        const size_t word = runs.wordFrom(end);
-        const std::string_view gap = runs.piece(end, word);
-        from = word;
-        if (leavesNoToken(gap) && seen.contains(gap)) continue; // most of them
-        for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i))
-            if (const std::string_view kept = cut(gap.substr(i), longestPiece); seen.insert(kept).second)
-                append(tokens, 's', kept);
+public:
+    void add(char kind, std::string_view piece)
+    {
+        if (m_seen[kind == 's'].insert(piece).second) append(m_marks, kind, piece);
+    }
+    // Nearly all of them are of Latin letters, and there are two for each word.
+    void addBeginning(std::string_view piece)
+    {
+        const auto letter = [&](size_t i) { return i < piece.size() ? static_cast<unsigned char>(piece[i]) : 0U; };
+        if (piece.size() > 2 || letter(0) > 127 || letter(1) > 127) return add('b', piece);
+        const size_t place = letter(0) << 7 | letter(1);
+        if (!m_seenLatin[place]) append(m_marks, 'b', piece);
+        m_seenLatin.set(place);
+    }
+    void addName(std::string_view piece) { append(m_marks, 't', piece); }
+    [[nodiscard]] std::string take() { return std::move(m_marks); }
+
+private:
+    std::array<std::unordered_set<std::string_view>, 2> m_seen; // 0: words and long runs, 1: signs
+    std::bitset<128 * 128> m_seenLatin;
+    std::string m_marks;
+};
+
+void markBeginnings(Marks &marks, const FoldedText &text, const Runs &runs)
+{
+    for (size_t from = runs.wordFrom(0); from < text.text.size(); from = runs.wordFrom(runs.endOfRun(from))) {
+        const size_t end = runs.endOfRun(from);
+        for (size_t i = from; i < end; i = nextCharacter(text.text, i))
+            if (text.starts[i])
+                for (int count = 1; count <= charactersOfBeginning; ++count)
+                    marks.addBeginning(firstCharacters(runs.piece(i, end), count));
     }
 }
 
-void appendName(std::string &tokens, std::string_view name)
+/// Where a word with one blank and one more character behind it ends, if that is what stands at the position.
+std::optional<size_t> endOfPair(std::string_view text, const Runs &runs, size_t from)
 {
-    for (size_t i = 0; i < name.size(); i = nextCharacter(name, i))
-        append(tokens, 't', cut(name.substr(i), longestTitleKey));
+    const size_t blank = runs.gapFrom(from);
+    const size_t next = runs.wordFrom(blank);
+    const bool isPair = !runs.isDense(from) && runs.endOfRun(from) == blank && blank - from <= longestWordOfPair &&
+                        next < text.size() && leavesNoToken(runs.piece(blank, next));
+    return isPair ? std::optional(nextCharacter(text, next)) : std::nullopt;
+}
+
+void markPairs(Marks &marks, const FoldedText &text, const Runs &runs)
+{
+    for (size_t from = runs.wordFrom(0); from < text.text.size(); from = runs.wordFrom(runs.endOfRun(from)))
+        if (const auto end = endOfPair(text.text, runs, from)) marks.add('n', runs.piece(from, *end));
+}
+
+size_t sizeOfRunOfOne(std::string_view piece)
+{
+    const std::string_view first = firstCharacters(piece, 1);
+    size_t size = first.size();
+    while (piece.substr(size).starts_with(first)) size += first.size();
+    return size;
+}
+
+void markSigns(Marks &marks, std::string_view gap)
+{
+    size_t endOfRun = 0;
+    for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i)) {
+        marks.add('s', cut(gap.substr(i), longestPiece));
+        if (i < endOfRun) continue;
+        endOfRun = i + sizeOfRunOfOne(gap.substr(i));
+        if (endOfRun - i > longestPiece) marks.add('r', cut(gap.substr(i, endOfRun - i), longestRun));
+    }
+}
+
+void markGaps(Marks &marks, const FoldedText &text, const Runs &runs)
+{
+    std::unordered_set<std::string_view> seen;
+    for (size_t from = 0; from < text.text.size();) {
+        const size_t end = runs.gapFrom(from);
+        from = runs.wordFrom(end);
+        if (const std::string_view gap = runs.piece(end, from); seen.insert(gap).second) markSigns(marks, gap);
+    }
+}
+
+void markName(Marks &marks, std::string_view name)
+{
+    for (size_t i = 0; i < name.size(); i = nextCharacter(name, i)) marks.addName(cut(name.substr(i), longestTitleKey));
 }
 
 } // namespace
 
-std::string tokensOfDocument(const FoldedText &text, const std::string &name)
+DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name)
 {
-    std::string tokens;
-    tokens.reserve(text.text.size() * 2);
-    appendText(tokens, text);
-    appendSigns(tokens, text);
-    appendName(tokens, name);
-    return tokens;
+    DocumentTokens result;
+    result.tokens.reserve(text.text.size() * 2);
+    appendText(result.tokens, text);
+    Marks marks;
+    const Runs runs(text);
+    markBeginnings(marks, text, runs);
+    markPairs(marks, text, runs);
+    markGaps(marks, text, runs);
+    markName(marks, name);
+    result.marks = marks.take();
+    return result;
 }
 
 // -- terms ------------------------------------------------------------------------------------------------------------
@@ -211,7 +287,10 @@ public:
     {
         size_t from = m_runs.wordFrom(0);
         if (from == m_size) readSigns();
+        else if (from == 0 && isBeginning()) readMark('b');
+        else if (from == 0 && endOfPair(m_term.text, m_runs, 0) == m_size) readMark('n');
         else readLead(m_runs.piece(0, from));
+        if (m_result.inMarks) return std::move(m_result);
         while (from < m_size) {
             const size_t end = m_runs.endOfRun(from);
             readWord(from, end);
@@ -226,10 +305,23 @@ private:
     // A term of signs and blanks alone stands in the text as one.
     void readSigns()
     {
-        const std::string_view kept = cut(m_term.text, longestPiece);
+        const bool isRun = m_size > longestPiece && sizeOfRunOfOne(m_term.text) == m_size;
+        const std::string_view kept = cut(m_term.text, isRun ? longestRun : longestPiece);
         m_result.exact = kept.size() == m_size;
-        append(m_phrase, 's', kept);
+        m_result.inMarks = true;
+        append(m_phrase, isRun ? 'r' : 's', kept);
         closePhrase(m_result.exact);
+    }
+
+    [[nodiscard]] bool isBeginning() const
+    {
+        return m_runs.endOfRun(0) == m_size && charactersOf(m_term.text) <= charactersOfBeginning;
+    }
+    void readMark(char kind)
+    {
+        m_result.inMarks = true;
+        append(m_phrase, kind, m_term.text);
+        closePhrase(false);
     }
 
     // What stands in front of the first word is in that word's token, or in that of the gap.
@@ -296,7 +388,21 @@ TermLookUps titleLookUps(const FoldedText &term)
     const bool whole = kept.size() == term.text.size();
     TokenPhrase phrase{{}, whole};
     append(phrase.tokens, 't', kept);
-    return {{phrase}, whole};
+    return {{phrase}, whole, true};
+}
+
+std::optional<TermLookUps> withoutShortEnd(const TermLookUps &lookUps)
+{
+    const TokenPhrase &last = lookUps.phrases.back();
+    if (lookUps.inMarks || !last.prefix) return std::nullopt;
+    const std::string_view tokens = std::string_view(last.tokens).substr(0, last.tokens.size() - 1);
+    const size_t before = tokens.rfind(tokenSeparator);
+    // The kind and a character or two.
+    if (before == std::string_view::npos || tokens.size() - before > 4) return std::nullopt;
+    TermLookUps shorter = lookUps;
+    shorter.phrases.back() = {last.tokens.substr(0, before + 1), false};
+    shorter.exact = false;
+    return shorter;
 }
 
 } // namespace tomelet

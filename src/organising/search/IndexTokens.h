@@ -6,14 +6,18 @@
 //   x  at the place of the word: the word with the one, two and three signs in front of it
 //   g  what stands between two words (8 bytes at most), unless that is one blank
 //   h  at the place of that: its ends (3 bytes at most) that no x token knows
-// and, behind the text, each once:
-//   s  what stands between two words, from each of its characters on (4 bytes at most)
+// Its marks are known without places, each once:
+//   b  the first and the first two characters of each word
+//   n  a short word (5 bytes at most), one blank and the first character of the next word
+//   s  what stands between two words, from each of its characters on (8 bytes at most)
+//   r  a run of one sign that is longer than that, whole (250 bytes at most)
 //   t  the name from each of its characters on (24 bytes at most)
 // So nearly every term is found by one phrase of tokens, the last of them as a beginning, without a look at the texts.
 #pragma once
 
 #include "organising/search/FoldedText.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,8 +31,14 @@ inline constexpr char tokenSeparator = '\x1f';
     return kind == 'x' || kind == 'h';
 }
 
-/// All tokens of a document. `name` is folded.
-[[nodiscard]] std::string tokensOfDocument(const FoldedText &text, const std::string &name);
+/// What the index knows of a document: tokens and marks one behind the other, each with its separator.
+struct DocumentTokens
+{
+    std::string tokens;
+    std::string marks;
+};
+/// `name` is folded.
+[[nodiscard]] DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name);
 
 /// Tokens one behind the other, each with its separator.
 struct TokenPhrase
@@ -42,8 +52,11 @@ struct TermLookUps
 {
     std::vector<TokenPhrase> phrases; ///< never empty
     bool exact = true;                ///< false: what they find has to be tested against the document
+    bool inMarks = false;             ///< they are marks
 };
 [[nodiscard]] TermLookUps contentLookUps(const FoldedText &term);
 [[nodiscard]] TermLookUps titleLookUps(const FoldedText &term);
+/// The same without a last token so short that to gather all that begin so takes long; not exact. Nothing for others.
+[[nodiscard]] std::optional<TermLookUps> withoutShortEnd(const TermLookUps &lookUps);
 
 } // namespace tomelet

@@ -124,6 +124,12 @@ QString textOfEntry(const Format &format, const QByteArray &bytes)
 
 // -- the archive ------------------------------------------------------------------------------------------------------
 
+// Names that the locale cannot write are a warning.
+bool goesOn(int result)
+{
+    return result == ARCHIVE_OK || result == ARCHIVE_WARN;
+}
+
 // What comes before a fault is kept.
 QByteArray bytesOfEntry(archive *file, qsizetype most)
 {
@@ -148,13 +154,14 @@ QString textOfOfficeDocument(const QString &path)
 {
     const Format *format = formatOf(lowerExtension(path));
     const std::unique_ptr<archive, decltype(&archive_read_free)> file(archive_read_new(), archive_read_free);
-    archive_read_support_format_zip(file.get());
+    // By the archive's own directory, so that what is passed over need not be unpacked, however large it would be.
+    archive_read_support_format_zip_seekable(file.get());
     if (!format || archive_read_open_filename(file.get(), QFile::encodeName(path).constData(), 65536) != ARCHIVE_OK)
         return {};
     QString text;
     qsizetype unpacked = 0;
     archive_entry *entry = nullptr;
-    for (int i = 0; i < mostEntries && archive_read_next_header(file.get(), &entry) == ARCHIVE_OK; ++i) {
+    for (int i = 0; i < mostEntries && goesOn(archive_read_next_header(file.get(), &entry)); ++i) {
         const char *name = archive_entry_pathname_utf8(entry);
         if (!name || !holdsText(*format, QString::fromUtf8(name))) continue;
         const QByteArray bytes = bytesOfEntry(file.get(), mostBytes - unpacked);

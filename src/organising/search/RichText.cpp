@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cctype>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace tomelet {
@@ -133,8 +134,10 @@ private:
         else if (holdsNoText(word)) m_group.silent = true;
     }
 
+    // Documents say it once; to look for one after the other takes long.
     void setCodePage(int number)
     {
+        if (std::exchange(m_saysCodePage, true)) return;
         flushBytes();
         Converter converter = converterFor("windows-" + QByteArray::number(number));
         if (!converter) converter = converterFor("cp" + QByteArray::number(number));
@@ -172,6 +175,7 @@ private:
     QByteArrayView m_rtf;
     qsizetype m_at = 0;
     Converter m_codePage;
+    bool m_saysCodePage = false;
     std::vector<Group> m_groups;
     Group m_group;
     int m_bytesToSkip = 0;

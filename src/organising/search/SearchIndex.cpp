@@ -8,7 +8,6 @@
 #include "library/ItemPath.h"
 #include "organising/search/DocumentText.h"
 #include "organising/search/IndexDatabase.h"
-#include "organising/search/IndexTokens.h"
 #include "organising/search/OfficeText.h"
 
 #include <QElapsedTimer>
@@ -28,8 +27,10 @@ using Document = IndexDatabase::Document;
 
 constexpr size_t documentsOfLot = 100;
 constexpr size_t bytesOfLot = 8 << 20;
-/// FTS5 takes expressions of limited depth; the terms beyond are tested against the documents.
-constexpr size_t mostTermsOfExpression = 50;
+/// With so many candidates their texts are read sooner than all words that begin with one letter are gathered.
+constexpr size_t fewCandidates = 1000;
+/// The terms beyond are tested against the documents.
+constexpr size_t mostTermsLookedUp = 50;
 constexpr qint64 millisecondsOfTransaction = 1000;
 
 std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
@@ -113,7 +114,7 @@ private:
             const size_t end = std::min(m_at + documentsOfLot, m_documents.size());
             for (size_t bytes = 0; m_at < end && bytes < bytesOfLot; ++m_at) {
                 m_entries.push_back(entryOf(m_root, m_documents[m_at]));
-                bytes += m_entries.back().tokens.size();
+                bytes += m_entries.back().tokens.tokens.size();
             }
         });
     }
@@ -128,67 +129,6 @@ private:
 bool isBelow(const QString &path, const QString &scope)
 {
     return path.startsWith(scope) && path.size() > scope.size() && path[scope.size()] == u'/';
-}
-
-std::string quoted(const TokenPhrase &phrase)
-{
-    std::string text = "\"";
-    for (const char c : phrase.tokens) text += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return text + (phrase.prefix ? "\"*" : "\"");
-}
-
-std::string allOf(const TermLookUps &lookUps)
-{
-    std::string text;
-    for (const TokenPhrase &phrase : lookUps.phrases) text += (text.empty() ? "(" : " AND ") + quoted(phrase);
-    return text + ')';
-}
-
-/// A query in the index's language, as two that together find all hits; either may be "", which finds nothing.
-struct Expression
-{
-    std::string sure;   ///< finds hits alone
-    std::string unsure; ///< what it finds has to be tested against the documents
-};
-
-std::string joined(const std::vector<std::string> &parts, const char *operation)
-{
-    std::string text;
-    for (const std::string &part : parts)
-        if (!part.empty()) text += (text.empty() ? "(" : operation) + part;
-    return text.empty() ? text : text + ')';
-}
-
-Expression expressionOf(const FoldedText &term, SearchMode mode)
-{
-    std::vector<std::string> sure, unsure;
-    const auto add = [&](const TermLookUps &place) { (place.exact ? sure : unsure).push_back(allOf(place)); };
-    if (mode != SearchMode::Content) add(titleLookUps(term));
-    if (mode != SearchMode::Title) add(contentLookUps(term));
-    return {joined(sure, " OR "), joined(unsure, " OR ")};
-}
-
-Expression expressionOf(const SearchQuery &query)
-{
-    std::vector<Expression> terms;
-    for (size_t i = 0; i < std::min(query.terms.size(), mostTermsOfExpression); ++i)
-        terms.push_back(expressionOf(query.terms[i], query.mode));
-    std::vector<std::string> sure, either;
-    for (const Expression &term : terms) {
-        sure.push_back(term.sure);
-        either.push_back(joined({term.sure, term.unsure}, " OR "));
-    }
-    if (terms.size() < query.terms.size()) return {{}, joined(either, " AND ")};
-    // A hit that is not sure is unsure by one term at least.
-    std::vector<std::string> unsure;
-    for (size_t i = 0; i < terms.size(); ++i) {
-        if (terms[i].unsure.empty()) continue;
-        std::vector<std::string> all = either;
-        all[i] = terms[i].unsure;
-        unsure.push_back(joined(all, " AND "));
-    }
-    const bool canBeSure = std::ranges::none_of(sure, &std::string::empty);
-    return {canBeSure ? joined(sure, " AND ") : std::string(), joined(unsure, " OR ")};
 }
 
 bool documentMatches(const QString &path, const SearchQuery &query, const QByteArray &keptText)
@@ -324,27 +264,102 @@ std::optional<QStringList> SearchIndex::find(const SearchQuery &query, const QSt
     }
 }
 
+namespace {
+
+using Numbers = std::vector<qint64>; // of documents, ascending
+
+Numbers both(const Numbers &first, const Numbers &second)
+{
+    Numbers result;
+    std::ranges::set_intersection(first, second, std::back_inserter(result));
+    return result;
+}
+
+Numbers either(const Numbers &first, const Numbers &second)
+{
+    Numbers result;
+    std::ranges::set_union(first, second, std::back_inserter(result));
+    return result;
+}
+
+/// Documents in which a term is found for sure, and all in which it may be.
+struct Candidates
+{
+    Numbers sure;
+    Numbers all;
+
+    void add(const Numbers &found, bool exact)
+    {
+        if (exact) sure = either(sure, found);
+        all = either(all, found);
+    }
+    void narrow(const Candidates &other)
+    {
+        sure = both(sure, other.sure);
+        all = both(all, other.all);
+    }
+};
+
+enum class Ends { Whole, Shortened };
+
+Candidates candidatesOf(const FoldedText &term, SearchMode mode, IndexDatabase &index, Ends ends)
+{
+    Candidates found;
+    const auto add = [&](const TermLookUps &lookUps) { found.add(index.find(lookUps), lookUps.exact); };
+    if (mode != SearchMode::Content) add(titleLookUps(term));
+    if (mode == SearchMode::Title) return found;
+    const TermLookUps content = contentLookUps(term);
+    add(ends == Ends::Shortened ? withoutShortEnd(content).value_or(content) : content);
+    return found;
+}
+
+/// Looks the terms up one after the other: those that leave out their ends again, as they are, while many documents
+/// would have to be tested.
+Candidates candidatesOf(const SearchQuery &query, IndexDatabase &index, const std::function<bool()> &goesOn)
+{
+    const size_t count = std::min(query.terms.size(), mostTermsLookedUp);
+    const auto intersection = [&](const std::vector<Candidates> &terms) {
+        Candidates result = terms[0];
+        for (size_t i = 1; i < terms.size(); ++i) result.narrow(terms[i]);
+        if (count < query.terms.size()) result.sure.clear();
+        return result;
+    };
+    std::vector<Candidates> terms;
+    for (size_t i = 0; i < count && goesOn(); ++i)
+        terms.push_back(candidatesOf(query.terms[i], query.mode, index, Ends::Shortened));
+    if (terms.size() < count) return {};
+    Candidates found = intersection(terms);
+    for (size_t i = 0; i < count && found.all.size() - found.sure.size() > fewCandidates && goesOn(); ++i) {
+        if (query.mode == SearchMode::Title || !withoutShortEnd(contentLookUps(query.terms[i]))) continue;
+        terms[i] = candidatesOf(query.terms[i], query.mode, index, Ends::Whole);
+        found = intersection(terms);
+    }
+    return found;
+}
+
+} // namespace
+
 QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, const QString &scope,
                                 const Progress &progress)
 {
-    const Expression expression = expressionOf(query);
+    const auto goesOn = [&] { return !progress || progress(0, 1); };
+    const Candidates found = candidatesOf(query, index, goesOn);
+    Numbers unsure;
+    std::ranges::set_difference(found.all, found.sure, std::back_inserter(unsure));
+
     const QString folder = m_root + tm_normalizedPath(scope, m_root);
-    const auto pathsOf = [&](const std::vector<qint64> &documents) {
+    const auto pathsOf = [&](const Numbers &documents) {
         QStringList paths = index.pathsOf(documents, m_root);
         if (folder != m_root) paths.removeIf([&](const QString &path) { return !isBelow(path, folder); });
         return paths;
     };
-    const std::vector<qint64> sure = index.find(expression.sure);
-    const std::vector<qint64> found = index.find(expression.unsure);
-    std::vector<qint64> unsure;
-    std::ranges::set_difference(found, sure, std::back_inserter(unsure)); // FTS5 finds in the numbers' order
     QStringList tested = pathsOf(unsure);
     qsizetype done = 0;
     tested.removeIf([&](const QString &path) {
         if (progress && !progress(++done, tested.size())) return true;
         return !documentMatches(path, query, index.textOf(path.sliced(m_root.size())));
     });
-    return pathsOf(sure) + tested;
+    return pathsOf(found.sure) + tested;
 }
 
 QStringList searchByWalk(const QString &root, const SearchQuery &query, const QString &scope, const Progress &progress)

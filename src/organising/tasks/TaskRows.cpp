@@ -15,7 +15,12 @@
 #include "organising/tasks/TaskStore.h"
 #include "organising/tasks/Tasks.h"
 
+#include <algorithm>
+#include <atomic>
 #include <functional>
+#include <optional>
+#include <thread>
+#include <vector>
 
 namespace tomelet {
 
@@ -109,6 +114,41 @@ void chooseDueLookAhead(int index)
                          index > 0 ? QVariant(qlonglong(index)) : QVariant());
 }
 
+namespace {
+
+/// A tasklist as it was read.
+struct ReadTasklist
+{
+    QString book;
+    TaskStore store;
+    TasksOfBook tasks;
+};
+
+/// Reads a lot of tasklists on all processors; most of the time goes into taking the stores apart.
+std::vector<std::optional<ReadTasklist>> readTasklists(const QStringList &books)
+{
+    std::vector<std::optional<ReadTasklist>> lists(size_t(books.size()));
+    std::atomic_size_t next = 0;
+    const auto read = [&] {
+        for (size_t i = next++; i < lists.size(); i = next++) {
+            TaskStore store(books[qsizetype(i)]);
+            TasksOfBook tasks = store.tasks();
+            if (store.isReadable() && tasks.folderIsListed)
+                lists[i] = {books[qsizetype(i)], std::move(store), std::move(tasks)};
+        }
+    };
+    std::vector<std::thread> others;
+    const size_t threads = std::min<size_t>({lists.size(), std::thread::hardware_concurrency(), 4});
+    for (size_t i = 1; i < threads; ++i) others.emplace_back(read);
+    read();
+    for (std::thread &thread : others) thread.join();
+    return lists;
+}
+
+} // namespace
+
+constexpr qsizetype tasklistsOfLot = 64; // few, as one may be enough
+
 enum class DueCounters { Leave, PutRight };
 
 // Calls the taker for each due task, book by book, until it says false.
@@ -120,26 +160,24 @@ static DueCounts findDueTasks(const QString &root, DueCounters counters,
     const QDateTime horizon = dueHorizon();
     DueCounts all;
     StoreBatch corrected; // one by one, many stores would keep the person waiting for the disk
-    for (const QString &entry : knownTasklists()) {
-        const QString book = fullPathOf(entry, root);
-        TaskStore store(book);
-        const TasksOfBook tasks = store.tasks();
-        if (!store.isReadable() || !tasks.folderIsListed) continue;
-        qlonglong overdue = 0;
-        for (const LiveTask &task : tasks.live) {
-            const QDateTime due = dateField(task.record, taskField::dueDate);
-            if (isSettled(stateOf(task.record)) || !due.isValid()) continue;
-            if (due < now)
-                ++overdue;
-            else if (due >= horizon)
-                continue;
-            ++all.taken;
-            if (!taker(book, task)) return all;
+    QStringList books;
+    for (const QString &entry : knownTasklists()) books.append(fullPathOf(entry, root));
+    for (qsizetype from = 0; from < books.size(); from += tasklistsOfLot) {
+        for (std::optional<ReadTasklist> &list : readTasklists(books.mid(from, tasklistsOfLot))) {
+            if (!list) continue;
+            qlonglong overdue = 0;
+            for (const LiveTask &task : list->tasks.live) {
+                const QDateTime due = dateField(task.record, taskField::dueDate);
+                if (isSettled(stateOf(task.record)) || !due.isValid() || (due >= now && due >= horizon)) continue;
+                if (due < now) ++overdue;
+                ++all.taken;
+                if (!taker(list->book, task)) return all;
+            }
+            all.overdue += overdue;
+            if (counters == DueCounters::Leave || overdue == list->store.dueCount()) continue;
+            list->store.setDueCount(overdue);
+            list->store.save(corrected);
         }
-        all.overdue += overdue;
-        if (counters == DueCounters::Leave || overdue == store.dueCount()) continue;
-        store.setDueCount(overdue);
-        store.save(corrected);
     }
     return all;
 }
