@@ -73,12 +73,14 @@ bool TMLTDocumentViewController::isStyleChange(const QString &changedPath) const
 bool TMLTDocumentViewController::fileWasReplaced()
 {
     static constexpr qint64 tolerance = 500;
+    const auto stamp = fileStamp(m_path);
+    if (!stamp || stamp == m_stampOfPresentedDocument) return false;
     const QDateTime date = QFileInfo(m_path).lastModified();
-    if (!date.isValid() || date == m_modDateOfPresentedDocument) return false;
     if (m_md5OfFile.isEmpty()) return std::abs(m_modDateOfPresentedDocument.msecsTo(date)) > tolerance;
     const auto bytes = readFile(m_path);
     if (!bytes) return false;
     m_modDateOfPresentedDocument = date;
+    m_stampOfPresentedDocument = stamp;
     return md5OfBytes(*bytes) != m_md5OfFile;
 }
 

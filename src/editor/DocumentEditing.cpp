@@ -32,7 +32,11 @@ bool TMLTDocumentViewController::refusesEditing() const
 bool TMLTDocumentViewController::textShouldBeginEditing()
 {
     if (m_kind != DocumentViewKind::PlainText || refusesEditing()) return false;
-    if (m_md5hash.isEmpty()) m_md5hash = md5OfText(contentOfView().text, m_form);
+    if (!m_md5hash.isEmpty()) return true;
+    DocumentSave unsaved;
+    begin(unsaved);
+    unsaved.read();
+    m_md5hash = unsaved.md5OfText;
     return true;
 }
 
@@ -41,10 +45,12 @@ bool TMLTDocumentViewController::shouldBeginEditingInDOMRange(bool onClickable)
     if (m_kind != DocumentViewKind::Formatted || onClickable || refusesEditing()) return false;
     if (m_view.mainFrameURL() != m_formattedMainFrameURL || isCombinedMarkdown(m_path)) return false;
     if (!m_md5hash.isEmpty()) return true;
-    const Content content = contentOfView();
-    m_md5hash = md5OfText(content.text, m_form);
+    DocumentSave unsaved;
+    begin(unsaved);
+    unsaved.read();
+    m_md5hash = unsaved.md5OfText;
     if (!m_path.isEmpty())
-        m_titleIsFirstLineOfText = tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), content.visibleText);
+        m_titleIsFirstLineOfText = tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), unsaved.visibleText);
     return true;
 }
 

@@ -111,6 +111,7 @@ void TMLTDocumentViewController::clearState()
     m_referencedDocuments.clear();
     m_currentPlist.clear();
     m_modDateOfPresentedDocument = m_modDateOfPresentedPlist = {};
+    m_stampOfPresentedDocument.reset();
 }
 
 void TMLTDocumentViewController::showDocument()
@@ -211,6 +212,7 @@ void TMLTDocumentViewController::loadFormatted()
 void TMLTDocumentViewController::noteFile()
 {
     m_modDateOfPresentedDocument = QFileInfo(m_path).lastModified();
+    m_stampOfPresentedDocument = fileStamp(m_path);
     m_modDateOfPresentedPlist = QFileInfo(tm_plistPath(m_path)).lastModified();
 }
 

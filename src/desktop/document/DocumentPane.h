@@ -137,8 +137,7 @@ private:
     void restylePlainText() override;
     [[nodiscard]] QString innerHTML() const override;
     [[nodiscard]] QString innerText() const override;
-    /// The page as it was loaded, with the body that it has now: nothing that showing it added goes into the file.
-    [[nodiscard]] QString outerHTML() const override;
+    [[nodiscard]] QString pageSource() const override { return m_source; }
     [[nodiscard]] QString mainFrameURL() const override;
     [[nodiscard]] bool canGoBack() const override { return false; }
     void updateHTML() override;
