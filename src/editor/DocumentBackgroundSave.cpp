@@ -97,7 +97,9 @@ void TMLTDocumentViewController::completeSave(std::shared_ptr<BackgroundSave> sa
 {
     if (m_save != save) return;
     m_save.reset();
-    if (std::exchange(m_savesAgain, false) && (m_forcedSave || m_changes != save->changes)) saveAfter(100ms);
+    const bool again = std::exchange(m_savesAgain, false);
+    if (again && m_forcedSave) saveAfter(100ms);
+    else if (again && m_changes != save->changes) saveWhileTypingAfter(100ms);
     if (save->isUnchanged) return takeUnchanged(m_changes != save->changes);
     if (save->isForeign || m_path != save->path || fileStamp(m_path) != save->stamp) {
         m_isTyping = save->isTyping;

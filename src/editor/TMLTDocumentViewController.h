@@ -122,6 +122,7 @@ private:
     void takeUnchanged(bool isEdited);
     void cancelPendingSave();
     void saveAfter(std::chrono::milliseconds pause);
+    void saveWhileTypingAfter(std::chrono::milliseconds pause);
     void saveWhileTyping();
     [[nodiscard]] QString callArgument() const;
     [[nodiscard]] bool canBeSaved();
