@@ -70,9 +70,10 @@ bool TMLTDocumentViewController::leaveDocument()
     return true;
 }
 
-bool TMLTDocumentViewController::openDocument(const QString &path)
+bool TMLTDocumentViewController::openDocument(const QString &path, bool toggled)
 {
     if (!leaveDocument()) return false;
+    m_presentingToggledView = toggled;
     m_path = path;
     m_parentPath = path.isEmpty() ? QString() : tomelet::parentPath(path);
     showDocument();

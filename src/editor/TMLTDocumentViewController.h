@@ -53,7 +53,8 @@ public:
     // -- opening and closing
     /// Saves the present document and shows another; an empty path shows none. False: the present one could not be
     /// saved and stays, so that its text is not lost.
-    bool openDocument(const QString &path);
+    /// `toggled`: in the other of its two views.
+    bool openDocument(const QString &path, bool toggled = false);
     bool closeDocument() { return openDocument({}); }
     /// Loads the document anew into the view that fits.
     void showDocument();

@@ -37,7 +37,8 @@ public:
 
     /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
-    void showDocument(const QString &path, const QString &anchor = {});
+    /// `toggled`: in the other of its two views.
+    void showDocument(const QString &path, const QString &anchor = {}, bool toggled = false);
     /// Saves what is on display and shows nothing; false when it could not be saved and stays.
     bool closeDocument();
     /// What was typed goes into the file now.
@@ -176,6 +177,7 @@ private:
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue; ///< the copy of a text that could not be saved; "" for none
+    QString m_textPath;    ///< of the document whose text the text view holds
     QString m_livePath;    ///< of the document whose page the view holds
     QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
     bool m_isLoading = false;

@@ -160,8 +160,8 @@ qlonglong DocumentPane::readingOffset() const
 
 void DocumentPane::restoreOffset(qlonglong offset)
 {
-    if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
     if (m_keepsPlace) return;
+    if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
     m_wantedOffset = offset;
     // The last wish of a load counts.
     QTimer::singleShot(0, this, [this] {
