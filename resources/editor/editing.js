@@ -355,6 +355,7 @@ window.tm = (() => {
     told = []; // answers to one that stopped editing are lost
     if (document.designMode === 'on') return report();
     contents = keepsContents;
+    document.getElementById('tm_long_page')?.remove(); // what is not laid out has no text
     const saved = place();
     document.designMode = 'on';
     document.execCommand('defaultParagraphSeparator', false, 'p');
@@ -385,7 +386,7 @@ window.tm = (() => {
     told = [];
     return start();
   }
-  return {begin, start, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
+  return {begin, start, text: () => body.innerText, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};

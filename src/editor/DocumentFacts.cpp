@@ -26,25 +26,25 @@ QStringList without(const QStringList &list, const QStringList &others)
 
 } // namespace
 
-bool hasExtractableContexts(const QString &path)
+static bool hasExtractableContexts(const QString &path)
 {
     static const QStringList others{QStringLiteral("txt"), QStringLiteral("html"), QStringLiteral("fountain"),
                                     QStringLiteral("taskpaper")};
     return hasMarkdownExtension(path) || others.contains(lowerExtension(path));
 }
 
+bool readsContexts(const QString &path)
+{
+    return managesContextsAutomatically() && hasExtractableContexts(path);
+}
+
 QStringList contextsEmbeddedIn(const QString &path, const QString &text)
 {
-    if (!managesContextsAutomatically() || !hasExtractableContexts(path)) return {};
+    if (!readsContexts(path)) return {};
     const QStringList inText = tm_extractTagsFromString(text);
     if (inText.isEmpty()) return {};
     const QStringList verified = tm_verifiedTagList(path);
     return without(inText, without(inText, verified));
-}
-
-static bool readsContexts(const QString &path)
-{
-    return managesContextsAutomatically() && hasExtractableContexts(path);
 }
 
 static bool managesLinks()

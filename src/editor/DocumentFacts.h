@@ -27,8 +27,8 @@ struct FormsOfText
 
 /// Gives the item the contexts that came and takes away those that left; `embedded` becomes those of now.
 void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringList &embedded);
-/// Contexts are read from the texts of such documents.
-[[nodiscard]] bool hasExtractableContexts(const QString &path);
+/// Contexts are read from the text of the document: its kind and the settings want it.
+[[nodiscard]] bool readsContexts(const QString &path);
 
 /// Items that the document no longer refers to lose its backlink, new ones get one; `referenced` (normalised paths)
 /// becomes what it refers to now. Nothing while links are not managed.

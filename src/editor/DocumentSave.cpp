@@ -33,15 +33,20 @@ QString DocumentSave::finalForm() const
     return isPage && !text.contains(u"<head>") ? tm_createFormattedDocWithBody(path, text) : text;
 }
 
+// For contexts, which are none in code.
+QString DocumentSave::plainText() const
+{
+    static const QString code = QStringLiteral("(?s)<code>.*?</code>");
+    return kind == DocumentViewKind::Formatted ? tm_htmlToPlainQuick(regexSweep(text, code, {})) : text;
+}
+
 void DocumentSave::make()
 {
     const QString stored = finalForm();
     bytes = bytesOfText(stored, form);
     md5OfText = tomelet::md5OfText(text, form); // in the encoding that it was written in
     md5OfBytes = tomelet::md5OfBytes(bytes);
-    static const QString code = QStringLiteral("(?s)<code>.*?</code>");
-    const bool isPage = kind == DocumentViewKind::Formatted;
-    facts = factsOfText(path, {isPage ? tm_htmlToPlainQuick(regexSweep(text, code, {})) : text, stored, text});
+    facts = factsOfText(path, {readsContexts(path) ? plainText() : QString(), stored, text});
 }
 
 void DocumentSave::writeSidecarForWebview() const

@@ -39,6 +39,7 @@ struct DocumentSave
     void make();
     /// The text as the file holds it.
     [[nodiscard]] QString finalForm() const;
+    [[nodiscard]] QString plainText() const;
     /// The visible text of a page into the cache, where search finds it; nothing for texts.
     void writeSidecarForWebview() const;
 };

@@ -39,6 +39,8 @@ public:
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
     /// `toggled`: in the other of its two views.
     void showDocument(const QString &path, const QString &anchor = {}, bool toggled = false);
+    /// To a part of the page on display, as above.
+    void scrollToAnchor(const QString &anchor);
     /// Saves what is on display and shows nothing; false when it could not be saved and stays.
     bool closeDocument();
     /// What was typed goes into the file now.
@@ -95,7 +97,6 @@ private:
     void warmUp();
     void layOutMore();
     void runWhenLoaded(const QString &script);
-    void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url, bool inNewTab = false);
     void unlock();
     void toggleBox(const PageBox &box);

@@ -95,6 +95,16 @@ void TMLTWebView::start(const QString &script)
     });
 }
 
+void TMLTWebView::readText()
+{
+    page()->runJavaScript(QStringLiteral("window.tm?.text()"), editorWorld,
+                          [self = QPointer(this), number = m_page](const QVariant &text) {
+                              if (!self || self->m_page != number || !self->m_ready || !self->m_parts.isEmpty()) return;
+                              self->m_text = text.toString();
+                              Q_EMIT self->ready();
+                          });
+}
+
 void TMLTWebView::beginEditing(bool keepsContentsTable)
 {
     m_beginsWhenReady = !m_ready;

@@ -42,6 +42,8 @@ public:
     /// there.
     void beginEditing(bool keepsContentsTable);
     void endEditing();
+    /// What is not laid out has no text: to be called when all of a long page is.
+    void readText();
     [[nodiscard]] bool isEditing() const { return m_editing; }
     /// The page told what it holds, so that editing can begin.
     [[nodiscard]] bool isReady() const { return m_ready; }
@@ -69,6 +71,7 @@ Q_SIGNALS:
     void editingWanted(bool onLink);
     /// A key for a page that could not become editable.
     void typedInVain();
+    /// The page told what it holds; once more for a long page when all of it has a text.
     void ready();
     /// The page holds something else than before.
     void edited();
