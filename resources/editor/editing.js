@@ -7,11 +7,10 @@ window.tm = (() => {
   const selection = window.getSelection();
   const boxes = window.tmBoxes.selector;
   const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
-  const smallPage = 100 * 1024; // characters; what such a page holds is told with each change
   const {place, goTo} = window.tmHistory;
   let contents = false;
   let untold = false; // a change that was not told yet
-  let weight = 0;     // characters of the page
+  let told = [];      // what history.js keeps of each part of the page, as it was when it was told
   function caretIn(node) { selection.collapse(node, 0); }
 
   // -- steps
@@ -302,37 +301,26 @@ window.tm = (() => {
     }
     return source.outerHTML.replaceAll('\r', '&#13;');
   }
-  // As the engine gives the text of a whole page, but part by part: an empty line between paragraphs, one line end
-  // between other blocks.
-  function textOf(parts) {
-    let text = '';
-    let wanted = 0;
-    for (const {live, text: own} of parts) {
-      const breaks = !live.matches?.(blocks) ? 0 : live.tagName === 'P' ? 2 : 1;
-      if (!own.trim() && (text === '' || wanted || breaks)) continue;
-      if (text) text += '\n'.repeat(Math.max(wanted, breaks));
-      text += own;
-      wanted = breaks;
-    }
-    return text;
-  }
-  // What did not change since it was asked for the last time is not read again.
-  function content() {
+  // What was not told yet: the parts that stand where `removed` told ones stood, `known` being all that were told.
+  const breaksOf = node => !node.matches?.(blocks) ? 0 : node.tagName === 'P' ? 2 : 1;
+  const textOf = node => node.innerText ?? (node.nodeType === Node.TEXT_NODE ? node.data : '');
+  function news() {
     const parts = window.tmHistory.parts();
-    for (const part of parts)
-      if (part.html === undefined)
-        Object.assign(part, {html: markupOf(part.live), text: part.live.innerText ?? (part.live.nodeType === Node.TEXT_NODE ? part.live.data : '')});
-    return {html: parts.map(part => part.html).join(''), text: textOf(parts)};
+    let [from, end, toldEnd] = [0, parts.length, told.length];
+    while (from < end && parts[from] === told[from]) ++from;
+    while (end > from && toldEnd > from && parts[end - 1] === told[toldEnd - 1]) { --end; --toldEnd; }
+    const added = parts.slice(from, end).map(({live}) => [markupOf(live), textOf(live), breaksOf(live)]);
+    const answer = {known: told.length, from, removed: toldEnd - from, added};
+    told = parts;
+    return answer;
   }
-  // What the page holds is told when it changed: at once for a small page, else when all is asked for.
-  function report(afterReturn, all) {
+  function report(afterReturn) {
     if (afterReturn) newItem();
     if (document.designMode === 'on') note('typing');
-    const tells = untold && (all || weight <= smallPage);
-    const {html, text} = tells ? content() : {html: '', text: ''};
-    if (tells) [untold, weight] = [false, html.length];
+    const changes = untold ? news() : null;
+    untold = false;
     return {
-      changed: tells, pending: untold, html, text,
+      changes,
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
       list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
@@ -364,8 +352,10 @@ window.tm = (() => {
   // An empty page gets the paragraph that typing goes to.
   if (!body.firstElementChild && !body.textContent.trim()) body.innerHTML = '<p><br></p>';
   function begin(keepsContents) {
+    told = []; // answers to one that stopped editing are lost
     if (document.designMode === 'on') return report();
     contents = keepsContents;
+    document.getElementById('tm_long_page')?.remove(); // what is not laid out has no text
     const saved = place();
     document.designMode = 'on';
     document.execCommand('defaultParagraphSeparator', false, 'p');
@@ -382,9 +372,7 @@ window.tm = (() => {
     if (language) document.documentElement.lang = language;
   }
   function start() {
-    const html = [...body.childNodes].map(markupOf).join('');
-    weight = html.length;
-    return {html, text: body.innerText};
+    return {html: [...body.childNodes].map(markupOf).join(''), text: body.innerText};
   }
   // The document as another view of it left it; the caret stays where it is.
   function take(page) {
@@ -395,9 +383,10 @@ window.tm = (() => {
     goTo(saved);
     window.tmHistory.begin();
     untold = false;
+    told = [];
     return start();
   }
-  return {begin, start, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
+  return {begin, start, text: () => body.innerText, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};

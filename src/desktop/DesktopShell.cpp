@@ -176,7 +176,7 @@ void DesktopShell::openItemsInNewWindow(const QList<WindowEntry> &entries)
     }
 }
 
-// The one document of a window without tabs is kept by itself.
+// The one document of a window without tabs is kept by itself, unless its view is to be told.
 SessionState DesktopShell::sessionState()
 {
     SessionState state;
@@ -184,7 +184,8 @@ SessionState DesktopShell::sessionState()
     state.mainWindowShowsNotebook = m_window.showsNotebook();
     state.mainDocument = m_window.documentOnDisplay();
     m_window.saveLayout();
-    if (const QList<WindowEntry> tabs = m_window.desk().entries(QStringLiteral("0")); tabs.size() > 1)
+    if (const QList<WindowEntry> tabs = m_window.desk().entries(QStringLiteral("0"));
+        tabs.size() > 1 || (tabs.size() == 1 && tabs.first().toggled))
         state.windows = tabs;
     int group = 0;
     for (const QPointer<DocumentWindow> &window : m_extraWindows)

@@ -313,7 +313,9 @@ void MainWindow::showItem(const QString &path)
         m_list->selectOnly(index);
         m_list->scrollTo(index);
     }
-    document()->showDocument(full, anchor);
+    // Selecting it in the list may have shown it.
+    if (document()->path() != full) document()->showDocument(full, anchor);
+    else if (!anchor.isEmpty()) document()->scrollToAnchor(anchor);
     tm_addToRecentItems(full);
 }
 

@@ -73,9 +73,9 @@ bool TMLTDocumentViewController::isStyleChange(const QString &changedPath) const
 bool TMLTDocumentViewController::fileWasReplaced()
 {
     static constexpr qint64 tolerance = 500;
+    const auto stamp = fileStamp(m_path);
+    if (!stamp || stamp == m_stampOfPresentedDocument) return false;
     const QDateTime date = QFileInfo(m_path).lastModified();
-    const auto stamp = fileStamp(m_path); // two saves of one moment have the same date
-    if (!date.isValid() || stamp == m_stampOfPresentedDocument) return false;
     if (m_md5OfFile.isEmpty()) return std::abs(m_modDateOfPresentedDocument.msecsTo(date)) > tolerance;
     const auto bytes = readFile(m_path);
     if (!bytes) return false;

@@ -26,25 +26,25 @@ QStringList without(const QStringList &list, const QStringList &others)
 
 } // namespace
 
-bool hasExtractableContexts(const QString &path)
+static bool hasExtractableContexts(const QString &path)
 {
     static const QStringList others{QStringLiteral("txt"), QStringLiteral("html"), QStringLiteral("fountain"),
                                     QStringLiteral("taskpaper")};
     return hasMarkdownExtension(path) || others.contains(lowerExtension(path));
 }
 
+bool readsContexts(const QString &path)
+{
+    return managesContextsAutomatically() && hasExtractableContexts(path);
+}
+
 QStringList contextsEmbeddedIn(const QString &path, const QString &text)
 {
-    if (!managesContextsAutomatically() || !hasExtractableContexts(path)) return {};
+    if (!readsContexts(path)) return {};
     const QStringList inText = tm_extractTagsFromString(text);
     if (inText.isEmpty()) return {};
     const QStringList verified = tm_verifiedTagList(path);
     return without(inText, without(inText, verified));
-}
-
-static bool readsContexts(const QString &path)
-{
-    return managesContextsAutomatically() && hasExtractableContexts(path);
 }
 
 static bool managesLinks()
@@ -52,18 +52,13 @@ static bool managesLinks()
     return settings().boolean(QStringLiteral("manageLinks"));
 }
 
-TextFacts factsOfText(const QString &path, const QString &text)
+TextFacts factsOfText(const QString &path, const FormsOfText &text)
 {
     TextFacts facts;
-    if (readsContexts(path)) facts.contexts = tm_extractTagsFromString(text);
-    if (managesLinks()) facts.references = verifiedReferencesInText(text, path);
-    facts.pictures = tm_setOfEmbeddedPhotos(text);
+    if (readsContexts(path)) facts.contexts = tm_extractTagsFromString(text.plain);
+    if (managesLinks()) facts.references = verifiedReferencesInText(text.stored, path);
+    facts.pictures = tm_setOfEmbeddedPhotos(text.own);
     return facts;
-}
-
-void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded)
-{
-    if (readsContexts(path)) takeEmbeddedContexts(path, tm_extractTagsFromString(text), embedded);
 }
 
 void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringList &embedded)
@@ -73,11 +68,6 @@ void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringLi
     const QStringList came = without(now, embedded);
     if (!left.isEmpty() || !came.isEmpty()) tm_updateContextsRemoving(path, left, came);
     embedded = now;
-}
-
-void updateBacklinks(const QString &path, QStringList &referenced)
-{
-    if (managesLinks()) takeReferences(path, tm_verifiedArrayOfReferencedDocuments(path), referenced);
 }
 
 void takeReferences(const QString &path, const QStringList &now, QStringList &referenced)

@@ -17,19 +17,21 @@ struct TextFacts
     QStringList references; ///< of existing items, normalised; empty while links are not managed
     QStringList pictures;
 };
-[[nodiscard]] TextFacts factsOfText(const QString &path, const QString &text);
+struct FormsOfText
+{
+    QString plain;  ///< without markup; read for contexts
+    QString stored; ///< what the file holds; read for references
+    QString own;    ///< without what surrounds it in the file; read for pictures
+};
+[[nodiscard]] TextFacts factsOfText(const QString &path, const FormsOfText &text);
 
-/// Gives the item the contexts that came and takes away those that left; `embedded` becomes those of the text.
-void updateEmbeddedContexts(const QString &path, const QString &text, QStringList &embedded);
-/// The same with the contexts of the text.
+/// Gives the item the contexts that came and takes away those that left; `embedded` becomes those of now.
 void takeEmbeddedContexts(const QString &path, const QStringList &now, QStringList &embedded);
-/// Contexts are read from the texts of such documents.
-[[nodiscard]] bool hasExtractableContexts(const QString &path);
+/// Contexts are read from the text of the document: its kind and the settings want it.
+[[nodiscard]] bool readsContexts(const QString &path);
 
 /// Items that the document no longer refers to lose its backlink, new ones get one; `referenced` (normalised paths)
 /// becomes what it refers to now. Nothing while links are not managed.
-void updateBacklinks(const QString &path, QStringList &referenced);
-/// The same with what it refers to now.
 void takeReferences(const QString &path, const QStringList &now, QStringList &referenced);
 
 /// Tells that the document is at a new path, or was written anew at its own; nobody needs to load it again.

@@ -70,9 +70,10 @@ bool TMLTDocumentViewController::leaveDocument()
     return true;
 }
 
-bool TMLTDocumentViewController::openDocument(const QString &path)
+bool TMLTDocumentViewController::openDocument(const QString &path, bool toggled)
 {
     if (!leaveDocument()) return false;
+    m_presentingToggledView = toggled;
     m_path = path;
     m_parentPath = path.isEmpty() ? QString() : tomelet::parentPath(path);
     showDocument();
@@ -199,7 +200,8 @@ void TMLTDocumentViewController::loadFormatted()
         const DecodedText decoded = decodeText(bytes.value_or(QByteArray()));
         m_form = {decoded.encoding, decoded.byteOrderMark};
         m_md5OfFile = bytes ? md5OfBytes(*bytes) : QString();
-        m_embeddedContexts = contextsEmbeddedIn(m_path, tm_htmlToPlainQuick(tm_getInnerHTML(decoded.text)));
+        if (readsContexts(m_path))
+            m_embeddedContexts = contextsEmbeddedIn(m_path, tm_htmlToPlainQuick(tm_getInnerHTML(decoded.text)));
         if (!page.isForeign) checkEmbeddedImagesInText(m_path, page.html);
     } else if (const auto source = showsMarkdown() ? readFile(m_path) : std::nullopt) {
         m_md5OfFile = md5OfBytes(*source);

@@ -2,13 +2,8 @@
 // The document controller: from the text on the screen to the file.
 #include "editor/TMLTDocumentViewController.h"
 
-#include "conversion/MarkdownToHtml.h"
-#include "conversion/PageReferences.h"
-#include "conversion/Patterns.h"
-#include "conversion/TextUtilities.h"
 #include "editor/DocumentFacts.h"
 #include "editor/DocumentViewChoice.h"
-#include "editor/LineEnds.h"
 #include "editor/NewDocument.h"
 #include "foundation/FileOperations.h"
 #include "foundation/Folder.h"
@@ -40,6 +35,13 @@ void TMLTDocumentViewController::cancelPendingSave()
 
 // -- what is to be saved ----------------------------------------------------------------------------------------------
 
+bool TMLTDocumentViewController::navigatedAway() const
+{
+    if (m_kind != DocumentViewKind::Formatted || m_path.isEmpty()) return false;
+    const QString address = m_view.mainFrameURL();
+    return address != m_formattedMainFrameURL && address != m_path;
+}
+
 bool TMLTDocumentViewController::canBeSaved()
 {
     if (m_kind == DocumentViewKind::PlainText && m_isEditable) return true;
@@ -48,46 +50,25 @@ bool TMLTDocumentViewController::canBeSaved()
                                                       : QStringLiteral("non editable generic doc"));
         return false;
     }
-    const QString address = m_view.mainFrameURL();
-    if (m_path.isEmpty() || address == m_formattedMainFrameURL || address == m_path) return true;
+    if (!navigatedAway()) return true;
     logLine(QStringLiteral("formatted document navigated away, don't save"));
     m_view.hideFormattingBar();
     m_isEdited = false; // what was typed went with the page
     return false;
 }
 
-TMLTDocumentViewController::Content TMLTDocumentViewController::contentOfView() const
+void TMLTDocumentViewController::begin(DocumentSave &save) const
 {
-    if (m_kind == DocumentViewKind::PlainText) {
-        const QString text = editableText();
-        return {text, text};
-    }
-    const QString folder = m_path.isEmpty() ? m_parentPath : tomelet::parentPath(m_path);
-    return {tm_makeTMLinksRelativeTo(cleanedBody(m_view.innerHTML()), folder), m_view.innerText()};
-}
-
-QString TMLTDocumentViewController::editableText() const
-{
-    return withLineEndsOf(m_shownText, m_view.text());
-}
-
-QString TMLTDocumentViewController::finalForm(const Content &content) const
-{
-    if (m_kind == DocumentViewKind::Formatted)
-        return m_isForeignPage ? m_view.outerHTML()
-                               : tm_createFormattedDocWithBody(m_path.isEmpty() ? m_parentPath : m_path, content.text);
-    if (isCombinedMarkdown(m_path)) return combinedForm(content.text);
-    const bool isPage = lowerExtension(m_path).startsWith(u"htm");
-    if (isPage && !content.text.contains(u"<head>")) return tm_createFormattedDocWithBody(m_path, content.text);
-    return content.text;
-}
-
-void TMLTDocumentViewController::writeSidecarForWebview() const
-{
-    if (m_path.isEmpty() || m_kind != DocumentViewKind::Formatted) return;
-    const QString sidecar = tm_sideCarPathCreatingParentIfNeeded(m_path);
-    if (sidecar.isEmpty()) return;
-    if (const WriteResult written = writeFile(sidecar, m_view.innerText().toUtf8()); !written) logLine(written.message);
+    const bool isPage = m_kind == DocumentViewKind::Formatted;
+    save.path = m_path;
+    save.book = m_parentPath;
+    save.kind = m_kind;
+    save.isForeignPage = m_isForeignPage;
+    save.held = isPage ? m_view.innerHTML() : m_view.text();
+    save.loaded = isPage ? m_view.pageSource() : m_shownText;
+    if (isPage) save.visibleText = m_view.innerText();
+    save.form = m_form;
+    save.md5hash = m_md5hash;
 }
 
 // -- the save ---------------------------------------------------------------------------------------------------------
@@ -101,27 +82,35 @@ void TMLTDocumentViewController::writeTextToFile()
         return logLine(QStringLiteral("no hash, not saving document"));
     }
     if (!canBeSaved()) return;
-    const Content content = contentOfView();
-    if (m_path.isEmpty() && content.visibleText.trimmed().isEmpty()) {
+    DocumentSave save;
+    begin(save);
+    save.read();
+    if (m_path.isEmpty() && save.visibleText.trimmed().isEmpty()) {
         m_isEdited = false;
         return;
     }
-    if (md5OfText(content.text, m_form) == m_md5hash && !m_forcedSave) return takeUnchanged(false);
+    if (save.isUnchanged && !m_forcedSave) return takeUnchanged(false);
     if (m_forcedSave) logLine(QStringLiteral("## enforced saving %1").arg(m_path));
-    if (m_path.isEmpty()) return saveAsNewDocument(content);
+    if (m_path.isEmpty()) return saveAsNewDocument(save);
     if (isReadOnlyDocument(m_path))
         return tellFailure(localized(TOMELET_TEXT("%1 is write-protected.")).arg(lastPathComponent(m_path)));
-    writeSidecarForWebview();
+    save.writeSidecarForWebview();
     const QString previousPath = m_path;
-    if (!m_isTyping && followTitle(content)) return;
-    if (writeContent(content)) finishSave(content, previousPath);
+    if (!m_isTyping && followTitle(save)) return;
+    if (writeContent(save)) finishSave(save, previousPath);
 }
 
-void TMLTDocumentViewController::takeUnchanged(bool isEdited)
+// `isEdited`: something was typed since.
+void TMLTDocumentViewController::takeSaved(bool isEdited)
 {
     m_isEdited = isEdited;
     m_view.setEdited(isEdited);
     if (!isEdited) m_failure.clear();
+}
+
+void TMLTDocumentViewController::takeUnchanged(bool isEdited)
+{
+    takeSaved(isEdited);
     logLine(QStringLiteral("text unchanged"));
 }
 
@@ -136,8 +125,10 @@ void TMLTDocumentViewController::tellFailure(const QString &message)
 
 WriteResult TMLTDocumentViewController::saveCopy(const QString &path) const
 {
-    TextForm form = m_form;
-    return writeFile(path, bytesOfText(finalForm(contentOfView()), form));
+    DocumentSave save;
+    begin(save);
+    save.read();
+    return writeFile(path, bytesOfText(save.finalForm(), save.form));
 }
 
 void TMLTDocumentViewController::discardChanges()
@@ -169,17 +160,17 @@ bool TMLTDocumentViewController::setForeignVersionAside()
     return true;
 }
 
-bool TMLTDocumentViewController::writeContent(const Content &content)
+bool TMLTDocumentViewController::writeContent(DocumentSave &save)
 {
-    TextForm form = m_form;
-    const QByteArray bytes = bytesOfText(finalForm(content), form);
+    save.path = m_path; // which may be new
+    save.make();
     if (!setForeignVersionAside()) return false;
-    if (const WriteResult written = writeFile(m_path, bytes); !written) {
+    if (const WriteResult written = writeFile(m_path, save.bytes); !written) {
         tellFailure(written.message);
         return false;
     }
-    m_form = form;
-    m_md5OfFile = md5OfBytes(bytes);
+    takeSaved(false);
+    m_forcedSave = false;
     return true;
 }
 
@@ -189,21 +180,19 @@ void TMLTDocumentViewController::announceSave(const QString &previousPath)
     else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
 }
 
-void TMLTDocumentViewController::finishSave(const Content &content, const QString &previousPath)
+// The file holds what was to be saved.
+void TMLTDocumentViewController::finishSave(const DocumentSave &save, const QString &previousPath)
 {
     noteFile();
-    m_isEdited = m_forcedSave = false;
+    m_form = save.form;
+    m_md5hash = save.md5OfText;
+    m_md5OfFile = save.md5OfBytes;
     m_failure.clear();
-    m_view.setEdited(false);
-    m_md5hash = md5OfText(content.text, m_form);
-    if (m_kind == DocumentViewKind::PlainText) m_shownText = content.text;
-    updateBacklinks(m_path, m_referencedDocuments);
+    if (m_kind == DocumentViewKind::PlainText) m_shownText = save.text;
+    takeReferences(m_path, save.facts.references, m_referencedDocuments);
     announceSave(previousPath);
-    const bool isPage = m_kind == DocumentViewKind::Formatted;
-    static const QString code = QStringLiteral("(?s)<code>.*?</code>");
-    updateEmbeddedContexts(m_path, isPage ? tm_htmlToPlainQuick(regexSweep(content.text, code, {})) : content.text,
-                           m_embeddedContexts);
-    checkEmbeddedImagesInText(m_path, content.text);
+    takeEmbeddedContexts(m_path, save.facts.contexts, m_embeddedContexts);
+    takePictures(m_path, save.facts.pictures);
     m_modDateOfPresentedPlist = QFileInfo(tm_plistPath(m_path)).lastModified();
 }
 
@@ -218,29 +207,33 @@ QString TMLTDocumentViewController::extensionForCreation() const
     return chosen.isEmpty() || chosen == u"md" ? QStringLiteral("md") : QStringLiteral("txt");
 }
 
-void TMLTDocumentViewController::saveAsNewDocument(const Content &content)
+void TMLTDocumentViewController::saveAsNewDocument(DocumentSave &save)
 {
-    const QString path = saveNewDocument({m_parentPath, extensionForCreation(), {}, content.text});
+    const QString path = saveNewDocument({m_parentPath, extensionForCreation(), {}, save.text});
     if (path.isEmpty())
         return tellFailure(localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(m_parentPath));
     m_path = path;
     m_isNew = false;
-    m_form = {};
-    m_md5OfFile = md5OfBytes(readFile(path).value_or(QByteArray()));
     m_titleIsFirstLineOfText = true;
     // From now on the extension tells the view: the document stays in the one in which it was begun.
     const ViewChoice choice = viewForDocument(path, false);
     m_canToggle = choice.canToggle;
     m_presentingToggledView = choice.kind != m_kind;
     m_currentPlist = relevantInheritedProperties();
-    m_embeddedContexts = contextsEmbeddedIn(path, content.visibleText);
+    m_embeddedContexts = contextsEmbeddedIn(path, save.visibleText);
     m_view.addToBackList(path);
     const bool autosaves = !settings().boolean(QStringLiteral("noAutosaveText"));
     if (m_view.isMainWindow() && autosaves)
         notifications().postPath(QStringLiteral("TMLTNewFileCreatedNotification"), path);
     notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), path);
     if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(path, context);
-    finishSave(content, path);
+    save.path = path;
+    save.form = {};
+    save.make();
+    save.md5OfBytes = md5OfBytes(readFile(path).value_or(QByteArray()));
+    takeSaved(false);
+    m_forcedSave = false;
+    finishSave(save, path);
 }
 
 } // namespace tomelet

@@ -26,11 +26,11 @@ bool nameFitsTitle(const QString &path, const QString &text)
 }
 
 // True when the save ends here: the document was renamed and written, or emptied and deleted, or must wait.
-bool TMLTDocumentViewController::followTitle(const Content &content)
+bool TMLTDocumentViewController::followTitle(DocumentSave &save)
 {
-    if (!m_titleIsFirstLineOfText || nameFitsTitle(m_path, content.visibleText)) return false;
+    if (!m_titleIsFirstLineOfText || nameFitsTitle(m_path, save.visibleText)) return false;
     if (!setForeignVersionAside()) return true;
-    const QString title = tm_firstLineOfText(content.visibleText);
+    const QString title = tm_firstLineOfText(save.visibleText);
     if (title.isEmpty()) {
         deleteEmptiedDocument();
         return true;
@@ -40,7 +40,7 @@ bool TMLTDocumentViewController::followTitle(const Content &content)
     m_md5OfFile.clear(); // the move may have rewritten the document's own links
     tm_addToRecentItems(m_path);
     m_view.addToBackList(m_path);
-    if (writeContent(content)) finishSave(content, previousPath);
+    if (writeContent(save)) finishSave(save, previousPath);
     else postSilentMove(previousPath, m_path);
     return true;
 }

@@ -41,7 +41,8 @@ public:
     // -- the formatted view
     [[nodiscard]] virtual QString innerHTML() const = 0;
     [[nodiscard]] virtual QString innerText() const = 0;
-    [[nodiscard]] virtual QString outerHTML() const = 0;
+    /// The page as it was shown; nothing that showing it added is in it.
+    [[nodiscard]] virtual QString pageSource() const = 0;
     /// Where the page is now; another address than the one loaded means that a link was followed.
     [[nodiscard]] virtual QString mainFrameURL() const = 0;
     [[nodiscard]] virtual bool canGoBack() const = 0;

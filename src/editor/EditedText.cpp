@@ -83,6 +83,19 @@ Replacement EditedText::change() const
             m_text.mid(m_untouchedInFront, m_text.size() - m_untouchedInFront - behind)};
 }
 
+Replacement smallestReplacement(QStringView from, QStringView to)
+{
+    if (from == to) return {};
+    qsizetype front = std::mismatch(from.begin(), from.end(), to.begin(), to.end()).first - from.begin();
+    if (front > 0 && from[front - 1].isHighSurrogate()) --front;
+    const QStringView fromRest = from.sliced(front);
+    const QStringView toRest = to.sliced(front);
+    qsizetype behind =
+        std::mismatch(fromRest.rbegin(), fromRest.rend(), toRest.rbegin(), toRest.rend()).first - fromRest.rbegin();
+    if (behind > 0 && fromRest[fromRest.size() - behind].isLowSurrogate()) --behind;
+    return {{front, fromRest.size() - behind}, toRest.chopped(behind).toString()};
+}
+
 bool isLineEnd(QChar unit)
 {
     return unit == u'\n' || unit == u'\r' || unit == QChar::ParagraphSeparator;

@@ -18,6 +18,10 @@ struct Replacement
     friend bool operator==(const Replacement &, const Replacement &) = default;
 };
 
+/// What makes one text of another, without what both have in front and behind; not found for equal texts. No half of a
+/// surrogate pair stands at its edges.
+[[nodiscard]] Replacement smallestReplacement(QStringView from, QStringView to);
+
 class EditedText
 {
 public:

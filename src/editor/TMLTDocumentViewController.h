@@ -6,7 +6,7 @@
 // anything. Nothing that another program wrote is written over: its version is set beside the document first.
 #pragma once
 
-#include "editor/DocumentForms.h"
+#include "editor/DocumentSave.h"
 #include "editor/DocumentView.h"
 #include "foundation/NotificationCenter.h"
 #include "foundation/SafeWriter.h"
@@ -53,7 +53,8 @@ public:
     // -- opening and closing
     /// Saves the present document and shows another; an empty path shows none. False: the present one could not be
     /// saved and stays, so that its text is not lost.
-    bool openDocument(const QString &path);
+    /// `toggled`: in the other of its two views.
+    bool openDocument(const QString &path, bool toggled = false);
     bool closeDocument() { return openDocument({}); }
     /// Loads the document anew into the view that fits.
     void showDocument();
@@ -90,8 +91,6 @@ public:
     void forceSave() { m_forcedSave = true; }
     /// Names the file after its first line; false when that name is taken or the file could not be moved.
     bool tm_renameToFirstLineOfText();
-    /// The visible text of a page into the cache, where search finds it.
-    void writeSidecarForWebview() const;
 
     // -- changes from outside; observed by the controller itself
     void checkIfDocumentNeedsReload(const QString &changedPath);
@@ -103,13 +102,6 @@ public:
     [[nodiscard]] bool relevantInheritedPropertyDidChange() const;
 
 private:
-    /// What is to be saved: the plain text, or the body of a page with its visible text.
-    struct Content
-    {
-        QString text;
-        QString visibleText;
-    };
-
     void observe();
     [[nodiscard]] bool leaveDocument();
     void clearState();
@@ -122,29 +114,29 @@ private:
     void showReadText(const QByteArray &bytes);
     void lookUpParagraph(const QString &paragraph);
     [[nodiscard]] bool refusesEditing() const;
-    [[nodiscard]] QString editableText() const;
 
     struct BackgroundSave;
     [[nodiscard]] bool canSaveInBackground() const;
     void startSave();
     void completeSave(std::shared_ptr<BackgroundSave> save);
-    void commitSave(BackgroundSave &save);
+    void takeSaved(bool isEdited);
     void takeUnchanged(bool isEdited);
     void cancelPendingSave();
     void saveAfter(std::chrono::milliseconds pause);
+    void saveWhileTypingAfter(std::chrono::milliseconds pause);
     void saveWhileTyping();
     [[nodiscard]] QString callArgument() const;
     [[nodiscard]] bool canBeSaved();
-    [[nodiscard]] Content contentOfView() const;
-    [[nodiscard]] QString finalForm(const Content &content) const;
-    void saveAsNewDocument(const Content &content);
+    [[nodiscard]] bool navigatedAway() const;
+    void begin(DocumentSave &save) const;
+    void saveAsNewDocument(DocumentSave &save);
     [[nodiscard]] QString extensionForCreation() const;
-    bool followTitle(const Content &content);
+    bool followTitle(DocumentSave &save);
     void deleteEmptiedDocument();
     [[nodiscard]] bool moveToTitle(const QString &title);
     [[nodiscard]] bool setForeignVersionAside();
-    bool writeContent(const Content &content);
-    void finishSave(const Content &content, const QString &previousPath);
+    bool writeContent(DocumentSave &save);
+    void finishSave(const DocumentSave &save, const QString &previousPath);
     void announceSave(const QString &previousPath);
     void tellFailure(const QString &message);
 
@@ -169,7 +161,7 @@ private:
     QString m_md5hash;
     QString m_md5OfFile; ///< of the bytes as read or last written; "" when there is no file
     QDateTime m_modDateOfPresentedDocument;
-    std::optional<FileStamp> m_stampOfPresentedDocument;
+    std::optional<FileStamp> m_stampOfPresentedDocument; ///< tells saves apart that share a date
     QDateTime m_modDateOfPresentedPlist;
     bool m_titleIsFirstLineOfText = false;
     bool m_isEditable = false; ///< the text came out of the file whole, so that it can go back

@@ -44,12 +44,10 @@ void saveExpandedPaths(const QStringList &paths)
 
 static WindowEntry entryFrom(const QVariantMap &map)
 {
-    return {map.value(QStringLiteral("path")).toString(),
-            map.value(QStringLiteral("tab")).toString(),
-            map.value(QStringLiteral("selected")).toString() == u"1",
-            map.value(QStringLiteral("frame")).toString(),
-            map.value(QStringLiteral("minimized")).toString(),
-            map.value(QStringLiteral("side")).toString()};
+    return {map.value(QStringLiteral("path")).toString(), map.value(QStringLiteral("tab")).toString(),
+            map.value(QStringLiteral("selected")).toString() == u"1", map.value(QStringLiteral("frame")).toString(),
+            map.value(QStringLiteral("minimized")).toString(), map.value(QStringLiteral("side")).toString(),
+            map.value(QStringLiteral("toggled")).toString() == u"1"};
 }
 
 static QVariantMap mapFrom(const WindowEntry &entry)
@@ -60,6 +58,7 @@ static QVariantMap mapFrom(const WindowEntry &entry)
     if (!entry.frame.isEmpty()) map.insert(QStringLiteral("frame"), entry.frame);
     if (!entry.minimized.isEmpty()) map.insert(QStringLiteral("minimized"), entry.minimized);
     if (!entry.side.isEmpty()) map.insert(QStringLiteral("side"), entry.side);
+    if (entry.toggled) map.insert(QStringLiteral("toggled"), QStringLiteral("1"));
     return map;
 }
 

@@ -35,7 +35,7 @@ protected:
     {
         QStringList names;
         for (const WindowEntry &entry : entries)
-            names.append(QString(entry.path.mid(root.size()) + (entry.selected ? u"*" : u"") + entry.side));
+            names.append(QString(entry.path.mid(root.size()) + (entry.selected ? u"*" : u"") + entry.side + (entry.toggled ? u"~" : u"")));
         return names;
     }
     [[nodiscard]] QStringList shown() const { return shown(desk.entries(QStringLiteral("0"))); }
@@ -74,10 +74,11 @@ TEST_F(Desk, theNextSessionGetsTabsAndSides)
 {
     desk.current()->showDocument(path("/A.md"));
     desk.openInNewTab(path("/B.md"), true);
+    desk.current()->toggleView();
     desk.openBeside(path("/C.md"));
     EXPECT_TRUE(textInFront()->hasFocus());
     desk.openInNewTab(path("/D.md"), false);
-    const QStringList wanted{QStringLiteral("/A.md"), QStringLiteral("/B.md*"), QStringLiteral("/C.md*1"),
+    const QStringList wanted{QStringLiteral("/A.md"), QStringLiteral("/B.md*~"), QStringLiteral("/C.md*1"),
                              QStringLiteral("/D.md1")};
     EXPECT_EQ(shown(), wanted);
     saveDocumentsToOpenOnStartup(desk.entries(QStringLiteral("0")));

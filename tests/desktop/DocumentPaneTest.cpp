@@ -70,6 +70,31 @@ protected:
 
 } // namespace
 
+// Another view wrote in the document: nothing that was typed here is out of undo's reach, and what is undone is saved.
+TEST_F(PaneInWindow, undoOutlivesWhatAnotherViewSaved)
+{
+    pane->showDocument(at(QStringLiteral("/Other.md")));
+    QTest::keyClicks(pane->textView(), QStringLiteral("one "));
+    pane->saveTyping();
+    DocumentPane other(actions);
+    other.showDocument(pane->path());
+    QTest::keyClicks(other.textView(), QStringLiteral("by the other "));
+    other.saveTyping();
+    EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("by the other one text\n"));
+    EXPECT_EQ(pane->textView()->selection(), (Range{17, 0}));
+
+    pane->textView()->undo();
+    EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("one text\n"));
+    pane->saveTyping();
+    EXPECT_EQ(read(QStringLiteral("/Other.md")), QByteArray("one text\n"));
+    EXPECT_EQ(other.textView()->documentText(), QStringLiteral("one text\n"));
+    pane->textView()->undo();
+    EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("text\n"));
+    pane->textView()->redo();
+    pane->textView()->redo();
+    EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("by the other one text\n"));
+}
+
 TEST_F(PaneInWindow, theTextStaysUntilItIsSaved)
 {
     moveBook("/Book", "/Gone");

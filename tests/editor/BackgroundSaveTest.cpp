@@ -77,6 +77,37 @@ TEST_F(BackgroundSave, theEventLoopEndsIt)
     EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("one\r\n2\r\n"));
 }
 
+TEST_F(BackgroundSave, pagesAndTheirSourcesToo)
+{
+    const QString page = document(QStringLiteral("/p.html"), "<html lang=\"en\"><body><p>old</p></body></html>");
+    controller.openDocument(page);
+    typeIntoPage(QStringLiteral("<p>new #fresh</p>"), QStringLiteral("new"));
+    controller.autosave();
+    EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("old"));
+    typeIntoPage(QStringLiteral("<p>newer</p>"), QStringLiteral("newer"));
+    controller.waitForSave();
+    EXPECT_EQ(read(QStringLiteral("/p.html")), QByteArray("<html lang=\"en\"><body><p>new #fresh</p></body>\n</html>\n"));
+    EXPECT_TRUE(controller.isEdited());
+    pause();
+    EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("<p>newer</p>"));
+    EXPECT_EQ(view.loads, 2);
+
+    controller.tm_togglePlainTextAndFormattedView();
+    begin(QStringLiteral("<p>newest</p>"));
+    controller.waitForSave();
+    EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("<!-- Generator: Tomelet "));
+    EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("<p>newest</p>"));
+
+    const QString combined = document(QStringLiteral("/c.html"), "");
+    tm_setProperty(combined, QStringLiteral("OK"), QStringLiteral("Markdown"));
+    controller.openDocument(combined);
+    controller.tm_togglePlainTextAndFormattedView();
+    begin(QStringLiteral("*source*"));
+    controller.waitForSave();
+    EXPECT_TRUE(read(QStringLiteral("/c.html")).startsWith("<!-- Plain Text Representation:\n*source*"));
+    EXPECT_TRUE(read(QStringLiteral("/c.html")).contains("<em>source</em>"));
+}
+
 TEST_F(BackgroundSave, whatComesBetweenIsKept)
 {
     begin(QStringLiteral("typed\n"));

@@ -288,3 +288,16 @@ TEST(EditorCommands, holdOnAnyText)
         ASSERT_EQ(text, edited.text()) << action.toStdString();
     }
 }
+
+TEST(EditorCommands, theSmallestReplacement)
+{
+    const auto changed = [](const char16_t *from, const char16_t *to) {
+        return smallestReplacement(QStringView(from), QStringView(to));
+    };
+    EXPECT_EQ(changed(u"one two", u"one 2 two"), (Replacement{{4, 0}, QStringLiteral("2 ")}));
+    EXPECT_EQ(changed(u"aaa", u"aa"), (Replacement{{2, 1}, QString()}));
+    EXPECT_EQ(changed(u"", u"new"), (Replacement{{0, 0}, QStringLiteral("new")}));
+    EXPECT_FALSE(changed(u"same", u"same").range.isFound());
+    EXPECT_EQ(changed(u"a\U0001F600b", u"a\U0001F601b"), (Replacement{{1, 2}, QStringLiteral("\U0001F601")}));
+    EXPECT_EQ(changed(u"\U0001F600", u"\U0001FA00"), (Replacement{{0, 2}, QStringLiteral("\U0001FA00")}));
+}

@@ -45,7 +45,7 @@ public:
 
     QString innerHTML() const override { return body; }
     QString innerText() const override { return visibleText; }
-    QString outerHTML() const override { return page; }
+    QString pageSource() const override { return page; }
     QString mainFrameURL() const override { return frame; }
     bool canGoBack() const override { return false; }
     void updateHTML() override { ++restyles; }

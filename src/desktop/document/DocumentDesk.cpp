@@ -177,26 +177,13 @@ QList<WindowEntry> DocumentDesk::entries(const QString &group) const
 {
     QList<WindowEntry> entries;
     for (const DocumentTabs *side : sides()) {
-        const QStringList paths = side->paths();
-        for (int i = 0; i < paths.size(); ++i) {
-            if (paths[i].isEmpty()) continue;
-            WindowEntry entry{paths[i], group, i == side->currentIndex(), {}, {}};
+        for (WindowEntry entry : side->entries()) {
+            entry.tab = group;
             if (side == m_second) entry.side = QStringLiteral("1");
             entries.append(entry);
         }
     }
     return entries;
-}
-
-static void restoreSide(DocumentTabs *side, const QList<WindowEntry> &entries)
-{
-    QStringList paths;
-    int selected = 0;
-    for (const WindowEntry &entry : entries) {
-        if (entry.selected) selected = int(paths.size());
-        paths.append(entry.path);
-    }
-    if (!paths.isEmpty()) side->restore(paths, selected);
 }
 
 void DocumentDesk::restore(const QList<WindowEntry> &entries)
@@ -205,10 +192,10 @@ void DocumentDesk::restore(const QList<WindowEntry> &entries)
     QList<WindowEntry> right;
     for (const WindowEntry &entry : entries)
         if (itemExists(entry.path)) (entry.side == u"1" ? right : left).append(entry);
-    restoreSide(m_first, left);
+    if (!left.isEmpty()) m_first->restore(left);
     if (right.isEmpty()) return;
     addSecondSide();
-    restoreSide(m_second, right);
+    m_second->restore(right);
 }
 
 } // namespace tomelet::desktop

@@ -123,10 +123,10 @@ void DocumentPane::makeLayout()
 
 // -- what is on display -----------------------------------------------------------------------------------------------
 
-void DocumentPane::showDocument(const QString &path, const QString &anchor)
+void DocumentPane::showDocument(const QString &path, const QString &anchor, bool toggled)
 {
     if (!mayLeave()) return;
-    const bool opened = m_controller.openDocument(path);
+    const bool opened = m_controller.openDocument(path, toggled);
     updateTitle();
     if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
 }
@@ -194,7 +194,16 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
 {
     const Font font = tm_fontForPath(path());
     if (!font.face.startsWith(u"System")) m_text->setFont(QFont(font.face, int(font.size)));
-    m_text->setDocumentText(text, editable, highlightOptionsForItem(path()));
+    if (showsText() && !path().isEmpty() && m_textPath == path()) {
+        m_keepsPlace = true;
+        QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
+        m_text->takeDocumentText(text, editable, highlightOptionsForItem(path()));
+        // What is undone before the next key has to be saved as well.
+        if (m_text->document()->isUndoAvailable()) (void)m_controller.textShouldBeginEditing();
+    } else {
+        m_text->setDocumentText(text, editable, highlightOptionsForItem(path()));
+    }
+    m_textPath = path();
     bring(m_text);
     updateTitle();
     m_warmUp.start();
@@ -312,9 +321,11 @@ void DocumentPane::tm_showUnlockAlert()
     box->open();
 }
 
-void DocumentPane::addToBackList(const QString &)
+// A document that was named anew, or for the first time.
+void DocumentPane::addToBackList(const QString &path)
 {
-    updateTitle(); // a document that was named anew
+    m_textPath = path;
+    updateTitle();
 }
 
 } // namespace tomelet::desktop

@@ -37,7 +37,10 @@ public:
 
     /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
     /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
-    void showDocument(const QString &path, const QString &anchor = {});
+    /// `toggled`: in the other of its two views.
+    void showDocument(const QString &path, const QString &anchor = {}, bool toggled = false);
+    /// To a part of the page on display, as above.
+    void scrollToAnchor(const QString &anchor);
     /// Saves what is on display and shows nothing; false when it could not be saved and stays.
     bool closeDocument();
     /// What was typed goes into the file now.
@@ -94,7 +97,6 @@ private:
     void warmUp();
     void layOutMore();
     void runWhenLoaded(const QString &script);
-    void scrollToAnchor(const QString &anchor);
     void followLink(const QUrl &url, bool inNewTab = false);
     void unlock();
     void toggleBox(const PageBox &box);
@@ -137,8 +139,7 @@ private:
     void restylePlainText() override;
     [[nodiscard]] QString innerHTML() const override;
     [[nodiscard]] QString innerText() const override;
-    /// The page as it was loaded, with the body that it has now: nothing that showing it added goes into the file.
-    [[nodiscard]] QString outerHTML() const override;
+    [[nodiscard]] QString pageSource() const override { return m_source; }
     [[nodiscard]] QString mainFrameURL() const override;
     [[nodiscard]] bool canGoBack() const override { return false; }
     void updateHTML() override;
@@ -177,6 +178,7 @@ private:
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue; ///< the copy of a text that could not be saved; "" for none
+    QString m_textPath;    ///< of the document whose text the text view holds
     QString m_livePath;    ///< of the document whose page the view holds
     QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
     bool m_isLoading = false;

@@ -8,7 +8,6 @@
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
 #include "editor/DroppedText.h"
-#include "editor/PageBody.h"
 #include "editor/PastedImages.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -56,10 +55,6 @@ QString DocumentPane::innerHTML() const
 QString DocumentPane::innerText() const
 {
     return m_view->innerText();
-}
-QString DocumentPane::outerHTML() const
-{
-    return pageWithBody(m_source, innerHTML());
 }
 
 QString DocumentPane::caretParagraph() const

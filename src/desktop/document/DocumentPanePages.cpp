@@ -27,7 +27,7 @@ namespace tomelet::desktop {
 
 // A page that is given as text travels as a URL of at most 2 MB after escaping; longer ones go by way of a file.
 static constexpr qsizetype longestTextPage = 500 * 1024;
-// A page made from Markdown that is longer is laid out bit by bit.
+// A longer page is laid out bit by bit.
 static constexpr qsizetype longestPageAtOnce = 300 * 1024;
 static constexpr int layOutDelay = 300; // milliseconds after which the rest follows
 static constexpr int layOutPause = 30;  // between two bits
@@ -52,7 +52,7 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     m_view->expectPage(path().isEmpty() || (lowerExtension(path()).startsWith(u"htm") && !isCombinedMarkdown(path())));
     m_livePath = path();
     m_liveAddress = isMarkdown ? address : QUrl();
-    m_isLong = isMarkdown && html.size() > longestPageAtOnce;
+    m_isLong = html.size() > longestPageAtOnce;
     QString page = pageToShow(html, address, palette());
     if (m_isLong) page = withLongPageRule(page);
     QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
@@ -70,6 +70,7 @@ void DocumentPane::layOutMore()
     m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1,
                                   [self = QPointer(this)](const QVariant &more) {
                                       if (self && more.toBool()) self->m_layOut.start(layOutPause);
+                                      else if (self) self->m_view->readText();
                                   });
 }
 
@@ -160,8 +161,8 @@ qlonglong DocumentPane::readingOffset() const
 
 void DocumentPane::restoreOffset(qlonglong offset)
 {
-    if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
     if (m_keepsPlace) return;
+    if (m_stack->currentWidget() == m_text) return m_text->select({offset, 0});
     m_wantedOffset = offset;
     // The last wish of a load counts.
     QTimer::singleShot(0, this, [this] {

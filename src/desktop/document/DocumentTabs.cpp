@@ -66,6 +66,19 @@ QStringList DocumentTabs::paths() const
     return paths;
 }
 
+QList<WindowEntry> DocumentTabs::entries() const
+{
+    QList<WindowEntry> entries;
+    for (int i = 0; i < count(); ++i) {
+        const Tab &tab = m_tabs[i];
+        if (pathOf(tab).isEmpty()) continue;
+        WindowEntry entry{pathOf(tab), {}, i == currentIndex(), {}, {}};
+        entry.toggled = tab.pane ? tab.pane->controller().presentingToggledView() : tab.toggled;
+        entries.append(entry);
+    }
+    return entries;
+}
+
 QList<DocumentPane *> DocumentTabs::panes() const
 {
     QList<DocumentPane *> panes;
@@ -96,7 +109,7 @@ void DocumentTabs::insertTab(int index, const Tab &tab)
 void DocumentTabs::addTab(const QString &path, bool comesToFront)
 {
     const int index = currentIndex() + 1;
-    insertTab(index, {nullptr, path});
+    insertTab(index, {nullptr, path, false});
     if (comesToFront) select(index);
 }
 
@@ -119,7 +132,7 @@ void DocumentTabs::bringToFront(int index)
     const bool isFirstTime = !tab.pane;
     if (isFirstTime) tab.pane = makePane();
     m_stack->setCurrentWidget(tab.pane);
-    if (isFirstTime && !tab.path.isEmpty()) tab.pane->showDocument(tab.path);
+    if (isFirstTime && !tab.path.isEmpty()) tab.pane->showDocument(tab.path, {}, tab.toggled);
     if (hadKeys) tab.pane->shownWidget()->setFocus(Qt::OtherFocusReason);
     setFocusProxy(tab.pane);
     Q_EMIT currentChanged();
@@ -155,12 +168,19 @@ bool DocumentTabs::closeAll()
 }
 
 // A document that came another way, such as by its address, stays in front of those that were open before.
-void DocumentTabs::restore(const QStringList &paths, int selected)
+void DocumentTabs::restore(const QList<WindowEntry> &entries)
 {
     const QString open = current()->path();
-    const qsizetype known = paths.indexOf(open);
-    for (qsizetype i = 0; i < paths.size(); ++i)
-        if (i != known) insertTab(known >= 0 && i < known ? int(i) : count(), {nullptr, paths[i]});
+    qsizetype known = -1;
+    int selected = 0;
+    for (qsizetype i = 0; i < entries.size(); ++i) {
+        if (known < 0 && entries[i].path == open) known = i;
+        if (entries[i].selected) selected = int(i);
+    }
+    for (qsizetype i = 0; i < entries.size(); ++i)
+        if (i != known)
+            insertTab(i < known ? int(i) : count(), {nullptr, entries[i].path, entries[i].toggled});
+    if (known >= 0 && entries[known].toggled) current()->showDocument(open, {}, true);
     if (!open.isEmpty()) return;
     select(selected + 1);
     closeTab(0);

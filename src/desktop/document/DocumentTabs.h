@@ -2,6 +2,8 @@
 // Documents behind each other: a bar of tabs as soon as there are two. One tab is always there, be it empty.
 #pragma once
 
+#include "library/AppState.h"
+
 #include <QList>
 #include <QStringList>
 #include <QWidget>
@@ -26,6 +28,8 @@ public:
     [[nodiscard]] int count() const { return int(m_tabs.size()); }
     /// The documents in the order of the tabs; "" for an empty tab.
     [[nodiscard]] QStringList paths() const;
+    /// Path, selection and view of each tab that has a document.
+    [[nodiscard]] QList<WindowEntry> entries() const;
     /// The panes of the tabs that were in front already; the others are made when they come there.
     [[nodiscard]] QList<DocumentPane *> panes() const;
 
@@ -39,7 +43,7 @@ public:
     bool closeAll();
 
     /// The tabs of the last session, in a row that has one tab so far; a document that it shows already keeps its pane.
-    void restore(const QStringList &paths, int selected);
+    void restore(const QList<WindowEntry> &entries);
 
 Q_SIGNALS:
     /// Another tab came to the front, or another document into it.
@@ -54,7 +58,9 @@ private:
     struct Tab
     {
         DocumentPane *pane = nullptr;
-        QString path; ///< of a tab that has no pane yet
+        // Of a tab that has no pane yet.
+        QString path;
+        bool toggled = false;
     };
     [[nodiscard]] QString pathOf(const Tab &tab) const;
     DocumentPane *makePane();

@@ -16,7 +16,6 @@ namespace {
 
 constexpr int inputDelay = 40;    // milliseconds; the page has a key by then
 constexpr int watchDelay = 500;   // between looks that no input asked for
-constexpr int contentDelay = 80; // a long page is not read at each key
 constexpr int longestWait = 2000;
 
 QString scriptFile(const QString &name)
@@ -49,9 +48,6 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     m_afterInput.setSingleShot(true);
     m_afterInput.setInterval(inputDelay);
     m_watch.setInterval(watchDelay);
-    m_content.setSingleShot(true);
-    m_content.setInterval(contentDelay);
-    connect(&m_content, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report(false, true)")); });
     connect(&m_afterInput, &QTimer::timeout, this, [this] {
         ask(m_returnPressed ? QStringLiteral("tm.report(true)") : QStringLiteral("tm.report()"));
         m_returnPressed = false;
@@ -68,8 +64,8 @@ void TMLTWebView::expectPage(bool mayBeEdited)
     ++m_page;
     m_mayBeEdited = mayBeEdited;
     m_ready = m_beginsWhenReady = false;
-    m_html.clear();
-    m_text.clear();
+    m_parts.clear();
+    m_html = m_text = QString();
     m_paragraph.clear();
     m_selected.clear();
 }
@@ -90,12 +86,23 @@ void TMLTWebView::start(const QString &script)
         if (!self || self->m_page != number || self->m_ready) return;
         const QVariantMap start = answer.toMap();
         if (!start.contains(QStringLiteral("html"))) return;
+        self->m_parts.clear();
         self->m_html = start.value(QStringLiteral("html")).toString();
         self->m_text = start.value(QStringLiteral("text")).toString();
         self->m_ready = true;
         Q_EMIT self->ready();
         if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
     });
+}
+
+void TMLTWebView::readText()
+{
+    page()->runJavaScript(QStringLiteral("window.tm?.text()"), editorWorld,
+                          [self = QPointer(this), number = m_page](const QVariant &text) {
+                              if (!self || self->m_page != number || !self->m_ready || !self->m_parts.isEmpty()) return;
+                              self->m_text = text.toString();
+                              Q_EMIT self->ready();
+                          });
 }
 
 void TMLTWebView::beginEditing(bool keepsContentsTable)
@@ -112,7 +119,6 @@ void TMLTWebView::endEditing()
     m_editing = false;
     m_afterInput.stop();
     m_watch.stop();
-    m_content.stop();
 }
 
 void TMLTWebView::ask(const QString &script, std::function<void()> then)
@@ -128,21 +134,42 @@ void TMLTWebView::ask(const QString &script, std::function<void()> then)
 // A script that failed answers nothing, and nothing happened.
 void TMLTWebView::take(const QVariantMap &answer)
 {
-    if (!m_editing || !answer.contains(QStringLiteral("html"))) return;
-    const bool waits = answer.value(QStringLiteral("pending")).toBool() && !m_content.isActive();
-    if (waits) m_content.start();
+    if (!m_editing || !answer.contains(QStringLiteral("changes"))) return;
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
     Q_EMIT stateChanged({answer.value(QStringLiteral("block")).toString(),
                          answer.value(QStringLiteral("list")).toString(), answer.value(QStringLiteral("state")).toMap(),
                          answer.value(QStringLiteral("marked")).toBool(),
                          answer.value(QStringLiteral("inTable")).toBool()});
-    // A save that comes first finds what was there before, and another follows.
-    if (waits) Q_EMIT edited();
-    if (!answer.value(QStringLiteral("changed")).toBool()) return;
-    m_html = answer.value(QStringLiteral("html")).toString();
-    m_text = answer.value(QStringLiteral("text")).toString();
+    const QVariantMap changes = answer.value(QStringLiteral("changes")).toMap();
+    if (changes.isEmpty()) return;
+    takeChanges(changes);
     Q_EMIT edited();
+}
+
+void TMLTWebView::takeChanges(const QVariantMap &changes)
+{
+    if (changes.value(QStringLiteral("known")).toInt() == 0) m_parts.clear();
+    const auto at = changes.value(QStringLiteral("from")).toInt();
+    QList<PagePart> parts = m_parts.first(at);
+    for (const QVariant &added : changes.value(QStringLiteral("added")).toList()) {
+        const QVariantList part = added.toList();
+        parts.append({part[0].toString(), part[1].toString(), part[2].toInt()});
+    }
+    m_parts = parts + m_parts.sliced(at + changes.value(QStringLiteral("removed")).toInt());
+    m_html = m_text = QString();
+}
+
+const QString &TMLTWebView::innerHTML() const
+{
+    if (m_html.isNull() && !m_parts.isEmpty()) m_html = htmlOfParts(m_parts);
+    return m_html;
+}
+
+const QString &TMLTWebView::innerText() const
+{
+    if (m_text.isNull() && !m_parts.isEmpty()) m_text = textOfParts(m_parts);
+    return m_text;
 }
 
 void TMLTWebView::run(const QString &script)
@@ -164,7 +191,7 @@ void TMLTWebView::waitForPage()
     bool answered = false;
     QTimer::singleShot(longestWait, &loop, &QEventLoop::quit);
     QTimer::singleShot(m_afterInput.isActive() ? inputDelay : 0, &loop, [&] {
-        ask(QStringLiteral("tm.report(false, true)"), [&answered, target = QPointer(&loop)] {
+        ask(QStringLiteral("tm.report()"), [&answered, target = QPointer(&loop)] {
             if (!target) return;
             answered = true;
             target->quit();

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "editor/PageBoxes.h"
+#include "editor/PageParts.h"
 
 #include <QImage>
 #include <QTimer>
@@ -41,13 +42,15 @@ public:
     /// there.
     void beginEditing(bool keepsContentsTable);
     void endEditing();
+    /// What is not laid out has no text: to be called when all of a long page is.
+    void readText();
     [[nodiscard]] bool isEditing() const { return m_editing; }
     /// The page told what it holds, so that editing can begin.
     [[nodiscard]] bool isReady() const { return m_ready; }
 
     // What the page held when it last answered.
-    [[nodiscard]] const QString &innerHTML() const { return m_html; }
-    [[nodiscard]] const QString &innerText() const { return m_text; }
+    [[nodiscard]] const QString &innerHTML() const;
+    [[nodiscard]] const QString &innerText() const;
     /// Of the caret; "" where there is none.
     [[nodiscard]] const QString &caretParagraph() const { return m_paragraph; }
     [[nodiscard]] const QString &selectedText() const { return m_selected; }
@@ -68,6 +71,7 @@ Q_SIGNALS:
     void editingWanted(bool onLink);
     /// A key for a page that could not become editable.
     void typedInVain();
+    /// The page told what it holds; once more for a long page when all of it has a text.
     void ready();
     /// The page holds something else than before.
     void edited();
@@ -92,6 +96,7 @@ private:
 
     void ask(const QString &script, std::function<void()> then = {});
     void take(const QVariantMap &answer);
+    void takeChanges(const QVariantMap &changes);
     void loaded(bool fine);
     void start(const QString &script);
     bool keyPressed(const QKeyEvent &event);
@@ -111,13 +116,13 @@ private:
     bool m_waiting = false;
     bool m_returnPressed = false;
     int m_page = 0; // counts the pages, as answers come late
-    QString m_html;
-    QString m_text;
+    QList<PagePart> m_parts;
+    mutable QString m_html; ///< of the parts, or of the page as it was loaded; null where it is to be joined anew
+    mutable QString m_text; ///< the same
     QString m_paragraph;
     QString m_selected;
     QString m_hovered;
     QTimer m_afterInput; // lets the page take the input before it is asked
-    QTimer m_content;    // a long page tells what it holds a while after a change
     QTimer m_watch;      // for what no key tells, such as the menu of the page
 };
 

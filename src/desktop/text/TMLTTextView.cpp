@@ -63,6 +63,34 @@ void TMLTTextView::setDocumentText(const QString &text, bool editable, const Hig
     m_loading = false;
 }
 
+static QString withPlainLineEnds(QString text)
+{
+    return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n")).replace(u'\r', u'\n');
+}
+
+void TMLTTextView::takeDocumentText(const QString &text, bool editable, const HighlightOptions &options)
+{
+    const bool isInPieces = m_hasSoftBreaks || withSoftBreaks(text).size() != text.size();
+    if (isInPieces || !document()->isUndoAvailable()) {
+        const Range caret = selection();
+        setDocumentText(text, editable, options);
+        return select(caret);
+    }
+    m_loading = true;
+    m_completer->close();
+    m_options = options;
+    if (const Replacement change = smallestReplacement(shownText(), withPlainLineEnds(text)); change.range.isFound()) {
+        QTextCursor cursor(document()); // the caret is another one
+        cursor.setPosition(int(change.range.location));
+        cursor.setPosition(int(change.range.end()), QTextCursor::KeepAnchor);
+        cursor.insertText(change.text);
+    }
+    setReadOnly(!editable);
+    setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
+    restyle();
+    m_loading = false;
+}
+
 QString TMLTTextView::shownText() const
 {
     return document()->toRawText().replace(QChar::ParagraphSeparator, u'\n');
