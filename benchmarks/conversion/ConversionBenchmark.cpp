@@ -60,8 +60,7 @@ void pageOfMarkdown(benchmark::State &state, int converter)
 {
     begin(converter);
     const QString text = markdownOf(state.range(0));
-    for (auto _ : state)
-        benchmark::DoNotOptimize(tm_markdownToHTML(text));
+    for (auto _ : state) benchmark::DoNotOptimize(tm_markdownToHTML(text));
     state.SetBytesProcessed(state.iterations() * text.size());
 }
 
@@ -70,8 +69,7 @@ void engineAlone(benchmark::State &state)
     const QByteArray text = markdownOf(state.range(0)).toUtf8();
     for (auto _ : state) {
         engine::d_string *source = engine::d_string_new(text.constData());
-        engine::d_string *html =
-            engine::mmd_d_string_convert(source, 8720, engine::FORMAT_HTML, engine::LANG_EN, "");
+        engine::d_string *html = engine::mmd_d_string_convert(source, 8720, engine::FORMAT_HTML, engine::LANG_EN, "");
         benchmark::DoNotOptimize(html);
         engine::d_string_free(html, true);
         engine::d_string_free(source, true);
@@ -79,8 +77,7 @@ void engineAlone(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * text.size());
 }
 
-const QString filling =
-    u"<p>Some <b>bold</b> text with a <a href=\"https://example.org/x\">link</a>.</p>\n"_s;
+const QString filling = u"<p>Some <b>bold</b> text with a <a href=\"https://example.org/x\">link</a>.</p>\n"_s;
 
 const QString words = u"Words of a line that goes on and on. "_s.repeated(25);
 
@@ -118,8 +115,7 @@ const PageKind kinds[] = {
     {"bold", u"<b>"_s, lines, u"</b>"_s},
     {"links", u"<a href=\"x\">"_s, lines, u"</a>"_s},
     {"definitions", u"<dl><dt>T</dt><dd>"_s, lines, u"</dd></dl>"_s},
-    {"all_kinds", u"<div><blockquote><ul><li><p><b><span>"_s, lines,
-     u"</span></b></p></li></ul></blockquote></div>"_s},
+    {"all_kinds", u"<div><blockquote><ul><li><p><b><span>"_s, lines, u"</span></b></p></li></ul></blockquote></div>"_s},
     {"lists_in_tables", u"<table><tr><td>a < b<ul><li>"_s, lines, u"</li></ul></td></tr></table>"_s},
     {"lists_on_one_line", u"<ul><li>"_s, words, u"</li></ul>"_s},
     {"quotes_on_one_line", u"<blockquote>"_s, words, u"</blockquote>"_s},

@@ -23,10 +23,11 @@ constexpr qsizetype megabyte = 1024 * 1024;
 
 QString document(qsizetype size)
 {
-    const QString section = QStringLiteral("## A section with `code`\n\nSome *words* that are **strong**, a [link](Other.md), "
-                                           "a [[Wiki Link]] and a [note][^1]. The text goes on for a while, as texts do, "
-                                           "with an <em>odd tag</em> and a context @home.\n\n1. first\n2. second\n"
-                                           "- [ ] to do\n- [x] done\n\n```\ncode\n```\n\n[^1]: A footnote.\n\n");
+    const QString section =
+        QStringLiteral("## A section with `code`\n\nSome *words* that are **strong**, a [link](Other.md), "
+                       "a [[Wiki Link]] and a [note][^1]. The text goes on for a while, as texts do, "
+                       "with an <em>odd tag</em> and a context @home.\n\n1. first\n2. second\n"
+                       "- [ ] to do\n- [x] done\n\n```\ncode\n```\n\n[^1]: A footnote.\n\n");
     return section.repeated(size / section.size() + 1).left(size);
 }
 
@@ -53,8 +54,14 @@ void key(benchmark::State &state, EditorCommand command, const QString &typed)
     }
 }
 
-void typeLetter(benchmark::State &state) { key(state, EditorCommand::Type, QStringLiteral("x")); }
-void typeNewLine(benchmark::State &state) { key(state, EditorCommand::NewLine, {}); }
+void typeLetter(benchmark::State &state)
+{
+    key(state, EditorCommand::Type, QStringLiteral("x"));
+}
+void typeNewLine(benchmark::State &state)
+{
+    key(state, EditorCommand::NewLine, {});
+}
 
 void wholeText(benchmark::State &state)
 {
@@ -132,8 +139,8 @@ void saveDocument(benchmark::State &state)
     }
 }
 
-// The same while somebody types. The processor time is what typing waits for: the beginning and the end of the save; the
-// thread that does the rest has its own.
+// The same while somebody types. The processor time is what typing waits for: the beginning and the end of the save;
+// the thread that does the rest has its own.
 void autosaveDocument(benchmark::State &state)
 {
     World world;

@@ -48,7 +48,8 @@ void write(const fs::path &path, const std::string &text)
 std::string tags(int document)
 {
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<plist version=\"1.0\">\n<dict>\n\t<key>Tags</key>\n\t<array>\n"
-           "\t\t<string>@word" + std::to_string(document / 5 % contexts) + "</string>\n\t</array>\n</dict>\n</plist>\n";
+           "\t\t<string>@word" +
+           std::to_string(document / 5 % contexts) + "</string>\n\t</array>\n</dict>\n</plist>\n";
 }
 
 // Each document links to the next one of its book by a relative path and to a distant one by a full path.
@@ -58,8 +59,8 @@ void makeNotebook(const fs::path &root, int documents)
         const int near = i / documentsOfBook * documentsOfBook + (i + 1) % documentsOfBook;
         const int far = static_cast<int>((static_cast<long>(i) * 7919 + 13) % documents);
         const fs::path path = root / bookOf(i) / nameOf(i);
-        write(path, "# Note\n\nSome text with a [link](" + nameOf(near) + ") in it.\n\nAnd more, see [[/" + bookOf(far) + "/" +
-                        nameOf(far) + "]].\n");
+        write(path, "# Note\n\nSome text with a [link](" + nameOf(near) + ") in it.\n\nAnd more, see [[/" +
+                        bookOf(far) + "/" + nameOf(far) + "]].\n");
         if (i % 5 == 0) write(path.string() + ".plist", tags(i));
     }
 }
@@ -139,14 +140,14 @@ void renameWithReferrers(const fs::path &root)
     makeReferrers(book);
     const QString path = QString::fromStdString(book.string());
     tm_refreshAllBacklinksStartingAtReferenceDate(path, false);
-    const double ours = secondsOf([&] {
-        tm_moveItemToPath(path + QStringLiteral("/Target.md"), path + QStringLiteral("/Other Name.md"));
-    });
+    const double ours = secondsOf(
+        [&] { tm_moveItemToPath(path + QStringLiteral("/Target.md"), path + QStringLiteral("/Other Name.md")); });
     std::printf("rename of a document with %d referrers: %.2f s\n", referrers, ours);
 
     const fs::path other = root / "Peer";
     makeReferrers(other);
-    const double peer = secondsOfCommand("cd '" + other.string() + "' && mv Target.md 'Other Name.md' && "
+    const double peer = secondsOfCommand("cd '" + other.string() +
+                                         "' && mv Target.md 'Other Name.md' && "
                                          "rg -l0F Target.md . | xargs -0 sed -i 's/(Target.md)/(Other Name.md)/'");
     const double synced = secondsOfCommand("sync -f '" + other.string() + "'");
     std::printf("the same by ripgrep, sed and mv: %.2f s, and %.2f s until it is on the disk\n", peer, synced);
@@ -178,8 +179,8 @@ int main(int argc, char **argv)
     makeNotebook(largeFolder.path().toStdString(), large);
     const Walks more = walks(largeFolder.path().toStdString());
     std::printf("growth from a tenth: contexts %.1f, again %.1f, backlinks %.1f, again %.1f\n",
-                more.contexts / less.contexts, more.contextsAgain / less.contextsAgain,
-                more.links / less.links, more.again / less.again);
+                more.contexts / less.contexts, more.contextsAgain / less.contextsAgain, more.links / less.links,
+                more.again / less.again);
     itemsOfContext();
     renameWithReferrers(largeFolder.path().toStdString());
     renameBook(largeFolder.path().toStdString());

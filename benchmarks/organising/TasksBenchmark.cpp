@@ -36,12 +36,9 @@ TaskRecord recordOf(int number, const QDateTime &now)
 {
     TaskRecord record{{taskField::changed, now.addDays(-number % 300)}};
     const int kind = number % 10;
-    if (kind == 0)
-        record.insert(taskField::dueDate, now.addDays(-1 - number % 50));
-    else if (kind < 5)
-        record.insert(taskField::dueDate, now.addSecs(3600 + number * 613));
-    else if (kind < 8)
-        record.insert(taskField::state, QStringLiteral("done"));
+    if (kind == 0) record.insert(taskField::dueDate, now.addDays(-1 - number % 50));
+    else if (kind < 5) record.insert(taskField::dueDate, now.addSecs(3600 + number * 613));
+    else if (kind < 8) record.insert(taskField::state, QStringLiteral("done"));
     if (kind != 1) return record;
     record.insert(taskField::repeatType, QStringLiteral("when due"));
     record.insert(taskField::repeatUnit, QStringLiteral("week"));
@@ -62,8 +59,7 @@ public:
         setPlatform(std::move(made));
         makeFolder(m_folder.filePath(QStringLiteral("root")));
         installNotebookOrganiser();
-        for (int book = 0; book < books; ++book)
-            fill(book);
+        for (int book = 0; book < books; ++book) fill(book);
         updateListOfTasklistsQuick();
         // Fresh stores have no counters yet; from here on only what changes is written.
         for (const QString &list : knownTasklists()) tm_correctTaskCountAtPath(fullPathOf(list));
@@ -114,8 +110,7 @@ void dueList(benchmark::State &state)
 {
     prepare();
     qsizetype rows = 0;
-    for (auto _ : state)
-        rows = tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false).size();
+    for (auto _ : state) rows = tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false).size();
     state.counters["rows"] = double(rows);
 }
 
@@ -140,15 +135,13 @@ void dueListPutsAllCountersRight(benchmark::State &state)
 void dueCounts(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state)
-        benchmark::DoNotOptimize(countDueTasks(tomeletRoot()));
+    for (auto _ : state) benchmark::DoNotOptimize(countDueTasks(tomeletRoot()));
 }
 
 void rebuildReminders(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state)
-        tm_repostAllNotifications();
+    for (auto _ : state) tm_repostAllNotifications();
     state.counters["reminders"] = double(scheduledReminders().size());
 }
 
@@ -156,15 +149,13 @@ void recountAll(benchmark::State &state)
 {
     prepare();
     for (auto _ : state)
-        for (const QString &list : knownTasklists())
-            tm_correctTaskCountAtPath(tomeletRoot() + list);
+        for (const QString &list : knownTasklists()) tm_correctTaskCountAtPath(tomeletRoot() + list);
 }
 
 void walkForTasklists(benchmark::State &state)
 {
     prepare();
-    for (auto _ : state)
-        updateListOfTasklistsQuick();
+    for (auto _ : state) updateListOfTasklistsQuick();
 }
 
 } // namespace

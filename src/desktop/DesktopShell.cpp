@@ -60,10 +60,10 @@ DesktopShell::DesktopShell()
     connect(&m_window, &MainWindow::quitWanted, this, &DesktopShell::closeAll);
     m_window.setApplication(m_application);
     platform().ask = [this](const Question &question) { return askWithBox(&m_window, question); };
-    connect(&m_theme, &Theme::desktopChanged, this,
-            [this](bool dark) { m_application.systemAppearanceChanged(dark); });
-    connect(&m_window, &MainWindow::extraWindowWanted, this,
-            [this](const QString &path) { openWindow({{path, {}, true, {}, {}}}); });
+    connect(&m_theme, &Theme::desktopChanged, this, [this](bool dark) { m_application.systemAppearanceChanged(dark); });
+    connect(&m_window, &MainWindow::extraWindowWanted, this, [this](const QString &path) {
+        openWindow({{path, {}, true, {}, {}}});
+    });
 }
 
 void DesktopShell::launch(const QString &folder)
@@ -206,7 +206,11 @@ void DesktopShell::stopServer()
 void DesktopShell::showPreferences()
 {
     auto *window = new PreferencesWindow(
-        m_server, [this] { m_application.systemAppearanceChanged(m_theme.desktopIsDark()); setDark(settings().boolean(QStringLiteral("darkTheme"))); },
+        m_server,
+        [this] {
+            m_application.systemAppearanceChanged(m_theme.desktopIsDark());
+            setDark(settings().boolean(QStringLiteral("darkTheme")));
+        },
         &m_window);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->show();

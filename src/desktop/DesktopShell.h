@@ -23,7 +23,9 @@ namespace tomelet::desktop {
 class WindowReminders final : public ReminderPresenter
 {
 public:
-    explicit WindowReminders(QWidget &window) : m_window(window) {}
+    explicit WindowReminders(QWidget &window)
+        : m_window(window)
+    {}
     void present(const Reminder &reminder, const Answers &answers) override;
     void withdraw(const QString &path) override { m_reminders.withdraw(path); }
 

@@ -9,9 +9,9 @@ namespace tomelet::desktop {
 
 void showLauncherBadge(qlonglong count)
 {
-    QDBusMessage update = QDBusMessage::createSignal(QStringLiteral("/org/tomelet/app"),
-                                                     QStringLiteral("com.canonical.Unity.LauncherEntry"),
-                                                     QStringLiteral("Update"));
+    QDBusMessage update =
+        QDBusMessage::createSignal(QStringLiteral("/org/tomelet/app"),
+                                   QStringLiteral("com.canonical.Unity.LauncherEntry"), QStringLiteral("Update"));
     update << QStringLiteral("application://org.tomelet.app.desktop")
            << QVariantMap{{QStringLiteral("count"), count}, {QStringLiteral("count-visible"), count > 0}};
     QDBusConnection::sessionBus().send(update);

@@ -51,7 +51,8 @@ void MainWindow::makeBookMenu()
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&File")));
     add(menu, TOMELET_TEXT("&New Document"), QKeySequence::New, [this] { createDocument({}); });
     add(menu, TOMELET_TEXT("New &Book"), QKeySequence(QStringLiteral("Ctrl+Shift+N")), [this] { newBook(); });
-    add(menu, TOMELET_TEXT("Open in New &Tab"), QKeySequence(QStringLiteral("Ctrl+Shift+T")), [this] { openSelectionInTabs(); });
+    add(menu, TOMELET_TEXT("Open in New &Tab"), QKeySequence(QStringLiteral("Ctrl+Shift+T")),
+        [this] { openSelectionInTabs(); });
     add(menu, TOMELET_TEXT("Open Bes&ide"), QKeySequence(QStringLiteral("Ctrl+Shift+Return")), [this] {
         const QStringList paths = selectedDocuments();
         if (!paths.isEmpty()) m_desk->openBeside(paths.first());
@@ -91,9 +92,9 @@ void MainWindow::makeBookMenu()
 void MainWindow::makeLabelMenu(QMenu *menu)
 {
     const std::pair<const char *, const char *> labels[] = {
-        {TOMELET_TEXT("None"), "Auto"},     {TOMELET_TEXT("Red"), "red"},       {TOMELET_TEXT("Orange"), "orange"},
-        {TOMELET_TEXT("Yellow"), "yellow"}, {TOMELET_TEXT("Green"), "green"},   {TOMELET_TEXT("Blue"), "blue"},
-        {TOMELET_TEXT("Purple"), "purple"}, {TOMELET_TEXT("Gray"), "gray"},     {TOMELET_TEXT("Beige"), "beige"},
+        {TOMELET_TEXT("None"), "Auto"},     {TOMELET_TEXT("Red"), "red"},     {TOMELET_TEXT("Orange"), "orange"},
+        {TOMELET_TEXT("Yellow"), "yellow"}, {TOMELET_TEXT("Green"), "green"}, {TOMELET_TEXT("Blue"), "blue"},
+        {TOMELET_TEXT("Purple"), "purple"}, {TOMELET_TEXT("Gray"), "gray"},   {TOMELET_TEXT("Beige"), "beige"},
     };
     for (const auto &[text, name] : labels) {
         const QString color = QString::fromLatin1(name);
@@ -200,7 +201,8 @@ void MainWindow::fillStorageMenu(QMenu *menu)
             menu->addSeparator();
             continue;
         }
-        QAction *action = menu->addAction(QString(place.title.folders + place.title.name).replace(u'&', QStringLiteral("&&")));
+        QAction *action =
+            menu->addAction(QString(place.title.folders + place.title.name).replace(u'&', QStringLiteral("&&")));
         action->setCheckable(place.kind == StorageLocation::Folder);
         action->setChecked(place.isCurrent);
         connect(action, &QAction::triggered, this, [this, place] {

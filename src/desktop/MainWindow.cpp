@@ -211,7 +211,8 @@ void MainWindow::reloadRows()
     m_listModel->reload();
     updateListTexts();
     if (m_list->selectionModel()->hasSelection()) return;
-    if (const QModelIndex index = m_listModel->indexOfPath(document()->path()); index.isValid()) m_list->selectOnly(index);
+    if (const QModelIndex index = m_listModel->indexOfPath(document()->path()); index.isValid())
+        m_list->selectOnly(index);
 }
 
 // Those of search results are made on the thread of the search.
@@ -228,7 +229,7 @@ void MainWindow::showEnclosing()
     const ListSource source = m_listModel->controller().enclosingSource();
     if (source.smartType == OrdinaryBook) showItem(source.book);
     else showSource(source);
-    const QString row = from.smartType == OrdinaryBook   ? from.book
+    const QString row = from.smartType == OrdinaryBook  ? from.book
                         : from.smartType == ContextBook ? from.contexts.value(0)
                                                         : TMLTOutlineItem::titleForSmartBookOfType(from.smartType);
     if (const QModelIndex index = m_listModel->indexOfPath(row); index.isValid()) m_list->selectOnly(index);
@@ -256,7 +257,8 @@ void MainWindow::updateListTexts()
     m_sortActions->actions()[2]->setText(list.sortsByDueDate() ? localized(TOMELET_TEXT("Sort by &Due Date"))
                                                                : localized(TOMELET_TEXT("Sort by &Modification Date")));
     m_sortActions->setEnabled(list.orderCanBeChosen());
-    m_sortActions->actions()[3]->setEnabled(list.source().smartType == OrdinaryBook || list.source().smartType == InboxBook);
+    m_sortActions->actions()[3]->setEnabled(list.source().smartType == OrdinaryBook ||
+                                            list.source().smartType == InboxBook);
     m_descending->setEnabled(list.orderCanBeChosen());
     m_descending->setChecked(!list.sortAscending);
 }

@@ -66,8 +66,8 @@ PreferencesWindow::PreferencesWindow(ServerControl &server, std::function<void()
 QWidget *PreferencesWindow::makeGeneralPane()
 {
     auto *appearance = new QComboBox;
-    appearance->addItems({localized(TOMELET_TEXT("As the desktop")), localized(TOMELET_TEXT("Light")),
-                          localized(TOMELET_TEXT("Dark"))});
+    appearance->addItems(
+        {localized(TOMELET_TEXT("As the desktop")), localized(TOMELET_TEXT("Light")), localized(TOMELET_TEXT("Dark"))});
     const bool manual = settings().contains(manualKey);
     appearance->setCurrentIndex(!manual ? 0 : settings().boolean(darkKey) ? 2 : 1);
     connect(appearance, &QComboBox::currentIndexChanged, this, &PreferencesWindow::chooseAppearance);
@@ -87,7 +87,8 @@ QWidget *PreferencesWindow::makeGeneralPane()
     form->addRow(settingBox(TOMELET_TEXT("Order names by the numbers in them"), QStringLiteral("useNumericOrder")));
     form->addRow(settingBox(TOMELET_TEXT("In a custom order, show new documents at the top"),
                             QStringLiteral("manualSortNewAtTop")));
-    form->addRow(settingBox(TOMELET_TEXT("Open the last document at launch"), QStringLiteral("openMostRecentDocOnLaunch")));
+    form->addRow(
+        settingBox(TOMELET_TEXT("Open the last document at launch"), QStringLiteral("openMostRecentDocOnLaunch")));
     form->addRow(settingBox(TOMELET_TEXT("Move pictures that nothing refers to to the trash"),
                             QStringLiteral("cleanUpAttachments")));
     return pane;

@@ -67,7 +67,8 @@ QPalette madePalette(bool dark)
 
 } // namespace
 
-Theme::Theme(QObject *parent) : QObject(parent)
+Theme::Theme(QObject *parent)
+    : QObject(parent)
 {
     m_dark = portalIsDark().value_or(isDark(QApplication::palette()));
     QDBusConnection::sessionBus().connect(portal, portalPath, portalInterface, QStringLiteral("SettingChanged"), this,

@@ -11,7 +11,8 @@
 
 namespace tomelet::desktop {
 
-WelcomePane::WelcomePane(const WelcomeChoices &choices, QWidget *parent) : QWidget(parent)
+WelcomePane::WelcomePane(const WelcomeChoices &choices, QWidget *parent)
+    : QWidget(parent)
 {
     auto *picture = new QLabel;
     picture->setPixmap(QIcon(resourcePath(QStringLiteral("icons/org.tomelet.app.svg"))).pixmap(96, 96));
@@ -19,7 +20,8 @@ WelcomePane::WelcomePane(const WelcomeChoices &choices, QWidget *parent) : QWidg
     QFont font = title->font();
     font.setPointSizeF(font.pointSizeF() * 2);
     title->setFont(font);
-    auto *text = new QLabel(localized(TOMELET_TEXT("Your notebook is one folder of ordinary files. Where should it live?")));
+    auto *text =
+        new QLabel(localized(TOMELET_TEXT("Your notebook is one folder of ordinary files. Where should it live?")));
     text->setWordWrap(true);
     text->setAlignment(Qt::AlignCenter);
 
@@ -38,7 +40,8 @@ WelcomePane::WelcomePane(const WelcomeChoices &choices, QWidget *parent) : QWidg
         layout->addWidget(button, 0, Qt::AlignHCenter);
     };
     if (!choices.cloudPath.isEmpty())
-        addButton(QStringLiteral("iCloud"), &WelcomePane::cloudWanted, choices.highlight == WelcomeChoices::CloudChoice);
+        addButton(QStringLiteral("iCloud"), &WelcomePane::cloudWanted,
+                  choices.highlight == WelcomeChoices::CloudChoice);
     if (!choices.dropboxPath.isEmpty())
         addButton(QStringLiteral("Dropbox"), &WelcomePane::dropboxWanted,
                   choices.highlight == WelcomeChoices::DropboxChoice);

@@ -27,7 +27,7 @@ struct TMLTDocumentViewController::BackgroundSave : DocumentSave
 
     // What the thread finds out.
     std::optional<FileStamp> stamp; ///< of the file that was compared
-    bool isForeign = false; ///< somebody else wrote the file meanwhile
+    bool isForeign = false;         ///< somebody else wrote the file meanwhile
     std::unique_ptr<StagedFile> file;
 
     void run();

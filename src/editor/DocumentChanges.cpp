@@ -27,9 +27,9 @@ bool isBelow(const QString &path, const QString &folder)
 // Sound, films and pictures, whose pages hold nothing but them.
 bool isMedium(const QString &path)
 {
-    static const QStringList media{QStringLiteral("m4a"), QStringLiteral("mp3"), QStringLiteral("aac"),
+    static const QStringList media{QStringLiteral("m4a"),  QStringLiteral("mp3"), QStringLiteral("aac"),
                                    QStringLiteral("aiff"), QStringLiteral("m4v"), QStringLiteral("mp4"),
-                                   QStringLiteral("mov"), QStringLiteral("wav"), QStringLiteral("mpg")};
+                                   QStringLiteral("mov"),  QStringLiteral("wav"), QStringLiteral("mpg")};
     return hasImageExtension(path) || media.contains(lowerExtension(path));
 }
 
@@ -64,8 +64,8 @@ void TMLTDocumentViewController::observe()
 
 bool TMLTDocumentViewController::isStyleChange(const QString &changedPath) const
 {
-    const bool ofBook = lastPathComponent(changedPath) == u"BookProperties.plist" &&
-                        isBelow(m_path, tomelet::parentPath(changedPath));
+    const bool ofBook =
+        lastPathComponent(changedPath) == u"BookProperties.plist" && isBelow(m_path, tomelet::parentPath(changedPath));
     return (ofBook || changedPath == tm_plistPath(m_path)) && relevantInheritedPropertyDidChange();
 }
 
@@ -171,10 +171,17 @@ void TMLTDocumentViewController::documentMoved(const QString &originalPath, cons
 QVariantMap TMLTDocumentViewController::relevantInheritedProperties() const
 {
     static const QStringList keys{
-        QStringLiteral("notesFontName"),   QStringLiteral("noteFontSize"),      QStringLiteral("TextColor"),
-        QStringLiteral("BackgroundColor"), QStringLiteral("BackgroundImage"),   QStringLiteral("TextAlignment"),
-        QStringLiteral("lineSpacing"),     QStringLiteral("HyphenateText"),     QStringLiteral("MarkdownConverter"),
-        QStringLiteral("TOC"),             QStringLiteral("CSS"),
+        QStringLiteral("notesFontName"),
+        QStringLiteral("noteFontSize"),
+        QStringLiteral("TextColor"),
+        QStringLiteral("BackgroundColor"),
+        QStringLiteral("BackgroundImage"),
+        QStringLiteral("TextAlignment"),
+        QStringLiteral("lineSpacing"),
+        QStringLiteral("HyphenateText"),
+        QStringLiteral("MarkdownConverter"),
+        QStringLiteral("TOC"),
+        QStringLiteral("CSS"),
     };
     static const QStringList pages{QStringLiteral("html"), QStringLiteral("webarchive"), QStringLiteral("eml")};
     if (m_path.isEmpty() || !(hasPlainTextExtension(m_path) || pages.contains(lowerExtension(m_path)))) return {};

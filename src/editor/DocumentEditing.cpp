@@ -79,8 +79,7 @@ void TMLTDocumentViewController::saveTyping()
 
 void TMLTDocumentViewController::saveAfter(std::chrono::milliseconds pause)
 {
-    platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), pause,
-                                     [this] { autosave(); });
+    platform().delayedCalls.schedule(QStringLiteral("writeTextToFile"), callArgument(), pause, [this] { autosave(); });
 }
 
 void TMLTDocumentViewController::saveWhileTypingAfter(std::chrono::milliseconds pause)
@@ -90,8 +89,9 @@ void TMLTDocumentViewController::saveWhileTypingAfter(std::chrono::milliseconds 
                                      [this] { saveWhileTyping(); });
 }
 
-// Who types without a pause loses no more than 0.6 second when the program ends: half of that is left for a page that has
-// to tell what it holds, and for the disk. The file gets its name at the next pause: a title that is half typed is none.
+// Who types without a pause loses no more than 0.6 second when the program ends: half of that is left for a page that
+// has to tell what it holds, and for the disk. The file gets its name at the next pause: a title that is half typed is
+// none.
 void TMLTDocumentViewController::saveWhileTyping()
 {
     m_savesWhileTyping = false;

@@ -76,8 +76,7 @@ bool tm_generatorIsTomelet(const QString &page)
 
 bool isCombinedMarkdown(const QString &path)
 {
-    return lowerExtension(path) == u"html" &&
-           tm_propertyForKey(path, QStringLiteral("Markdown")).toString() == u"OK";
+    return lowerExtension(path) == u"html" && tm_propertyForKey(path, QStringLiteral("Markdown")).toString() == u"OK";
 }
 
 QString combinedForm(const QString &source)
@@ -87,8 +86,8 @@ QString combinedForm(const QString &source)
     QString page = tm_markdownToHTML(plainRepresentationMark + kept + QStringLiteral("\n-->"));
     // A text has no name that the page could bear; without a heading it is called by its first line.
     const qsizetype from = page.indexOf(u"<!DOCTYPE") + 1;
-    const Range title = rangeOfPattern(page, QStringLiteral("<title>(.*?)</title>"), PatternDotAll,
-                                       {from, Range::notFound}, 1);
+    const Range title =
+        rangeOfPattern(page, QStringLiteral("<title>(.*?)</title>"), PatternDotAll, {from, Range::notFound}, 1);
     if (title.isFound() && page.indexOf(u"<h1", from) < 0)
         replaceRange(page, title, tm_firstLineOfText(source).toHtmlEscaped());
     return page;
@@ -97,8 +96,10 @@ QString combinedForm(const QString &source)
 QString cleanedBody(const QString &html)
 {
     static const std::pair<QString, QString> literals[] = {
-        {QStringLiteral("<ul></ul>"), {}},         {QStringLiteral("<ol></ol>"), {}},
-        {QStringLiteral("<li></li>"), {}},         {QStringLiteral("<h1><br></h1>"), {}},
+        {QStringLiteral("<ul></ul>"), {}},
+        {QStringLiteral("<ol></ol>"), {}},
+        {QStringLiteral("<li></li>"), {}},
+        {QStringLiteral("<h1><br></h1>"), {}},
         {QStringLiteral("<li><li "), QStringLiteral("<li ")},
     };
     static const QString patterns[] = {

@@ -33,8 +33,7 @@ EditedText::EditedText(QString text, Range selection)
     , m_originalSize(m_text.size())
     , m_untouchedInFront(m_text.size())
     , m_untouchedBehind(m_text.size())
-{
-}
+{}
 
 void EditedText::select(Range selection)
 {

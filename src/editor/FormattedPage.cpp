@@ -93,8 +93,7 @@ QString exportedNotesPage(const QString &path)
 {
     const QString offer = QStringLiteral("<p>%1</p>\n<p><a name=\"link\" href=\"file://%2\">%3</a></p>")
                               .arg(localized(TOMELET_TEXT("This file contains notes exported from Evernote.")),
-                                   percentEncodedPath(path),
-                                   localized(TOMELET_TEXT("Click to extract and import...")));
+                                   percentEncodedPath(path), localized(TOMELET_TEXT("Click to extract and import...")));
     return tm_createFormattedDocWithBody(
         path, QStringLiteral("<h1>%1</h1>\n").arg(lastPathComponent(path).toHtmlEscaped()) + offer);
 }

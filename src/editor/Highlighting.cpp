@@ -70,7 +70,8 @@ int stepsFor(Range range)
     return int(least + range.length / unitsOfStep);
 }
 
-bool isExcluded(const QString &text, const PatternMatch &match, const HighlightRow &row, const HighlightOptions &options)
+bool isExcluded(const QString &text, const PatternMatch &match, const HighlightRow &row,
+                const HighlightOptions &options)
 {
     return row.condition == HighlightCondition::Contexts &&
            options.excludedContexts.contains(substring(text, match.group(1)));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What Markdown means in a plain text, as ranges with marks. One ordered table of patterns runs over a range of the text;
-// each row lays its marks over those of the rows before it. Positions are UTF-16 units.
+// What Markdown means in a plain text, as ranges with marks. One ordered table of patterns runs over a range of the
+// text; each row lays its marks over those of the rows before it. Positions are UTF-16 units.
 #pragma once
 
 #include "editor/HighlightRows.h"

@@ -34,14 +34,13 @@ Lines linesOf(const QString &text)
 void sortLines(QStringList &lines, const EditorSettings &settings)
 {
     const auto key = [&](const QString &line) { return settings.sortLinesCaseSensitive ? line : line.toCaseFolded(); };
-    std::ranges::stable_sort(lines, [&](const QString &a, const QString &b) {
-        return localizedCompare(key(a), key(b)) < 0;
-    });
+    std::ranges::stable_sort(lines,
+                             [&](const QString &a, const QString &b) { return localizedCompare(key(a), key(b)) < 0; });
     if (settings.sortLinesDescending) std::ranges::reverse(lines);
 }
 
-// Two neighbouring blocks of lines change places; each place keeps its line end. `offset` is what the selection moves by,
-// given the length of the upper block as it comes to stand.
+// Two neighbouring blocks of lines change places; each place keeps its line end. `offset` is what the selection moves
+// by, given the length of the upper block as it comes to stand.
 template <typename Offset>
 bool swapLines(EditedText &edited, Range upper, Range lower, Offset offset)
 {

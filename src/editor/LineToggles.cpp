@@ -43,16 +43,14 @@ QString withNextListKind(const QString &lines)
     };
     if (lines.isEmpty()) return QStringLiteral("- ");
     for (const Kind &kind : kinds)
-        if (rangeOfPattern(lines, kind.found).isFound())
-            return regexSweep(lines, kind.replaced, kind.by, linesAndDots);
+        if (rangeOfPattern(lines, kind.found).isFound()) return regexSweep(lines, kind.replaced, kind.by, linesAndDots);
     return regexSweep(lines, QStringLiteral("^([ \\t]*)"), QStringLiteral("$1- "), linesAndDots);
 }
 
 QString withCommentsToggled(const QString &lines)
 {
     if (lines.isEmpty()) return QStringLiteral("// ");
-    if (lines.startsWith(u"//"))
-        return regexSweep(lines, QStringLiteral(R"(^(\s*)//\s)"), {}, PatternLineAnchored);
+    if (lines.startsWith(u"//")) return regexSweep(lines, QStringLiteral(R"(^(\s*)//\s)"), {}, PatternLineAnchored);
     return regexSweep(lines, QStringLiteral("^"), QStringLiteral("// "), PatternLineAnchored);
 }
 

@@ -78,8 +78,8 @@ void continueList(EditedText &edited, const QString &mark, bool shiftKeyPressed)
 {
     const Range caret{edited.selection().location, 0};
     if (shiftKeyPressed)
-        return edited.tm_replaceCharactersInRange(
-            caret, regexSweep(mark, QStringLiteral(R"([\S])"), QStringLiteral(" ")));
+        return edited.tm_replaceCharactersInRange(caret,
+                                                  regexSweep(mark, QStringLiteral(R"([\S])"), QStringLiteral(" ")));
     QString next = mark;
     next.replace(u'x', u' ').replace(u'X', u' ');
     if (!isNumbered(mark)) return edited.tm_replaceCharactersInRange(caret, next);

@@ -50,7 +50,9 @@ Range firstLineOfList(const QString &text, Range range)
 class Levels
 {
 public:
-    explicit Levels(qlonglong first) : m_start(first) {}
+    explicit Levels(qlonglong first)
+        : m_start(first)
+    {}
 
     /// What the line's number is to be.
     qlonglong next(const Number &number)

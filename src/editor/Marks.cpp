@@ -121,8 +121,8 @@ void tm_smartReplaceCharactersInRange(EditedText &edited, Range range, const QSt
 {
     const bool inFront = range.location > 0 && !edited.at(range.location - 1).isSpace();
     const bool behind = range.end() < edited.text().size() && !edited.at(range.end()).isSpace();
-    const QString replacement = (inFront ? QStringLiteral(" ") : QString()) + string +
-                                (behind ? QStringLiteral(" ") : QString());
+    const QString replacement =
+        (inFront ? QStringLiteral(" ") : QString()) + string + (behind ? QStringLiteral(" ") : QString());
     edited.tm_replaceCharactersInRange(range, replacement);
     edited.select({range.location + replacement.size(), 0});
 }

@@ -31,8 +31,8 @@ SavedForm savedForm(const NewDocument &document)
 {
     const QString extension = document.extension.isEmpty() ? extensionOfNewDocuments() : document.extension;
     if (extension == u"html" || extension == u"htm")
-        return {extension, tm_createFormattedDocWithBody(document.book, document.text), tm_htmlToPlainQuick(document.text),
-                false};
+        return {extension, tm_createFormattedDocWithBody(document.book, document.text),
+                tm_htmlToPlainQuick(document.text), false};
     if (extension == u"md" && settings().boolean(QStringLiteral("createCombinedMarkdown")))
         return {QStringLiteral("html"), combinedForm(document.text), document.text, true};
     return {extension, document.text, document.text, false};

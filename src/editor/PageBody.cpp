@@ -12,8 +12,7 @@ namespace {
 // stay.
 QString withoutRawText(const QString &page)
 {
-    static const QString raw =
-        QStringLiteral(R"((?is)<!--.*?-->|<(script|style|title|textarea)\b[^>]*>.*?</\1\s*>)");
+    static const QString raw = QStringLiteral(R"((?is)<!--.*?-->|<(script|style|title|textarea)\b[^>]*>.*?</\1\s*>)");
     QString blanked = page;
     for (Range range = rangeOfPattern(blanked, raw); range.isFound(); range = rangeOfPattern(blanked, raw))
         blanked.replace(range.location, range.length, QString(range.length, u' '));
@@ -42,8 +41,7 @@ QString pageWithBody(const QString &source, const QString &body)
         return pageWithBody(source.left(end) + source.mid(start.location), body);
     const bool endsBody = rangeOfPattern(markup, QStringLiteral(R"((?i)</body\s*>)")).isFound();
     const bool endsPage = rangeOfPattern(markup, QStringLiteral(R"((?i)</html\s*>)")).isFound();
-    return source.left(start.end()) + body + (endsBody ? u"</body>" : u"") +
-           (endsPage ? u"\n</html>\n" : u"");
+    return source.left(start.end()) + body + (endsBody ? u"</body>" : u"") + (endsPage ? u"\n</html>\n" : u"");
 }
 
 QString headOfPage(const QString &page)

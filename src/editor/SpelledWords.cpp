@@ -45,8 +45,7 @@ std::vector<Range> spelledWords(QStringView line)
             continue;
         }
         qsizetype end = i;
-        while (end < line.size() && !line[end].isSpace() && line[end] != u'`')
-            ++end;
+        while (end < line.size() && !line[end].isSpace() && line[end] != u'`') ++end;
         const QStringView token = line.sliced(i, end - i);
         if (isPlainToken(token)) addWords(token, i, words);
         i = std::max(end, line.size() > end && line[end] == u'`' ? end : end + 1);

@@ -166,7 +166,7 @@ private:
     bool m_titleIsFirstLineOfText = false;
     bool m_isEditable = false; ///< the text came out of the file whole, so that it can go back
     bool m_isEdited = false;
-    bool m_isTyping = false; ///< the save is one between two keys
+    bool m_isTyping = false;         ///< the save is one between two keys
     bool m_savesWhileTyping = false; ///< such a save waits
     bool m_forcedSave = false;
     QString m_failure; ///< was told
@@ -179,7 +179,7 @@ private:
     quint64 m_changes = 0; ///< counts what was typed
     std::shared_ptr<BackgroundSave> m_save;
     bool m_savesAgain = false; ///< another save was due meanwhile
-    QObject m_mainThread; // receives what the thread hands back; nothing comes once it is gone
+    QObject m_mainThread;      // receives what the thread hands back; nothing comes once it is gone
     SerialQueue m_saves;
 };
 

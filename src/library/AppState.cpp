@@ -44,9 +44,12 @@ void saveExpandedPaths(const QStringList &paths)
 
 static WindowEntry entryFrom(const QVariantMap &map)
 {
-    return {map.value(QStringLiteral("path")).toString(), map.value(QStringLiteral("tab")).toString(),
-            map.value(QStringLiteral("selected")).toString() == u"1", map.value(QStringLiteral("frame")).toString(),
-            map.value(QStringLiteral("minimized")).toString(), map.value(QStringLiteral("side")).toString(),
+    return {map.value(QStringLiteral("path")).toString(),
+            map.value(QStringLiteral("tab")).toString(),
+            map.value(QStringLiteral("selected")).toString() == u"1",
+            map.value(QStringLiteral("frame")).toString(),
+            map.value(QStringLiteral("minimized")).toString(),
+            map.value(QStringLiteral("side")).toString(),
             map.value(QStringLiteral("toggled")).toString() == u"1"};
 }
 

@@ -15,9 +15,9 @@ struct WindowEntry
     QString path;
     QString tab;
     bool selected = false;
-    QString frame;     ///< "{{x, y}, {width, height}}" of the text column; extra windows only
-    QString minimized; ///< "1" or "0"; extra windows only
-    QString side = {}; ///< "1" for a tab of the right-hand side, where two stand beside each other
+    QString frame;        ///< "{{x, y}, {width, height}}" of the text column; extra windows only
+    QString minimized;    ///< "1" or "0"; extra windows only
+    QString side = {};    ///< "1" for a tab of the right-hand side, where two stand beside each other
     bool toggled = false; ///< in the other of the document's two views
 };
 

@@ -35,7 +35,8 @@ protected:
     {
         QStringList names;
         for (const WindowEntry &entry : entries)
-            names.append(QString(entry.path.mid(root.size()) + (entry.selected ? u"*" : u"") + entry.side + (entry.toggled ? u"~" : u"")));
+            names.append(QString(entry.path.mid(root.size()) + (entry.selected ? u"*" : u"") + entry.side +
+                                 (entry.toggled ? u"~" : u"")));
         return names;
     }
     [[nodiscard]] QStringList shown() const { return shown(desk.entries(QStringLiteral("0"))); }

@@ -91,8 +91,7 @@ TEST_F(DueDate, hasThreeButtonsInTheirOrder)
     const QList<QAbstractButton *> buttons =
         open(QStringLiteral("2026-11-21T00:00:00")).findChildren<QAbstractButton *>();
     QStringList texts;
-    for (const QAbstractButton *button : buttons)
-        texts.append(button->text());
+    for (const QAbstractButton *button : buttons) texts.append(button->text());
     EXPECT_LT(texts.indexOf(u"Set"), texts.indexOf(u"Clear"));
     EXPECT_LT(texts.indexOf(u"Clear"), texts.indexOf(u"Cancel"));
     EXPECT_EQ(box->button(), 2); // closed by the window's frame

@@ -15,8 +15,8 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileInfo>
 #include <QDropEvent>
+#include <QFileInfo>
 #include <QImage>
 #include <QMimeData>
 #include <QRegularExpression>
@@ -82,8 +82,7 @@ protected:
     }
     [[nodiscard]] QString body()
     {
-        return pane.view()->innerHTML().trimmed().remove(
-            QRegularExpression(QStringLiteral(" tmtableid=\"\\d+\"")));
+        return pane.view()->innerHTML().trimmed().remove(QRegularExpression(QStringLiteral(" tmtableid=\"\\d+\"")));
     }
     // What the engine does in its own time.
     template <typename Condition>
@@ -93,8 +92,7 @@ protected:
     }
     void undoAll(int steps)
     {
-        for (int i = 0; i < steps; ++i)
-            pane.view()->undo();
+        for (int i = 0; i < steps; ++i) pane.view()->undo();
         pane.view()->waitForPage();
     }
     ItemActions actions;
@@ -128,10 +126,8 @@ constexpr const char *spans = "<table><tbody><tr><td id='a' rowspan='2'>a</td><t
 
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
-    {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')",
-     "<h2>one</h2>"},
-    {"list", "<p>one</p><p id='z'>two</p>", "p", 0, "#z", 3, "tm.toggleList()",
-     "<ul><li>one</li><li>two</li></ul>"},
+    {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')", "<h2>one</h2>"},
+    {"list", "<p>one</p><p id='z'>two</p>", "p", 0, "#z", 3, "tm.toggleList()", "<ul><li>one</li><li>two</li></ul>"},
     {"numbers in the middle of a list", "<ul><li>one</li><li id='z'>two</li></ul>", "#z", 1, "#z", 1,
      "tm.setList(true)", "<ol><li>one</li><li id='z'>two</li></ol>"},
     {"joined paragraphs", "<h2>one</h2><p>two</p>", "p", 0, "p", 0, "document.execCommand('delete')",
@@ -142,8 +138,8 @@ const Row rows[] = {
      "<li id='z' class='tm_checkbox'><input type='checkbox'>two</li><li>three</li></ul>"},
     {"done", "<ul><li class='tm_checkbox'><i>one</i></li></ul>", "i", 1, "i", 1, "tm.toggleDone()",
      "<ul><li class='tm_checkbox_done'><i>one</i></li></ul>"},
-    {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i",
-     1, "i", 1, "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
+    {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i", 1, "i", 1,
+     "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
     {"row below the heading", table, "th", 0, "th", 0, "tm.insertRow(true)",
      "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td><br></td><td><br></td></tr>"
      "<tr><td>1</td><td>2</td></tr></tbody></table>"},
@@ -151,12 +147,11 @@ const Row rows[] = {
      "<table><tbody><tr><th><br></th><th>a</th><th>b</th></tr>"
      "<tr><td><br></td><td>1</td><td>2</td></tr></tbody></table>"},
     {"column inside of a span",
-     "<table><tbody><tr><td colspan='2'>a</td></tr><tr><td>1</td><td id='z'>2</td></tr></tbody></table>",
-     "#z", 0, "#z", 0, "tm.insertColumn(false)",
+     "<table><tbody><tr><td colspan='2'>a</td></tr><tr><td>1</td><td id='z'>2</td></tr></tbody></table>", "#z", 0, "#z",
+     0, "tm.insertColumn(false)",
      "<table><tbody><tr><td colspan='3'>a</td></tr><tr><td>1</td><td><br></td><td "
      "id='z'>2</td></tr></tbody></table>"},
-    {"rows", table, "td", 0, "td", 0, "tm.removeRows()",
-     "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
+    {"rows", table, "td", 0, "td", 0, "tm.removeRows()", "<table><tbody><tr><th>a</th><th>b</th></tr></tbody></table>"},
     {"columns", table, "td", 0, "td", 0, "tm.removeColumns()",
      "<table><tbody><tr><th>b</th></tr><tr><td>2</td></tr></tbody></table>"},
     {"row inside of a span", spans, "#b", 0, "#b", 0, "tm.insertRow(true)",
@@ -221,8 +216,7 @@ TEST_F(FormattedEditing, everyCommandIsOneStepThatCanBeUndone)
         if (HasFatalFailure()) return;
         const QString before = body();
         select(QString::fromUtf8(row.from), row.start, QString::fromUtf8(row.to), row.end);
-        const QString expected =
-            row.name == std::string_view("marks") ? QString::fromUtf8(row.after) : html(row.after);
+        const QString expected = row.name == std::string_view("marks") ? QString::fromUtf8(row.after) : html(row.after);
         EXPECT_EQ(afterScript(QString::fromUtf8(row.script)), expected);
         undoAll(1);
         EXPECT_EQ(body(), before);
@@ -286,8 +280,10 @@ TEST_F(FormattedEditing, foreignPagesKeepAllThatIsNotTheirBody)
 TEST_F(FormattedEditing, whatIsSavedReadsAsTheSamePage)
 {
     const QByteArray source = "<p>a</p><pre>\n\n  code</pre><p>x&#13;y &lt;b&gt; \xc2\xa0</p><textarea>\n\nt</textarea>"
-                              "<!-- c --><svg viewBox=\"0 0 1 1\"><path d=\"M0 0\"></path></svg><details open=\"\"><summary>s</summary></details>";
-    path = write(QStringLiteral("/Foreign.html"), "<html><head><title>t</title></head><body>" + source + "</body></html>");
+                              "<!-- c --><svg viewBox=\"0 0 1 1\"><path d=\"M0 0\"></path></svg><details "
+                              "open=\"\"><summary>s</summary></details>";
+    path =
+        write(QStringLiteral("/Foreign.html"), "<html><head><title>t</title></head><body>" + source + "</body></html>");
     QByteArray before;
     for (const char *letter : {"Q", "W", "Z"}) {
         show();
@@ -298,7 +294,9 @@ TEST_F(FormattedEditing, whatIsSavedReadsAsTheSamePage)
         EXPECT_EQ(before.isEmpty() ? QByteArray() : QByteArray(after).replace(letter, ""), before);
         before = after;
     }
-    EXPECT_EQ(before, "<html><head><title>t</title></head><body>" + QByteArray(source).replace("<p>a", "<p>ZWQa").replace("\xc2\xa0", "&nbsp;") + "</body>\n</html>\n");
+    EXPECT_EQ(before, "<html><head><title>t</title></head><body>" +
+                          QByteArray(source).replace("<p>a", "<p>ZWQa").replace("\xc2\xa0", "&nbsp;") +
+                          "</body>\n</html>\n");
 }
 
 TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
@@ -310,8 +308,7 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
     notifications().post(QStringLiteral("TMLTReloadCurrentDocument"));
     afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("y")));
     EXPECT_EQ(body(), QStringLiteral("<p>onxye</p>"));
-    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(),
-              QStringLiteral("31px"));
+    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(), QStringLiteral("31px"));
     undoAll(2);
     EXPECT_EQ(body(), QStringLiteral("<p>one</p>"));
 }
@@ -342,8 +339,7 @@ TEST_F(FormattedEditing, picturesGoBesideTheDocument)
     open(QStringLiteral("<p>one</p>"));
     QImage picture(4, 4, QImage::Format_RGB32);
     picture.fill(Qt::red);
-    for (int i = 0; i < 2; ++i)
-        Q_EMIT pane.view()->imagePasted(picture);
+    for (int i = 0; i < 2; ++i) Q_EMIT pane.view()->imagePasted(picture);
     pane.view()->waitForPage();
     const QStringList stored = names(QStringLiteral("/TMImages"));
     ASSERT_FALSE(stored.isEmpty());
@@ -369,13 +365,13 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
     EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p>one two</p>")); }));
     QTest::keyClick(keys, Qt::Key_A, Qt::ControlModifier);
     // The page takes keys in its own time, and commands come another way.
-    EXPECT_TRUE(comes([&] { return script(QStringLiteral("getSelection().toString()")).toString().contains(u"one two"); }));
+    EXPECT_TRUE(
+        comes([&] { return script(QStringLiteral("getSelection().toString()")).toString().contains(u"one two"); }));
     QTest::keyClick(keys, Qt::Key_B, Qt::ControlModifier);
     EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p><b>one two</b></p>")); }));
-    const QVariantMap place =
-        script(QStringLiteral("{ const r = document.querySelector('li').getBoundingClientRect();"
-                              "({x: r.left - 8, y: r.top + 8}) }"))
-            .toMap();
+    const QVariantMap place = script(QStringLiteral("{ const r = document.querySelector('li').getBoundingClientRect();"
+                                                    "({x: r.left - 8, y: r.top + 8}) }"))
+                                  .toMap();
     const QPoint box(place[QStringLiteral("x")].toInt(), place[QStringLiteral("y")].toInt());
     QTest::mouseClick(keys, Qt::LeftButton, {}, box);
     EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
@@ -399,8 +395,12 @@ TEST_F(FormattedEditing, typingIsUndoneByWords)
     QTest::keyClick(keys, Qt::Key_Return);
     QTest::keyClicks(keys, QStringLiteral("x"));
     ASSERT_TRUE(shows("<p>ab one t</p><p>x</p><p>z</p>")) << body().toStdString();
-    const char *back[] = {"<p>ab one t</p><p><br></p><p>z</p>", "<p>ab one t</p><p>z</p>", "<p>ab one two</p><p>z</p>",
-                          "<p>ab one_</p><p>z</p>", "<p>ab_</p><p>z</p>", "<p>a</p><p>z</p>"};
+    const char *back[] = {"<p>ab one t</p><p><br></p><p>z</p>",
+                          "<p>ab one t</p><p>z</p>",
+                          "<p>ab one two</p><p>z</p>",
+                          "<p>ab one_</p><p>z</p>",
+                          "<p>ab_</p><p>z</p>",
+                          "<p>a</p><p>z</p>"};
     for (const char *state : back) {
         QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
         EXPECT_TRUE(shows(state)) << state << "\n" << body().toStdString();
@@ -427,7 +427,8 @@ TEST_F(FormattedEditing, dropsComeInWhereTheyAreLetGo)
     QMimeData file;
     file.setUrls({QUrl::fromLocalFile(write(QStringLiteral("/Other.md")))});
     drop(file);
-    EXPECT_EQ(body(), QStringLiteral("<p>one</p><p id=\"z\"><a href=\"file://%1/Other.md\">Other</a>two</p>").arg(root));
+    EXPECT_EQ(body(),
+              QStringLiteral("<p>one</p><p id=\"z\"><a href=\"file://%1/Other.md\">Other</a>two</p>").arg(root));
     undoAll(1);
     EXPECT_EQ(body(), before);
 
@@ -479,18 +480,22 @@ TEST_F(FormattedEditing, replacingStaysOutsideOfTags)
 
 TEST_F(FormattedEditing, wordsAreReplacedAcrossTags)
 {
-    const QString before = QStringLiteral("<p>no<b>te</b>, <i>a</i> no<b>t<i>e</i>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te"
-                                          "</li></ul><p>two\n words, two&nbsp;words</p>");
+    const QString before =
+        QStringLiteral("<p>no<b>te</b>, <i>a</i> no<b>t<i>e</i>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te"
+                       "</li></ul><p>two\n words, two&nbsp;words</p>");
     open(before);
     EXPECT_EQ(afterScript(QStringLiteral("tm.replaceAll('note', 'word')")),
               QStringLiteral("<p>word, <i>a</i> word<b>s</b></p><ul><li>no<ul><li>te</li></ul>te no<br>te</li></ul>"
                              "<p>two\n words, two&nbsp;words</p>"));
-    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceAll('two words', 'Three')")).endsWith(QStringLiteral("<p>Three, Three</p>")));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceAll('two words', 'Three')"))
+                    .endsWith(QStringLiteral("<p>Three, Three</p>")));
     undoAll(2);
     EXPECT_EQ(body(), before);
     select(QStringLiteral("p > b"), 1, QStringLiteral("p > b"), 1);
-    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', '')")).startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
-    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', 'x')")).startsWith(QStringLiteral("<p>x, <i>a</i> <b>s</b></p>")));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', '')"))
+                    .startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
+    EXPECT_TRUE(afterScript(QStringLiteral("tm.replaceNext('note', 'x')"))
+                    .startsWith(QStringLiteral("<p>x, <i>a</i> <b>s</b></p>")));
     undoAll(1);
     EXPECT_TRUE(body().startsWith(QStringLiteral("<p>no<b>te</b>, <i>a</i> <b>s</b></p>")));
 }
@@ -528,8 +533,11 @@ TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
     pane.showDocument(path);
     ASSERT_TRUE(loaded.wait(20000));
     const auto boxAt = [this](int number) {
-        return script(QStringLiteral("{ window.scrollTo(0, 20); const r = document.querySelectorAll('li')[%1].getBoundingClientRect();"
-                                     "({x: r.left - 8, y: r.top + 8}) }").arg(number)).toMap();
+        return script(QStringLiteral("{ window.scrollTo(0, 20); const r = "
+                                     "document.querySelectorAll('li')[%1].getBoundingClientRect();"
+                                     "({x: r.left - 8, y: r.top + 8}) }")
+                          .arg(number))
+            .toMap();
     };
     const auto click = [this, &boxAt](int number) {
         const QVariantMap place = boxAt(number);
@@ -540,7 +548,8 @@ TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
         return script(QStringLiteral("[...document.querySelectorAll('li')].map(e => e.className).join()")).toString();
     };
     click(0);
-    EXPECT_TRUE(comes([&] { return read(QStringLiteral("/Tasks.md")) == QByteArray(source).replace("[ ] one", "[x] one"); }));
+    EXPECT_TRUE(
+        comes([&] { return read(QStringLiteral("/Tasks.md")) == QByteArray(source).replace("[ ] one", "[x] one"); }));
     EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox_done"); }));
     click(1);
     EXPECT_TRUE(comes([&] { return shown() == QStringLiteral("tm_checkbox_done,tm_checkbox"); }));
@@ -555,14 +564,18 @@ TEST_F(FormattedEditing, boxesOfMarkdownPagesToggleTheirLines)
 TEST_F(FormattedEditing, longPagesAreLaidOutBitByBitAndScrollToTheirPlace)
 {
     QByteArray source = "Long\n";
-    for (int i = 0; i < 3000; ++i) source += "\nParagraph " + QByteArray::number(i) + QByteArray(" and some words of it").repeated(5 + i % 7) + "\n";
+    for (int i = 0; i < 3000; ++i)
+        source +=
+            "\nParagraph " + QByteArray::number(i) + QByteArray(" and some words of it").repeated(5 + i % 7) + "\n";
     settings().setObject(QStringLiteral("showMarkdownAsPlainText"), false);
     path = write(QStringLiteral("/Long.md"), source);
     tm_setProperty(path, QStringLiteral("60000"), QStringLiteral("Offset"));
     pane.resize(800, 300);
     pane.show();
     pane.showDocument(path);
-    const auto rule = [this] { return script(QStringLiteral("document.getElementById('tm_long_page')?.textContent ?? 'none'")).toString(); };
+    const auto rule = [this] {
+        return script(QStringLiteral("document.getElementById('tm_long_page')?.textContent ?? 'none'")).toString();
+    };
     const QString onTop = QStringLiteral("document.elementFromPoint(400, 100)?.textContent.slice(0, 15)");
     EXPECT_TRUE(comes([&] { return script(QStringLiteral("window.scrollY")).toInt() == 60000; }));
     const QString early = script(onTop).toString();
@@ -580,7 +593,10 @@ TEST(PageBody, findsItsBody)
               QStringLiteral("<head><!-- <body> --></head>b"));
     EXPECT_EQ(pageWithBody(QStringLiteral("<body title='a>b'>c</body>d"), QStringLiteral("e")),
               QStringLiteral("<body title='a>b'>e</body>"));
-    EXPECT_EQ(pageWithBody(QStringLiteral("<!DOCTYPE html><html>\n<head><style>p</style>stray <b>text</b></head>\n<body class=x>c</body>"), QStringLiteral("e")),
+    EXPECT_EQ(pageWithBody(
+                  QStringLiteral(
+                      "<!DOCTYPE html><html>\n<head><style>p</style>stray <b>text</b></head>\n<body class=x>c</body>"),
+                  QStringLiteral("e")),
               QStringLiteral("<!DOCTYPE html><html>\n<head><style>p</style><body class=x>e</body>"));
     EXPECT_EQ(headOfPage(QStringLiteral("<html><head x><title></head></title></head>")),
               QStringLiteral("<title></head></title>"));

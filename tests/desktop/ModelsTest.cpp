@@ -52,7 +52,8 @@ protected:
         outline->show();
         view.show();
         outline->expandAll();
-        QObject::connect(&actions, &ItemActions::failed, [this](const QString &title, const QString &) { told = title; });
+        QObject::connect(&actions, &ItemActions::failed,
+                         [this](const QString &title, const QString &) { told = title; });
     }
     void TearDown() override
     {
@@ -75,7 +76,8 @@ protected:
     [[nodiscard]] QString documents() const
     {
         QStringList names;
-        for (int row = 0; row < list->rowCount(); ++row) names.append(list->index(row).data(Qt::DisplayRole).toString());
+        for (int row = 0; row < list->rowCount(); ++row)
+            names.append(list->index(row).data(Qt::DisplayRole).toString());
         return names.join(u' ');
     }
     [[nodiscard]] static QString books(const QString &path)
@@ -97,7 +99,8 @@ protected:
         actions.undoStack().redo();
         settle();
     }
-    bool dropOnTree(const QStringList &paths, int row, const QModelIndex &parent, Qt::DropAction action = Qt::MoveAction)
+    bool dropOnTree(const QStringList &paths, int row, const QModelIndex &parent,
+                    Qt::DropAction action = Qt::MoveAction)
     {
         const std::unique_ptr<QMimeData> data(dragDataFor(paths));
         const bool allowed = tree->canDropMimeData(data.get(), action, row, 0, parent);
@@ -255,8 +258,8 @@ TEST_F(Desktop, booksAreRenamedInTheTree)
 TEST_F(Desktop, dropsMoveAndUndoBringsBack)
 {
     tm_setProperty(at(QStringLiteral("/A/one.md")), QStringLiteral("u"), QStringLiteral("URL"));
-    EXPECT_TRUE(dropOnTree({at(QStringLiteral("/A/one.md")), at(QStringLiteral("/A/Inner"))}, -1,
-                           rowOf(QStringLiteral("/B"))));
+    EXPECT_TRUE(
+        dropOnTree({at(QStringLiteral("/A/one.md")), at(QStringLiteral("/A/Inner"))}, -1, rowOf(QStringLiteral("/B"))));
     EXPECT_EQ(names(QStringLiteral("/B")).join(u' '), QStringLiteral("Inner one.md one.md.plist other.md"));
     EXPECT_EQ(documents(), QStringLiteral("three two"));
     EXPECT_EQ(books(QStringLiteral("/B/Inner")), QStringLiteral("Deep"));
@@ -299,7 +302,8 @@ TEST_F(Desktop, reorderingByDropStoresTheCustomOrder)
     settle();
     EXPECT_EQ(documents(), QStringLiteral("two one three"));
     const QVariantMap stored = plist(QStringLiteral("/A/BookProperties.plist"));
-    EXPECT_EQ(stored.value(QStringLiteral("Notes")).toStringList().join(u' '), QStringLiteral("two.md one.md three.txt"));
+    EXPECT_EQ(stored.value(QStringLiteral("Notes")).toStringList().join(u' '),
+              QStringLiteral("two.md one.md three.txt"));
     EXPECT_EQ(stored.value(QStringLiteral("sortOrderForNotes")), QStringLiteral("custom"));
 }
 

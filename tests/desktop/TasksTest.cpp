@@ -54,9 +54,8 @@ protected:
         QStringList all;
         for (int row = 0; row < model.rowCount(); ++row) {
             const QModelIndex index = model.index(row);
-            all.append(QString(index.data().toString() + u' ' +
-                               index.data(DocumentListModel::TaskIconRole).toString() + u' ' +
-                               index.data(DocumentListModel::TaskDateRole).toString())
+            all.append(QString(index.data().toString() + u' ' + index.data(DocumentListModel::TaskIconRole).toString() +
+                               u' ' + index.data(DocumentListModel::TaskDateRole).toString())
                            .replace(QChar(0x202f), u' ') // what stands before AM and PM
                            .trimmed());
         }
@@ -115,11 +114,10 @@ TEST_F(DesktopTasks, rowsTellStateDateAndRepeat)
               {QStringLiteral("done.md"), done},
               {QStringLiteral("text.md"), record("no_task")}});
     showList({list, 0, {}});
-    EXPECT_EQ(rows(),
-              (QStringList{QStringLiteral("text"),
-                           QStringLiteral("late task-started-due Wed, Nov 18, 2026, 9:30 AM (3 days ago)"),
-                           QStringLiteral("tomorrow task-open Tomorrow"), QStringLiteral("plain task-open"),
-                           QStringLiteral("done task-done Done, 10 minutes ago")}));
+    EXPECT_EQ(rows(), (QStringList{QStringLiteral("text"),
+                                   QStringLiteral("late task-started-due Wed, Nov 18, 2026, 9:30 AM (3 days ago)"),
+                                   QStringLiteral("tomorrow task-open Tomorrow"), QStringLiteral("plain task-open"),
+                                   QStringLiteral("done task-done Done, 10 minutes ago")}));
     const QModelIndex overdue = rowOf(list + QStringLiteral("/late.md"));
     EXPECT_TRUE(overdue.data(DocumentListModel::OverdueRole).toBool());
     EXPECT_TRUE(overdue.data(DocumentListModel::RepeatsRole).toBool());
@@ -130,8 +128,7 @@ TEST_F(DesktopTasks, rowsTellStateDateAndRepeat)
 
 TEST_F(DesktopTasks, doneTasksAreHiddenWhereTheSettingSaysSo)
 {
-    for (const char *name : {"a.md", "b.md"})
-        tm_setTag(task(QString::fromLatin1(name)), QStringLiteral("home"));
+    for (const char *name : {"a.md", "b.md"}) tm_setTag(task(QString::fromLatin1(name)), QStringLiteral("home"));
     setStore({{QStringLiteral("a.md"), record("done")}, {QStringLiteral("b.md"), record("canceled")}});
     settings().setObject(QStringLiteral("contextsEnabled"), true);
     settings().setObject(QStringLiteral("hideDoneTasks"), true);
@@ -153,8 +150,7 @@ TEST_F(DesktopTasks, theManualOrderKeepsWhatIsHidden)
 {
     const QStringList order{QStringLiteral("c.md"), QStringLiteral("done.md"), QStringLiteral("a.md"),
                             QStringLiteral("b.md")};
-    for (const QString &name : order)
-        task(name);
+    for (const QString &name : order) task(name);
     saveCustomSortOrder(list, {}, order);
     tm_setProperty(list, QStringLiteral("custom"), QStringLiteral("sortOrderForNotes"));
     setStore({{QStringLiteral("done.md"), record("done")}});
@@ -163,11 +159,9 @@ TEST_F(DesktopTasks, theManualOrderKeepsWhatIsHidden)
     model.setFilter(QStringLiteral(".md"));
     const std::unique_ptr<QMimeData> dragged(model.mimeData({rowOf(list + QStringLiteral("/b.md"))}));
     model.dropMimeData(dragged.get(), Qt::MoveAction, 0, 0, {});
-    EXPECT_EQ(plist(QStringLiteral("/List/BookProperties.plist"))
-                  .value(QStringLiteral("Notes"))
-                  .toStringList()
-                  .join(u' '),
-              QStringLiteral("b.md c.md done.md a.md"));
+    EXPECT_EQ(
+        plist(QStringLiteral("/List/BookProperties.plist")).value(QStringLiteral("Notes")).toStringList().join(u' '),
+        QStringLiteral("b.md c.md done.md a.md"));
 }
 
 TEST_F(DesktopTasks, ringAndSpaceBarGoOneStateOn)
@@ -210,8 +204,7 @@ TEST_F(DesktopTasks, aRepeatingTaskIsUndoneWithItsCopy)
     EXPECT_EQ(names(QStringLiteral("/List")).filter(QStringLiteral(".md")).size(), 2);
     EXPECT_EQ(tm_dueDateForTask(path), utc(QStringLiteral("2026-11-27T08:00:00Z")));
     undo();
-    EXPECT_EQ(names(QStringLiteral("/List")).filter(QStringLiteral(".md")),
-              QStringList{QStringLiteral("rent.md")});
+    EXPECT_EQ(names(QStringLiteral("/List")).filter(QStringLiteral(".md")), QStringList{QStringLiteral("rent.md")});
     EXPECT_EQ(lasting(), before);
     redo();
     EXPECT_EQ(tm_dueDateForTask(path), utc(QStringLiteral("2026-11-27T08:00:00Z")));
@@ -238,8 +231,7 @@ TEST_F(DesktopTasks, undoneStatesGoBackIntoTheTextTheyCameFrom)
     EXPECT_EQ(state(made[0]), QStringLiteral("started"));
     undo();
     undo();
-    EXPECT_EQ(names(QStringLiteral("/List")).filter(QStringLiteral(".md")),
-              QStringList{QStringLiteral("Plan.md")});
+    EXPECT_EQ(names(QStringLiteral("/List")).filter(QStringLiteral(".md")), QStringList{QStringLiteral("Plan.md")});
 }
 
 TEST_F(DesktopTasks, dueDatesAreSetClearedAndUndone)
@@ -269,8 +261,7 @@ TEST_F(DesktopTasks, dueDatesAreSetClearedAndUndone)
     chooseDueDates(actions, {a, b}, answer(1, {}));
     settle();
     EXPECT_EQ(counters(), QStringLiteral("0 0"));
-    for (int i = 0; i < 3; ++i)
-        undo();
+    for (int i = 0; i < 3; ++i) undo();
     EXPECT_EQ(tm_dueDateForTask(a), morning);
     EXPECT_EQ(tm_repeatDetails(a), rule);
     EXPECT_EQ(counters(), QStringLiteral("0 2"));

@@ -8,6 +8,7 @@
 #include "editor/SpelledWords.h"
 #include "foundation/Platform.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QClipboard>
 #include <QDropEvent>
@@ -15,7 +16,6 @@
 #include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
-#include <QAbstractTextDocumentLayout>
 #include <QTextBlock>
 #include <QUrl>
 
@@ -99,7 +99,7 @@ TEST_F(TextView, longTextsAreStyledInTheBackground)
     const QString line = QStringLiteral("Some *words* that go on, and [a link](b.md).\n");
     load(line.repeated(4000));
     QSignalSpy done(&view.highlighter(), &TextHighlighter::finished);
-    EXPECT_TRUE(formatsOfLine(3999).isEmpty()); // it is on the screen before that
+    EXPECT_TRUE(formatsOfLine(3999).isEmpty());   // it is on the screen before that
     QTest::keyClicks(&view, QStringLiteral("x")); // and typing outruns the background
     ASSERT_TRUE(done.wait(20000));
     EXPECT_EQ(formatsOfLine(3999).size(), formatsOfLine(0).size());

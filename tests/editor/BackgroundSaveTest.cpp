@@ -86,7 +86,8 @@ TEST_F(BackgroundSave, pagesAndTheirSourcesToo)
     EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("old"));
     typeIntoPage(QStringLiteral("<p>newer</p>"), QStringLiteral("newer"));
     controller.waitForSave();
-    EXPECT_EQ(read(QStringLiteral("/p.html")), QByteArray("<html lang=\"en\"><body><p>new #fresh</p></body>\n</html>\n"));
+    EXPECT_EQ(read(QStringLiteral("/p.html")),
+              QByteArray("<html lang=\"en\"><body><p>new #fresh</p></body>\n</html>\n"));
     EXPECT_TRUE(controller.isEdited());
     pause();
     EXPECT_TRUE(read(QStringLiteral("/p.html")).contains("<p>newer</p>"));

@@ -60,7 +60,8 @@ void check(const std::vector<EditCase> &cases, const EditorSettings &settings = 
         EditedText edited = unmarked(QString::fromUtf16(wanted.before));
         const QString original = edited.text();
         carryOut(edited, QString::fromUtf16(wanted.action), settings);
-        const QString what = QString::fromUtf16(wanted.before) + QStringLiteral(" -> ") + QString::fromUtf16(wanted.action);
+        const QString what =
+            QString::fromUtf16(wanted.before) + QStringLiteral(" -> ") + QString::fromUtf16(wanted.action);
         EXPECT_EQ(marked(edited).toStdString(), QString::fromUtf16(wanted.after).toStdString()) << what.toStdString();
         QString replayed = original;
         if (const Replacement change = edited.change(); change.range.isFound())

@@ -250,7 +250,8 @@ TEST_F(DocumentController, styleComesWithoutAReload)
     notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), properties);
     EXPECT_EQ(view.restyles, 1);
     EXPECT_EQ(view.loads, loads);
-    EXPECT_EQ(controller.relevantInheritedProperties().value(QStringLiteral("CSS")), QStringLiteral("CSS/Serif Book.css"));
+    EXPECT_EQ(controller.relevantInheritedProperties().value(QStringLiteral("CSS")),
+              QStringLiteral("CSS/Serif Book.css"));
 }
 
 TEST_F(DocumentController, contextsLinksAndPicturesAreNoted)

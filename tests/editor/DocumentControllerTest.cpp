@@ -14,12 +14,17 @@ TEST_F(DocumentController, lookingAtDocumentsChangesNothing)
     const QList<std::pair<QString, QByteArray>> kinds{
         {QStringLiteral("/lf.md"), "# a\n\ntext\n"},
         {QStringLiteral("/crlf.txt"), "a\r\nb\nc\r"},
-        {QStringLiteral("/bom.txt"), "\xef\xbb\xbf" "a\n"},
-        {QStringLiteral("/utf16.txt"), QByteArray("\xff\xfe" "a\0\n\0", 6)},
+        {QStringLiteral("/bom.txt"), "\xef\xbb\xbf"
+                                     "a\n"},
+        {QStringLiteral("/utf16.txt"), QByteArray("\xff\xfe"
+                                                  "a\0\n\0",
+                                                  6)},
         {QStringLiteral("/roman.txt"), "caf\x8e\n"},
         {QStringLiteral("/windows.txt"), "caf\xe9\r\n"},
         {QStringLiteral("/nul.txt"), QByteArray("a\0b", 3)},
-        {QStringLiteral("/surrogate.txt"), QByteArray("\xff\xfe\x00\xd8" "a\0", 6)},
+        {QStringLiteral("/surrogate.txt"), QByteArray("\xff\xfe\x00\xd8"
+                                                      "a\0",
+                                                      6)},
         {QStringLiteral("/empty.md"), ""},
         {QStringLiteral("/own.html"), "<head><!-- Generator: Tomelet for Mac 0 --></head><body><ul></ul>x</body>"},
         {QStringLiteral("/foreign.html"), "<p>x"},
@@ -71,9 +76,9 @@ TEST_F(DocumentController, typingWithoutAPauseIsSavedUnderTheOldName)
 {
     controller.openDocument(document(QStringLiteral("/Note.md"), "Note\n"));
     QList<QByteArray> saved;
-    const auto watching = notifications().observe(
-        QStringLiteral("TMLTFileModifiedOnDiskNotification"),
-        [&](const QVariantMap &) { saved.append(read(QStringLiteral("/Note.md"))); });
+    const auto watching =
+        notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"),
+                                [&](const QVariantMap &) { saved.append(read(QStringLiteral("/Note.md"))); });
     type(QStringLiteral("Not\n"));
     type(QStringLiteral("Notes\nmore\n")); // so the first save of the two does not wait for a pause
     pause();
@@ -94,10 +99,12 @@ TEST_F(DocumentController, encodingsAreKeptWhileTheyCan)
     pause();
     EXPECT_EQ(read(QStringLiteral("/a.txt")), QByteArray("café 中"));
     EXPECT_EQ(controller.stringEncoding(), TextEncoding::Utf8);
-    controller.openDocument(document(QStringLiteral("/b.txt"), "\xef\xbb\xbf" "b"));
+    controller.openDocument(document(QStringLiteral("/b.txt"), "\xef\xbb\xbf"
+                                                               "b"));
     type(QStringLiteral("b\nc"));
     pause();
-    EXPECT_EQ(read(QStringLiteral("/b.txt")), QByteArray("\xef\xbb\xbf" "b\nc"));
+    EXPECT_EQ(read(QStringLiteral("/b.txt")), QByteArray("\xef\xbb\xbf"
+                                                         "b\nc"));
 }
 
 TEST_F(DocumentController, theNameFollowsTheFirstLine)
@@ -117,7 +124,8 @@ TEST_F(DocumentController, theNameFollowsTheFirstLine)
 
     type(QStringLiteral("NEW\ntext\n"));
     pause();
-    EXPECT_EQ(names(QStringLiteral("/Book")).filter(QStringLiteral(".md")).join(u' '), QStringLiteral("NEW.md NEW.md.plist Taken.md"));
+    EXPECT_EQ(names(QStringLiteral("/Book")).filter(QStringLiteral(".md")).join(u' '),
+              QStringLiteral("NEW.md NEW.md.plist Taken.md"));
     type(QStringLiteral("Taken\ntext\n"));
     pause();
     const QString second = controller.path();
@@ -178,7 +186,8 @@ TEST_F(DocumentController, newDocuments)
     type(QStringLiteral("Combined *it*"));
     pause();
     EXPECT_EQ(controller.path(), at(QStringLiteral("/Book/Combined -it.html"))) << controller.path().toStdString();
-    const QString other = saveNewDocument({makeBook(QStringLiteral("/Other")), QStringLiteral("md"), {}, QStringLiteral("Combined *it*")});
+    const QString other = saveNewDocument(
+        {makeBook(QStringLiteral("/Other")), QStringLiteral("md"), {}, QStringLiteral("Combined *it*")});
     EXPECT_EQ(readFile(controller.path()), readFile(other));
     EXPECT_TRUE(isCombinedMarkdown(controller.path()));
     EXPECT_EQ(controller.viewThatIsVisible(), DocumentViewKind::PlainText);

@@ -39,8 +39,10 @@ TEST(DocumentForms, bytes)
     EXPECT_EQ(bytesOfText(QStringLiteral("中"), roman), QByteArray("中"));
     EXPECT_EQ(roman.encoding, TextEncoding::Utf8);
     TextForm marked{TextEncoding::Utf8, "\xef\xbb\xbf"};
-    EXPECT_EQ(bytesOfText(QStringLiteral("a"), marked), QByteArray("\xef\xbb\xbf" "a"));
-    EXPECT_EQ(bytesOfText(QString(QChar(0xd800)) + QStringLiteral("a"), marked), QByteArray("\xef\xbb\xbf\xef\xbf\xbd" "a"));
+    EXPECT_EQ(bytesOfText(QStringLiteral("a"), marked), QByteArray("\xef\xbb\xbf"
+                                                                   "a"));
+    EXPECT_EQ(bytesOfText(QString(QChar(0xd800)) + QStringLiteral("a"), marked), QByteArray("\xef\xbb\xbf\xef\xbf\xbd"
+                                                                                            "a"));
     EXPECT_EQ(md5OfText(QStringLiteral("a"), {}), QStringLiteral("0CC175B9C0F1B6A831C399E269772661"));
 }
 
@@ -64,8 +66,7 @@ TEST(DocumentForms, paragraphsFoundAgain)
 }
 
 class DocumentKinds : public tomelet::test::Notebook
-{
-};
+{};
 
 TEST_F(DocumentKinds, chooseTheirView)
 {
@@ -104,7 +105,8 @@ TEST_F(DocumentKinds, pages)
     tm_setProperty(foreign, QStringLiteral("https://example.org/"), QStringLiteral("URL"));
     EXPECT_EQ(formattedPageFor(foreign).base, QStringLiteral("https://example.org/"));
 
-    const QString own = write(QStringLiteral("/o.html"), "<head><!-- Generator: Tomelet for Mac 0.1 --></head><body><h1>A</h1></body>");
+    const QString own =
+        write(QStringLiteral("/o.html"), "<head><!-- Generator: Tomelet for Mac 0.1 --></head><body><h1>A</h1></body>");
     EXPECT_TRUE(formattedPageFor(own).html.startsWith(u"<!DOCTYPE html>"));
     EXPECT_TRUE(formattedPageFor(own).html.contains(u"<title>A</title>"));
     EXPECT_EQ(read(QStringLiteral("/o.html")).left(6), QByteArray("<head>")); // showing writes nothing
@@ -117,8 +119,8 @@ TEST_F(DocumentKinds, pages)
 // The stored page follows the program; what would come out the same is not written again.
 TEST_F(DocumentKinds, combinedMarkdownIsConvertedAnewOnce)
 {
-    const QString path = write(QStringLiteral("/c.html"),
-                               "<!-- Plain Text Representation:\na *b* \\-\\-\\>\n-->\n\n<p>old</p>");
+    const QString path =
+        write(QStringLiteral("/c.html"), "<!-- Plain Text Representation:\na *b* \\-\\-\\>\n-->\n\n<p>old</p>");
     tm_setProperty(path, QStringLiteral("OK"), QStringLiteral("Markdown"));
     const QString page = formattedPageFor(path).html;
     EXPECT_TRUE(page.contains(u"<em>b</em>"));

@@ -120,10 +120,9 @@ TEST(Highlighting, rowsRunWhereTheyAreMeantTo)
     switched.excludedContexts = QStringList{QStringLiteral("@never")};
     switched.ignoreCommentsForWordCount = true;
     switched.markTaskWithCharacter = QStringLiteral("(!)");
-    check({{u"a @home, @never ^x b@c", u"7:@home|7:^x"},
-           {u"// x\ny", u"36:// x"},
-           {u"(!) call", u"37:(!) call|40:(!) "}},
-          switched);
+    check(
+        {{u"a @home, @never ^x b@c", u"7:@home|7:^x"}, {u"// x\ny", u"36:// x"}, {u"(!) call", u"37:(!) call|40:(!) "}},
+        switched);
     switched.autoIndentLists = false;
     switched.highlightMarkdown = false;
     check({{u"(!) @home # x", u"7:@home"}}, switched);
@@ -157,13 +156,13 @@ TEST(Highlighting, styles)
 TEST(Highlighting, endsOnHostileTexts)
 {
     const QStringList pieces{
-        QStringLiteral("["),     QStringLiteral("[["),       QStringLiteral("*a"),     QStringLiteral("**"),
-        QStringLiteral("`"),     QStringLiteral("\n```a"),   QStringLiteral("<"),      QStringLiteral("<!--"),
-        QStringLiteral("->"),    QStringLiteral("{{"),       QStringLiteral("~~a"),    QStringLiteral("{~~"),
-        QStringLiteral("== a"),  QStringLiteral("[?(a)"),    QStringLiteral("_"),      QStringLiteral("<img src=\""),
-        QStringLiteral("[^a"),   QStringLiteral("\n[a\n"),   QStringLiteral(" \t"),    QStringLiteral("- "),
-        QStringLiteral("\n\n"),  QStringLiteral("#"),        QStringLiteral("{~~a~>"), QStringLiteral("[a](b"),
-        QStringLiteral("[#"),    QStringLiteral("[]"),       QStringLiteral("-"),      QStringLiteral("text=\""),
+        QStringLiteral("["),    QStringLiteral("[["),     QStringLiteral("*a"),     QStringLiteral("**"),
+        QStringLiteral("`"),    QStringLiteral("\n```a"), QStringLiteral("<"),      QStringLiteral("<!--"),
+        QStringLiteral("->"),   QStringLiteral("{{"),     QStringLiteral("~~a"),    QStringLiteral("{~~"),
+        QStringLiteral("== a"), QStringLiteral("[?(a)"),  QStringLiteral("_"),      QStringLiteral("<img src=\""),
+        QStringLiteral("[^a"),  QStringLiteral("\n[a\n"), QStringLiteral(" \t"),    QStringLiteral("- "),
+        QStringLiteral("\n\n"), QStringLiteral("#"),      QStringLiteral("{~~a~>"), QStringLiteral("[a](b"),
+        QStringLiteral("[#"),   QStringLiteral("[]"),     QStringLiteral("-"),      QStringLiteral("text=\""),
     };
     for (const QString &piece : pieces) {
         QString text = piece.repeated(60000 / piece.size());

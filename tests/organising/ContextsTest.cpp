@@ -101,7 +101,8 @@ TEST_F(Contexts, renamingAndDeleting)
 {
     const QString a = write(QStringLiteral("/a.md"), "call @home, not @homeless @home");
     const QString h = write(QStringLiteral("/h.html"), "<title>@home</title><body><p>@home</p></body>");
-    for (const QString &path : {a, h}) tm_updateContextsRemoving(path, {}, {QStringLiteral("@home"), QStringLiteral("@b")});
+    for (const QString &path : {a, h})
+        tm_updateContextsRemoving(path, {}, {QStringLiteral("@home"), QStringLiteral("@b")});
     platform().ask = [](const Question &) { return 0; };
     tm_renameTagTo(QStringLiteral("@home"), QStringLiteral("@Haus"));
     EXPECT_EQ(read(QStringLiteral("/a.md")), "call @Haus, not @homeless @Haus");
@@ -118,7 +119,8 @@ TEST_F(Contexts, renamingAndDeleting)
 TEST_F(Contexts, refreshingGivesWhatItemByItemWorkGives)
 {
     for (int i = 0; i < 40; ++i)
-        tagged(QStringLiteral("/B%1/n%2.md").arg(i % 4).arg(i), {QStringLiteral("@%1").arg(i % 3), QStringLiteral("#y")});
+        tagged(QStringLiteral("/B%1/n%2.md").arg(i % 4).arg(i),
+               {QStringLiteral("@%1").arg(i % 3), QStringLiteral("#y")});
     tm_setFavorite(at(QStringLiteral("/B0/n0.md")));
     tm_setTag(at(QStringLiteral("/B1")), QStringLiteral("@book"));
     const auto sorted = [](QMap<QString, QStringList> index) {

@@ -31,8 +31,7 @@ protected:
     QString repeating(const char *due, const char *type, const char *unit, int factor)
     {
         const QString item = task(QStringLiteral("a.md"));
-        tm_setRepeatDetails(item,
-                            {QString::fromLatin1(type), QString::fromLatin1(unit), QString::number(factor)});
+        tm_setRepeatDetails(item, {QString::fromLatin1(type), QString::fromLatin1(unit), QString::number(factor)});
         tm_setDueDate(item, utc(QString::fromLatin1(due)));
         tm_toggleTask(item);
         return item;
@@ -57,12 +56,9 @@ TEST_F(DueDates, stepsByTheCalendar)
         {"Europe/Berlin", "2026-03-28T22:00:00Z", "hour", 12, "2026-03-28T23:00:00Z", "2026-03-29T10:00:00Z"},
         {"Europe/Berlin", "2026-03-28T01:30:00Z", "day", 1, "2026-03-28T02:00:00Z", "2026-03-29T01:00:00Z"},
         {"Europe/Berlin", "2026-10-24T00:30:00Z", "day", 1, "2026-10-24T02:00:00Z", "2026-10-25T00:30:00Z"},
-        {"America/New_York", "2026-10-30T12:00:00Z", "week", 1, "2026-10-31T00:00:00Z",
-         "2026-11-06T13:00:00Z"},
-        {"Australia/Lord_Howe", "2026-10-03T15:45:00Z", "day", 1, "2026-10-03T16:00:00Z",
-         "2026-10-04T15:45:00Z"},
-        {"America/Sao_Paulo", "2018-11-03T03:00:00Z", "day", 1, "2018-11-03T04:00:00Z",
-         "2018-11-04T03:00:00Z"},
+        {"America/New_York", "2026-10-30T12:00:00Z", "week", 1, "2026-10-31T00:00:00Z", "2026-11-06T13:00:00Z"},
+        {"Australia/Lord_Howe", "2026-10-03T15:45:00Z", "day", 1, "2026-10-03T16:00:00Z", "2026-10-04T15:45:00Z"},
+        {"America/Sao_Paulo", "2018-11-03T03:00:00Z", "day", 1, "2018-11-03T04:00:00Z", "2018-11-04T03:00:00Z"},
         // Missed ones are skipped, one on the very moment as well; one that is early still moves on.
         {"Europe/Berlin", "2026-11-01T09:00:00Z", "day", 3, "2026-11-10T09:00:00Z", "2026-11-13T09:00:00Z"},
         {"Europe/Berlin", "2026-11-30T09:00:00Z", "week", 2, "2026-11-10T09:00:00Z", "2026-12-14T09:00:00Z"},
@@ -188,10 +184,9 @@ TEST_F(DueDates, readableRules)
                 {"when done", "week", "1", "1 week after completion"},
                 {"when done", "year", "2", " 2 years after completion"}};
     for (const auto &row : rows)
-        EXPECT_EQ(
-            tm_readableRepeatDetailsForDetails({QString::fromLatin1(row.type), QString::fromLatin1(row.unit),
-                                                QString::fromLatin1(row.factor)}),
-            QLatin1StringView(row.wanted));
+        EXPECT_EQ(tm_readableRepeatDetailsForDetails(
+                      {QString::fromLatin1(row.type), QString::fromLatin1(row.unit), QString::fromLatin1(row.factor)}),
+                  QLatin1StringView(row.wanted));
 }
 
 TEST_F(DueDates, texts)
@@ -199,17 +194,14 @@ TEST_F(DueDates, texts)
     const QString thin = QString::fromUtf8("\u202f");
     const auto weekday = [](const char *iso) { return tm_weekdayString(utc(QString::fromLatin1(iso))); };
     EXPECT_EQ(weekday("2026-11-20T23:01:00Z"), u"Today") << "one minute past midnight is no alert";
-    EXPECT_EQ(QString(weekday("2026-11-22T08:30:00Z")).replace(thin, QStringLiteral(" ")),
-              u"Tomorrow, 9:30 AM");
+    EXPECT_EQ(QString(weekday("2026-11-22T08:30:00Z")).replace(thin, QStringLiteral(" ")), u"Tomorrow, 9:30 AM");
     EXPECT_EQ(weekday("2026-11-19T23:01:00Z"), u"Yesterday");
     EXPECT_EQ(weekday("2026-12-23T23:01:00Z"), u"Thu, Dec 24, 2026");
-    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-23T23:01:00Z"))),
-              u"Tue, Nov 24, 2026 (3 days)");
+    EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-23T23:01:00Z"))), u"Tue, Nov 24, 2026 (3 days)");
     EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-18T23:01:00Z"))),
               u"Thu, Nov 19, 2026 (2 days ago)");
     EXPECT_EQ(tm_weekdayStringWithOffset(utc(QStringLiteral("2026-11-21T23:01:00Z"))), u"Tomorrow");
-    EXPECT_EQ(tm_absoluteWeekdayString(now()).replace(thin, QStringLiteral(" ")),
-              u"Sat, Nov 21, 2026, 12:00 PM");
+    EXPECT_EQ(tm_absoluteWeekdayString(now()).replace(thin, QStringLiteral(" ")), u"Sat, Nov 21, 2026, 12:00 PM");
     EXPECT_EQ(tm_sortableDateTimeString(now()), u"2026-11-21 12.00");
     EXPECT_EQ(tm_alertTimeString(now()), u"12:00");
     EXPECT_FALSE(tm_thatDayMidnight(QDateTime()).isValid());

@@ -71,9 +71,10 @@ TEST_F(Links, formsOfReferences)
 TEST_F(Links, whatReferencesMean)
 {
     for (const char *path : {"/Book/a.md", "/Book/my file.md", "/b.md", "/Book/R&D.md"}) write(QString::fromUtf8(path));
-    const QString document = write(QStringLiteral("/Book/d.md"),
-                                   "[](a.md#x) [](my%20file.md) [](/b.md) [](../b.md) <a href=\"R&amp;D.md\"> [](none.md) "
-                                   "[](../../out.md) [](..) tomelet://search/a tomelet://Book/a.md");
+    const QString document =
+        write(QStringLiteral("/Book/d.md"),
+              "[](a.md#x) [](my%20file.md) [](/b.md) [](../b.md) <a href=\"R&amp;D.md\"> [](none.md) "
+              "[](../../out.md) [](..) tomelet://search/a tomelet://Book/a.md");
     EXPECT_EQ(tm_verifiedArrayOfReferencedDocuments(document).join(u' '),
               QStringLiteral("/Book/a.md /Book/my file.md /b.md /Book/R&D.md"));
 }
@@ -83,7 +84,8 @@ TEST_F(Links, aRenameReachesEveryFormAndNothingElse)
     write(QStringLiteral("/A/b.md"));
     write(QStringLiteral("/A/b.md2"));
     write(QStringLiteral("/C/b.md"), "another");
-    write(QStringLiteral("/A/r.md"), "[1](b.md) [2](/A/b.md#p) [3](tomelet://show/A/b.md) [[b.md]] [4](b.md2) [5](../A/b.md)");
+    write(QStringLiteral("/A/r.md"),
+          "[1](b.md) [2](/A/b.md#p) [3](tomelet://show/A/b.md) [[b.md]] [4](b.md2) [5](../A/b.md)");
     write(QStringLiteral("/C/r.md"), "[1](../A/b.md) [2](b.md) <a href=\"/A/b.md\">");
     refresh({"/A/r.md", "/C/r.md"});
     EXPECT_EQ(backlinks("/A/b.md"), QStringLiteral("/A/r.md /C/r.md"));
@@ -202,7 +204,10 @@ TEST_F(Links, refreshOfAllGivesWhatItemByItemWorkGives)
     QStringList documents;
     for (int i = 0; i < 40; ++i) {
         const QString text = QStringLiteral("[a](n%1.md) [[/B/n%2]] [b](../B/n%3.md) [[/B/n%4.md]]\n")
-                                 .arg((i + 1) % 40).arg((i * 3) % 40).arg((i * 7) % 40).arg((i * 11) % 40);
+                                 .arg((i + 1) % 40)
+                                 .arg((i * 3) % 40)
+                                 .arg((i * 7) % 40)
+                                 .arg((i * 11) % 40);
         documents.append(write(QStringLiteral("/B/n%1.md").arg(i), text.toUtf8()));
     }
     const auto stored = [&] {
@@ -243,8 +248,10 @@ TEST_F(Links, aBrokenOffMoveIsFinishedByTheNextRun)
     ASSERT_TRUE(QFile::rename(at(QStringLiteral("/Old")), at(QStringLiteral("/New"))));
     tm_setProperty(at(QStringLiteral("/New/b.md")), QStringLiteral("/New/b.md"), QStringLiteral("ReferencedPath"));
     const auto entry = [&](const char *from, const char *to, bool all) {
-        return QVariantMap{{QStringLiteral("from"), at(QString::fromUtf8(from))}, {QStringLiteral("to"), at(QString::fromUtf8(to))},
-                           {QStringLiteral("allBelow"), all}, {QStringLiteral("process"), 0LL}};
+        return QVariantMap{{QStringLiteral("from"), at(QString::fromUtf8(from))},
+                           {QStringLiteral("to"), at(QString::fromUtf8(to))},
+                           {QStringLiteral("allBelow"), all},
+                           {QStringLiteral("process"), 0LL}};
     };
     const QString journal = rootStateFolder() + QStringLiteral("/MovesInWork.plist");
     ASSERT_TRUE(QDir().mkpath(rootStateFolder()));
@@ -276,7 +283,8 @@ TEST_F(Links, aRenameMadeElsewhereIsAskedAbout)
     };
     ask();
     EXPECT_EQ(text("/B/a.md"), "[x](t.md)\n");
-    EXPECT_EQ(asked, QStringList{QStringLiteral("One document is linking to this document.\nDo you want to update the links?")});
+    EXPECT_EQ(asked, QStringList{QStringLiteral(
+                         "One document is linking to this document.\nDo you want to update the links?")});
     answer = 0;
     ask();
     EXPECT_EQ(text("/B/a.md"), "[x](new.md)\n");
@@ -322,8 +330,8 @@ TEST_F(Links, aLostTargetIsMadeWhenThePersonWantsIt)
 
 TEST_F(Links, lostTargets)
 {
-    for (const char *path : {"/A/b.md", "/A/it's.md", "/A/Caf\xC3\xA9 de Flore.md", "/C/deep/Far Away.md", "/C/far away too.md",
-                             "/A/other.txt"})
+    for (const char *path : {"/A/b.md", "/A/it's.md", "/A/Caf\xC3\xA9 de Flore.md", "/C/deep/Far Away.md",
+                             "/C/far away too.md", "/A/other.txt"})
         write(QString::fromUtf8(path), path == QByteArray("/A/other.txt") ? "all about Needles" : "text");
     const auto found = [&](const char *target, const QStringList &excluding = {}) {
         const QString path = tm_findAlternativePathExcluding(at(QString::fromUtf8(target)), excluding);

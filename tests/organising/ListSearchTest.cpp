@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The search field above the list, the results as a smart book, and what a listing throws away or leaves out.
+#include "organising/lists/ListSearch.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
@@ -8,7 +9,6 @@
 #include "organising/NotebookOrganiser.h"
 #include "organising/contexts/Contexts.h"
 #include "organising/lists/DocumentList.h"
-#include "organising/lists/ListSearch.h"
 #include "organising/search/FileIndex.h"
 #include "organising/search/SearchResults.h"
 #include "tests/support/Notebook.h"

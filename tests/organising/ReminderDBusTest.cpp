@@ -53,8 +53,7 @@ protected:
     template <typename Condition>
     static void waitFor(const Condition &condition)
     {
-        while (!condition())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        while (!condition()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
     QDBusConnection bus;

@@ -39,8 +39,7 @@ protected:
     static QString scheduled()
     {
         QStringList found;
-        for (const Reminder &reminder : scheduledReminders())
-            found.append(reminderText(reminder.path));
+        for (const Reminder &reminder : scheduledReminders()) found.append(reminderText(reminder.path));
         return found.join(u' ');
     }
 };
@@ -55,12 +54,10 @@ TEST_F(Reminders, areRebuiltFromTheStores)
     tm_setRepeatDetails(later, {QStringLiteral("when due"), QStringLiteral("day"), QStringLiteral("1")});
     const QList<ReminderCandidate> candidates = reminderCandidates();
     EXPECT_EQ(candidates.last().repeatInterval, 16);
-    for (int i = 0; i < 2; ++i)
-        tm_toggleTask(soon);
+    for (int i = 0; i < 2; ++i) tm_toggleTask(soon);
     drainPendingWork();
     EXPECT_EQ(scheduled(), u"later");
-    for (int i = 0; i < 2; ++i)
-        tm_toggleTask(soon);
+    for (int i = 0; i < 2; ++i) tm_toggleTask(soon);
     drainPendingWork();
     EXPECT_EQ(scheduled(), u"soon later") << "open again";
     tm_toggleTasklistKeepingDetails(list, true);
@@ -75,13 +72,12 @@ TEST_F(Reminders, skipResourcesTrashAndBrokenStores)
         write(QString::fromLatin1(book) + QStringLiteral("/x.md"));
         writeStore(taskStorePath(at(QString::fromLatin1(book))), values);
     }
-    setStore({{QStringLiteral("a"), qlonglong(1)},
-              {QStringLiteral("b"), QVariantMap{{taskField::dueDate, true}}}});
+    setStore({{QStringLiteral("a"), qlonglong(1)}, {QStringLiteral("b"), QVariantMap{{taskField::dueDate, true}}}});
     write(QStringLiteral("/Broken/TMTasklistDetails.plist"), "bplist00");
     settings().setObject(QStringLiteral("allTaskLists"),
                          QVariantList{QStringLiteral("/TMResources/T"), QStringLiteral("/.TMTrash/T"),
-                                      QStringLiteral("/Other"), QStringLiteral("/Broken"),
-                                      QStringLiteral("/Gone"), QStringLiteral("/List")});
+                                      QStringLiteral("/Other"), QStringLiteral("/Broken"), QStringLiteral("/Gone"),
+                                      QStringLiteral("/List")});
     tm_repostAllNotifications();
     ASSERT_EQ(scheduledReminders().size(), 1);
     EXPECT_EQ(scheduledReminders().first().path, at(QStringLiteral("/Other/x.md")));
@@ -118,13 +114,13 @@ TEST_F(Reminders, areDeliveredOnceAndByOne)
     tm_correctTaskCountAtPath(list);
     EXPECT_EQ(counters(), u"0 1");
     QString opened;
-    const auto watching = notifications().observe(
-        QStringLiteral("TMLTShowItemAtPathNotification"),
-        [&](const QVariantMap &payload) { opened = payload.value(QStringLiteral("path")).toString(); });
+    const auto watching =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), [&](const QVariantMap &payload) {
+            opened = payload.value(QStringLiteral("path")).toString();
+        });
     there.answers.opened();
     EXPECT_EQ(opened, item);
-    for (int i = 0; i < 2; ++i)
-        tm_toggleTask(item);
+    for (int i = 0; i < 2; ++i) tm_toggleTask(item);
     drainPendingWork();
     EXPECT_EQ(there.withdrawn, QStringList{item}) << "a task that is done is not reminded of";
     EXPECT_TRUE(deliveredReminders().isEmpty());
@@ -136,8 +132,7 @@ TEST_F(Reminders, missedOnesWaitForSomebodyToShowThem)
     const QString done = due("b.md", 6);
     drainPendingWork();
     platform().clock.fix(now().addSecs(3600));
-    for (int i = 0; i < 2; ++i)
-        tm_toggleTask(done);
+    for (int i = 0; i < 2; ++i) tm_toggleTask(done);
     drainPendingWork();
     EXPECT_EQ(scheduled(), u"") << "an overdue task has no scheduled reminder";
     NotedReminders presenter;

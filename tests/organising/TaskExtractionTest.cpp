@@ -32,8 +32,8 @@ protected:
 
 TEST_F(TaskExtraction, fiveModes)
 {
-    const QString text = QStringLiteral(
-        "- one\ntwo\r\n\n• three —\n----- \n(OK) four\n\n- [ ] five\n\t- [ ]  six \n- [ ]seven");
+    const QString text =
+        QStringLiteral("- one\ntwo\r\n\n• three —\n----- \n(OK) four\n\n- [ ] five\n\t- [ ]  six \n- [ ]seven");
     const QString document = task(QStringLiteral("Doc.md"));
     const struct
     {
@@ -59,18 +59,15 @@ TEST_F(TaskExtraction, fiveModes)
 
 TEST_F(TaskExtraction, statesGoThroughTheRing)
 {
-    const QString text = QStringLiteral(
-        "x\n- [ ] (OK) a\n- [ ] ✔ b\n- [ ] (X) c\n- [ ] ✘ d\n- [ ] (OK)\n- [ ] List\n- [ ] Doc");
+    const QString text =
+        QStringLiteral("x\n- [ ] (OK) a\n- [ ] ✔ b\n- [ ] (X) c\n- [ ] ✘ d\n- [ ] (OK)\n- [ ] List\n- [ ] Doc");
     EXPECT_EQ(extracted(text, task(QStringLiteral("Doc.md")), ExtractMarked),
-              QStringLiteral(
-                  "List/a.txt done,List/b.txt done,List/c.txt canceled,List/d.txt canceled,List/(OK).txt"))
+              QStringLiteral("List/a.txt done,List/b.txt done,List/c.txt canceled,List/d.txt canceled,List/(OK).txt"))
         << "names of the book and the document are no tasks";
     EXPECT_EQ(counters(), u"4 0");
-    EXPECT_EQ(extracted(text, at(QStringLiteral("/List/Doc.md")), ExtractMarked), QString())
-        << "nothing twice";
-    EXPECT_EQ(
-        extracted(QStringLiteral("x\n- [ ] (OK) a"), write(QStringLiteral("/Plain/Doc.md")), ExtractMarked),
-        u"Plain/a.txt")
+    EXPECT_EQ(extracted(text, at(QStringLiteral("/List/Doc.md")), ExtractMarked), QString()) << "nothing twice";
+    EXPECT_EQ(extracted(QStringLiteral("x\n- [ ] (OK) a"), write(QStringLiteral("/Plain/Doc.md")), ExtractMarked),
+              u"Plain/a.txt")
         << "an ordinary book gets plain documents";
 }
 
@@ -85,8 +82,7 @@ TEST_F(TaskExtraction, whatTheTasksCarry)
               u"List/a- b @home,.txt,List/second.txt");
     const QString first = at(QStringLiteral("/List/a- b @home,.txt"));
     EXPECT_EQ(tm_verifiedTagList(first).join(u' '), u"@work @home");
-    EXPECT_EQ(tm_propertyForKey(first, QStringLiteral("URL")),
-              QStringLiteral("tomelet://show/List/My%20Doc.md"));
+    EXPECT_EQ(tm_propertyForKey(first, QStringLiteral("URL")), QStringLiteral("tomelet://show/List/My%20Doc.md"));
     EXPECT_EQ(tm_creationDate(first), now());
     EXPECT_EQ(tm_creationDate(at(QStringLiteral("/List/second.txt"))), now().addSecs(1));
     EXPECT_EQ(tm_dueDateForTask(first), utc(QStringLiteral("2026-11-20T23:01:00Z")));

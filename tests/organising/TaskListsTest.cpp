@@ -44,15 +44,13 @@ TEST_F(TaskLists, threeWaysToTheList)
     QFile::link(at(QStringLiteral("/B")), at(QStringLiteral("/B/C/up")));
     updateListOfTasklistsQuick();
     EXPECT_EQ(listed(), u"/ /B/C /List");
-    updateListOfTasklistRemoving(at(QStringLiteral("/B/C/TMTasklistDetails.plist")),
-                                 at(QStringLiteral("/D")));
+    updateListOfTasklistRemoving(at(QStringLiteral("/B/C/TMTasklistDetails.plist")), at(QStringLiteral("/D")));
     EXPECT_EQ(listed(), u"/ /List /D");
     updateListOfTasklistRemoving(root, {});
     EXPECT_EQ(listed(), u"/List /D");
 
     settings().setObject(QStringLiteral("rebuildingAllTasklistsFlag"), true);
-    EXPECT_EQ(knownTasklists().join(u' '), u"/ /B/C /List")
-        << "while a collection runs the folders are asked";
+    EXPECT_EQ(knownTasklists().join(u' '), u"/ /B/C /List") << "while a collection runs the folders are asked";
     updateListOfTasklists();
     EXPECT_FALSE(settings().contains(QStringLiteral("rebuildingAllTasklistsFlag")));
     EXPECT_EQ(settings().stringList(QStringLiteral("booksList")).join(u' '), u"B B/C D List");
@@ -70,8 +68,7 @@ TEST_F(TaskLists, threeWaysToTheList)
 TEST_F(TaskLists, recount)
 {
     const QDateTime past = now().addDays(-1);
-    for (const char *name : {"a.md", "b.md", "c.md", "d.md", "e.md"})
-        task(QString::fromLatin1(name));
+    for (const char *name : {"a.md", "b.md", "c.md", "d.md", "e.md"}) task(QString::fromLatin1(name));
     setStore({{QStringLiteral("a.md"), record("done", past)},
               {QStringLiteral("b.md"), record("no_task")},
               {QStringLiteral("c.md"), record("started", past)},
@@ -123,12 +120,11 @@ TEST_F(TaskLists, dueListLooksAhead)
     const struct
     {
         const char *name, *due;
-    } tasks[] = {{"overdue", "2026-11-21T10:59:00Z"},   {"soon", "2026-11-21T11:00:05Z"},
-                 {"23:59", "2026-11-21T22:59:00Z"},     {"00:01", "2026-11-21T23:01:00Z"},
-                 {"day after", "2026-11-23T10:00:00Z"}, {"3 days", "2026-11-24T22:59:00Z"},
-                 {"6 days", "2026-11-27T12:00:00Z"},    {"a week", "2026-11-28T22:58:00Z"},
-                 {"far", "3999-01-01T00:00:00Z"},       {"long ago", "0001-01-02T00:00:00Z"},
-                 {"done", "2026-11-21T10:00:00Z"}};
+    } tasks[] = {
+        {"overdue", "2026-11-21T10:59:00Z"},  {"soon", "2026-11-21T11:00:05Z"},      {"23:59", "2026-11-21T22:59:00Z"},
+        {"00:01", "2026-11-21T23:01:00Z"},    {"day after", "2026-11-23T10:00:00Z"}, {"3 days", "2026-11-24T22:59:00Z"},
+        {"6 days", "2026-11-27T12:00:00Z"},   {"a week", "2026-11-28T22:58:00Z"},    {"far", "3999-01-01T00:00:00Z"},
+        {"long ago", "0001-01-02T00:00:00Z"}, {"done", "2026-11-21T10:00:00Z"}};
     QVariantMap values;
     for (const auto &row : tasks) {
         task(QString::fromLatin1(row.name));
@@ -180,29 +176,25 @@ TEST_F(TaskLists, defaultOrderOfATasklist)
     view.setSource({list, 0, {}});
     view.getDocumentsInFolder();
     QStringList titles;
-    for (const QVariantMap &row : view.documentsList)
-        titles.append(row.value(QStringLiteral("title")).toString());
+    for (const QVariantMap &row : view.documentsList) titles.append(row.value(QStringLiteral("title")).toString());
     EXPECT_EQ(titles.join(u','), u"no task,due,due later,without a record,done late,done early,done undated,"
                                  "canceled late,canceled early");
     EXPECT_EQ(view.documentsList[1].value(QStringLiteral("taskIcon")), QStringLiteral("task-open-due"));
-    const QVariantMap plain =
-        tm_dictionaryForItemAsTask(at(QStringLiteral("/List/due")), false, {}, QVariantList());
+    const QVariantMap plain = tm_dictionaryForItemAsTask(at(QStringLiteral("/List/due")), false, {}, QVariantList());
     EXPECT_EQ(plain.value(QStringLiteral("DueDate")).toDateTime(), farFuture());
     EXPECT_GT(farFuture(), view.documentsList.last().value(QStringLiteral("DueDate")).toDateTime());
 }
 
 TEST_F(TaskLists, openCheckBoxes)
 {
-    EXPECT_EQ(openChecklistItems(
-                  write(QStringLiteral("/a.md"), "- [ ] a\n > - [ ] b\n- [x] c\n\t: - [ ] d\nx - [ ] e\n")),
-              3);
+    EXPECT_EQ(
+        openChecklistItems(write(QStringLiteral("/a.md"), "- [ ] a\n > - [ ] b\n- [x] c\n\t: - [ ] d\nx - [ ] e\n")),
+        3);
     EXPECT_EQ(openChecklistItems(write(QStringLiteral("/a.txt"), "- [ ] a\n")), 0);
-    const QString page =
-        write(QStringLiteral("/a.html"), "<i class=\"tm_checkbox\"></i><i class=\"tm_checkbox\"></i>");
+    const QString page = write(QStringLiteral("/a.html"), "<i class=\"tm_checkbox\"></i><i class=\"tm_checkbox\"></i>");
     EXPECT_EQ(openChecklistItems(page), 2);
     qlonglong told = -1;
     countOpenChecklistItems(page, [&told](qlonglong count) { told = count; });
-    while (told < 0)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    while (told < 0) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     EXPECT_EQ(told, 2);
 }

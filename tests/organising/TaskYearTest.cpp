@@ -60,12 +60,11 @@ public:
 
     QDateTime plus(const QDateTime &date, const QString &unit, int factor)
     {
-        static const std::map<QString, UCalendarDateFields> fields{
-            {QStringLiteral("hour"), UCAL_HOUR},
-            {QStringLiteral("day"), UCAL_DATE},
-            {QStringLiteral("week"), UCAL_WEEK_OF_YEAR},
-            {QStringLiteral("month"), UCAL_MONTH},
-            {QStringLiteral("year"), UCAL_YEAR}};
+        static const std::map<QString, UCalendarDateFields> fields{{QStringLiteral("hour"), UCAL_HOUR},
+                                                                   {QStringLiteral("day"), UCAL_DATE},
+                                                                   {QStringLiteral("week"), UCAL_WEEK_OF_YEAR},
+                                                                   {QStringLiteral("month"), UCAL_MONTH},
+                                                                   {QStringLiteral("year"), UCAL_YEAR}};
         UErrorCode status = U_ZERO_ERROR;
         ucal_setMillis(m_calendar, double(date.toMSecsSinceEpoch()), &status);
         ucal_add(m_calendar, fields.at(unit), factor, &status);
@@ -151,14 +150,10 @@ QDateTime TaskYear::anyDate()
 void TaskYear::toggle(const QString &path, ModelTask &task)
 {
     tm_toggleTask(path);
-    if (!task.hasRecord || task.state.isEmpty() || task.state == u"no_task")
-        task.state = QStringLiteral("started");
-    else if (task.state == u"started")
-        task.state = QStringLiteral("done");
-    else if (task.state == u"done")
-        task.state = QStringLiteral("canceled");
-    else
-        task.state = QString();
+    if (!task.hasRecord || task.state.isEmpty() || task.state == u"no_task") task.state = QStringLiteral("started");
+    else if (task.state == u"started") task.state = QStringLiteral("done");
+    else if (task.state == u"done") task.state = QStringLiteral("canceled");
+    else task.state = QString();
     task.hasRecord = true;
 }
 
@@ -167,11 +162,9 @@ void TaskYear::repeat(ModelTask &task, const QString &book)
     QDateTime next = task.due;
     if (task.type == u"when done") {
         const QDateTime &clock = task.unit == u"hour" ? now() : task.due;
-        next = m_calendar.timeOnDay(now(), m_calendar.get(clock, UCAL_HOUR_OF_DAY),
-                                    m_calendar.get(clock, UCAL_MINUTE));
+        next = m_calendar.timeOnDay(now(), m_calendar.get(clock, UCAL_HOUR_OF_DAY), m_calendar.get(clock, UCAL_MINUTE));
     }
-    do
-        next = m_calendar.plus(next, task.unit, task.factor);
+    do next = m_calendar.plus(next, task.unit, task.factor);
     while (next <= now());
     task.due = next;
     task.state = QString();
@@ -209,9 +202,8 @@ void TaskYear::change()
         if (task.hasRecord) task = {true, task.state, {}, {}, {}, 0};
     } else {
         tm_toggleItemIsTask(path);
-        task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"),
-                {},   {},
-                {},   0};
+        task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"), {}, {}, {},
+                0};
     }
     compareCounters(book, "a change");
 }
@@ -221,10 +213,8 @@ void TaskYear::compareCounters(const QString &book, const char *after)
     qlonglong done = m_doneCopies[book], due = 0;
     for (const auto &[path, task] : m_model) {
         if (!path.startsWith(QString(book + u'/'))) continue;
-        if (settled(task))
-            ++done;
-        else if (task.due.isValid() && task.due < now())
-            ++due;
+        if (settled(task)) ++done;
+        else if (task.due.isValid() && task.due < now()) ++due;
     }
     const TaskStore store(book);
     ASSERT_EQ(store.doneCount(), done) << "after " << after;
@@ -237,8 +227,7 @@ void TaskYear::compareRest()
     static constexpr int days[] = {0, 0, 1, 3, 5, 7};
     const int index = random(6);
     settings().setObject(QStringLiteral("dueTasksLookAhead"), index);
-    const int passed =
-        m_calendar.get(now(), UCAL_HOUR_OF_DAY) * 3600 + m_calendar.get(now(), UCAL_MINUTE) * 60;
+    const int passed = m_calendar.get(now(), UCAL_HOUR_OF_DAY) * 3600 + m_calendar.get(now(), UCAL_MINUTE) * 60;
     const QDateTime horizon = index == 0 ? now() : now().addSecs(86399 - passed + days[index] * 86400);
     for (const auto &[path, task] : m_model) {
         if (settled(task) || !task.due.isValid()) continue;
@@ -281,8 +270,7 @@ TEST_P(TaskYear, everyStepEqualsAPlainRecount)
         compareRest();
     }
     int copies = 0;
-    for (const auto &[book, count] : m_doneCopies)
-        copies += count;
+    for (const auto &[book, count] : m_doneCopies) copies += count;
     EXPECT_GT(copies, 20) << "the year was too quiet to tell anything";
 }
 

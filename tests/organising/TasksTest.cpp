@@ -73,8 +73,7 @@ TEST_F(Tasks, countersNeverFallBelowZeroAndOddOnesAreRead)
     setStore({{QStringLiteral("a.md"), record("started", past)}});
     tm_toggleTask(item);
     EXPECT_EQ(counters(), u"1 0");
-    setStore({{QStringLiteral("a.md"), record("canceled", past)},
-              {QStringLiteral("__DueItemCount__"), qlonglong(4)}});
+    setStore({{QStringLiteral("a.md"), record("canceled", past)}, {QStringLiteral("__DueItemCount__"), qlonglong(4)}});
     tm_toggleTask(item);
     EXPECT_EQ(counters(), u"0 5");
     setStore({{QStringLiteral("a.md"), QStringLiteral("no dictionary")},
@@ -82,9 +81,8 @@ TEST_F(Tasks, countersNeverFallBelowZeroAndOddOnesAreRead)
     EXPECT_EQ(tm_iconForTask(item), u"task-open");
     EXPECT_EQ(tm_toggleTask(item), u"task-started");
     EXPECT_EQ(state(item), u"started");
-    setStore(
-        {{QStringLiteral("a.md"), QVariantMap{{taskField::dueDate, QStringLiteral("2026-01-01T00:00:00Z")},
-                                              {taskField::state, qlonglong(3)}}}});
+    setStore({{QStringLiteral("a.md"), QVariantMap{{taskField::dueDate, QStringLiteral("2026-01-01T00:00:00Z")},
+                                                   {taskField::state, qlonglong(3)}}}});
     EXPECT_EQ(tm_iconForTask(item), u"task-open") << "a text is no date";
 }
 
@@ -122,8 +120,7 @@ TEST_F(Tasks, keysMeetTheirDocumentsInEveryNormalForm)
 
     const QDateTime past = now().addDays(-1);
     setStore({{decomposed, record("", past)}, {composed, record("", past)}});
-    EXPECT_EQ(tm_correctTaskCountAtPathWithCleanup(list, false), 1)
-        << "two keys of one document are one task";
+    EXPECT_EQ(tm_correctTaskCountAtPathWithCleanup(list, false), 1) << "two keys of one document are one task";
     tm_toggleTask(item);
     EXPECT_EQ(store().value(decomposed).toMap(), record("", past)) << "the very name goes first";
     EXPECT_EQ(state(item), u"started");
@@ -198,11 +195,11 @@ TEST_F(Tasks, mergingKeepsTheLaterChange)
     QStringList winners;
     for (auto it = merged.begin(); it != merged.end(); ++it)
         winners.append(it.key() + u' ' + it->toMap().value(taskField::state, it.value()).toString());
-    EXPECT_EQ(winners, QStringList({QStringLiteral("01.md other"), QStringLiteral("1.md own"),
-                                    QStringLiteral("2.md other"), QStringLiteral("__DueItemCount__ 7"),
-                                    QStringLiteral("dated own"), QStringLiteral("equal other"),
-                                    QString(decomposed + u" other"), QStringLiteral("none own"),
-                                    QStringLiteral("undated other")}));
+    EXPECT_EQ(
+        winners,
+        QStringList({QStringLiteral("01.md other"), QStringLiteral("1.md own"), QStringLiteral("2.md other"),
+                     QStringLiteral("__DueItemCount__ 7"), QStringLiteral("dated own"), QStringLiteral("equal other"),
+                     QString(decomposed + u" other"), QStringLiteral("none own"), QStringLiteral("undated other")}));
 }
 
 // -- the line that a task came from -----------------------------------------------------------------------------------
@@ -233,8 +230,8 @@ protected:
 
 TEST_F(TaskSource, checkBoxGoesRound)
 {
-    const QString item = taskFrom(QStringLiteral("Buy milk.txt"), "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n",
-                                  "tomelet://show/Source.md");
+    const QString item =
+        taskFrom(QStringLiteral("Buy milk.txt"), "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n", "tomelet://show/Source.md");
     EXPECT_EQ(threeSteps(item),
               QByteArrayList({"a\n\t- [x] Buy milk \n- [ ] Buy milk\n", "a\n\t-  Buy milk \n- [ ] Buy milk\n",
                               "a\n\t- [ ] Buy milk \n- [ ] Buy milk\n"}));
@@ -244,8 +241,8 @@ TEST_F(TaskSource, ownMarkerKeepsBlanksAndEncoding)
 {
     const QString item = taskFrom(QStringLiteral("Caf\u00e9 1.5.txt"), {}, "tomelet://Source.md");
     settings().setObject(QStringLiteral("markTaskWithCharacter"), QStringLiteral("*"));
-    const QByteArray utf16 = QByteArray::fromHex("fffe") +
-                             QByteArray(reinterpret_cast<const char *>(u"*  Caf\u00e9 1.5\r\n"), 2 * 13);
+    const QByteArray utf16 =
+        QByteArray::fromHex("fffe") + QByteArray(reinterpret_cast<const char *>(u"*  Caf\u00e9 1.5\r\n"), 2 * 13);
     write(QStringLiteral("/Source.md"), utf16);
     const QByteArrayList steps = threeSteps(item);
     EXPECT_EQ(steps[0], QByteArray(utf16).replace(2, 2, QByteArray::fromHex("1327")));
@@ -257,12 +254,10 @@ TEST_F(TaskSource, onlyWhatFitsIsTouched)
 {
     const QByteArray text = "- [ ] a (b\n- [ ] Call\n";
     const QString odd = taskFrom(QStringLiteral("a (b.txt"), text, "tomelet://show/Source.md");
-    EXPECT_EQ(threeSteps(odd), QByteArrayList({text, text, text}))
-        << "a title that is no pattern finds nothing";
+    EXPECT_EQ(threeSteps(odd), QByteArrayList({text, text, text})) << "a title that is no pattern finds nothing";
     for (const char *url :
          {"http://Source.md", "tomelet://show/Source.MD", "tomelet://show/gone.md", "tomelet://show/List"})
-        EXPECT_EQ(threeSteps(taskFrom(QStringLiteral("Call.txt"), text, url)),
-                  QByteArrayList({text, text, text}))
+        EXPECT_EQ(threeSteps(taskFrom(QStringLiteral("Call.txt"), text, url)), QByteArrayList({text, text, text}))
             << url;
     const QString noMarker = taskFrom(QStringLiteral("Call.txt"), text, "tomelet://show/Source.md");
     settings().remove(QStringLiteral("markTaskWithCharacter"));

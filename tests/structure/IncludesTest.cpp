@@ -54,9 +54,7 @@ struct Rule
 const QList<Rule> &rules()
 {
     static const QList<Rule> all = [] {
-        const auto texts = [](const char *words) {
-            return QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts);
-        };
+        const auto texts = [](const char *words) { return QString::fromLatin1(words).split(u' ', Qt::SkipEmptyParts); };
         return QList<Rule>{
             {texts("engine/"), texts("engine/"), {}},
             {texts("foundation/"), texts("foundation/"), {}},
@@ -105,7 +103,9 @@ QStringList filesWithoutRule(const Includes &files)
 class CircleSearch
 {
 public:
-    explicit CircleSearch(const Includes &files) : m_files(files) {}
+    explicit CircleSearch(const Includes &files)
+        : m_files(files)
+    {}
 
     /// "a.h b.h a.h", or an empty text.
     QString run()
@@ -137,7 +137,8 @@ private:
 Includes made(std::initializer_list<std::pair<const char *, const char *>> rows)
 {
     Includes files;
-    for (const auto &[name, text] : rows) files.insert(QString::fromLatin1(name), includesIn(QString::fromLatin1(text)));
+    for (const auto &[name, text] : rows)
+        files.insert(QString::fromLatin1(name), includesIn(QString::fromLatin1(text)));
     return files;
 }
 
@@ -181,7 +182,8 @@ TEST(Includes, everyKindOfLayerBreakIsNoticed)
         {"desktop/main.cpp", "#include \"cli/Items.h\"\n"},
         {"cli/main.cpp", "#include \"desktop/Theme.h\"\n"},
     };
-    for (const auto &[name, text] : breaks) EXPECT_EQ(layerBreaks(made({{name, text}})).size(), 1) << name << ": " << text;
+    for (const auto &[name, text] : breaks)
+        EXPECT_EQ(layerBreaks(made({{name, text}})).size(), 1) << name << ": " << text;
     EXPECT_EQ(filesWithoutRule(made({{"misc/Helper.h", ""}})), QStringList{QStringLiteral("misc/Helper.h")});
 }
 

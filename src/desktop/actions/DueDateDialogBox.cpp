@@ -76,8 +76,7 @@ void DueDateDialogBox::makeFields()
 {
     m_calendar->setAccessibleName(localized(TOMELET_TEXT("Calendar")));
     m_calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday})
-        m_calendar->setWeekdayTextFormat(day, {});
+    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday}) m_calendar->setWeekdayTextFormat(day, {});
     m_date->setAccessibleName(localized(TOMELET_TEXT("Due date")));
     m_date->setMinimumDate(QDate(100, 1, 1));
     // Two digits would change the century of what they show.
@@ -168,8 +167,7 @@ void DueDateDialogBox::showRepeat()
 
 DueDateChoice DueDateDialogBox::choice() const
 {
-    return {momentOf(m_date->date(), m_alert->isChecked() ? m_time->time() : QTime(0, 0)),
-            m_picker.repeatDetails()};
+    return {momentOf(m_date->date(), m_alert->isChecked() ? m_time->time() : QTime(0, 0)), m_picker.repeatDetails()};
 }
 
 DueDateDialog dueDateDialogOver(QWidget *widget)

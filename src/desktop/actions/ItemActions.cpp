@@ -39,8 +39,7 @@ public:
         : Step(text)
         , m_from(std::move(from))
         , m_to(std::move(to))
-    {
-    }
+    {}
     void undo() override { carryOut(m_to, m_from); }
     void again() override { carryOut(m_from, m_to); }
 
@@ -62,8 +61,7 @@ public:
         : Step(text)
         , m_paths(std::move(paths))
         , m_records(std::move(records))
-    {
-    }
+    {}
     void undo() override
     {
         m_records = undoLastDelete(m_records);
@@ -84,7 +82,10 @@ private:
 class CreationStep final : public Step
 {
 public:
-    CreationStep(const QString &text, QString path) : Step(text), m_path(std::move(path)) {}
+    CreationStep(const QString &text, QString path)
+        : Step(text)
+        , m_path(std::move(path))
+    {}
     void undo() override
     {
         m_records = performDeleteSelectedItems({m_path}, false).records;
@@ -108,8 +109,7 @@ public:
         : Step(text)
         , m_path(std::move(path))
         , m_box(box)
-    {
-    }
+    {}
     void undo() override { again(); }
     void again() override
     {
@@ -130,8 +130,7 @@ public:
         , m_path(std::move(path))
         , m_before(std::move(before))
         , m_after(std::move(after))
-    {
-    }
+    {}
     void undo() override { carryOut(m_before); }
     void again() override { carryOut(m_after); }
 
@@ -167,9 +166,9 @@ QString withKeptExtension(const QString &path, const QString &name)
 
 } // namespace
 
-ItemActions::ItemActions(QObject *parent) : QObject(parent)
-{
-}
+ItemActions::ItemActions(QObject *parent)
+    : QObject(parent)
+{}
 
 void ItemActions::noteCreation(const QString &stepName, const QString &path)
 {
@@ -283,8 +282,7 @@ void ItemActions::setBookOrder(const QString &book, const QStringList &names)
 BoxResult ItemActions::toggleBox(const QString &path, const PageBox &box)
 {
     const BoxResult result = tomelet::toggleBox(path, box);
-    if (result == BoxResult::Toggled)
-        m_undoStack.push(new BoxStep(localized(TOMELET_TEXT("Check Box")), path, box));
+    if (result == BoxResult::Toggled) m_undoStack.push(new BoxStep(localized(TOMELET_TEXT("Check Box")), path, box));
     return result;
 }
 
@@ -324,11 +322,12 @@ void ItemActions::deleteContexts(const QStringList &words)
 
 void ItemActions::excludeContexts(const QStringList &words)
 {
-    const int answer = askQuestion(
-        {localized(TOMELET_TEXT("Exclude Contexts?")),
-         localized(TOMELET_TEXT("The selected contexts will be removed, and Tomelet will no longer automatically extract "
-                                "them from the contents of documents.")),
-         {localized(TOMELET_TEXT("Exclude")), localized(TOMELET_TEXT("Cancel"))}});
+    const int answer =
+        askQuestion({localized(TOMELET_TEXT("Exclude Contexts?")),
+                     localized(TOMELET_TEXT(
+                         "The selected contexts will be removed, and Tomelet will no longer automatically extract "
+                         "them from the contents of documents.")),
+                     {localized(TOMELET_TEXT("Exclude")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer != 0) return;
     for (const QString &word : words) tm_excludeTag(word);
     notifications().post(QStringLiteral("TMLTReloadCurrentDocument"));

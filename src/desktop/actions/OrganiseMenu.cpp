@@ -32,9 +32,8 @@ void MainWindow::makeOrganiseMenu()
 
 void MainWindow::makeContextCommands(QMenu *menu)
 {
-    add(menu, TOMELET_TEXT("&Contexts of the Document"), QKeySequence(QStringLiteral("Ctrl+Shift+K")), [this] {
-        document()->header()->contextsField()->setFocus(Qt::ShortcutFocusReason);
-    });
+    add(menu, TOMELET_TEXT("&Contexts of the Document"), QKeySequence(QStringLiteral("Ctrl+Shift+K")),
+        [this] { document()->header()->contextsField()->setFocus(Qt::ShortcutFocusReason); });
     add(menu, TOMELET_TEXT("&Exclude Contexts..."), {}, [this] {
         if (const QStringList words = m_outline->selectedContexts(); !words.isEmpty()) m_actions.excludeContexts(words);
     });
@@ -68,11 +67,12 @@ void MainWindow::refreshContexts()
 
 void MainWindow::extractContexts()
 {
-    const int answer = askQuestion(
-        {localized(TOMELET_TEXT("Extract context tags from existing documents")),
-         localized(TOMELET_TEXT("Tomelet will scan all editable documents to find embedded context tags. This may take a "
-                                "little while.")),
-         {localized(TOMELET_TEXT("Extract")), localized(TOMELET_TEXT("Cancel"))}});
+    const int answer =
+        askQuestion({localized(TOMELET_TEXT("Extract context tags from existing documents")),
+                     localized(TOMELET_TEXT(
+                         "Tomelet will scan all editable documents to find embedded context tags. This may take a "
+                         "little while.")),
+                     {localized(TOMELET_TEXT("Extract")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer != 0) return;
     runWithProgress(this, localized(TOMELET_TEXT("Extracting contexts...")),
                     [](const Progress &progress) { extractContextsFromDocuments(progress); });
@@ -86,7 +86,8 @@ void MainWindow::makeLinkCommands(QMenu *menu)
     manage->setCheckable(true);
     connect(menu, &QMenu::aboutToShow, manage,
             [manage] { manage->setChecked(settings().boolean(QStringLiteral("manageLinks"))); });
-    connect(manage, &QAction::triggered, this, [](bool on) { settings().setObject(QStringLiteral("manageLinks"), on); });
+    connect(manage, &QAction::triggered, this,
+            [](bool on) { settings().setObject(QStringLiteral("manageLinks"), on); });
     const QList<QAction *> commands{
         add(menu, TOMELET_TEXT("&Find Broken Backlinks"), {}, [this] { findBrokenBacklinks(); }),
         add(menu, TOMELET_TEXT("Refresh Back&links"), {}, [this] { refreshBacklinks(); }),
@@ -107,13 +108,14 @@ static void backlinksChanged()
 void MainWindow::findBrokenBacklinks()
 {
     CheckedBacklinks checked;
-    const bool finished = runWithProgress(
-        this, localized(TOMELET_TEXT("Finding Broken Backlinks")), [&](const Progress &progress) {
+    const bool finished =
+        runWithProgress(this, localized(TOMELET_TEXT("Finding Broken Backlinks")), [&](const Progress &progress) {
             checked = tm_findBrokenBacklinks(tomeletRoot(), BacklinkCheck::Find, progress);
         });
     if (!finished) return;
     if (checked.mismatches.isEmpty()) return showMessage(checked.message(), {});
-    const int answer = askQuestion({checked.message(), checked.explanation(),
+    const int answer = askQuestion({checked.message(),
+                                    checked.explanation(),
                                     {localized(TOMELET_TEXT("Repair")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer != 0) return;
     for (const QString &item : checked.mismatches) tm_repairBrokenBacklink(item);
@@ -123,8 +125,8 @@ void MainWindow::findBrokenBacklinks()
 void MainWindow::refreshBacklinks()
 {
     RefreshedLinks found;
-    const bool finished = runWithProgress(
-        this, localized(TOMELET_TEXT("Refreshing Backlinks")), [&](const Progress &progress) {
+    const bool finished =
+        runWithProgress(this, localized(TOMELET_TEXT("Refreshing Backlinks")), [&](const Progress &progress) {
             found = tm_refreshAllBacklinksStartingAtReferenceDate(tomeletRoot(), false, progress);
         });
     if (finished) showMessage(found.message(), {});
@@ -139,8 +141,8 @@ void MainWindow::removeBacklinks()
          {localized(TOMELET_TEXT("Remove")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer != 0) return;
     CheckedBacklinks checked;
-    const bool finished = runWithProgress(
-        this, localized(TOMELET_TEXT("Removing Backlinks")), [&](const Progress &progress) {
+    const bool finished =
+        runWithProgress(this, localized(TOMELET_TEXT("Removing Backlinks")), [&](const Progress &progress) {
             checked = tm_findBrokenBacklinks(tomeletRoot(), BacklinkCheck::Remove, progress);
         });
     if (finished) showMessage(checked.message(), {});

@@ -13,10 +13,8 @@ public:
     using QUndoCommand::QUndoCommand;
     void redo() final
     {
-        if (m_first)
-            m_first = false;
-        else
-            again();
+        if (m_first) m_first = false;
+        else again();
     }
     virtual void again() = 0;
 

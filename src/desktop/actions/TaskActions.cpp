@@ -35,20 +35,18 @@ public:
     /// The copies that repeating tasks leave behind belong to the step.
     void followRepeats()
     {
-        m_repeated = notifications().observe(taskRepeatedNotification,
-                                             [this](const QVariantMap &told) { noteCopy(told); });
+        m_repeated =
+            notifications().observe(taskRepeatedNotification, [this](const QVariantMap &told) { noteCopy(told); });
     }
 
     void again() override
     {
-        for (const Before &task : m_before)
-            m_change(task.path);
+        for (const Before &task : m_before) m_change(task.path);
     }
 
     void undo() override
     {
-        for (Before &task : m_before)
-            putBack(task);
+        for (Before &task : m_before) putBack(task);
     }
 
 private:
@@ -142,8 +140,7 @@ private:
 QStringList itemsInTasklists(const QStringList &paths)
 {
     QStringList items = paths;
-    items.removeIf(
-        [](const QString &path) { return pathIsPlainBook(path) || !tm_bookIsTasklist(parentPath(path)); });
+    items.removeIf([](const QString &path) { return pathIsPlainBook(path) || !tm_bookIsTasklist(parentPath(path)); });
     return items;
 }
 
@@ -185,10 +182,8 @@ void chooseDueDates(ItemActions &actions, const QStringList &paths, const DueDat
         chosen->second = choice;
         return chosen->first;
     });
-    if (chosen->first == 0 || chosen->first == 1)
-        actions.undoStack().push(step);
-    else
-        delete step;
+    if (chosen->first == 0 || chosen->first == 1) actions.undoStack().push(step);
+    else delete step;
 }
 
 void clearDueDates(ItemActions &actions, const QStringList &paths)
@@ -231,11 +226,10 @@ QString newTasklist(ItemActions &actions, const QString &parent)
 
 void resetTasks(const QString &book)
 {
-    const int answer =
-        askQuestion({localized(TOMELET_TEXT("Reset all tasks?")),
-                     localized(TOMELET_TEXT("You are about to clear task states, due dates and "
-                                            "reminders.\nYou cannot undo this action.")),
-                     {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}});
+    const int answer = askQuestion({localized(TOMELET_TEXT("Reset all tasks?")),
+                                    localized(TOMELET_TEXT("You are about to clear task states, due dates and "
+                                                           "reminders.\nYou cannot undo this action.")),
+                                    {localized(TOMELET_TEXT("Reset")), localized(TOMELET_TEXT("Cancel"))}});
     if (answer == 0) tm_resetTasklist(book);
 }
 
@@ -246,8 +240,7 @@ QStringList extractTasksOf(ItemActions &actions, const QStringList &documents)
         if (!pathIsPlainBook(path)) made += extractMarkedTasks(path);
     if (made.isEmpty()) return made;
     actions.undoStack().beginMacro(localized(TOMELET_TEXT("Extract Tasks")));
-    for (const QString &path : made)
-        actions.noteCreation({}, path);
+    for (const QString &path : made) actions.noteCreation({}, path);
     actions.undoStack().endMacro();
     return made;
 }

@@ -35,8 +35,7 @@ void MainWindow::makeTaskMenu()
     followDays();
     connect(m_info, &InfoPanel::dueDateWanted, this,
             [this](const QString &path) { chooseDueDates(m_actions, {path}, dueDateDialogOver(this)); });
-    connect(m_info, &InfoPanel::noAlertWanted, this,
-            [this](const QString &path) { clearAlertsOf(m_actions, {path}); });
+    connect(m_info, &InfoPanel::noAlertWanted, this, [this](const QString &path) { clearAlertsOf(m_actions, {path}); });
     connect(m_info, &InfoPanel::noDueDateWanted, this,
             [this](const QString &path) { clearDueDates(m_actions, {path}); });
 }
@@ -71,8 +70,7 @@ void MainWindow::makeTaskCommands(QMenu *menu)
         add(menu, TOMELET_TEXT("&Clear Due Date"), {}, [this] { clearDueDates(m_actions, taskTargets()); });
     QAction *clearAlert =
         add(menu, TOMELET_TEXT("Clear &Alert"), {}, [this] { clearAlertsOf(m_actions, taskTargets()); });
-    QAction *repeat =
-        add(menu, TOMELET_TEXT("Don't Re&peat"), {}, [this] { stopRepeating(m_actions, taskTargets()); });
+    QAction *repeat = add(menu, TOMELET_TEXT("Don't Re&peat"), {}, [this] { stopRepeating(m_actions, taskTargets()); });
     connect(menu, &QMenu::aboutToShow, this, [=, this] {
         const QStringList items = taskTargets();
         const auto any = [&items](const auto &holds) { return std::ranges::any_of(items, holds); };
@@ -87,8 +85,7 @@ void MainWindow::makeTaskCommands(QMenu *menu)
     });
     // Keys work while the menu is closed, whatever was disabled in it last.
     connect(menu, &QMenu::aboutToHide, this, [=] {
-        for (QAction *action : {toggle, notTask, due, clear, clearAlert, repeat})
-            action->setEnabled(true);
+        for (QAction *action : {toggle, notTask, due, clear, clearAlert, repeat}) action->setEnabled(true);
     });
 }
 
@@ -124,10 +121,9 @@ bool MainWindow::chooseTaskMark()
     const QString key = QStringLiteral("markTaskWithCharacter");
     bool accepted = false;
     const QString mark =
-        QInputDialog::getText(
-            this, localized(TOMELET_TEXT("Mark of Task Lines")),
-            localized(TOMELET_TEXT("A line that begins with this mark and a blank is a task:")),
-            QLineEdit::Normal, settings().string(key), &accepted)
+        QInputDialog::getText(this, localized(TOMELET_TEXT("Mark of Task Lines")),
+                              localized(TOMELET_TEXT("A line that begins with this mark and a blank is a task:")),
+                              QLineEdit::Normal, settings().string(key), &accepted)
             .trimmed();
     if (accepted) settings().setObject(key, mark.isEmpty() ? QVariant() : QVariant(mark));
     return accepted && !mark.isEmpty();
@@ -138,20 +134,17 @@ void MainWindow::extractTasks()
     if (settings().string(QStringLiteral("markTaskWithCharacter")).isEmpty() && !chooseTaskMark()) return;
     const QStringList selected = selectedDocuments();
     notifications().post(QStringLiteral("TMLTSaveCurrentDocument"));
-    const QStringList made =
-        extractTasksOf(m_actions, selected.isEmpty() ? QStringList{document()->path()} : selected);
+    const QStringList made = extractTasksOf(m_actions, selected.isEmpty() ? QStringList{document()->path()} : selected);
     showMessage(made.size() == 1 ? localized(TOMELET_TEXT("One task was made."))
                                  : localized(TOMELET_TEXT("%1 tasks were made.")).arg(made.size()),
-                made.isEmpty()
-                    ? localized(TOMELET_TEXT("There is no marked line that is not a task already."))
-                    : QString());
+                made.isEmpty() ? localized(TOMELET_TEXT("There is no marked line that is not a task already."))
+                               : QString());
 }
 
 // -- what lists show ----------------------------------------------------------------------------------------
 
 // A setting of which only presence counts, as an entry with a tick.
-static QAction *addSwitch(QMenu *menu, const char *text, const QString &key,
-                          const std::function<void()> &changed)
+static QAction *addSwitch(QMenu *menu, const char *text, const QString &key, const std::function<void()> &changed)
 {
     QAction *action = menu->addAction(localized(text));
     action->setCheckable(true);
@@ -186,10 +179,9 @@ void MainWindow::makeTaskListViewCommands(QMenu *menu)
     const auto reload = [] { notifications().post(QStringLiteral("TMLTReloadCurrentBook")); };
     addSwitch(menu, TOMELET_TEXT("&Hide Done Tasks"), QStringLiteral("hideDoneTasks"), reload)
         ->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+H")));
-    addSwitch(menu, TOMELET_TEXT("Show &Open Checklist Count per Document"),
-              QStringLiteral("showOpenChecklistItems"), reload);
-    addSwitch(menu, TOMELET_TEXT("Show All Task Lists in the &Outline"),
-              QStringLiteral("smartBookAllTaskLists"),
+    addSwitch(menu, TOMELET_TEXT("Show &Open Checklist Count per Document"), QStringLiteral("showOpenChecklistItems"),
+              reload);
+    addSwitch(menu, TOMELET_TEXT("Show All Task Lists in the &Outline"), QStringLiteral("smartBookAllTaskLists"),
               [] { notifications().post(QStringLiteral("TMLTUpdateAllTaskLists")); });
     addChoices(menu->addMenu(localized(TOMELET_TEXT("Look Ahead &for Due Tasks"))), dueLookAheadTitles(),
                QStringLiteral("dueTasksLookAhead"), [this](int index) {
@@ -202,13 +194,12 @@ void MainWindow::makeSmartBookCommands(QMenu *menu)
 {
     const QString weeks = localized(TOMELET_TEXT("weeks"));
     const QString key = QStringLiteral("recentlyModifiedSince");
-    const QStringList titles{localized(TOMELET_TEXT("past week")), QString(u"2 " + weeks),
-                             QString(u"3 " + weeks), QString(u"4 " + weeks)};
-    addChoices(menu->addMenu(localized(TOMELET_TEXT("Show Modified &within..."))), titles, key,
-               [key](int index) {
-                   settings().setObject(key, index == 0 ? QVariant() : QVariant(qlonglong(index)));
-                   notifications().post(QStringLiteral("TMLTReloadCurrentBook"));
-               });
+    const QStringList titles{localized(TOMELET_TEXT("past week")), QString(u"2 " + weeks), QString(u"3 " + weeks),
+                             QString(u"4 " + weeks)};
+    addChoices(menu->addMenu(localized(TOMELET_TEXT("Show Modified &within..."))), titles, key, [key](int index) {
+        settings().setObject(key, index == 0 ? QVariant() : QVariant(qlonglong(index)));
+        notifications().post(QStringLiteral("TMLTReloadCurrentBook"));
+    });
 }
 
 // "Tomorrow" is "Today" from midnight on, and what one looks ahead to moves along.

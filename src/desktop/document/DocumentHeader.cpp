@@ -83,8 +83,8 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     layout->addWidget(m_task);
     layout->addLayout(below);
 
-    m_subscriptions.push_back(
-        notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
+    m_subscriptions.push_back(notifications().observe(
+        QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
             const QString changed = payload.value(QStringLiteral("path")).toString();
             if (m_path.isEmpty()) return;
             if (changed == m_path || changed == propertyFileOf(m_path)) showProperties();
@@ -124,10 +124,12 @@ void DocumentHeader::showTask()
     m_taskState->setText(state);
     m_taskState->setAccessibleName(localized(TOMELET_TEXT("Task state: %1")).arg(state));
     const QString due = hasDueDate(m_path) ? tm_weekdayStringWithOffset(tm_dueDateForTask(m_path)) : QString();
-    QString text = due.isEmpty() ? localized(TOMELET_TEXT("Set due date...")) : localized(TOMELET_TEXT("Due: %1")).arg(due);
+    QString text =
+        due.isEmpty() ? localized(TOMELET_TEXT("Set due date...")) : localized(TOMELET_TEXT("Due: %1")).arg(due);
     if (const auto details = tm_repeatDetails(m_path))
         text += QStringLiteral(" · ") + tm_readableRepeatDetailsForDetails(*details).trimmed();
-    m_dueDate->setIcon(icon.endsWith(u"-due") ? overdueIcon(QStringLiteral("due")) : bundledIcon(QStringLiteral("due")));
+    m_dueDate->setIcon(icon.endsWith(u"-due") ? overdueIcon(QStringLiteral("due"))
+                                              : bundledIcon(QStringLiteral("due")));
     m_dueDate->setText(text);
     m_dueDate->setAccessibleName(text);
 }

@@ -99,8 +99,8 @@ void DocumentPane::makeLayout()
     colourNotice();
     m_notice->hide();
 
-    for (QWidget *widget : {static_cast<QWidget *>(m_empty), static_cast<QWidget *>(m_view),
-                            static_cast<QWidget *>(m_text)})
+    for (QWidget *widget :
+         {static_cast<QWidget *>(m_empty), static_cast<QWidget *>(m_view), static_cast<QWidget *>(m_text)})
         m_stack->addWidget(widget);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -240,11 +240,26 @@ void DocumentPane::followLink(const QUrl &url, bool inNewTab)
 
 // -- text -------------------------------------------------------------------------------------------------------------
 
-QString DocumentPane::text() const { return m_text->documentText(); }
-Range DocumentPane::selection() const { return m_text->selection(); }
-void DocumentPane::select(Range selection) { m_text->select(selection); }
-bool DocumentPane::isBlankUpToCaretLine() const { return m_text->isBlankUpToCaretLine(); }
-void DocumentPane::restylePlainText() { m_text->restyle(); }
+QString DocumentPane::text() const
+{
+    return m_text->documentText();
+}
+Range DocumentPane::selection() const
+{
+    return m_text->selection();
+}
+void DocumentPane::select(Range selection)
+{
+    m_text->select(selection);
+}
+bool DocumentPane::isBlankUpToCaretLine() const
+{
+    return m_text->isBlankUpToCaretLine();
+}
+void DocumentPane::restylePlainText()
+{
+    m_text->restyle();
+}
 
 void DocumentPane::zoom(int steps)
 {
@@ -287,8 +302,9 @@ void DocumentPane::colourNotice()
     const QColor mark = palette().color(QPalette::Highlight);
     const auto mix = [](float a, float b) { return a + (b - a) * share; };
     QPalette colours = m_notice->palette();
-    colours.setColor(QPalette::Window, QColor::fromRgbF(mix(base.redF(), mark.redF()), mix(base.greenF(), mark.greenF()),
-                                                        mix(base.blueF(), mark.blueF())));
+    colours.setColor(QPalette::Window,
+                     QColor::fromRgbF(mix(base.redF(), mark.redF()), mix(base.greenF(), mark.greenF()),
+                                      mix(base.blueF(), mark.blueF())));
     colours.setColor(QPalette::WindowText, palette().color(QPalette::Text));
     m_notice->setPalette(colours);
 }

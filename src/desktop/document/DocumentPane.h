@@ -173,16 +173,16 @@ private:
     TMLTWebView *m_view;
     FormattingBar *m_bar;
     TMLTTextView *m_text;
-    QString m_base; ///< of the page on display
+    QString m_base;   ///< of the page on display
     QString m_source; ///< the page as it was loaded
     bool m_isSettling = false;
     bool m_isLeaving = false;
-    QString m_rescue; ///< the copy of a text that could not be saved; "" for none
-    QString m_textPath;    ///< of the document whose text the text view holds
-    QString m_livePath;    ///< of the document whose page the view holds
-    QUrl m_liveAddress;    ///< that pages made from Markdown can be put into without loading
+    QString m_rescue;   ///< the copy of a text that could not be saved; "" for none
+    QString m_textPath; ///< of the document whose text the text view holds
+    QString m_livePath; ///< of the document whose page the view holds
+    QUrl m_liveAddress; ///< that pages made from Markdown can be put into without loading
     bool m_isLoading = false;
-    bool m_isLong = false; ///< the page is laid out bit by bit
+    bool m_isLong = false;     ///< the page is laid out bit by bit
     bool m_keepsPlace = false; ///< the page was put in place of its older self, and is scrolled as that was
     QTimer m_warmUp;
     QTimer m_layOut;

@@ -29,8 +29,7 @@ void DocumentPane::connectEditor()
         if (isReadOnlyDocument(path())) tm_showUnlockAlert();
     });
     connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
-    connect(m_view, &TMLTWebView::stateChanged, m_bar,
-            qOverload<const FormattingState &>(&FormattingBar::show));
+    connect(m_view, &TMLTWebView::stateChanged, m_bar, qOverload<const FormattingState &>(&FormattingBar::show));
     connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
     connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
@@ -99,13 +98,11 @@ void DocumentPane::toggleBox(const PageBox &box)
     if (isReadOnlyDocument(path())) return tm_showUnlockAlert();
     notifications().post(QStringLiteral("TMLTSaveCurrentDocument"));
     switch (m_actions.toggleBox(path(), box)) {
-    case BoxResult::Toggled:
-        return;
+    case BoxResult::Toggled: return;
     case BoxResult::NotFound:
         return showNotice(localized(TOMELET_TEXT("This box cannot be ticked here")),
                           localized(TOMELET_TEXT("Its line is not in the text of this document.")));
-    case BoxResult::NotWritten:
-        return showAlert(localized(TOMELET_TEXT("Saving Error")), path());
+    case BoxResult::NotWritten: return showAlert(localized(TOMELET_TEXT("Saving Error")), path());
     }
 }
 
@@ -120,26 +117,20 @@ static QString scriptOfTextCommand(EditorCommand command, const EditorArguments 
                                                {QStringLiteral("`"), QStringLiteral("code")}};
     switch (command) {
     case EditorCommand::Markdown:
-        if (const auto mark = marks.constFind(arguments.first); mark != marks.cend())
-            return scriptOfCommand(*mark);
+        if (const auto mark = marks.constFind(arguments.first); mark != marks.cend()) return scriptOfCommand(*mark);
         return scriptForMarks(arguments.first, arguments.second);
     case EditorCommand::Heading:
-        return scriptOfCommand(QStringLiteral("paragraph"), arguments.level == 0
-                                                                ? QStringLiteral("p")
-                                                                : QStringLiteral("h%1").arg(arguments.level));
-    case EditorCommand::ToggleList:
-        return scriptOfCommand(QStringLiteral("list"));
-    default:
-        return {};
+        return scriptOfCommand(QStringLiteral("paragraph"),
+                               arguments.level == 0 ? QStringLiteral("p") : QStringLiteral("h%1").arg(arguments.level));
+    case EditorCommand::ToggleList: return scriptOfCommand(QStringLiteral("list"));
+    default: return {};
     }
 }
 
 void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
 {
-    if (m_stack->currentWidget() == m_text)
-        m_text->apply(command, arguments);
-    else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty())
-        m_view->run(script);
+    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
+    else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty()) m_view->run(script);
 }
 
 void DocumentPane::runCommand(const QString &command, const QString &argument)
@@ -158,10 +149,8 @@ bool DocumentPane::showsContentsTable() const
 void DocumentPane::toggleContentsTable()
 {
     const bool on = !showsContentsTable();
-    if (!path().isEmpty() && on)
-        tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
-    else if (!path().isEmpty())
-        tm_removePropertyForKey(path(), QStringLiteral("TOC"));
+    if (!path().isEmpty() && on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
+    else if (!path().isEmpty()) tm_removePropertyForKey(path(), QStringLiteral("TOC"));
     m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
 }
 
@@ -201,8 +190,7 @@ void DocumentPane::insertFiles(const QStringList &files)
         return;
     }
     QString html;
-    for (const QString &file : files)
-        html += htmlForDroppedFile(bookOfDocument(), file);
+    for (const QString &file : files) html += htmlForDroppedFile(bookOfDocument(), file);
     if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
 }
 

@@ -87,8 +87,7 @@ void DocumentPane::replaceFound()
 
 void DocumentPane::replaceAllFound()
 {
-    if (showsText())
-        m_text->replaceAll(m_find->wanted(), m_find->replacement());
+    if (showsText()) m_text->replaceAll(m_find->wanted(), m_find->replacement());
     else
         m_view->run(QStringLiteral("tm.replaceAll('%1', '%2')")
                         .arg(escapedForScript(m_find->wanted()), escapedForScript(m_find->replacement())));
@@ -104,9 +103,7 @@ void DocumentPane::count()
     const bool isPage = m_stack->currentWidget() == m_view && m_view->isReady();
     if (!showsText() && !isPage) return m_counts->hide();
     const QString selected = showsText() ? m_text->selectedText() : QString();
-    const QString text = !selected.isEmpty() ? selected
-                         : showsText()       ? m_text->documentText()
-                                             : m_view->innerText();
+    const QString text = !selected.isEmpty() ? selected : showsText() ? m_text->documentText() : m_view->innerText();
     queue.add([text, self = QPointer(this), number = ++m_countNumber] {
         const qlonglong words = tm_wordCount(text);
         QMetaObject::invokeMethod(
@@ -121,8 +118,8 @@ void DocumentPane::count()
 void DocumentPane::showCounts(qlonglong words, qlonglong characters)
 {
     const QLocale locale;
-    m_counts->setText(localized(TOMELET_TEXT("%1 words, %2 characters"))
-                          .arg(locale.toString(words), locale.toString(characters)));
+    m_counts->setText(
+        localized(TOMELET_TEXT("%1 words, %2 characters")).arg(locale.toString(words), locale.toString(characters)));
     m_counts->show();
 }
 
@@ -158,17 +155,15 @@ void DocumentPane::print()
         return;
     }
     connect(
-        m_view, &QWebEngineView::printFinished, this, [printer] { delete printer; },
-        Qt::SingleShotConnection);
+        m_view, &QWebEngineView::printFinished, this, [printer] { delete printer; }, Qt::SingleShotConnection);
     m_view->print(printer);
 }
 
 void DocumentPane::printToPdf()
 {
     const QString name = pathWithoutExtension(lastPathComponent(path())) + QStringLiteral(".pdf");
-    const QString file =
-        QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
-                                     localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
+    const QString file = QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
+                                                      localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
     if (file.isEmpty()) return;
     if (!showsText()) return m_view->page()->printToPdf(file);
     QPrinter printer(QPrinter::HighResolution);

@@ -178,8 +178,7 @@ void DocumentTabs::restore(const QList<WindowEntry> &entries)
         if (entries[i].selected) selected = int(i);
     }
     for (qsizetype i = 0; i < entries.size(); ++i)
-        if (i != known)
-            insertTab(i < known ? int(i) : count(), {nullptr, entries[i].path, entries[i].toggled});
+        if (i != known) insertTab(i < known ? int(i) : count(), {nullptr, entries[i].path, entries[i].toggled});
     if (known >= 0 && entries[known].toggled) current()->showDocument(open, {}, true);
     if (!open.isEmpty()) return;
     select(selected + 1);

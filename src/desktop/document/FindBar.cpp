@@ -81,8 +81,7 @@ QString FindBar::replacement() const
 
 void FindBar::showCount(qsizetype count)
 {
-    m_count->setText(count < 0 || wanted().isEmpty() ? QString()
-                                                     : localized(TOMELET_TEXT("%1 found")).arg(count));
+    m_count->setText(count < 0 || wanted().isEmpty() ? QString() : localized(TOMELET_TEXT("%1 found")).arg(count));
 }
 
 void FindBar::keyPressEvent(QKeyEvent *event)
@@ -90,10 +89,8 @@ void FindBar::keyPressEvent(QKeyEvent *event)
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (event->key() == Qt::Key_Escape) return close();
     if (!enter) return QWidget::keyPressEvent(event);
-    if (m_replacement->hasFocus())
-        Q_EMIT replaceWanted();
-    else
-        Q_EMIT findWanted(event->modifiers() & Qt::ShiftModifier);
+    if (m_replacement->hasFocus()) Q_EMIT replaceWanted();
+    else Q_EMIT findWanted(event->modifiers() & Qt::ShiftModifier);
 }
 
 } // namespace tomelet::desktop

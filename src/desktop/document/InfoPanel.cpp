@@ -71,7 +71,8 @@ void fillList(QListWidget *list, const QStringList &paths)
 
 QString row(const QString &name, const QString &value)
 {
-    return QStringLiteral("<tr><td style='padding-right:12px'>%1</td><td>%2</td></tr>").arg(name, value.toHtmlEscaped());
+    return QStringLiteral("<tr><td style='padding-right:12px'>%1</td><td>%2</td></tr>")
+        .arg(name, value.toHtmlEscaped());
 }
 
 QString textOf(const QString &path)
@@ -86,7 +87,8 @@ QString factsOf(const QString &path)
 {
     const QFileInfo file(path);
     const QLocale locale;
-    QString rows = row(localized(TOMELET_TEXT("Created")), locale.toString(tm_creationDate(path).toLocalTime(), QLocale::ShortFormat)) +
+    QString rows = row(localized(TOMELET_TEXT("Created")),
+                       locale.toString(tm_creationDate(path).toLocalTime(), QLocale::ShortFormat)) +
                    row(localized(TOMELET_TEXT("Changed")), locale.toString(file.lastModified(), QLocale::ShortFormat)) +
                    row(localized(TOMELET_TEXT("Size")), locale.formattedDataSize(file.size()));
     const QString text = file.isFile() && file.size() <= longestCounted ? textOf(path) : QString();
@@ -147,11 +149,12 @@ InfoPanel::InfoPanel(QWidget *parent)
     m_backlinks = makeList(localized(TOMELET_TEXT("Linked from")), layout);
     content->setMinimumWidth(220);
     setWidget(content);
-    m_subscriptions.push_back(
-        notifications().observe(QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
+    m_subscriptions.push_back(notifications().observe(
+        QStringLiteral("TMLTFileModifiedOnDiskNotification"), [this](const QVariantMap &payload) {
             const QString changed = payload.value(QStringLiteral("path")).toString();
             const bool ownStore = tm_pathIsTaskPlist(changed) && parentPath(changed) == parentPath(m_path);
-            if (!m_path.isEmpty() && (changed == m_path || changed == propertyFileOf(m_path) || ownStore)) m_soon->start();
+            if (!m_path.isEmpty() && (changed == m_path || changed == propertyFileOf(m_path) || ownStore))
+                m_soon->start();
         }));
 }
 
@@ -183,8 +186,8 @@ void InfoPanel::fill()
     m_task->setVisible(!task.isEmpty());
     const bool readable = !m_path.isEmpty() && canHoldReferences(m_path);
     fillList(m_links, readable ? tm_verifiedArrayOfReferencedDocuments(m_path) : QStringList());
-    fillList(m_backlinks, m_path.isEmpty() ? QStringList()
-                                           : tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList());
+    fillList(m_backlinks,
+             m_path.isEmpty() ? QStringList() : tm_propertyForKey(m_path, QStringLiteral("Backlinks")).toStringList());
 }
 
 } // namespace tomelet::desktop

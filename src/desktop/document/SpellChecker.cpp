@@ -54,8 +54,7 @@ QStringList SpellChecker::suggestions(const QString &word) const
     size_t count = 0;
     char **found = enchant_dict_suggest(m_dictionary, bytes.constData(), bytes.size(), &count);
     QStringList words;
-    for (size_t i = 0; i < count; ++i)
-        words.append(QString::fromUtf8(found[i]));
+    for (size_t i = 0; i < count; ++i) words.append(QString::fromUtf8(found[i]));
     if (found) enchant_dict_free_string_list(m_dictionary, found);
     return words;
 }

@@ -29,8 +29,7 @@ constexpr qsizetype mostRowsFollowed = 1000;
 DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
     : QAbstractListModel(parent)
     , m_actions(actions)
-{
-}
+{}
 
 void DocumentListModel::show(const ListSource &source)
 {
@@ -68,7 +67,8 @@ static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
     return paths;
 }
 
-// A book's list holds its books while the outline is hidden; computed lists may hold any, but nobody searches for books.
+// A book's list holds its books while the outline is hidden; computed lists may hold any, but nobody searches for
+// books.
 void DocumentListModel::noteBooks()
 {
     m_books = pathsOf(m_controller.booksList);
@@ -215,8 +215,8 @@ QString DocumentListModel::displayTitle(const QVariantMap &row) const
 
 QDateTime DocumentListModel::shownDate(const QVariantMap &row) const
 {
-    const QString key = m_controller.sortOrder == u"creationDate" ? QStringLiteral("creationDate")
-                                                                  : QStringLiteral("modDate");
+    const QString key =
+        m_controller.sortOrder == u"creationDate" ? QStringLiteral("creationDate") : QStringLiteral("modDate");
     return row.value(key).toDateTime().toLocalTime();
 }
 
@@ -239,9 +239,10 @@ QString DocumentListModel::taskDate(const QVariantMap &row) const
     const auto known = m_taskDates.constFind(pathOf(row));
     if (known != m_taskDates.cend()) return *known;
     const QDateTime finished = finishingDateOfRow(row);
-    const QString text = finished.isValid()
-                             ? QString(taskStateText(taskIconOf(row)) + QStringLiteral(", ") + tm_fancyWeekdayString(finished))
-                             : tm_weekdayStringWithOffset(dueDateOfRow(row));
+    const QString text =
+        finished.isValid()
+            ? QString(taskStateText(taskIconOf(row)) + QStringLiteral(", ") + tm_fancyWeekdayString(finished))
+            : tm_weekdayStringWithOffset(dueDateOfRow(row));
     m_taskDates.insert(pathOf(row), text);
     return text;
 }
@@ -260,8 +261,7 @@ qlonglong DocumentListModel::openChecklist(const QVariantMap &row) const
         if (!self) return;
         self->m_checklists.insert(key, count);
         // A row that shows nothing new is left alone: its name may be being edited.
-        if (const QModelIndex at = self->indexOfPath(path); at.isValid() && count > 0)
-            Q_EMIT self->dataChanged(at, at);
+        if (const QModelIndex at = self->indexOfPath(path); at.isValid() && count > 0) Q_EMIT self->dataChanged(at, at);
     });
     return 0;
 }
@@ -350,7 +350,8 @@ Qt::ItemFlags DocumentListModel::flags(const QModelIndex &index) const
     if (smartTypeOf(row) == ContextBook) return shown | Qt::ItemIsEditable;
     if (smartTypeOf(row) != OrdinaryBook) return shown;
     // What is dropped on a book goes into it.
-    return shown | Qt::ItemIsEditable | Qt::ItemIsDragEnabled | (leadsOn(row) ? Qt::ItemIsDropEnabled : Qt::NoItemFlags);
+    return shown | Qt::ItemIsEditable | Qt::ItemIsDragEnabled |
+           (leadsOn(row) ? Qt::ItemIsDropEnabled : Qt::NoItemFlags);
 }
 
 // -- drag and drop ----------------------------------------------------------------------------------------------------

@@ -85,11 +85,11 @@ private:
 
     ItemActions &m_actions;
     OutlineBadges *m_badges = nullptr;
-    QList<QVariantMap> m_rows; // as the views know them
-    ListSource m_shown;        // and where they come from
-    QSet<QString> m_books;     // which of them are books
-    mutable QHash<QString, QString> m_taskDates;     // by path, until the next reload
-    mutable QHash<QString, qlonglong> m_checklists;  // by path and date of the file; -1 while it is counted
+    QList<QVariantMap> m_rows;                      // as the views know them
+    ListSource m_shown;                             // and where they come from
+    QSet<QString> m_books;                          // which of them are books
+    mutable QHash<QString, QString> m_taskDates;    // by path, until the next reload
+    mutable QHash<QString, qlonglong> m_checklists; // by path and date of the file; -1 while it is counted
     TMLTDocumentListViewController m_controller;
 };
 

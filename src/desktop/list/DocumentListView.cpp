@@ -33,8 +33,7 @@ QModelIndex DocumentListView::taskRingAt(const QPoint &position) const
 {
     const QModelIndex index = indexAt(position);
     if (index.data(DocumentListModel::TaskIconRole).toString().isEmpty()) return {};
-    const QRect ring =
-        DocumentDelegate::iconArea(visualRect(index), layoutDirection()).adjusted(-4, -4, 4, 4);
+    const QRect ring = DocumentDelegate::iconArea(visualRect(index), layoutDirection()).adjusted(-4, -4, 4, 4);
     return ring.contains(position) ? index : QModelIndex();
 }
 
@@ -56,10 +55,8 @@ void DocumentListView::mouseMoveEvent(QMouseEvent *event)
 
 void DocumentListView::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    if (taskRingAt(event->pos()).isValid())
-        mousePressEvent(event);
-    else
-        QListView::mouseDoubleClickEvent(event);
+    if (taskRingAt(event->pos()).isValid()) mousePressEvent(event);
+    else QListView::mouseDoubleClickEvent(event);
 }
 
 void DocumentListView::mouseReleaseEvent(QMouseEvent *event)
@@ -73,8 +70,7 @@ void DocumentListView::mouseReleaseEvent(QMouseEvent *event)
 void DocumentListView::keyPressEvent(QKeyEvent *event)
 {
     const bool plain = event->modifiers() == Qt::NoModifier;
-    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) &&
-        state() != EditingState) {
+    if (plain && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && state() != EditingState) {
         if (currentIndex().isValid()) Q_EMIT openWanted(currentIndex());
         return;
     }

@@ -37,9 +37,7 @@ QString keyOf(int smartType, const QString &path)
 Badge countTasklist(const QString &book)
 {
     const QVariantMap counts = tm_allOpenTasksCountingDescendants(book, true);
-    const auto number = [&counts](const char *key) {
-        return counts.value(QLatin1StringView(key)).toLongLong();
-    };
+    const auto number = [&counts](const char *key) { return counts.value(QLatin1StringView(key)).toLongLong(); };
     return {number("totalTasks") - number("doneTasks"), number("dueTasks"), true};
 }
 
@@ -74,10 +72,9 @@ OutlineBadges::OutlineBadges(QObject *parent)
     m_soon->setInterval(150ms);
     connect(m_soon, &QTimer::timeout, this, &OutlineBadges::recount);
     for (const QString &name :
-         {QStringLiteral("TMLTFileModifiedOnDiskNotification"),
-          QStringLiteral("TMLTFileDeletedFromDiskNotification"), QStringLiteral("TMLTFileMovedNotification"),
-          QStringLiteral("TMLTUpdateAllTaskLists"), QStringLiteral("TMLTUpdateDefaultInbox"),
-          remindersRebuiltNotification})
+         {QStringLiteral("TMLTFileModifiedOnDiskNotification"), QStringLiteral("TMLTFileDeletedFromDiskNotification"),
+          QStringLiteral("TMLTFileMovedNotification"), QStringLiteral("TMLTUpdateAllTaskLists"),
+          QStringLiteral("TMLTUpdateDefaultInbox"), remindersRebuiltNotification})
         m_subscriptions.push_back(notifications().observe(name, [this](const QVariantMap &) {
             if (!m_soon->isActive()) m_soon->start();
         }));

@@ -11,8 +11,7 @@ namespace tomelet::desktop {
 
 constexpr int gap = 6;
 
-void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
-                            const QModelIndex &index) const
+void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
 {
     const BadgePills pills(option, index.data(OutlineModel::TotalRole).toLongLong(),
                            index.data(OutlineModel::DueRole).toLongLong());
@@ -21,8 +20,7 @@ void OutlineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &optio
     const int textWidth = row.rect.width() - row.decorationSize.width() - 3 * gap - pills.width();
     row.text = QFontMetrics(row.font).elidedText(row.text, Qt::ElideRight, std::max(0, textWidth));
     const QWidget *widget = option.widget;
-    (widget ? widget->style() : QApplication::style())
-        ->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
+    (widget ? widget->style() : QApplication::style())->drawControl(QStyle::CE_ItemViewItem, &row, painter, widget);
     pills.paint(painter);
 }
 

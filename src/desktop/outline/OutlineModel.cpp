@@ -98,7 +98,9 @@ QVariant OutlineModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole: return item->title();
     case Qt::EditRole:
         return item->smartBookType() == ContextBook ? item->relativePath() : lastPathComponent(item->relativePath());
-    case Qt::DecorationRole: return item->isGroupItem() ? QVariant() : QVariant(outlineIcon(item->smartBookType(), m_badges->badgeOf(*item)));
+    case Qt::DecorationRole:
+        return item->isGroupItem() ? QVariant()
+                                   : QVariant(outlineIcon(item->smartBookType(), m_badges->badgeOf(*item)));
     case TotalRole: return m_badges->badgeOf(*item).total;
     case DueRole: return m_badges->badgeOf(*item).due;
     case Qt::ToolTipRole: return item->isGroupItem() ? QVariant() : QVariant(item->title());

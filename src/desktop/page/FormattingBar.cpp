@@ -31,19 +31,16 @@ FormattingBar::FormattingBar(QWidget *parent)
                                                {},
                                                QStringLiteral("removeRows"),
                                                QStringLiteral("removeColumns")});
-    QMenu *insert = addMenu(localized(TOMELET_TEXT("Insert")), {QStringLiteral("link"),
-                                                                QStringLiteral("unlink"),
-                                                                {},
-                                                                QStringLiteral("image"),
-                                                                QStringLiteral("rule")});
+    QMenu *insert = addMenu(
+        localized(TOMELET_TEXT("Insert")),
+        {QStringLiteral("link"), QStringLiteral("unlink"), {}, QStringLiteral("image"), QStringLiteral("rule")});
     connect(insert->addAction(localized(TOMELET_TEXT("Contents Table"))), &QAction::triggered, this,
             &FormattingBar::contentsWanted);
     addSeparator();
     addCommand(this, QStringLiteral("clear"));
     setToolButtonStyle(Qt::ToolButtonTextOnly);
     // The caret is to stay in the page.
-    for (QToolButton *button : findChildren<QToolButton *>())
-        button->setFocusPolicy(Qt::NoFocus);
+    for (QToolButton *button : findChildren<QToolButton *>()) button->setFocusPolicy(Qt::NoFocus);
 }
 
 void FormattingBar::addStyles()
@@ -54,12 +51,10 @@ void FormattingBar::addStyles()
         {TOMELET_TEXT("Heading 4"), "h4"},     {TOMELET_TEXT("Quotation"), "blockquote"},
         {TOMELET_TEXT("Preformatted"), "pre"},
     };
-    for (const auto &[text, block] : styles)
-        m_styles->addItem(localized(text), QString::fromLatin1(block));
+    for (const auto &[text, block] : styles) m_styles->addItem(localized(text), QString::fromLatin1(block));
     m_styles->setAccessibleName(localized(TOMELET_TEXT("Paragraph Style")));
-    connect(m_styles, &QComboBox::activated, this, [this](int index) {
-        Q_EMIT wanted(QStringLiteral("paragraph"), m_styles->itemData(index).toString());
-    });
+    connect(m_styles, &QComboBox::activated, this,
+            [this](int index) { Q_EMIT wanted(QStringLiteral("paragraph"), m_styles->itemData(index).toString()); });
     addWidget(m_styles);
     addSeparator();
 }
@@ -86,8 +81,7 @@ void FormattingBar::addMarks()
     addSeparator();
     for (const char *name : {"bullets", "numbers", "boxes"})
         addCommand(this, QString::fromLatin1(name))->setCheckable(true);
-    for (const char *name : {"outdent", "indent"})
-        addCommand(this, QString::fromLatin1(name));
+    for (const char *name : {"outdent", "indent"}) addCommand(this, QString::fromLatin1(name));
     addSeparator();
 }
 
@@ -98,8 +92,7 @@ QAction *FormattingBar::addCommand(QWidget *owner, const QString &name, const QS
         const QString label = QString::fromUtf8(command.label);
         const QString text = localized(command.text);
         auto *action = new QAction(owner == this && !label.isEmpty() ? label : text, owner);
-        const QString keys =
-            QKeySequence(QString::fromLatin1(command.keys)).toString(QKeySequence::NativeText);
+        const QString keys = QKeySequence(QString::fromLatin1(command.keys)).toString(QKeySequence::NativeText);
         action->setToolTip(keys.isEmpty() ? text : QStringLiteral("%1 (%2)").arg(text, keys));
         m_actions.insert(name, action);
         owner->addAction(action);
@@ -121,10 +114,8 @@ QMenu *FormattingBar::addMenu(const QString &title, const QStringList &names)
     button->setMenu(menu);
     button->setPopupMode(QToolButton::InstantPopup);
     for (const QString &name : names) {
-        if (name.isEmpty())
-            menu->addSeparator();
-        else
-            addCommand(menu, name);
+        if (name.isEmpty()) menu->addSeparator();
+        else addCommand(menu, name);
     }
     addWidget(button);
     return menu;
@@ -141,8 +132,7 @@ void FormattingBar::askForImage()
 {
     const QString file = QFileDialog::getOpenFileName(
         this, localized(TOMELET_TEXT("Image")), {},
-        localized(TOMELET_TEXT("Images")) +
-            QStringLiteral(" (*.png *.jpg *.jpeg *.gif *.svg *.webp *.bmp *.tiff)"));
+        localized(TOMELET_TEXT("Images")) + QStringLiteral(" (*.png *.jpg *.jpeg *.gif *.svg *.webp *.bmp *.tiff)"));
     if (!file.isEmpty()) Q_EMIT wanted(QStringLiteral("image"), file);
 }
 
@@ -155,8 +145,7 @@ void FormattingBar::show(const FormattingState &state)
     for (const char *name : {"bullets", "numbers", "boxes"})
         m_actions[QString::fromLatin1(name)]->setChecked(state.list == QLatin1String(name));
     m_actions[QStringLiteral("mark")]->setChecked(state.isMarked);
-    for (const char *name :
-         {"rowAbove", "rowBelow", "columnBefore", "columnAfter", "removeRows", "removeColumns"})
+    for (const char *name : {"rowAbove", "rowBelow", "columnBefore", "columnAfter", "removeRows", "removeColumns"})
         m_actions[QString::fromLatin1(name)]->setEnabled(state.isInTable);
     const int style = m_styles->findData(state.block);
     m_styles->setCurrentIndex(style < 0 ? 0 : style);

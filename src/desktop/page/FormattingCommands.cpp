@@ -14,16 +14,14 @@ constexpr FormattingCommand commands[] = {
     {"bold", TOMELET_TEXT("Bold"), "B", "Ctrl+B", "document.execCommand('bold')"},
     {"italic", TOMELET_TEXT("Italic"), "I", "Ctrl+I", "document.execCommand('italic')"},
     {"underline", TOMELET_TEXT("Underline"), "U", "Ctrl+U", "document.execCommand('Underline')"},
-    {"strikeThrough", TOMELET_TEXT("Struck Out"), "S", "Ctrl+Shift+X",
-     "document.execCommand('strikeThrough')"},
+    {"strikeThrough", TOMELET_TEXT("Struck Out"), "S", "Ctrl+Shift+X", "document.execCommand('strikeThrough')"},
     {"code", TOMELET_TEXT("Code"), "", "Ctrl+Shift+C", "tm.code()"},
     {"mark", TOMELET_TEXT("Highlight"), "", "",
      "document.execCommand('backColor', false, '%1'); document.execCommand('foreColor', false, '#000')"},
     {"unmark", TOMELET_TEXT("Remove Highlight"), "", "",
      "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, "
      "'inherit');"},
-    {"paragraph", TOMELET_TEXT("Paragraph Style"), "", "",
-     "document.execCommand('formatblock', false, '%1')"},
+    {"paragraph", TOMELET_TEXT("Paragraph Style"), "", "", "document.execCommand('formatblock', false, '%1')"},
     {"list", TOMELET_TEXT("List"), "", "Ctrl+L", "tm.toggleList()"},
     {"bullets", TOMELET_TEXT("Bullets"), "\u2022", "", "tm.setList(false)"},
     {"numbers", TOMELET_TEXT("Numbers"), "1.", "", "tm.setList(true)"},
@@ -40,8 +38,7 @@ constexpr FormattingCommand commands[] = {
     {"removeColumns", TOMELET_TEXT("Remove Columns"), "", "", "tm.removeColumns()"},
     {"link", TOMELET_TEXT("Link..."), "", "", "document.execCommand('createLink', false, '%1')"},
     {"unlink", TOMELET_TEXT("Remove Link"), "", "", "document.execCommand('unLink', false, false)"},
-    {"image", TOMELET_TEXT("Image..."), "", "",
-     "document.execCommand('insertHTML', false, '<img src=\"%1\">')"},
+    {"image", TOMELET_TEXT("Image..."), "", "", "document.execCommand('insertHTML', false, '<img src=\"%1\">')"},
     {"rule", TOMELET_TEXT("Horizontal Rule"), "", "", "document.execCommand('insertHorizontalRule')"},
     {"html", TOMELET_TEXT("HTML"), "", "", "document.execCommand('insertHTML', false, '%1')"},
     {"text", TOMELET_TEXT("Text"), "", "", "document.execCommand('insertText', false, '%1')"},
@@ -74,8 +71,8 @@ QString escapedForScript(const QString &text)
 
 QString scriptOfCommand(const QString &name, const QString &argument)
 {
-    const auto found = std::ranges::find_if(
-        commands, [&](const FormattingCommand &c) { return name == QLatin1String(c.name); });
+    const auto found =
+        std::ranges::find_if(commands, [&](const FormattingCommand &c) { return name == QLatin1String(c.name); });
     if (found == std::end(commands)) return {};
     return QString::fromUtf8(found->script).replace(QStringLiteral("%1"), escapedForScript(argument));
 }

@@ -20,9 +20,10 @@ public:
     using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
     void interceptRequest(QWebEngineUrlRequestInfo &info) override
     {
-        static const QStringList local{QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"),
-                                       QStringLiteral("qrc"), QStringLiteral("about"),
-                                       QStringLiteral("chrome-extension"), QStringLiteral("chrome")};
+        static const QStringList local{QStringLiteral("file"),  QStringLiteral("data"),
+                                       QStringLiteral("blob"),  QStringLiteral("qrc"),
+                                       QStringLiteral("about"), QStringLiteral("chrome-extension"),
+                                       QStringLiteral("chrome")};
         if (!local.contains(info.requestUrl().scheme())) info.block(true);
     }
 };

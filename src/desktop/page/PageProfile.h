@@ -9,8 +9,8 @@ namespace tomelet::desktop {
 /// The one profile of the program; lives as long as the application.
 [[nodiscard]] QWebEngineProfile *pageProfile();
 
-/// Marks misspelled words on pages that are edited. Only where the engine has a dictionary of its own kind (".bdic") for
-/// the person's language, which no package of the system brings along: docs/dependencies.md.
+/// Marks misspelled words on pages that are edited. Only where the engine has a dictionary of its own kind (".bdic")
+/// for the person's language, which no package of the system brings along: docs/dependencies.md.
 void checkSpellingOfPages(bool on);
 
 } // namespace tomelet::desktop

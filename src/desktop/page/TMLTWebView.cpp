@@ -14,8 +14,8 @@ namespace tomelet::desktop {
 
 namespace {
 
-constexpr int inputDelay = 40;    // milliseconds; the page has a key by then
-constexpr int watchDelay = 500;   // between looks that no input asked for
+constexpr int inputDelay = 40;  // milliseconds; the page has a key by then
+constexpr int watchDelay = 500; // between looks that no input asked for
 constexpr int longestWait = 2000;
 
 QString scriptFile(const QString &name)

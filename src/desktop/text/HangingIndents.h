@@ -13,8 +13,8 @@ class HangingIndents final : public QPlainTextDocumentLayout
 public:
     using QPlainTextDocumentLayout::QPlainTextDocumentLayout;
 
-    /// So many characters at its start are what the further lines of the paragraph are indented by; 0 for none. True when
-    /// that is new, and the block has to be laid out again.
+    /// So many characters at its start are what the further lines of the paragraph are indented by; 0 for none. True
+    /// when that is new, and the block has to be laid out again.
     static bool setPrefix(QTextBlock block, int length);
 
     [[nodiscard]] QRectF blockBoundingRect(const QTextBlock &block) const override;

@@ -276,16 +276,10 @@ bool TMLTTextView::applyKey(const QKeyEvent &event)
     const bool shift = event.modifiers() & Qt::ShiftModifier;
     switch (event.key()) {
     case Qt::Key_Return:
-    case Qt::Key_Enter:
-        apply(shift ? EditorCommand::ShiftNewLine : EditorCommand::NewLine);
-        return true;
+    case Qt::Key_Enter: apply(shift ? EditorCommand::ShiftNewLine : EditorCommand::NewLine); return true;
     case Qt::Key_Tab: return m_completer->completeByTab() || apply(EditorCommand::Tab);
-    case Qt::Key_Backtab:
-        apply(EditorCommand::ShiftTab);
-        return true;
-    case Qt::Key_Backspace:
-        apply(EditorCommand::DeleteBackward);
-        return true;
+    case Qt::Key_Backtab: apply(EditorCommand::ShiftTab); return true;
+    case Qt::Key_Backspace: apply(EditorCommand::DeleteBackward); return true;
     default: break;
     }
     if (!concernsClosing(event.text())) return false;

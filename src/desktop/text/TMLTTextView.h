@@ -28,7 +28,8 @@ public:
 
     /// Shows a text from its start, with nothing to undo.
     void setDocumentText(const QString &text, bool editable, const HighlightOptions &options);
-    /// The text as somebody else left it. What can be undone here stays so, with one step more; the caret stays as well.
+    /// The text as somebody else left it. What can be undone here stays so, with one step more; the caret stays as
+    /// well.
     void takeDocumentText(const QString &text, bool editable, const HighlightOptions &options);
     /// The text as it stands, with LF for every line end.
     [[nodiscard]] QString documentText() const;

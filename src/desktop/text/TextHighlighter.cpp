@@ -92,7 +92,8 @@ TextHighlighter::Lines TextHighlighter::linesOf(const QString &text, const Highl
         for (; line < starts.size() && starts[line] < style.range.end(); ++line) {
             const qsizetype from = std::max(style.range.location, starts[line]);
             const qsizetype to = std::min(style.range.end(), endOf(line));
-            if (to > from && endOf(line) - starts[line] <= longestStyledLine) lines[line].push_back({{from - starts[line], to - from}, style.style});
+            if (to > from && endOf(line) - starts[line] <= longestStyledLine)
+                lines[line].push_back({{from - starts[line], to - from}, style.style});
         }
     }
     return lines;

@@ -53,8 +53,7 @@ std::vector<std::pair<QTextBlock, double>> TMLTTextView::visibleBlocks() const
 {
     std::vector<std::pair<QTextBlock, double>> blocks;
     double top = blockBoundingGeometry(firstVisibleBlock()).translated(contentOffset()).top();
-    for (QTextBlock block = firstVisibleBlock(); block.isValid() && top < viewport()->height();
-         block = block.next()) {
+    for (QTextBlock block = firstVisibleBlock(); block.isValid() && top < viewport()->height(); block = block.next()) {
         if (block.isVisible()) blocks.emplace_back(block, top);
         top += blockBoundingRect(block).height();
     }
@@ -126,8 +125,7 @@ void drawWave(QPainter &painter, double from, double to, double y)
     static constexpr double step = 2;
     QPolygonF wave;
     bool up = false;
-    for (double x = from; x <= to; x += step, up = !up)
-        wave << QPointF(x, up ? y - step : y);
+    for (double x = from; x <= to; x += step, up = !up) wave << QPointF(x, up ? y - step : y);
     painter.drawPolyline(wave);
 }
 
@@ -140,8 +138,7 @@ void drawUnder(QPainter &painter, const QTextBlock &block, double top, Range wor
         const int end = qMin(line.textStart() + line.textLength(), int(word.end()));
         if (start >= end) continue;
         const double left = layout.position().x();
-        drawWave(painter, left + line.cursorToX(start), left + line.cursorToX(end),
-                 top + line.y() + line.ascent() + 3);
+        drawWave(painter, left + line.cursorToX(start), left + line.cursorToX(end), top + line.y() + line.ascent() + 3);
     }
 }
 

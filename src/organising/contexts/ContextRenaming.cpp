@@ -44,12 +44,12 @@ void replaceInDocument(const QString &path, const QString &word, const QString &
 {
     const auto decoded = readTextFile(path);
     if (!decoded) return;
-    const QString pattern = isHtml(path) ? QStringLiteral("(?<=\\s|>)%1(?=,|;|\\s|&|$|<)")
-                                         : QStringLiteral("(?<!\\S)%1(?=,|;|\\s|$)");
+    const QString pattern =
+        isHtml(path) ? QStringLiteral("(?<=\\s|>)%1(?=,|;|\\s|&|$|<)") : QStringLiteral("(?<!\\S)%1(?=,|;|\\s|$)");
     const Range body = isHtml(path) ? rangeOfPattern(decoded->text, QStringLiteral("<body.*?>")) : Range{0, 0};
     const qsizetype from = body.isFound() ? body.end() : 0;
-    const PatternMatches matches = matchesOfPattern(decoded->text, pattern.arg(escapedForPattern(word)),
-                                                    PatternLineAnchored);
+    const PatternMatches matches =
+        matchesOfPattern(decoded->text, pattern.arg(escapedForPattern(word)), PatternLineAnchored);
     Edits edits;
     for (size_t i = matches.size(); i-- > 0;)
         if (matches[i].range().location >= from) edits.replace(matches[i].range(), newWord);
@@ -63,14 +63,17 @@ bool personWantsTextsToFollow(const QString &word, const QString &newWord)
 {
     const bool deletes = newWord.isEmpty();
     const QString title =
-        deletes ? localized(TOMELET_TEXT("Delete \"%1\" from the contents of documents assigned to this context?")).arg(word)
-                : localized(TOMELET_TEXT("Rename \"%1\" to \"%2\" in the contents of documents assigned to this context, "
-                                         "too?"))
-                      .arg(word, newWord);
-    return askQuestion({title, localized(TOMELET_TEXT("You cannot undo this action.")),
-                        {deletes ? localized(TOMELET_TEXT("Delete from Text"))
-                                 : localized(TOMELET_TEXT("Rename in Text")),
-                         localized(TOMELET_TEXT("Cancel"))}}) == 0;
+        deletes
+            ? localized(TOMELET_TEXT("Delete \"%1\" from the contents of documents assigned to this context?"))
+                  .arg(word)
+            : localized(TOMELET_TEXT("Rename \"%1\" to \"%2\" in the contents of documents assigned to this context, "
+                                     "too?"))
+                  .arg(word, newWord);
+    return askQuestion(
+               {title,
+                localized(TOMELET_TEXT("You cannot undo this action.")),
+                {deletes ? localized(TOMELET_TEXT("Delete from Text")) : localized(TOMELET_TEXT("Rename in Text")),
+                 localized(TOMELET_TEXT("Cancel"))}}) == 0;
 }
 
 // The item's contexts with the new word in the old one's place; the mark of a favourite is carried over.

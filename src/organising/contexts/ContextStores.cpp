@@ -51,7 +51,8 @@ struct FileVersion
 
 FileVersion versionOf(const QString &path)
 {
-    struct stat status{};
+    struct stat status
+    {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) return {path};
     return {path, status.st_ino, status.st_size, status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
 }

@@ -68,7 +68,8 @@ bool removeItem(ContextStores &stores, const QString &word, const QString &path)
 class Collection
 {
 public:
-    explicit Collection(ContextStores &stores) : m_stores(stores)
+    explicit Collection(ContextStores &stores)
+        : m_stores(stores)
     {
         for (auto entry = stores.index.begin(); entry != stores.index.end(); ++entry)
             for (const QString &path : entry.value()) m_keys[localizedKey(path)].append(entry.key());
@@ -105,7 +106,8 @@ private:
     }
 
     ContextStores &m_stores;
-    QHash<QByteArray, QStringList> m_keys; // an item's path, as the locale compares it, with the index's keys that hold it
+    QHash<QByteArray, QStringList>
+        m_keys; // an item's path, as the locale compares it, with the index's keys that hold it
 };
 
 } // namespace
@@ -351,7 +353,8 @@ void tm_changePathInTagDBToPath(const QString &path, const QString &target)
 {
     ContextStores stores;
     if (stores.index.isEmpty()) return;
-    IndexMove move{indexPathOf(path), target.isEmpty() ? QString() : indexPathOf(target), countsAsBook(path, target), {}};
+    IndexMove move{
+        indexPathOf(path), target.isEmpty() ? QString() : indexPathOf(target), countsAsBook(path, target), {}};
     // The property file has moved already when the move itself has.
     const QStringList tags = tagsOf(itemExists(path) || target.isEmpty() ? path : target);
     if (move.isBook) move.bookTags = tags;
@@ -442,8 +445,8 @@ namespace {
 QString textOfPage(QString page)
 {
     if (!page.contains(u"Generator: Tomelet")) return {};
-    for (const char *pattern : {"<a href=.+?>", "<img .+?>", "<script .+?/script>", "<object .+?>", "<iframe .+?>",
-                                "(?s)<code>.*?</code>"})
+    for (const char *pattern :
+         {"<a href=.+?>", "<img .+?>", "<script .+?/script>", "<object .+?>", "<iframe .+?>", "(?s)<code>.*?</code>"})
         page = regexSweep(page, QString::fromLatin1(pattern), {}, PatternCaseInsensitive);
     return tm_htmlToPlainQuick(page);
 }

@@ -45,8 +45,7 @@ bool isInRange(const QDate &day)
 QDateTime momentOf(const QDate &day, const QTime &time)
 {
     if (!day.isValid()) return {};
-    const qint64 wall =
-        QDateTime(day, QTime(time.hour(), time.minute(), time.second()), Qt::UTC).toSecsSinceEpoch();
+    const qint64 wall = QDateTime(day, QTime(time.hour(), time.minute(), time.second()), Qt::UTC).toSecsSinceEpoch();
     return QDateTime::fromSecsSinceEpoch(momentOfWallTime(wall), Qt::UTC);
 }
 
@@ -59,18 +58,10 @@ QDateTime movedBy(const QDateTime &date, CalendarUnit unit, qlonglong count)
     const QDateTime local = date.toLocalTime();
     QDate day = local.date();
     switch (unit) {
-    case CalendarUnit::Week:
-        day = day.addDays(7 * count);
-        break;
-    case CalendarUnit::Month:
-        day = day.addMonths(int(count));
-        break;
-    case CalendarUnit::Year:
-        day = day.addYears(int(count));
-        break;
-    default:
-        day = day.addDays(count);
-        break;
+    case CalendarUnit::Week: day = day.addDays(7 * count); break;
+    case CalendarUnit::Month: day = day.addMonths(int(count)); break;
+    case CalendarUnit::Year: day = day.addYears(int(count)); break;
+    default: day = day.addDays(count); break;
     }
     return isInRange(day) ? momentOf(day, local.time()) : QDateTime();
 }

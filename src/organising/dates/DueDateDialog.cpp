@@ -19,8 +19,8 @@ using namespace std::chrono_literals;
 namespace {
 
 const QStringList types{QString(), QStringLiteral("when due"), QStringLiteral("when done")};
-const QStringList units{QStringLiteral("hour"), QStringLiteral("day"), QStringLiteral("week"),
-                        QStringLiteral("month"), QStringLiteral("year")};
+const QStringList units{QStringLiteral("hour"), QStringLiteral("day"), QStringLiteral("week"), QStringLiteral("month"),
+                        QStringLiteral("year")};
 constexpr int week = 2;
 
 } // namespace
@@ -34,8 +34,7 @@ QStringList TMLTDueDatePicker::typeTitles()
 QStringList TMLTDueDatePicker::unitTitles() const
 {
     QStringList titles;
-    for (const QString &unit : units)
-        titles.append(repeatUnitWord(unit, m_factor));
+    for (const QString &unit : units) titles.append(repeatUnitWord(unit, m_factor));
     return titles;
 }
 
@@ -66,10 +65,8 @@ bool TMLTDueDatePicker::chooseType(int index)
 Question dueDateQuestion()
 {
     return {localized(TOMELET_TEXT("Set Due Date, Alert Time and Repeat Interval")),
-            localized(TOMELET_TEXT(
-                "Adjust date and/or time. If you don't need an alert, leave the time a midnight.")),
-            {localized(TOMELET_TEXT("Set")), localized(TOMELET_TEXT("Clear")),
-             localized(TOMELET_TEXT("Cancel"))}};
+            localized(TOMELET_TEXT("Adjust date and/or time. If you don't need an alert, leave the time a midnight.")),
+            {localized(TOMELET_TEXT("Set")), localized(TOMELET_TEXT("Clear")), localized(TOMELET_TEXT("Cancel"))}};
 }
 
 DueDateChoice startOfDueDateDialog(const QStringList &items)
@@ -81,8 +78,7 @@ DueDateChoice startOfDueDateDialog(const QStringList &items)
     return {tm_dueDateHasAlertTime(due) ? due : tm_thatDayMidnight(due), details};
 }
 
-static void later(const char *name, const QString &item, std::chrono::milliseconds delay,
-                  std::function<void()> call)
+static void later(const char *name, const QString &item, std::chrono::milliseconds delay, std::function<void()> call)
 {
     platform().delayedCalls.schedule(QLatin1StringView(name), item, delay, std::move(call));
 }

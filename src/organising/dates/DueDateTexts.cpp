@@ -33,8 +33,8 @@ QString formatted(const QDateTime &date, UDateFormatStyle timeStyle, UDateFormat
     static const UChar utc[] = u"UTC";
     UErrorCode status = U_ZERO_ERROR;
     const auto *units = reinterpret_cast<const UChar *>(pattern.utf16());
-    UDateFormat *format = udat_open(timeStyle, dateStyle, dateLocale().constData(), utc, -1, units,
-                                    int32_t(pattern.size()), &status);
+    UDateFormat *format =
+        udat_open(timeStyle, dateStyle, dateLocale().constData(), utc, -1, units, int32_t(pattern.size()), &status);
     if (U_FAILURE(status)) return {};
     const QDateTime local = date.toLocalTime();
     const double wall = double(local.toMSecsSinceEpoch()) + 1000.0 * local.offsetFromUtc();
@@ -98,10 +98,8 @@ QString tm_weekdayStringWithOffset(const QDateTime &date)
     if (isMissing(date)) return {};
     const qint64 days = platform().clock.now().toLocalTime().date().daysTo(date.toLocalTime().date());
     QString offset;
-    if (days >= 2)
-        offset = localized(TOMELET_TEXT(" (%lu days)"));
-    else if (days <= -2)
-        offset = localized(TOMELET_TEXT(" (%lu days ago)"));
+    if (days >= 2) offset = localized(TOMELET_TEXT(" (%lu days)"));
+    else if (days <= -2) offset = localized(TOMELET_TEXT(" (%lu days ago)"));
     return tm_weekdayString(date) + offset.replace(QLatin1String("%lu"), QString::number(qAbs(days)));
 }
 
@@ -119,8 +117,7 @@ QString tm_fancyWeekdayString(const QDateTime &date)
     if (age < 0 || age >= 14400) return tm_weekdayString(date);
     if (age < 120) return localized(TOMELET_TEXT("just now"));
     if (age >= 3600 && age < 7200) return localized(TOMELET_TEXT("1 hour ago"));
-    QString text =
-        age < 3600 ? localized(TOMELET_TEXT("%d minutes ago")) : localized(TOMELET_TEXT("%d hours ago"));
+    QString text = age < 3600 ? localized(TOMELET_TEXT("%d minutes ago")) : localized(TOMELET_TEXT("%d hours ago"));
     return text.replace(QLatin1String("%d"), QString::number(age < 3600 ? age / 60 : age / 3600));
 }
 

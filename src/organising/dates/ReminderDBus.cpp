@@ -33,8 +33,7 @@ QVariantMap hintsFor(const Reminder &reminder)
     // A day without an alert is told silently.
     if (tm_dueDateHasAlertTime(reminder.fireDate))
         hints.insert(QStringLiteral("sound-name"), QStringLiteral("alarm-clock-elapsed"));
-    else
-        hints.insert(QStringLiteral("suppress-sound"), true);
+    else hints.insert(QStringLiteral("suppress-sound"), true);
     return hints;
 }
 
@@ -61,11 +60,11 @@ void DesktopReminders::present(const Reminder &reminder, const Answers &answers)
     static constexpr int untilClosed = 0;
     QDBusMessage message = call(QStringLiteral("Notify"));
     // The body may be read as markup.
-    message.setArguments({QStringLiteral("Tomelet"), idOf(reminder.path), QStringLiteral("org.tomelet.app"),
-                          reminderTitle(), reminderText(reminder.path).toHtmlEscaped(),
-                          QStringList{defaultAction, localized(TOMELET_TEXT("Open")), openAction,
-                                      localized(TOMELET_TEXT("Open"))},
-                          hintsFor(reminder), untilClosed});
+    message.setArguments(
+        {QStringLiteral("Tomelet"), idOf(reminder.path), QStringLiteral("org.tomelet.app"), reminderTitle(),
+         reminderText(reminder.path).toHtmlEscaped(),
+         QStringList{defaultAction, localized(TOMELET_TEXT("Open")), openAction, localized(TOMELET_TEXT("Open"))},
+         hintsFor(reminder), untilClosed});
     auto *watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(message), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this, reminder, answers](QDBusPendingCallWatcher *done) {

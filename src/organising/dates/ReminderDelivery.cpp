@@ -39,8 +39,7 @@ void ReminderDelivery::deliverDue()
 {
     // Delivering sets off a rebuild, which delivers: without anyone to show reminders that would never end.
     if (m_nextTry->isValid() && platform().clock.now() < *m_nextTry) return;
-    for (const Reminder &reminder : takeDueReminders())
-        deliver(reminder);
+    for (const Reminder &reminder : takeDueReminders()) deliver(reminder);
 }
 
 void ReminderDelivery::deliver(const Reminder &reminder)

@@ -72,8 +72,7 @@ namespace {
 // Keeps those whose task is still overdue by that very date: the others speak of what has changed since.
 void keepOverdue(QList<Reminder> &reminders, const QHash<QString, QDateTime> &overdue)
 {
-    reminders.removeIf(
-        [&](const Reminder &reminder) { return overdue.value(reminder.path) != reminder.fireDate; });
+    reminders.removeIf([&](const Reminder &reminder) { return overdue.value(reminder.path) != reminder.fireDate; });
 }
 
 } // namespace
@@ -86,10 +85,8 @@ void tm_repostAllNotifications()
     QList<Reminder> scheduled;
     QHash<QString, QDateTime> overdue;
     for (const ReminderCandidate &candidate : reminderCandidates()) {
-        if (candidate.modDate > now)
-            scheduled.append({candidate.path, candidate.fireDate});
-        else
-            overdue.insert(candidate.path, candidate.modDate);
+        if (candidate.modDate > now) scheduled.append({candidate.path, candidate.fireDate});
+        else overdue.insert(candidate.path, candidate.modDate);
     }
     {
         ReminderStore store;
@@ -101,17 +98,15 @@ void tm_repostAllNotifications()
         store.scheduled = scheduled;
         store.save();
     }
-    logLine(QStringLiteral("reposting done, %1 are due, %2 have notifications")
-                .arg(overdue.size())
-                .arg(scheduled.size()));
+    logLine(
+        QStringLiteral("reposting done, %1 are due, %2 have notifications").arg(overdue.size()).arg(scheduled.size()));
     notifications().post(remindersRebuiltNotification);
 }
 
 void rebuildRemindersSoon()
 {
     using namespace std::chrono_literals;
-    platform().delayedCalls.schedule(QStringLiteral("tm_repostAllNotifications"), {}, 500ms,
-                                     tm_repostAllNotifications);
+    platform().delayedCalls.schedule(QStringLiteral("tm_repostAllNotifications"), {}, 500ms, tm_repostAllNotifications);
 }
 
 // -- one reminder -----------------------------------------------------------------------------------------------------

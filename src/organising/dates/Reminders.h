@@ -44,8 +44,7 @@ void rebuildRemindersSoon();
 
 /// The reminder as a dictionary: deliveryDate, title, informativeText, soundName (only with an alert time),
 /// userInfo {taskPath}, actionButtonTitle, identifier. The interval is not applied.
-[[nodiscard]] QVariantMap tm_notificationForDate(const QString &path, const QDateTime &date,
-                                                 qlonglong repeat);
+[[nodiscard]] QVariantMap tm_notificationForDate(const QString &path, const QDateTime &date, qlonglong repeat);
 [[nodiscard]] QString reminderTitle();
 /// The file's name without extension.
 [[nodiscard]] QString reminderText(const QString &path);

@@ -27,8 +27,8 @@ const Unit units[] = {
      TOMELET_TEXT("EveryPl")},
     {"week", CalendarUnit::Week, 256, TOMELET_TEXT("Every Week"), TOMELET_TEXT("week"), TOMELET_TEXT("weeks"),
      TOMELET_TEXT("EveryPl2")},
-    {"month", CalendarUnit::Month, 8, TOMELET_TEXT("Every Month"), TOMELET_TEXT("month"),
-     TOMELET_TEXT("months"), TOMELET_TEXT("EveryPl")},
+    {"month", CalendarUnit::Month, 8, TOMELET_TEXT("Every Month"), TOMELET_TEXT("month"), TOMELET_TEXT("months"),
+     TOMELET_TEXT("EveryPl")},
     {"year", CalendarUnit::Year, 4, TOMELET_TEXT("Every Year"), TOMELET_TEXT("year"), TOMELET_TEXT("years"),
      TOMELET_TEXT("EveryPl")},
 };
@@ -84,8 +84,7 @@ QDateTime nextOccurrence(const QDateTime &date, const RepeatRule &rule, const QD
     if (rule.unit == CalendarUnit::Hour) return nextHour(date, rule.factor, now);
     const bool byDays = rule.unit == CalendarUnit::Day || rule.unit == CalendarUnit::Week;
     QDateTime next = byDays ? broughtNear(date, rule, now) : date;
-    do
-        next = movedBy(next, rule.unit, rule.factor);
+    do next = movedBy(next, rule.unit, rule.factor);
     while (next.isValid() && next <= now);
     return next;
 }

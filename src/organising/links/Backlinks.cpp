@@ -186,7 +186,8 @@ void tm_repairBrokenBacklink(const QString &item)
     if (stored.isEmpty() || stored == path) return;
     const QString former = fullPathOf(stored, root);
     if (itemExists(former)) {
-        logLine(QStringLiteral("### MISMATCH, but referencedPath still exists, removing pops %1 (%2)").arg(path, stored));
+        logLine(
+            QStringLiteral("### MISMATCH, but referencedPath still exists, removing pops %1 (%2)").arg(path, stored));
         tm_removeBacklinks(item);
         return;
     }

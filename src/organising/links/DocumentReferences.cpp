@@ -29,19 +29,17 @@ Range withoutClosingBrackets(const QString &text, Range range)
 {
     const QStringView url = QStringView(text).sliced(range.location, range.length);
     for (const auto &[closing, opening] : {std::pair{u')', u'('}, {u']', u'['}, {u'>', u'<'}})
-        while (range.length > 0 && text[range.end() - 1] == QChar(closing) && !url.contains(QChar(opening))) --range.length;
+        while (range.length > 0 && text[range.end() - 1] == QChar(closing) && !url.contains(QChar(opening)))
+            --range.length;
     return range;
 }
 
 QList<Reference> candidates(const QString &text)
 {
     static const QString patterns[] = {
-        QStringLiteral(R"x(<[^>]*? src="(.+?)")x"),
-        QStringLiteral(R"x(<[^>]*? href="(.+?)")x"),
-        QStringLiteral(R"x(\[\[([^\[\n]+?)(\||(\]\])))x"),
-        QStringLiteral(R"x(\]\((.+?)\))x"),
-        QStringLiteral(R"x((tomelet://[^\s"]*))x"),
-        QStringLiteral(R"x(\n\s*\[[^\]]+?\]:\s?([^\s]*))x"),
+        QStringLiteral(R"x(<[^>]*? src="(.+?)")x"),        QStringLiteral(R"x(<[^>]*? href="(.+?)")x"),
+        QStringLiteral(R"x(\[\[([^\[\n]+?)(\||(\]\])))x"), QStringLiteral(R"x(\]\((.+?)\))x"),
+        QStringLiteral(R"x((tomelet://[^\s"]*))x"),        QStringLiteral(R"x(\n\s*\[[^\]]+?\]:\s?([^\s]*))x"),
     };
     QList<Reference> found;
     for (const QString &pattern : patterns) {
@@ -97,8 +95,8 @@ QStringList tm_arrayOfAllReferencesInDocument(const QString &document)
 bool tm_isTomeletURLSchemeAction(const QString &url)
 {
     static const QStringList actions{
-        QStringLiteral("grab"),   QStringLiteral("addnote"),      QStringLiteral("append"),
-        QStringLiteral("addnewdoc"), QStringLiteral("addnewtask"), QStringLiteral("search"),
+        QStringLiteral("grab"),         QStringLiteral("addnote"),     QStringLiteral("append"),
+        QStringLiteral("addnewdoc"),    QStringLiteral("addnewtask"),  QStringLiteral("search"),
         QStringLiteral("wifi_sharing"), QStringLiteral("webdav_sync"), QStringLiteral("addnewsketch")};
     const QString lower = url.toLower();
     if (!lower.startsWith(scheme)) return false;
@@ -142,7 +140,8 @@ QString resolvedReference(const QString &reference, const QString &document)
     const auto existing = [&](const QString &folder) -> QString {
         for (const QString &form : forms) {
             const QString normalized = resolvedAgainst(form, folder);
-            if (!normalized.isEmpty() && normalized != u"/" && itemExists(fullPathOf(normalized, root))) return normalized;
+            if (!normalized.isEmpty() && normalized != u"/" && itemExists(fullPathOf(normalized, root)))
+                return normalized;
         }
         return {};
     };

@@ -61,8 +61,7 @@ public:
         , m_oldBeginsWithNew(m_old.startsWith(m_new))
         , m_relativeOld(relative(m_old))
         , m_relativeNew(relative(m_new))
-    {
-    }
+    {}
 
     /// What takes the reference's place; the reference itself where nothing changes.
     [[nodiscard]] QString rewritten(const QString &reference) const
@@ -175,7 +174,8 @@ struct RenamedLinks
 };
 
 // Nothing for a document that holds no references or cannot be read.
-static std::optional<RenamedLinks> withLinksRenamed(const QString &document, const QString &oldPath, const QString &newPath)
+static std::optional<RenamedLinks> withLinksRenamed(const QString &document, const QString &oldPath,
+                                                    const QString &newPath)
 {
     if (!canHoldReferences(document)) return std::nullopt;
     auto decoded = readTextFile(document);

@@ -57,7 +57,8 @@ namespace {
 class WalkProgress
 {
 public:
-    WalkProgress(const QString &folder, const Progress &progress) : m_progress(progress)
+    WalkProgress(const QString &folder, const Progress &progress)
+        : m_progress(progress)
     {
         if (progress) walkLinkedItems(folder, [this](const QString &, bool) { return ++m_all; });
     }
@@ -76,9 +77,10 @@ private:
 
 QString RefreshedLinks::message() const
 {
-    QString text = links == 0   ? localized(TOMELET_TEXT("No links found"))
-                   : links == 1 ? localized(TOMELET_TEXT("One link found"))
-                                : localized(TOMELET_TEXT("Found %d Links")).replace(QLatin1String("%d"), QString::number(links));
+    QString text = links == 0 ? localized(TOMELET_TEXT("No links found"))
+                   : links == 1
+                       ? localized(TOMELET_TEXT("One link found"))
+                       : localized(TOMELET_TEXT("Found %d Links")).replace(QLatin1String("%d"), QString::number(links));
     if (documents == 0) return localized(TOMELET_TEXT("No editable documents"));
     text += u' ';
     if (documents == 1) text += localized(TOMELET_TEXT("in one document"));

@@ -185,9 +185,9 @@ QString documentToCreate(const QString &target)
 QString backlinkInHtml(const QString &path, const QString &linkingDocument)
 {
     const bool sameBook = parentPath(path) == parentPath(linkingDocument);
-    const QString address = sameBook ? lastPathComponent(linkingDocument)
-                                     : tm_makeRelativeToPath(tm_normalizedPath(linkingDocument),
-                                                             tm_normalizedPath(parentPath(path)));
+    const QString address =
+        sameBook ? lastPathComponent(linkingDocument)
+                 : tm_makeRelativeToPath(tm_normalizedPath(linkingDocument), tm_normalizedPath(parentPath(path)));
     const QString name = lastPathComponent(pathWithoutExtension(linkingDocument));
     return QStringLiteral("<a href=\"%1\">%2</a>").arg(percentEncodedPath(address), name.toHtmlEscaped());
 }
@@ -203,7 +203,8 @@ QString textOfCreated(const QString &path, const QString &linkingDocument)
     const bool heading = isOn("formatFirstLineAsTitle");
     QString body = heading ? QStringLiteral("<h1>%1</h1>").arg(name.toHtmlEscaped()) : name.toHtmlEscaped();
     if (!linkingDocument.isEmpty())
-        body += (heading ? QStringLiteral("\n") : QStringLiteral("\n<br><br>\n")) + backlinkInHtml(path, linkingDocument);
+        body +=
+            (heading ? QStringLiteral("\n") : QStringLiteral("\n<br><br>\n")) + backlinkInHtml(path, linkingDocument);
     return tm_createFormattedDocWithBody(path, body);
 }
 
@@ -216,8 +217,8 @@ Creation askToCreate(const QString &path, bool offerBacklink)
     const MenuTitle menu = tm_pathFormattedForContextMenu(tm_normalizedPath(path));
     const QString extension = pathExtension(path);
     const QString title = localized(TOMELET_TEXT("The document \"%@\" does not exist"))
-                              .replace(QLatin1String("%@"), menu.folders + menu.name +
-                                                                (extension.isEmpty() ? QString() : u'.' + extension));
+                              .replace(QLatin1String("%@"),
+                                       menu.folders + menu.name + (extension.isEmpty() ? QString() : u'.' + extension));
     const int answer = askQuestion({title, localized(TOMELET_TEXT("Do you want to create it?")), buttons});
     if (answer == 0) return Creation::Plain;
     return offerBacklink && answer == 1 ? Creation::WithBacklink : Creation::None;

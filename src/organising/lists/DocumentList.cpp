@@ -321,8 +321,8 @@ bool TMLTDocumentListViewController::sortsByDueDate() const
 
 void TMLTDocumentListViewController::selectSortOrder(int index)
 {
-    static const QString orders[] = {QStringLiteral("title"), QStringLiteral("creationDate"),
-                                     QStringLiteral("modDate"), QStringLiteral("custom")};
+    static const QString orders[] = {QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
+                                     QStringLiteral("custom")};
     const QString prefix = settingsPrefix(m_source.smartType);
     if (isPlainBook()) {
         const QString book = bookOf(m_source);
@@ -400,8 +400,8 @@ QString TMLTDocumentListViewController::title() const
 QString TMLTDocumentListViewController::emptyText() const
 {
     if (numberOfHiddenDoneTasks > 0) {
-        const QString count = QStringLiteral(" %1 %2").arg(numberOfHiddenDoneTasks)
-                                  .arg(localized(TOMELET_TEXT("Done Tasks")));
+        const QString count =
+            QStringLiteral(" %1 %2").arg(numberOfHiddenDoneTasks).arg(localized(TOMELET_TEXT("Done Tasks")));
         if (!searchFilter.isEmpty() || !isPlainBook()) return count;
         return count + QStringLiteral("\n\n") +
                localized(TOMELET_TEXT("To view these tasks, turn off \"Hide Done Tasks\" from the ••• menu."));

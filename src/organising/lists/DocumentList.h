@@ -67,11 +67,11 @@ public:
     [[nodiscard]] QString title() const;
 
     QList<QVariantMap> documentsList;
-    QList<QVariantMap> booksList;   ///< only while the outline is collapsed
-    QList<int> smartBooksList;      ///< types; only while the outline is collapsed and the root is on display
-    QString sortOrder;              ///< a row key
+    QList<QVariantMap> booksList; ///< only while the outline is collapsed
+    QList<int> smartBooksList;    ///< types; only while the outline is collapsed and the root is on display
+    QString sortOrder;            ///< a row key
     bool sortAscending = true;
-    QString searchFilter;           ///< part of the name, any case
+    QString searchFilter; ///< part of the name, any case
     qsizetype numberOfHiddenDoneTasks = 0;
 
 private:

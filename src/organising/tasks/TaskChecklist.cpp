@@ -20,8 +20,7 @@ qlonglong openChecklistItems(const QString &path)
     const QString pattern =
         isHtml ? QStringLiteral("class=\"tm_checkbox\"") : QStringLiteral("^\\s*[>:]?\\s*- \\[[ ]\\]");
     return qlonglong(
-        matchesOfPattern(document->text, pattern, PatternCaseInsensitive | (isHtml ? 0 : PatternLineAnchored))
-            .size());
+        matchesOfPattern(document->text, pattern, PatternCaseInsensitive | (isHtml ? 0 : PatternLineAnchored)).size());
 }
 
 void countOpenChecklistItems(const QString &path, std::function<void(qlonglong)> taker)

@@ -42,8 +42,7 @@ QStringList markedLines(const QString &text)
     const QString pattern = QStringLiteral("^\\s*%1[ \t]+(.*)$").arg(tm_stringByEscapingWildcards(mark));
     const PatternMatches matches = matchesOfPattern(text, pattern, PatternLineAnchored);
     QStringList texts;
-    for (size_t i = 0; i < matches.size(); ++i)
-        texts.append(substring(text, matches[i].group(1)));
+    for (size_t i = 0; i < matches.size(); ++i) texts.append(substring(text, matches[i].group(1)));
     return texts;
 }
 
@@ -51,16 +50,11 @@ QStringList taskTexts(const QString &text, int mode)
 {
     static const QString rule = QStringLiteral("\n----\n");
     switch (mode) {
-    case ExtractLines:
-        return componentsSeparatedByRegex(text, QStringLiteral("\\R"));
-    case ExtractParagraphs:
-        return text.split(QStringLiteral("\n\n"));
-    case ExtractByRules:
-        return regexSweep(text, QStringLiteral("\\n----+\\s*\\n"), rule).split(rule);
-    case ExtractMarked:
-        return markedLines(text);
-    default:
-        return {};
+    case ExtractLines: return componentsSeparatedByRegex(text, QStringLiteral("\\R"));
+    case ExtractParagraphs: return text.split(QStringLiteral("\n\n"));
+    case ExtractByRules: return regexSweep(text, QStringLiteral("\\n----+\\s*\\n"), rule).split(rule);
+    case ExtractMarked: return markedLines(text);
+    default: return {};
     }
 }
 
@@ -117,10 +111,8 @@ QString trimmedOfBullets(const QString &text)
     const auto trims = [](QChar unit) { return QStringView(u"\n-— •*").contains(unit); };
     qsizetype begin = 0;
     qsizetype end = text.size();
-    while (begin < end && trims(text[begin]))
-        ++begin;
-    while (end > begin && trims(text[end - 1]))
-        --end;
+    while (begin < end && trims(text[begin])) ++begin;
+    while (end > begin && trims(text[end - 1])) --end;
     return text.mid(begin, end - begin);
 }
 
@@ -164,12 +156,10 @@ public:
         if (task.text.isEmpty() || isThereAlready(name, task.text)) return;
         const QString path = tm_uniqueNameForFileatPath(name, m_book);
         const auto bytes = encodeText(task.text, m_encoding);
-        if (!bytes || !writeFile(path, *bytes))
-            return logLine(QStringLiteral("error: %1 was not written").arg(path));
+        if (!bytes || !writeFile(path, *bytes)) return logLine(QStringLiteral("error: %1 was not written").arg(path));
         describe(path, task.text);
         const int steps = task.state == TaskState::Done ? 2 : task.state == TaskState::Canceled ? 3 : 0;
-        for (int i = 0; i < steps; ++i)
-            tm_toggleTask(path);
+        for (int i = 0; i < steps; ++i) tm_toggleTask(path);
         made.append(path);
         announceFile(path);
     }
@@ -203,8 +193,7 @@ private:
         if (settings().boolean(QStringLiteral("assignDefaultDueDate")))
             tm_setDueDate(path, withoutMidnightAlert(tm_todayMidnight()));
         if (m_collectsContexts) tm_collectTagsFromText(path, text);
-        const QString url =
-            QStringLiteral("tomelet://show") + percentEncodedPath(tm_normalizedPath(m_document));
+        const QString url = QStringLiteral("tomelet://show") + percentEncodedPath(tm_normalizedPath(m_document));
         tm_setProperty(path, url, QStringLiteral("URL"));
     }
 
@@ -219,9 +208,8 @@ private:
 // Nothing lies in the book but the stores that were made with it.
 bool holdsOnlyStores(const QString &book)
 {
-    return tm_isEmptyBook(book) && std::ranges::all_of(namesInFolder(book), [](const QString &name) {
-               return tm_pathIsSystemFile(name);
-           });
+    return tm_isEmptyBook(book) &&
+           std::ranges::all_of(namesInFolder(book), [](const QString &name) { return tm_pathIsSystemFile(name); });
 }
 
 void moveWhole(const QString &path, const QString &book)
@@ -232,8 +220,7 @@ void moveWhole(const QString &path, const QString &book)
 
 } // namespace
 
-QStringList extractTasks(const QString &text, const QString &path, int mode, qlonglong encoding,
-                         bool inNewBook)
+QStringList extractTasks(const QString &text, const QString &path, int mode, qlonglong encoding, bool inNewBook)
 {
     const QString book = targetBook(path, mode, inNewBook);
     if (mode == ExtractWhole) {
@@ -241,17 +228,13 @@ QStringList extractTasks(const QString &text, const QString &path, int mode, qlo
         return {};
     }
     Extraction extraction(path, book, encoding);
-    for (const QString &raw : taskTexts(text, mode))
-        extraction.add(raw, mode);
-    if (!extraction.made.isEmpty())
-        rebuildRemindersSoon();
-    else if (inNewBook && holdsOnlyStores(book) && tm_deleteItemAtPath(book))
-        tasklistChanged(book, {});
+    for (const QString &raw : taskTexts(text, mode)) extraction.add(raw, mode);
+    if (!extraction.made.isEmpty()) rebuildRemindersSoon();
+    else if (inNewBook && holdsOnlyStores(book) && tm_deleteItemAtPath(book)) tasklistChanged(book, {});
     return extraction.made;
 }
 
-QString tm_extractTasksToPath(const QString &text, const QString &path, int mode, qlonglong encoding,
-                              bool inNewBook)
+QString tm_extractTasksToPath(const QString &text, const QString &path, int mode, qlonglong encoding, bool inNewBook)
 {
     (void)extractTasks(text, path, mode, encoding, inNewBook);
     return path;

@@ -21,11 +21,9 @@ enum ExtractionMode {
 /// that book is made, a tasklist. A text that begins with "(OK) " or "✔ " is done, with "(X) " or "✘ "
 /// canceled. What was extracted before is not made again. The encoding is a number of TextEncoding. Gives the
 /// paths of the new documents.
-QStringList extractTasks(const QString &text, const QString &path, int mode, qlonglong encoding,
-                         bool inNewBook);
+QStringList extractTasks(const QString &text, const QString &path, int mode, qlonglong encoding, bool inNewBook);
 /// The same; gives the document's path.
-QString tm_extractTasksToPath(const QString &text, const QString &path, int mode, qlonglong encoding,
-                              bool inNewBook);
+QString tm_extractTasksToPath(const QString &text, const QString &path, int mode, qlonglong encoding, bool inNewBook);
 
 /// The command on a document in a list: reads it in its own encoding, a formatted one as plain text, and
 /// extracts its marked lines. Nothing without a marker, or where the text does not hold it.

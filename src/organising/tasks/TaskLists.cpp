@@ -88,10 +88,8 @@ void walkBook(const QString &book, const QString &root, Walk &found)
     if (!entries) return;
     QStringList folders;
     for (const FolderEntry &entry : *entries) {
-        if (entry.isFolder && !isTrashName(entry.name))
-            folders.append(entry.name);
-        else if (entry.name == u"TMTasklistDetails.plist")
-            found.tasklists.append(normalizedBook(book, root));
+        if (entry.isFolder && !isTrashName(entry.name)) folders.append(entry.name);
+        else if (entry.name == u"TMTasklistDetails.plist") found.tasklists.append(normalizedBook(book, root));
     }
     folders.sort();
     for (const QString &name : folders) {
@@ -195,20 +193,16 @@ QStringList knownTasklists()
 
 void tasklistChanged(const QString &removing, const QString &adding)
 {
-    if (listIsStoredFor(tomeletRoot()))
-        updateListOfTasklistRemoving(removing, adding);
-    else
-        walkMemory().keep({});
+    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistRemoving(removing, adding);
+    else walkMemory().keep({});
 }
 
 void booksChanged()
 {
     // Reminders name their items by paths.
     rebuildRemindersSoon();
-    if (listIsStoredFor(tomeletRoot()))
-        updateListOfTasklistsQuick();
-    else
-        walkMemory().keep({});
+    if (listIsStoredFor(tomeletRoot())) updateListOfTasklistsQuick();
+    else walkMemory().keep({});
 }
 
 void updateListOfTasklistsQuick()
@@ -240,8 +234,7 @@ void updateListOfTasklists()
     if (!tm_pathIsBook(root) || rootLooksUnmounted()) return;
     const QDateTime last = settings().date(dateKey);
     const qint64 age = last.msecsTo(platform().clock.now());
-    if (last.isValid() && age >= 0 && age < 2000)
-        return logLine(QStringLiteral("skip collecting task lists"));
+    if (last.isValid() && age >= 0 && age < 2000) return logLine(QStringLiteral("skip collecting task lists"));
     settings().setObject(flagKey, true);
     const Walk found = walkBooks(root);
     hideOrShowImages(found.books);
@@ -251,9 +244,7 @@ void updateListOfTasklists()
     QStringList books;
     for (const QString &book : found.tasklists) books.append(fullPathOf(book, root));
     recountAll(books);
-    logLine(QStringLiteral("found %1 task lists and %2 books")
-                .arg(found.tasklists.size())
-                .arg(found.books.size()));
+    logLine(QStringLiteral("found %1 task lists and %2 books").arg(found.tasklists.size()).arg(found.books.size()));
     settings().setObject(dateKey, platform().clock.now());
     settings().synchronize();
     rebuildRemindersSoon();
@@ -272,9 +263,8 @@ void updateListOfTasklistRemoving(const QString &removing, const QString &adding
     const QString come = normalized(adding);
     const QStringList before = listIsStoredFor(root) ? settings().stringList(listKey) : QStringList();
     QStringList list = before;
-    list.removeIf([&](const QString &entry) {
-        return localizedCompare(entry, gone) == 0 || localizedCompare(entry, come) == 0;
-    });
+    list.removeIf(
+        [&](const QString &entry) { return localizedCompare(entry, gone) == 0 || localizedCompare(entry, come) == 0; });
     if (!come.isEmpty()) list.append(come);
     if (list != before) storeTasklists(list, root);
     walkMemory().keep({});
@@ -322,9 +312,8 @@ qlonglong documentsIn(const QString &book)
 {
     const auto entries = listFolder(book);
     if (!entries) return 0;
-    return std::ranges::count_if(*entries, [](const FolderEntry &entry) {
-        return !entry.isFolder && !accompaniesDocuments(entry.name);
-    });
+    return std::ranges::count_if(
+        *entries, [](const FolderEntry &entry) { return !entry.isFolder && !accompaniesDocuments(entry.name); });
 }
 
 QStringList booksToCount(const QString &book, bool descendants)

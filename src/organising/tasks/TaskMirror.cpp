@@ -33,8 +33,7 @@ QString sourceOf(const QString &path)
 // A long title was cut when the file was named, so that the text has to tell it.
 QString titleOf(const QString &path)
 {
-    const QString title =
-        pathWithoutExtension(lastPathComponent(path)).normalized(QString::NormalizationForm_C);
+    const QString title = pathWithoutExtension(lastPathComponent(path)).normalized(QString::NormalizationForm_C);
     if (title.size() <= longestTitleInName || !path.endsWith(u"txt")) return title;
     const auto text = readTextFile(path);
     return text ? text->text.section(u'\n', 0, 0).trimmed() : title;
@@ -53,13 +52,11 @@ Rewrite rewriteTo(TaskState state, const QString &marker)
     const bool checkBox = marker == u"- [ ]";
     switch (state) {
     case TaskState::Done:
-        return {tm_stringByEscapingWildcards(marker),
-                checkBox ? QStringLiteral("- [x]") : QStringLiteral("✓")};
+        return {tm_stringByEscapingWildcards(marker), checkBox ? QStringLiteral("- [x]") : QStringLiteral("✓")};
     case TaskState::Canceled:
         if (checkBox) return {QStringLiteral("- \\[x\\]"), QStringLiteral("- ")};
         return {QStringLiteral("✓"), QStringLiteral("×")};
-    default:
-        return {checkBox ? QStringLiteral("- ") : QStringLiteral("×"), marker};
+    default: return {checkBox ? QStringLiteral("- ") : QStringLiteral("×"), marker};
     }
 }
 
@@ -75,16 +72,14 @@ void mirrorTaskState(const QString &path, TaskState state)
 
     const Rewrite rewrite = rewriteTo(state, marker);
     // The title is taken as a pattern, so that one that is none finds nothing.
-    const QString inner =
-        u'(' + rewrite.marker + QStringLiteral(")[ \t]+") + titleOf(path) + QStringLiteral("\\s*");
-    const QString pattern = source.endsWith(u"html") ? QStringLiteral(">\\s*") + inner + u'<'
-                                                     : QStringLiteral("^\\s*") + inner + u'$';
+    const QString inner = u'(' + rewrite.marker + QStringLiteral(")[ \t]+") + titleOf(path) + QStringLiteral("\\s*");
+    const QString pattern =
+        source.endsWith(u"html") ? QStringLiteral(">\\s*") + inner + u'<' : QStringLiteral("^\\s*") + inner + u'$';
     const Range place = rangeOfPattern(document->text, pattern, PatternLineAnchored, wholeRange, 1);
     if (!place.isFound()) return;
     replaceRange(document->text, place, rewrite.replacement);
     const auto bytes = encodeText(document->text, document->encoding, document->byteOrderMark);
-    if (!bytes || !writeFile(source, *bytes))
-        return logLine(QStringLiteral("error: %1 was not written").arg(source));
+    if (!bytes || !writeFile(source, *bytes)) return logLine(QStringLiteral("error: %1 was not written").arg(source));
     announceFile(source);
 }
 

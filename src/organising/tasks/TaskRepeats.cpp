@@ -94,10 +94,8 @@ void tm_setRepeatDetails(const QString &path, const QStringList &details)
     TaskRecord record = store.record(key);
     static const QString fields[] = {taskField::repeatType, taskField::repeatUnit, taskField::repeatFactor};
     for (qsizetype i = 0; i < 3; ++i) {
-        if (details.isEmpty())
-            record.remove(fields[i]);
-        else
-            record.insert(fields[i], details.value(i));
+        if (details.isEmpty()) record.remove(fields[i]);
+        else record.insert(fields[i], details.value(i));
     }
     if (store.isReadable() && (!details.isEmpty() || !key.isNull())) {
         store.setRecord(key.isNull() ? name : key, record);
@@ -154,9 +152,9 @@ void tm_addRepeatingTask(const QString &path)
     if (const FileResult copied = copyItem(path, copy); !copied)
         return logLine(QStringLiteral("Copy failed: %1").arg(copied.message));
     if (itemExists(tm_plistPath(path))) (void)copyItem(tm_plistPath(path), tm_plistPath(copy));
-    store.setRecord(lastPathComponent(copy), {{taskField::dueDate, base},
-                                              {taskField::state, record.value(taskField::state)},
-                                              {taskField::changed, now}});
+    store.setRecord(
+        lastPathComponent(copy),
+        {{taskField::dueDate, base}, {taskField::state, record.value(taskField::state)}, {taskField::changed, now}});
     record.insert(taskField::dueDate, next);
     record.remove(taskField::state);
     store.setRecord(key, record);
@@ -164,8 +162,7 @@ void tm_addRepeatingTask(const QString &path)
     announceFile(copy);
     announceFile(store.path());
     announceTask(path);
-    notifications().post(taskRepeatedNotification,
-                         {{QStringLiteral("path"), path}, {QStringLiteral("copy"), copy}});
+    notifications().post(taskRepeatedNotification, {{QStringLiteral("path"), path}, {QStringLiteral("copy"), copy}});
     rebuildRemindersSoon();
 }
 

@@ -51,8 +51,7 @@ QDateTime sortDateOf(const TaskRecord &record)
     const TaskState state = stateOf(record);
     if (state == TaskState::Done) return placeOfFinished(placeOfDone, record);
     if (state == TaskState::Canceled) return placeOfFinished(placeOfCanceled, record);
-    if (const QDateTime due = dateField(record, taskField::dueDate); due.isValid() && due != farFuture())
-        return due;
+    if (const QDateTime due = dateField(record, taskField::dueDate); due.isValid() && due != farFuture()) return due;
     return state == TaskState::NoTask ? farPast() : referenceDate().addSecs(placeOfUndated);
 }
 
@@ -60,8 +59,7 @@ QDateTime sortDateOf(const TaskRecord &record)
 
 TaskRow taskRowOf(const QString &path, const QVariant &record)
 {
-    const TaskRecord values =
-        record.isValid() ? record.toMap() : tm_getAllTaskDetails(path).value_or(TaskRecord());
+    const TaskRecord values = record.isValid() ? record.toMap() : tm_getAllTaskDetails(path).value_or(TaskRecord());
     const bool due = isOverdue(values, platform().clock.now());
     return {sortDateOf(values), taskIcon(stateOf(values), due), repeatRuleOf(values).has_value()};
 }
@@ -79,8 +77,7 @@ QDateTime finishingDateOfRow(const QVariantMap &row)
     const QString icon = row.value(QStringLiteral("taskIcon")).toString();
     if (!tm_taskIsDoneOrCanceled(icon)) return {};
     const qint64 place = icon.contains(u"done") ? placeOfDone : placeOfCanceled;
-    const qint64 mirrored =
-        row.value(QStringLiteral("DueDate")).toDateTime().msecsTo(referenceDate().addSecs(place));
+    const qint64 mirrored = row.value(QStringLiteral("DueDate")).toDateTime().msecsTo(referenceDate().addSecs(place));
     return mirrored == 0 ? QDateTime() : referenceDate().addMSecs(mirrored);
 }
 
@@ -110,8 +107,7 @@ QStringList dueLookAheadTitles()
 
 void chooseDueLookAhead(int index)
 {
-    settings().setObject(QStringLiteral("dueTasksLookAhead"),
-                         index > 0 ? QVariant(qlonglong(index)) : QVariant());
+    settings().setObject(QStringLiteral("dueTasksLookAhead"), index > 0 ? QVariant(qlonglong(index)) : QVariant());
 }
 
 namespace {
@@ -202,8 +198,7 @@ QVariantList tm_arrayOfDueTasksAsNumbers(const QString &root, bool numbers)
         if (book != sourcesBook) {
             // Manual order plays no part in this list; the pins of a book are read once.
             const QVariantMap properties = readDictionary(bookPropertiesPath(book));
-            sources = {LocalizedIndex(),
-                       LocalizedIndex(properties.value(QStringLiteral("Pinned")).toStringList())};
+            sources = {LocalizedIndex(), LocalizedIndex(properties.value(QStringLiteral("Pinned")).toStringList())};
             sourcesBook = book;
         }
         rows.append(itemRow(joinPath(book, task.name), true, task.record, sources));

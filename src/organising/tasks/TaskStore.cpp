@@ -114,8 +114,7 @@ TasksOfBook TaskStore::tasks() const
     found.folderIsListed = true;
     QStringList names;
     names.reserve(qsizetype(entries->size()));
-    for (const FolderEntry &entry : *entries)
-        names.append(entry.name);
+    for (const FolderEntry &entry : *entries) names.append(entry.name);
     const LocalizedIndex index(names);
     for (auto it = m_values.begin(); it != m_values.end(); ++it) {
         if (isTaskCounter(it.key())) continue;
@@ -124,8 +123,7 @@ TasksOfBook TaskStore::tasks() const
         // Of two keys that mean one document, only the one that its lookup finds counts.
         if (at && (name == it.key() || keyFor(name) == it.key()))
             found.live.push_back({it.key(), name, it.value().toMap()});
-        else
-            found.vanished.append(it.key());
+        else found.vanished.append(it.key());
     }
     return found;
 }

@@ -22,11 +22,9 @@ class StoreBatch;
 using TaskRecord = QVariantMap;
 
 namespace taskField {
-inline const QString state =
-    QStringLiteral("State"); ///< "started", "done", "canceled", "no_task"; absent: open
+inline const QString state = QStringLiteral("State");     ///< "started", "done", "canceled", "no_task"; absent: open
 inline const QString dueDate = QStringLiteral("DueDate"); ///< a whole minute
-inline const QString changed =
-    QStringLiteral("Changed"); ///< of a done or canceled task: when it was finished
+inline const QString changed = QStringLiteral("Changed"); ///< of a done or canceled task: when it was finished
 inline const QString repeatType = QStringLiteral("RepeatType");
 inline const QString repeatUnit = QStringLiteral("RepeatUnit");
 inline const QString repeatFactor = QStringLiteral("RepeatFactor");
@@ -61,10 +59,8 @@ struct LiveTask
 struct TasksOfBook
 {
     std::vector<LiveTask> live;
-    QStringList
-        vanished; ///< keys without a document, and keys that another key of the same document outranks
-    bool folderIsListed =
-        false; ///< false when the folder could not be read: then nothing is known to be gone
+    QStringList vanished;        ///< keys without a document, and keys that another key of the same document outranks
+    bool folderIsListed = false; ///< false when the folder could not be read: then nothing is known to be gone
 };
 
 class TaskStore

@@ -27,16 +27,11 @@ bool tm_bookIsTasklist(const QString &book)
 QString taskIcon(TaskState state, bool due)
 {
     switch (state) {
-    case TaskState::NoTask:
-        return {};
-    case TaskState::Done:
-        return QStringLiteral("task-done");
-    case TaskState::Canceled:
-        return QStringLiteral("task-canceled");
-    case TaskState::Started:
-        return due ? QStringLiteral("task-started-due") : QStringLiteral("task-started");
-    case TaskState::Open:
-        break;
+    case TaskState::NoTask: return {};
+    case TaskState::Done: return QStringLiteral("task-done");
+    case TaskState::Canceled: return QStringLiteral("task-canceled");
+    case TaskState::Started: return due ? QStringLiteral("task-started-due") : QStringLiteral("task-started");
+    case TaskState::Open: break;
     }
     return due ? QStringLiteral("task-open-due") : QStringLiteral("task-open");
 }
@@ -50,8 +45,8 @@ QString taskImageName(const QString &icon)
 {
     const Settings &values = settings();
     if (icon.isEmpty() || !values.boolean(QStringLiteral("darkTheme"))) return icon;
-    const bool black = values.boolean(QStringLiteral("useBlackForDarkTheme")) &&
-                       !values.boolean(QStringLiteral("useSolarizedTheme"));
+    const bool black =
+        values.boolean(QStringLiteral("useBlackForDarkTheme")) && !values.boolean(QStringLiteral("useSolarizedTheme"));
     return icon + (black ? QStringLiteral("-black") : QStringLiteral("-dark"));
 }
 
@@ -92,8 +87,7 @@ QDateTime tm_dueDateForTask(const QString &path)
 
 QDateTime tm_doneDateForTask(const QString &path)
 {
-    const QDateTime changed =
-        dateField(tm_getAllTaskDetails(path).value_or(TaskRecord()), taskField::changed);
+    const QDateTime changed = dateField(tm_getAllTaskDetails(path).value_or(TaskRecord()), taskField::changed);
     return changed.isValid() ? changed : farFuture();
 }
 
@@ -114,23 +108,17 @@ struct Step
 Step stepFrom(TaskState state)
 {
     switch (state) {
-    case TaskState::Started:
-        return {TaskState::Done, +1, -1, true, true};
-    case TaskState::Done:
-        return {TaskState::Canceled};
-    case TaskState::Canceled:
-        return {TaskState::Open, -1, +1, false, true};
-    default:
-        return {TaskState::Started, 0, 0, false, true};
+    case TaskState::Started: return {TaskState::Done, +1, -1, true, true};
+    case TaskState::Done: return {TaskState::Canceled};
+    case TaskState::Canceled: return {TaskState::Open, -1, +1, false, true};
+    default: return {TaskState::Started, 0, 0, false, true};
     }
 }
 
 void applyStep(TaskStore &store, TaskRecord &record, const Step &step, bool overdue)
 {
-    if (step.to == TaskState::Open)
-        record.remove(taskField::state);
-    else
-        record.insert(taskField::state, textOfTaskState(step.to));
+    if (step.to == TaskState::Open) record.remove(taskField::state);
+    else record.insert(taskField::state, textOfTaskState(step.to));
     store.setDoneCount(std::max<qlonglong>(0, store.doneCount() + step.done));
     store.setDueCount(std::max<qlonglong>(0, store.dueCount() + (overdue ? step.due : 0)));
 }
@@ -221,12 +209,9 @@ void tm_toggleTasklistKeepingDetails(const QString &book, bool keep)
     const QString active = taskStorePath(book);
     const QString inactive = inactiveTaskStorePath(book);
     // Neither move overwrites what stands there, so that two stores of one book are both kept.
-    if (itemExists(active))
-        (void)(keep ? moveItem(active, inactive) : removeItem(active));
-    else if (itemExists(inactive))
-        (void)moveItem(inactive, active);
-    else
-        writeStore(active, QVariantMap());
+    if (itemExists(active)) (void)(keep ? moveItem(active, inactive) : removeItem(active));
+    else if (itemExists(inactive)) (void)moveItem(inactive, active);
+    else writeStore(active, QVariantMap());
     announceFile(active);
     announceFile(inactive);
     const bool isTasklist = itemExists(active);

@@ -60,7 +60,6 @@ void tm_resetTasklist(const QString &book);
 
 /// One store out of two versions of it: of each record the one that was changed last. What only one side has
 /// is kept.
-[[nodiscard]] QVariantMap tm_dictionaryByMergingWithTaskDetails(const QVariantMap &store,
-                                                                const QVariantMap &other);
+[[nodiscard]] QVariantMap tm_dictionaryByMergingWithTaskDetails(const QVariantMap &store, const QVariantMap &other);
 
 } // namespace tomelet
