@@ -115,6 +115,21 @@ TEST_F(PaneInWindow, theTextStaysUntilItIsSaved)
     EXPECT_EQ(rescued(), QStringList());
 }
 
+TEST_F(PaneInWindow, thoseThatWereNotAskedAboutYetLeaveACopyToo)
+{
+    DocumentPane second(actions);
+    second.showDocument(write(QStringLiteral("/Book/Second.md"), "Second\n"));
+    QTest::keyClicks(second.textView(), QStringLiteral("typed "));
+    moveBook("/Book", "/Gone");
+    EXPECT_FALSE(window.close());
+    EXPECT_EQ(questions.size(), 1);
+    EXPECT_EQ(rescued(), (QStringList{QStringLiteral("Note.md"), QStringLiteral("Second.md")}));
+    moveBook("/Gone", "/Book");
+    EXPECT_TRUE(window.close());
+    EXPECT_TRUE(second.closeDocument());
+    EXPECT_EQ(rescued(), QStringList());
+}
+
 TEST_F(PaneInWindow, whatIsGivenUpIsGone)
 {
     moveBook("/Book", "/Gone");
