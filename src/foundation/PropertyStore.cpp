@@ -49,34 +49,39 @@ static bool makeRoom(const QString &path, bool readable)
     return false;
 }
 
-static bool replaceStore(const QString &path, const QVariant &value, bool readable)
+bool writeStore(const QString &path, const QVariant &value)
 {
-    if (!makeRoom(path, readable)) return false;
+    if (!makeRoom(path, readStore(path, QMetaType::Type(value.typeId())).isValid())) return false;
     const WriteResult result = writeFile(path, xmlPropertyList(value));
     if (!result) logWarning(result.message);
     return result.ok;
 }
 
-bool writeStore(const QString &path, const QVariant &value)
+// Nothing when the store is to stay as it is, or has to: then there is no room.
+static std::optional<QByteArray> changedStore(const QString &path, const std::function<bool(QVariantMap &)> &change,
+                                              bool &hasRoom)
 {
-    const bool readable = readStore(path, QMetaType::Type(value.typeId())).isValid();
-    return replaceStore(path, value, readable);
+    const QVariant old = readStore(path, QMetaType::QVariantMap);
+    QVariantMap values = old.toMap();
+    if (!change(values)) return std::nullopt;
+    hasRoom = makeRoom(path, old.isValid());
+    return hasRoom ? std::optional(xmlPropertyList(values)) : std::nullopt;
 }
 
 bool changeDictionary(const QString &path, const std::function<bool(QVariantMap &)> &change)
 {
-    const QVariant old = readStore(path, QMetaType::QVariantMap);
-    QVariantMap values = old.toMap();
-    if (!change(values)) return true;
-    return replaceStore(path, values, old.isValid());
+    bool hasRoom = true;
+    const WriteResult result = changeFile(path, [&] { return changedStore(path, change, hasRoom); });
+    if (!result) logWarning(result.message);
+    return result.ok && hasRoom;
 }
 
-void StoreBatch::change(const QString &path, const std::function<bool(QVariantMap &)> &change)
+void StoreBatch::change(const QString &path, std::function<bool(QVariantMap &)> change)
 {
-    m_files.flushIfWaiting(path);
-    const QVariant old = readStore(path, QMetaType::QVariantMap);
-    QVariantMap values = old.toMap();
-    if (change(values) && makeRoom(path, old.isValid())) m_files.write(path, xmlPropertyList(values));
+    m_files.change(path, [path, change = std::move(change)] {
+        bool hasRoom = true;
+        return changedStore(path, change, hasRoom);
+    });
 }
 
 } // namespace tomelet

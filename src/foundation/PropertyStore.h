@@ -24,16 +24,17 @@ namespace tomelet {
 /// value of the same type is set aside first. False when it could not be written; the old store then stands.
 bool writeStore(const QString &path, const QVariant &value);
 
-/// Reads the dictionary, lets `change` alter it and writes it when that returns true.
-/// True when nothing was to be written or the write succeeded.
+/// Reads the dictionary, lets `change` alter it and writes it when that returns true; all this once more when somebody
+/// else wrote it meanwhile. True when nothing was to be written or the write succeeded.
 bool changeDictionary(const QString &path, const std::function<bool(QVariantMap &)> &change);
 
 /// Changes of many dictionaries, each read at once and written with others (see FileBatch).
 class StoreBatch
 {
 public:
-    /// The same as changeDictionary; a store that cannot be written is logged and stands as it was.
-    void change(const QString &path, const std::function<bool(QVariantMap &)> &change);
+    /// The same as changeDictionary; `change` is called at once and kept until flush(). A store that cannot be written
+    /// is logged and stands as it was.
+    void change(const QString &path, std::function<bool(QVariantMap &)> change);
     void flush() { m_files.flush(); }
 
 private:

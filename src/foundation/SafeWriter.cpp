@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
+#include <mutex>
 #include <set>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -155,9 +156,25 @@ StagedFile::StagedFile(const QString &path, QByteArrayView bytes)
 
 StagedFile::~StagedFile() = default;
 
+// Between the look at a file and its replacement no other replacement may come.
+static std::mutex &replacing()
+{
+    static std::mutex mutex;
+    return mutex;
+}
+
 WriteResult StagedFile::commit()
 {
     if (!m_staged) return m_staged;
+    const std::lock_guard lock(replacing());
+    return m_file->renameOver(m_target) ? WriteResult{true, {}} : failure(m_path);
+}
+
+WriteResult StagedFile::commitIfStill(const std::optional<FileStamp> &state)
+{
+    if (!m_staged) return m_staged;
+    const std::lock_guard lock(replacing());
+    if (fileStamp(m_path) != state) return {false, QStringLiteral("%1 was changed elsewhere").arg(m_path), true};
     return m_file->renameOver(m_target) ? WriteResult{true, {}} : failure(m_path);
 }
 
@@ -183,30 +200,52 @@ std::optional<FileStamp> fileStamp(const QString &path)
     return FileStamp{found.st_ino, found.st_size, nanoseconds(found.st_mtim), nanoseconds(found.st_ctim)};
 }
 
+// Some file systems tell another state at each look: there the last try goes through.
+static constexpr int tries = 10;
+
+WriteResult changeFile(const QString &path, const FileChange &change)
+{
+    for (int left = tries; left > 0; --left) {
+        const auto state = fileStamp(path);
+        const auto bytes = change();
+        if (!bytes) return {true, {}};
+        StagedFile file(path, *bytes);
+        const WriteResult written = left > 1 ? file.commitIfStill(state) : file.commit();
+        if (written.isStale) continue;
+        if (written) file.flushName();
+        return written;
+    }
+    return {};
+}
+
 // -- many files -------------------------------------------------------------------------------------------------------
 
 // Each waiting file holds a descriptor while it is flushed.
 static constexpr qsizetype filesAtOnce = 256;
 static constexpr size_t manyFiles = 8;
 
-void FileBatch::write(const QString &path, QByteArray bytes)
+void FileBatch::change(const QString &path, FileChange change)
 {
-    if (m_files.size() >= filesAtOnce) flush();
-    flushIfWaiting(path);
-    m_files.append({path, std::move(bytes)});
+    if (m_files.size() >= filesAtOnce || m_paths.contains(path)) flush();
+    const auto state = fileStamp(path);
+    auto bytes = change();
+    if (!bytes) return;
+    m_files.append({path, std::move(change), state, std::move(*bytes)});
     m_paths.insert(path);
-}
-
-void FileBatch::flushIfWaiting(const QString &path)
-{
-    if (m_paths.contains(path)) flush();
 }
 
 struct FileBatch::Written
 {
-    QString path;
+    const Waiting *waiting;
     QByteArray target;
     std::unique_ptr<TemporaryFile> file;
+
+    // False: it was written by somebody else meanwhile, or could not be.
+    [[nodiscard]] bool replaceTarget() const
+    {
+        const std::lock_guard lock(replacing());
+        return fileStamp(waiting->path) == waiting->state && file->renameOver(target);
+    }
 };
 
 // Each file flushed by itself makes the disk wait anew; a call for all that waits to be written makes it wait once.
@@ -233,7 +272,7 @@ std::vector<FileBatch::Written> FileBatch::writeWaiting() const
             continue;
         }
         takeOver(target, file->descriptor());
-        written.push_back({waiting.path, target, std::move(file)});
+        written.push_back({&waiting, target, std::move(file)});
     }
     return written;
 }
@@ -245,8 +284,11 @@ void FileBatch::flush()
     QSet<QByteArray> folders;
     for (const Written &entry : written) {
         const bool isOnDisk = together || ::fsync(entry.file->descriptor()) == 0;
-        if (isOnDisk && entry.file->renameOver(entry.target)) folders.insert(folderOf(entry.target));
-        else logWarning(failure(entry.path).message);
+        if (isOnDisk && entry.replaceTarget()) {
+            folders.insert(folderOf(entry.target));
+        } else if (const WriteResult alone = changeFile(entry.waiting->path, entry.waiting->change); !alone) {
+            logWarning(alone.message);
+        }
     }
     if (!together || !flushDisksOf(written))
         for (const QByteArray &folder : folders) flushFolder(folder);

@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -19,13 +20,26 @@ class TemporaryFile;
 struct WriteResult
 {
     bool ok = false;
-    QString message; ///< what went wrong, for a person; names the file
+    QString message;      ///< what went wrong, for a person; names the file
+    bool isStale = false; ///< somebody else wrote the file meanwhile
     explicit operator bool() const { return ok; }
 };
 
 /// Writes the bytes beside the target, flushes them to disk, gives them the target's mode and user attributes, and
 /// renames them over it. A symbolic link is followed, so that the link stays. The folder must exist.
 [[nodiscard]] WriteResult writeFile(const QString &path, QByteArrayView bytes);
+
+/// Tells two states of a file apart without reading it.
+struct FileStamp
+{
+    quint64 inode = 0;
+    qint64 size = 0;
+    qint64 modified = 0; ///< nanoseconds, as the next one
+    qint64 changed = 0;
+    friend bool operator==(const FileStamp &, const FileStamp &) = default;
+};
+/// Nothing where there is no file.
+[[nodiscard]] std::optional<FileStamp> fileStamp(const QString &path);
 
 /// The same in two steps, for whoever may not wait for the disk: the constructor, on any thread, writes the bytes
 /// beside the target and flushes them; commit() only renames. What is not committed disappears.
@@ -40,6 +54,9 @@ public:
     /// How the first step went.
     [[nodiscard]] const WriteResult &staged() const { return m_staged; }
     [[nodiscard]] WriteResult commit();
+    /// The same, but nothing happens and the result is stale when the file is in another state by now. No other write
+    /// of this program comes between.
+    [[nodiscard]] WriteResult commitIfStill(const std::optional<FileStamp> &state);
     /// Afterwards, on any thread: the new name outlives a loss of power.
     void flushName() const;
 
@@ -50,19 +67,14 @@ private:
     WriteResult m_staged;
 };
 
-/// Tells two states of a file apart without reading it.
-struct FileStamp
-{
-    quint64 inode = 0;
-    qint64 size = 0;
-    qint64 modified = 0; ///< nanoseconds, as the next one
-    qint64 changed = 0;
-    friend bool operator==(const FileStamp &, const FileStamp &) = default;
-};
-/// Nothing where there is no file.
-[[nodiscard]] std::optional<FileStamp> fileStamp(const QString &path);
+/// Reads a file and gives what is to stand in it; nothing when it is to stay as it is. It is called again when somebody
+/// else wrote the file before the change was on the disk.
+using FileChange = std::function<std::optional<QByteArray>()>;
 
-/// Many files written like one by one, each old or new at any moment, but flushed to disk together: a disk takes a
+/// Writes what the change makes of the file, so that nothing another thread writes meanwhile is lost.
+[[nodiscard]] WriteResult changeFile(const QString &path, const FileChange &change);
+
+/// Many files changed like one by one, each old or new at any moment, but flushed to disk together: a disk takes a
 /// hundred files in hardly more time than one. Files wait in memory until flush(), or until a good many have gathered.
 class FileBatch
 {
@@ -72,16 +84,17 @@ public:
     FileBatch(const FileBatch &) = delete;
     FileBatch &operator=(const FileBatch &) = delete;
 
-    /// The folder must exist. What cannot be written is logged; its old file stands.
-    void write(const QString &path, QByteArray bytes);
-    /// Before a file is read that may be waiting.
-    void flushIfWaiting(const QString &path);
+    /// The same as changeFile, in a folder that exists. The change is called at once, and kept until it is flushed.
+    /// What cannot be written is logged; its old file stands.
+    void change(const QString &path, FileChange change);
     void flush();
 
 private:
     struct Waiting
     {
         QString path;
+        FileChange change;
+        std::optional<FileStamp> state; ///< that the change has read
         QByteArray bytes;
     };
     struct Written;

@@ -82,18 +82,23 @@ TEST_F(Disk, manyFilesAreWrittenLikeOne)
     QDir().mkdir(at(QStringLiteral("folder")));
     {
         FileBatch batch;
-        for (int i = 0; i < 300; ++i) batch.write(at(QStringLiteral("f%1").arg(i)), QByteArray::number(i));
-        batch.write(at(QStringLiteral("folder")), "not over a folder");
-        batch.write(at(QStringLiteral("f7")), "the later one holds");
-        batch.flushIfWaiting(at(QStringLiteral("f7")));
-        EXPECT_EQ(get(QStringLiteral("f7")), "the later one holds");
+        const auto write = [&](const QString &name, const QByteArray &bytes) {
+            batch.change(at(name), [bytes] { return bytes; });
+        };
+        for (int i = 0; i < 300; ++i) write(QStringLiteral("f%1").arg(i), QByteArray::number(i));
+        write(QStringLiteral("folder"), "not over a folder");
+        batch.change(at(QStringLiteral("f7")), [&] { return QByteArray(get(QStringLiteral("f7")) + ", changed"); });
+        batch.change(at(QStringLiteral("f8")), [] { return std::nullopt; });
+        batch.flush();
+        EXPECT_EQ(get(QStringLiteral("f7")), "7, changed");
+        EXPECT_EQ(get(QStringLiteral("f8")), "8");
     }
     EXPECT_EQ(get(QStringLiteral("f299")), "299");
     EXPECT_EQ(names().size(), 301) << "nothing is left beside the files";
 
     StoreBatch stores;
     const auto add = [&](const QString &key) {
-        stores.change(at(QStringLiteral("s.plist")), [&](QVariantMap &values) {
+        stores.change(at(QStringLiteral("s.plist")), [key](QVariantMap &values) {
             values.insert(key, true);
             return true;
         });
@@ -102,6 +107,35 @@ TEST_F(Disk, manyFilesAreWrittenLikeOne)
     add(QStringLiteral("b"));
     stores.flush();
     EXPECT_EQ(readDictionary(at(QStringLiteral("s.plist"))).keys().join(u' '), QStringLiteral("a b"));
+}
+
+TEST_F(Disk, whatOthersWriteMeanwhileIsNotLost)
+{
+    const QString path = at(QStringLiteral("s.plist"));
+    const auto increase = [](const QString &key) {
+        return [key](QVariantMap &values) { return values.insert(key, values.value(key).toLongLong() + 1), true; };
+    };
+    std::thread other([&] {
+        StoreBatch batch;
+        for (int i = 0; i < 100; ++i) batch.change(path, increase(QStringLiteral("there")));
+    });
+    for (int i = 0; i < 100; ++i) ASSERT_TRUE(changeDictionary(path, increase(QStringLiteral("here"))));
+    other.join();
+    EXPECT_EQ(readDictionary(path).value(QStringLiteral("here")), 100);
+    EXPECT_EQ(readDictionary(path).value(QStringLiteral("there")), 100);
+
+    FileBatch batch;
+    put(QStringLiteral("a"), "old");
+    batch.change(at(QStringLiteral("a")), [&] { return QByteArray(get(QStringLiteral("a")) + " and changed"); });
+    put(QStringLiteral("a"), "new");
+    batch.flush();
+    EXPECT_EQ(get(QStringLiteral("a")), "new and changed");
+
+    const auto state = fileStamp(at(QStringLiteral("a")));
+    StagedFile staged(at(QStringLiteral("a")), "staged");
+    put(QStringLiteral("a"), "newer");
+    EXPECT_TRUE(staged.commitIfStill(state).isStale);
+    EXPECT_EQ(get(QStringLiteral("a")), "newer");
 }
 
 TEST_F(Disk, aStoreOfAnotherTypeIsSetAside)

@@ -42,7 +42,7 @@ void addBacklinks(StoreBatch &stores, const QString &item, const QStringList &re
     const QString full = existingItem(item, root);
     if (full.isEmpty()) return;
     const QString path = tm_normalizedPath(full, root);
-    stores.change(propertyFileOf(full), [&](QVariantMap &properties) {
+    stores.change(propertyFileOf(full), [=](QVariantMap &properties) {
         const QVariantMap before = properties;
         QStringList backlinks = properties.value(backlinksKey).toStringList();
         const QString stored = properties.value(referencedKey).toString();
@@ -71,7 +71,7 @@ void changeBacklink(StoreBatch &stores, const QString &item, const QString &oldR
     const QString root = tomeletRoot();
     const QString full = existingItem(item, root);
     if (full.isEmpty()) return;
-    stores.change(propertyFileOf(full), [&](QVariantMap &properties) {
+    stores.change(propertyFileOf(full), [=](QVariantMap &properties) {
         const QVariantMap before = properties;
         QStringList backlinks = properties.value(backlinksKey).toStringList();
         backlinks.removeAll(tm_normalizedPath(oldReferrer, root));
@@ -144,7 +144,7 @@ bool storeBacklinks(const BacklinksToAdd &found, const Progress &progress)
     }
     for (const QString &document : found.unmarked) {
         logLine(QStringLiteral("setting backlinkRef for %1").arg(document));
-        stores.change(propertyFileOf(document), [&](QVariantMap &properties) {
+        stores.change(propertyFileOf(document), [document, root](QVariantMap &properties) {
             properties.insert(referencedKey, tm_normalizedPath(document, root));
             return true;
         });

@@ -167,9 +167,10 @@ struct RenamedLinks
     DecodedText decoded;
     bool changed = false;
 
+    /// Nothing when the file is to stay as it is.
     [[nodiscard]] std::optional<QByteArray> bytes() const
     {
-        return encodeText(decoded.text, decoded.encoding, decoded.byteOrderMark);
+        return changed ? encodeText(decoded.text, decoded.encoding, decoded.byteOrderMark) : std::nullopt;
     }
 };
 
@@ -200,10 +201,14 @@ static std::optional<RenamedLinks> withLinksRenamed(const QString &document, con
 
 bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPath, const QString &newPath)
 {
-    const auto renamed = withLinksRenamed(document, oldPath, newPath);
-    if (!renamed || !renamed->changed) return false;
-    const auto bytes = renamed->bytes();
-    return bytes && writeFile(document, *bytes);
+    bool changed = false;
+    const WriteResult written = changeFile(document, [&] {
+        const auto renamed = withLinksRenamed(document, oldPath, newPath);
+        const auto bytes = renamed ? renamed->bytes() : std::nullopt;
+        changed = bytes.has_value();
+        return bytes;
+    });
+    return changed && written;
 }
 
 namespace {
@@ -217,12 +222,13 @@ struct MoveWrites
     /// Gives the document's text after the move.
     QString renameLinks(const QString &document, const QString &oldPath, const QString &newPath)
     {
-        documents.flushIfWaiting(document);
-        const auto renamed = withLinksRenamed(document, oldPath, newPath);
-        if (!renamed) return {};
-        auto bytes = renamed->changed ? renamed->bytes() : std::nullopt;
-        if (bytes) documents.write(document, std::move(*bytes));
-        return renamed->decoded.text;
+        auto text = std::make_shared<QString>();
+        documents.change(document, [=] {
+            const auto renamed = withLinksRenamed(document, oldPath, newPath);
+            *text = renamed ? renamed->decoded.text : QString();
+            return renamed ? renamed->bytes() : std::nullopt;
+        });
+        return *text;
     }
 };
 
@@ -342,12 +348,14 @@ void followReferrers(MoveWrites &writes, const QString &item, const BookMove &mo
         if (itemExists(referrer)) referrers.append(tm_normalizedPath(referrer, move.root));
     }
     referrers.removeDuplicates();
-    writes.stores.change(propertyFileOf(item), [&](QVariantMap &properties) {
-        if (referrers.isEmpty()) return properties.remove(backlinksKey) + properties.remove(referencedKey) > 0;
-        properties.insert(backlinksKey, QVariantList(referrers.begin(), referrers.end()));
-        properties.insert(referencedKey, tm_normalizedPath(item, move.root));
-        return true;
-    });
+    writes.stores.change(propertyFileOf(item),
+                         [referrers, path = tm_normalizedPath(item, move.root)](auto &properties) {
+                             if (referrers.isEmpty())
+                                 return properties.remove(backlinksKey) + properties.remove(referencedKey) > 0;
+                             properties.insert(backlinksKey, QVariantList(referrers.begin(), referrers.end()));
+                             properties.insert(referencedKey, path);
+                             return true;
+                         });
 }
 
 void followReferences(MoveWrites &writes, const QString &document, const BookMove &move)

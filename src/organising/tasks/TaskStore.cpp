@@ -177,8 +177,10 @@ bool TaskStore::save()
 void TaskStore::save(StoreBatch &batch)
 {
     if (m_readable && m_values == m_saved) return;
-    batch.change(m_path, [this](QVariantMap &values) {
-        values = m_values;
+    // Who wrote the store meanwhile knows better: what is counted here goes by an older one.
+    batch.change(m_path, [saved = m_saved, counted = m_values](QVariantMap &values) {
+        if (values != saved) return false;
+        values = counted;
         return true;
     });
     m_saved = m_values;
