@@ -98,11 +98,9 @@ void TMLTDocumentViewController::saveWhileTyping()
     m_isTyping = true;
     autosave();
     m_isTyping = false;
-    if (m_titleIsFirstLineOfText && !m_path.isEmpty() && !m_md5hash.isEmpty() && !m_forcedSave) {
-        const QString visible = m_kind == DocumentViewKind::Formatted ? m_view.innerText() : m_view.text();
-        m_forcedSave = !tm_stringMatchesFirstLineOfText(nameWithoutExtension(m_path), visible);
-    }
-    if (m_forcedSave || (m_isEdited && !m_save)) saveAfter(600ms);
+    if (m_md5hash.isEmpty()) return;
+    const QString visible = m_kind == DocumentViewKind::Formatted ? m_view.innerText() : m_view.text();
+    if (titleHasChanged(visible) || (m_isEdited && !m_save)) saveAfter(600ms);
 }
 
 } // namespace tomelet

@@ -9,7 +9,6 @@
 #include "editor/PageBody.h"
 #include "foundation/Folder.h"
 #include "foundation/Log.h"
-#include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
 #include "library/Properties.h"
 
@@ -18,7 +17,7 @@ namespace tomelet {
 void DocumentSave::read()
 {
     if (kind == DocumentViewKind::PlainText) text = visibleText = withLineEndsOf(loaded, held);
-    else text = tm_makeTMLinksRelativeTo(cleanedBody(held), path.isEmpty() ? book : parentPath(path));
+    else text = tm_makeTMLinksRelativeTo(cleanedBody(held), book);
     md5OfText = tomelet::md5OfText(text, form);
     isUnchanged = md5OfText == md5hash;
 }
@@ -26,9 +25,8 @@ void DocumentSave::read()
 QString DocumentSave::finalForm() const
 {
     if (kind == DocumentViewKind::Formatted)
-        return isForeignPage ? pageWithBody(loaded, held)
-                             : tm_createFormattedDocWithBody(path.isEmpty() ? book : path, text);
-    if (isCombinedMarkdown(path)) return combinedForm(text);
+        return isForeignPage ? pageWithBody(loaded, held) : tm_createFormattedDocWithBody(isNew ? book : path, text);
+    if (isCombined) return combinedForm(text);
     const bool isPage = lowerExtension(path).startsWith(u"htm");
     return isPage && !text.contains(u"<head>") ? tm_createFormattedDocWithBody(path, text) : text;
 }
@@ -49,9 +47,29 @@ void DocumentSave::make()
     facts = factsOfText(path, {readsContexts(path) ? plainText() : QString(), stored, text});
 }
 
+bool DocumentSave::fileIsForeign() const
+{
+    if (isNew || md5OfFile.isEmpty()) return false;
+    const auto present = readFile(path);
+    return present && tomelet::md5OfBytes(*present) != md5OfFile;
+}
+
+void DocumentSave::run()
+{
+    read();
+    if (isUnchanged && !isForced) return;
+    if (!isNew) stamp = fileStamp(path); // a new one writes over nothing
+    isForeign = fileIsForeign();
+    if (isForeign) return;
+    writeSidecarForWebview();
+    make();
+    file = std::make_unique<StagedFile>(path, bytes);
+}
+
+// The visible text of a page into the cache, where search finds it.
 void DocumentSave::writeSidecarForWebview() const
 {
-    if (path.isEmpty() || kind != DocumentViewKind::Formatted) return;
+    if (isNew || kind != DocumentViewKind::Formatted) return;
     const QString sidecar = tm_sideCarPathCreatingParentIfNeeded(path);
     if (sidecar.isEmpty()) return;
     if (const WriteResult written = writeFile(sidecar, visibleText.toUtf8()); !written) logLine(written.message);

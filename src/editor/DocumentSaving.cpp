@@ -16,6 +16,7 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "organising/contexts/Contexts.h"
+#include "organising/links/LinkRewriting.h"
 
 #include <QFileInfo>
 
@@ -60,44 +61,93 @@ bool TMLTDocumentViewController::canBeSaved()
 void TMLTDocumentViewController::begin(DocumentSave &save) const
 {
     const bool isPage = m_kind == DocumentViewKind::Formatted;
-    save.path = m_path;
+    save.path = save.previousPath = m_path;
     save.book = m_parentPath;
+    save.isNew = m_path.isEmpty();
+    save.isForced = m_forcedSave;
+    save.isTyping = m_isTyping;
     save.kind = m_kind;
     save.isForeignPage = m_isForeignPage;
+    save.isCombined = !isPage && isCombinedMarkdown(m_path);
     save.held = isPage ? m_view.innerHTML() : m_view.text();
     save.loaded = isPage ? m_view.pageSource() : m_shownText;
-    if (isPage) save.visibleText = m_view.innerText();
+    save.visibleText = isPage ? m_view.innerText() : save.held;
     save.form = m_form;
     save.md5hash = m_md5hash;
+    save.md5OfFile = m_md5OfFile;
+    save.changes = m_changes;
+}
+
+void TMLTDocumentViewController::beginNew(DocumentSave &save) const
+{
+    const NewFile file = newFileFor(m_parentPath, extensionForCreation(), save.visibleText);
+    save.path = save.previousPath = file.path;
+    save.isCombined = file.isCombinedMarkdown;
+    save.form = {};
 }
 
 // -- the save ---------------------------------------------------------------------------------------------------------
 
-void TMLTDocumentViewController::writeTextToFile()
+// Nothing when there is nothing to be saved, or it cannot be.
+std::shared_ptr<DocumentSave> TMLTDocumentViewController::beginSave()
 {
-    waitForSave();
     cancelPendingSave();
     if (m_md5hash.isEmpty()) {
         m_isEdited = false;
-        return logLine(QStringLiteral("no hash, not saving document"));
+        logLine(QStringLiteral("no hash, not saving document"));
+        return {};
     }
-    if (!canBeSaved()) return;
-    DocumentSave save;
-    begin(save);
-    save.read();
-    if (m_path.isEmpty() && save.visibleText.trimmed().isEmpty()) {
+    if (!canBeSaved()) return {};
+    auto save = std::make_shared<DocumentSave>();
+    begin(*save);
+    if (!m_path.isEmpty()) return m_isTyping || followTitle(*save) ? save : nullptr;
+    if (save->visibleText.trimmed().isEmpty()) {
         m_isEdited = false;
-        return;
+        return {};
     }
-    if (save.isUnchanged && !m_forcedSave) return takeUnchanged(false);
-    if (m_forcedSave) logLine(QStringLiteral("## enforced saving %1").arg(m_path));
-    if (m_path.isEmpty()) return saveAsNewDocument(save);
-    if (isReadOnlyDocument(m_path))
-        return tellFailure(localized(TOMELET_TEXT("%1 is write-protected.")).arg(lastPathComponent(m_path)));
-    save.writeSidecarForWebview();
-    const QString previousPath = m_path;
-    if (!m_isTyping && followTitle(save)) return;
-    if (writeContent(save)) finishSave(save, previousPath);
+    beginNew(*save);
+    return save;
+}
+
+void TMLTDocumentViewController::writeTextToFile()
+{
+    waitForSave();
+    const auto save = beginSave();
+    if (!save) return;
+    save->run();
+    completeSave(save);
+}
+
+// The main thread looks whether all is as it was when the save began, and renames. Whatever came between is set aside,
+// and the save begins anew.
+void TMLTDocumentViewController::completeSave(const std::shared_ptr<DocumentSave> &done)
+{
+    const DocumentSave &save = *done;
+    if (save.isUnchanged && !save.isForced) return takeUnchanged(m_changes != save.changes);
+    if (save.isForced) logLine(QStringLiteral("## enforced saving %1").arg(save.path));
+    if (!save.isNew && isReadOnlyDocument(m_path)) return tellWriteProtected();
+    if (save.isForeign || m_path != (save.isNew ? QString() : save.path)) return saveAnew(save);
+    WriteResult written = save.file->commitIfStill(save.stamp);
+    if (written.isStale && (save.isNew || save.fileIsForeign())) return saveAnew(save);
+    if (written.isStale) written = save.file->commit(); // another date, the same text
+    if (!written) {
+        if (save.isNew) logUnsavedFile({save.path, save.isCombined}, save.text);
+        return tellFailure(written.message);
+    }
+    takeSaved(m_changes != save.changes);
+    if (save.isForced) m_forcedSave = false;
+    if (save.isNew) takeNewFile(save);
+    finishSave(save);
+    m_saves.add([done] { done->file->flushName(); });
+}
+
+void TMLTDocumentViewController::saveAnew(const DocumentSave &save)
+{
+    if (!setForeignVersionAside()) return;
+    m_isTyping = save.isTyping;
+    m_forcedSave = m_forcedSave || save.isForced;
+    writeTextToFile();
+    m_isTyping = false;
 }
 
 // `isEdited`: something was typed since.
@@ -121,6 +171,11 @@ void TMLTDocumentViewController::tellFailure(const QString &message)
     const bool isFirst = m_failure.isEmpty();
     m_failure = message;
     if (isFirst) m_view.showAlert(localized(TOMELET_TEXT("Saving Error")), message);
+}
+
+void TMLTDocumentViewController::tellWriteProtected()
+{
+    tellFailure(localized(TOMELET_TEXT("%1 is write-protected.")).arg(lastPathComponent(m_path)));
 }
 
 WriteResult TMLTDocumentViewController::saveCopy(const QString &path) const
@@ -160,40 +215,27 @@ bool TMLTDocumentViewController::setForeignVersionAside()
     return true;
 }
 
-bool TMLTDocumentViewController::writeContent(DocumentSave &save)
+void TMLTDocumentViewController::announceSave()
 {
-    save.path = m_path; // which may be new
-    save.make();
-    if (!setForeignVersionAside()) return false;
-    if (const WriteResult written = writeFile(m_path, save.bytes); !written) {
-        tellFailure(written.message);
-        return false;
-    }
-    takeSaved(false);
-    m_forcedSave = false;
-    return true;
-}
-
-void TMLTDocumentViewController::announceSave(const QString &previousPath)
-{
-    if (previousPath != m_path || m_kind == DocumentViewKind::Formatted) postSilentMove(previousPath, m_path);
+    if (m_kind == DocumentViewKind::Formatted) postSilentMove(m_path, m_path);
     else notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), m_path);
 }
 
 // The file holds what was to be saved.
-void TMLTDocumentViewController::finishSave(const DocumentSave &save, const QString &previousPath)
+void TMLTDocumentViewController::finishSave(const DocumentSave &save)
 {
     noteFile();
     m_form = save.form;
     m_md5hash = save.md5OfText;
     m_md5OfFile = save.md5OfBytes;
-    m_failure.clear();
     if (m_kind == DocumentViewKind::PlainText) m_shownText = save.text;
     takeReferences(m_path, save.facts.references, m_referencedDocuments);
-    announceSave(previousPath);
+    announceSave();
     takeEmbeddedContexts(m_path, save.facts.contexts, m_embeddedContexts);
     takePictures(m_path, save.facts.pictures);
     m_modDateOfPresentedPlist = QFileInfo(tm_plistPath(m_path)).lastModified();
+    // The name's own change may have reached the links in the file before this text did.
+    if (save.previousPath != m_path) renameOwnLinks(m_path, save.previousPath);
 }
 
 // -- the first save ---------------------------------------------------------------------------------------------------
@@ -207,33 +249,23 @@ QString TMLTDocumentViewController::extensionForCreation() const
     return chosen.isEmpty() || chosen == u"md" ? QStringLiteral("md") : QStringLiteral("txt");
 }
 
-void TMLTDocumentViewController::saveAsNewDocument(DocumentSave &save)
+void TMLTDocumentViewController::takeNewFile(const DocumentSave &save)
 {
-    const QString path = saveNewDocument({m_parentPath, extensionForCreation(), {}, save.text});
-    if (path.isEmpty())
-        return tellFailure(localized(TOMELET_TEXT("Nothing could be written in %1.")).arg(m_parentPath));
-    m_path = path;
+    noteNewFile({save.path, save.isCombined});
+    m_path = save.path;
     m_isNew = false;
     m_titleIsFirstLineOfText = true;
     // From now on the extension tells the view: the document stays in the one in which it was begun.
-    const ViewChoice choice = viewForDocument(path, false);
+    const ViewChoice choice = viewForDocument(m_path, false);
     m_canToggle = choice.canToggle;
     m_presentingToggledView = choice.kind != m_kind;
     m_currentPlist = relevantInheritedProperties();
-    m_embeddedContexts = contextsEmbeddedIn(path, save.visibleText);
-    m_view.addToBackList(path);
+    m_view.addToBackList(m_path);
     const bool autosaves = !settings().boolean(QStringLiteral("noAutosaveText"));
     if (m_view.isMainWindow() && autosaves)
-        notifications().postPath(QStringLiteral("TMLTNewFileCreatedNotification"), path);
-    notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), path);
-    if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(path, context);
-    save.path = path;
-    save.form = {};
-    save.make();
-    save.md5OfBytes = md5OfBytes(readFile(path).value_or(QByteArray()));
-    takeSaved(false);
-    m_forcedSave = false;
-    finishSave(save, path);
+        notifications().postPath(QStringLiteral("TMLTNewFileCreatedNotification"), m_path);
+    notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), m_path);
+    if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(m_path, context);
 }
 
 } // namespace tomelet

@@ -25,23 +25,33 @@ bool nameFitsTitle(const QString &path, const QString &text)
     return isNumbered && tm_stringMatchesFirstLineOfText(stem.left(digits - 1), text);
 }
 
-// True when the save ends here: the document was renamed and written, or emptied and deleted, or must wait.
+bool TMLTDocumentViewController::titleHasChanged(const QString &visibleText) const
+{
+    return m_titleIsFirstLineOfText && !m_path.isEmpty() && !nameFitsTitle(m_path, visibleText);
+}
+
+// False when nothing is left to be saved: the document was emptied and deleted, or must wait.
 bool TMLTDocumentViewController::followTitle(DocumentSave &save)
 {
-    if (!m_titleIsFirstLineOfText || nameFitsTitle(m_path, save.visibleText)) return false;
-    if (!setForeignVersionAside()) return true;
+    if (!titleHasChanged(save.visibleText)) return true;
+    if (isReadOnlyDocument(m_path)) {
+        tellWriteProtected();
+        return false;
+    }
+    if (!setForeignVersionAside()) return false;
     const QString title = tm_firstLineOfText(save.visibleText);
     if (title.isEmpty()) {
         deleteEmptiedDocument();
-        return true;
+        return false;
     }
-    const QString previousPath = m_path;
-    if (!moveToTitle(title)) return false;
+    if (!moveToTitle(title)) return true;
     m_md5OfFile.clear(); // the move may have rewritten the document's own links
     tm_addToRecentItems(m_path);
     m_view.addToBackList(m_path);
-    if (writeContent(save)) finishSave(save, previousPath);
-    else postSilentMove(previousPath, m_path);
+    postSilentMove(save.previousPath, m_path);
+    save.path = m_path;
+    save.md5OfFile.clear();
+    save.isForced = true;
     return true;
 }
 

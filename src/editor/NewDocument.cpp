@@ -17,36 +17,6 @@
 
 namespace tomelet {
 
-namespace {
-
-struct SavedForm
-{
-    QString extension;
-    QString content;     ///< what the file holds
-    QString visibleText; ///< what it is named after and what contexts are read from
-    bool isCombinedMarkdown = false;
-};
-
-SavedForm savedForm(const NewDocument &document)
-{
-    const QString extension = document.extension.isEmpty() ? extensionOfNewDocuments() : document.extension;
-    if (extension == u"html" || extension == u"htm")
-        return {extension, tm_createFormattedDocWithBody(document.book, document.text),
-                tm_htmlToPlainQuick(document.text), false};
-    if (extension == u"md" && settings().boolean(QStringLiteral("createCombinedMarkdown")))
-        return {QStringLiteral("html"), combinedForm(document.text), document.text, true};
-    return {extension, document.text, document.text, false};
-}
-
-QString nameFor(const QString &title, const QString &visibleText)
-{
-    const QString line = tm_firstLineOfText(title.isEmpty() ? visibleText : title);
-    if (!line.isEmpty()) return line;
-    return platform().clock.now().toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh-mm-ss"));
-}
-
-} // namespace
-
 QString extensionOfNewDocuments()
 {
     const QString chosen = settings().string(QStringLiteral("DefaultDocumentType"));
@@ -54,24 +24,48 @@ QString extensionOfNewDocuments()
     return chosen.isEmpty() ? QStringLiteral("md") : chosen;
 }
 
+NewFile newFileFor(const QString &book, const QString &extension, const QString &title)
+{
+    const bool isCombined = extension == u"md" && settings().boolean(QStringLiteral("createCombinedMarkdown"));
+    const QString line = tm_firstLineOfText(title);
+    const QString name =
+        line.isEmpty() ? platform().clock.now().toLocalTime().toString(QStringLiteral("yyyy-MM-dd hh-mm-ss")) : line;
+    const QString ending = isCombined ? QStringLiteral("html") : extension;
+    return {tm_uniqueNameForFileatPath(name + u'.' + ending, book), isCombined};
+}
+
+void noteNewFile(const NewFile &file)
+{
+    tm_setCreationDate(file.path);
+    if (file.isCombinedMarkdown) tm_setProperty(file.path, QStringLiteral("OK"), QStringLiteral("Markdown"));
+    tm_addToRecentItems(file.path);
+    notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), file.path);
+    logLine(QStringLiteral("saved file: %1").arg(file.path));
+}
+
+void logUnsavedFile(const NewFile &file, const QString &content)
+{
+    logLine(QStringLiteral("could not save! path: %1; parent: %2; suggested %3\n Contents %4")
+                .arg(file.path, parentPath(file.path), lastPathComponent(file.path), content));
+}
+
 QString saveNewDocument(const NewDocument &document)
 {
     if (document.text.trimmed().isEmpty()) return {};
-    const SavedForm form = savedForm(document);
-    const QString name = nameFor(document.title, form.visibleText) + u'.' + form.extension;
-    const QString path = tm_uniqueNameForFileatPath(name, document.book);
-    if (const WriteResult written = writeFile(path, form.content.toUtf8()); !written) {
-        logLine(QStringLiteral("could not save! path: %1; parent: %2; suggested %3\n Contents %4")
-                    .arg(path, document.book, name, form.content));
+    const QString extension = document.extension.isEmpty() ? extensionOfNewDocuments() : document.extension;
+    const bool isPage = extension == u"html" || extension == u"htm";
+    const QString visibleText = isPage ? tm_htmlToPlainQuick(document.text) : document.text;
+    const NewFile file = newFileFor(document.book, extension, document.title.isEmpty() ? visibleText : document.title);
+    const QString content = isPage                    ? tm_createFormattedDocWithBody(document.book, document.text)
+                            : file.isCombinedMarkdown ? combinedForm(document.text)
+                                                      : document.text;
+    if (const WriteResult written = writeFile(file.path, content.toUtf8()); !written) {
+        logUnsavedFile(file, content);
         return {};
     }
-    tm_setCreationDate(path);
-    if (form.isCombinedMarkdown) tm_setProperty(path, QStringLiteral("OK"), QStringLiteral("Markdown"));
-    tm_addToRecentItems(path);
-    if (managesContextsAutomatically()) tm_collectTagsFromText(path, form.visibleText);
-    notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), path);
-    logLine(QStringLiteral("saved file: %1").arg(path));
-    return path;
+    noteNewFile(file);
+    if (managesContextsAutomatically()) tm_collectTagsFromText(file.path, visibleText);
+    return file.path;
 }
 
 } // namespace tomelet

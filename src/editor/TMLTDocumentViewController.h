@@ -75,7 +75,7 @@ public:
 
     // -- saving
     void writeTextToFile();
-    /// What the timers do: the same where it has to be done at once, otherwise in the background.
+    /// What the timers do: the same in the background.
     void autosave();
     /// Ends the save that is under way in the background, if there is one.
     void waitForSave();
@@ -115,10 +115,10 @@ private:
     void lookUpParagraph(const QString &paragraph);
     [[nodiscard]] bool refusesEditing() const;
 
-    struct BackgroundSave;
-    [[nodiscard]] bool canSaveInBackground() const;
-    void startSave();
-    void completeSave(std::shared_ptr<BackgroundSave> save);
+    [[nodiscard]] std::shared_ptr<DocumentSave> beginSave();
+    void endSave(std::shared_ptr<DocumentSave> save);
+    void completeSave(const std::shared_ptr<DocumentSave> &done);
+    void saveAnew(const DocumentSave &save);
     void takeSaved(bool isEdited);
     void takeUnchanged(bool isEdited);
     void cancelPendingSave();
@@ -129,16 +129,18 @@ private:
     [[nodiscard]] bool canBeSaved();
     [[nodiscard]] bool navigatedAway() const;
     void begin(DocumentSave &save) const;
-    void saveAsNewDocument(DocumentSave &save);
+    void beginNew(DocumentSave &save) const;
+    void takeNewFile(const DocumentSave &save);
     [[nodiscard]] QString extensionForCreation() const;
-    bool followTitle(DocumentSave &save);
+    [[nodiscard]] bool titleHasChanged(const QString &visibleText) const;
+    [[nodiscard]] bool followTitle(DocumentSave &save);
     void deleteEmptiedDocument();
     [[nodiscard]] bool moveToTitle(const QString &title);
     [[nodiscard]] bool setForeignVersionAside();
-    bool writeContent(DocumentSave &save);
-    void finishSave(const DocumentSave &save, const QString &previousPath);
-    void announceSave(const QString &previousPath);
+    void finishSave(const DocumentSave &save);
+    void announceSave();
     void tellFailure(const QString &message);
+    void tellWriteProtected();
 
     [[nodiscard]] bool isStyleChange(const QString &changedPath) const;
     [[nodiscard]] bool fileWasReplaced();
@@ -176,10 +178,11 @@ private:
     QStringList m_referencedDocuments;
     QVariantMap m_currentPlist;
 
-    quint64 m_changes = 0; ///< counts what was typed
-    std::shared_ptr<BackgroundSave> m_save;
-    bool m_savesAgain = false; ///< another save was due meanwhile
-    QObject m_mainThread;      // receives what the thread hands back; nothing comes once it is gone
+    quint64 m_changes = 0;                ///< counts what was typed
+    std::shared_ptr<DocumentSave> m_save; ///< under way in the background
+    bool m_savesAgain = false;            ///< another one was due meanwhile
+    bool m_renamesAgain = false;          ///< and the name was to follow the title
+    QObject m_mainThread;                 // receives what the thread hands back; nothing comes once it is gone
     SerialQueue m_saves;
 };
 

@@ -6,6 +6,7 @@
 #include "library/ItemOperations.h"
 
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QThread>
 
 using namespace tomelet;
@@ -107,6 +108,41 @@ TEST_F(BackgroundSave, pagesAndTheirSourcesToo)
     controller.waitForSave();
     EXPECT_TRUE(read(QStringLiteral("/c.html")).startsWith("<!-- Plain Text Representation:\n*source*"));
     EXPECT_TRUE(read(QStringLiteral("/c.html")).contains("<em>source</em>"));
+}
+
+TEST_F(BackgroundSave, firstSavesAndNewNamesToo)
+{
+    const QString book = makeBook(QStringLiteral("/Book"));
+    settings().setObject(QStringLiteral("manageLinks"), true);
+    controller.createNewDocument(QStringLiteral("md"), book);
+    begin(QStringLiteral("Name\nfirst"));
+    EXPECT_TRUE(controller.path().isEmpty());
+    type(QStringLiteral("Name\nfirst [self](Name.md) #ctx"));
+    write(QStringLiteral("/Book/Name.md"), "by another program");
+    controller.waitForSave();
+    EXPECT_EQ(controller.path(), at(QStringLiteral("/Book/Name 1.md"))) << controller.path().toStdString();
+    EXPECT_TRUE(read(QStringLiteral("/Book/Name 1.md")).startsWith("Name\nfirst"));
+    EXPECT_EQ(read(QStringLiteral("/Book/Name.md")), QByteArray("by another program"));
+    pause();
+    EXPECT_FALSE(controller.isEdited());
+
+    begin(QStringLiteral("Other\n[[/Book/Name 1.md]] and [the one](Name.md)"));
+    EXPECT_EQ(controller.path(), at(QStringLiteral("/Book/Other.md")));
+    controller.waitForSave();
+    platform().serialQueue.drain();
+    EXPECT_EQ(read(QStringLiteral("/Book/Other.md")), QByteArray("Other\n[[/Book/Other.md]] and [the one](Name.md)"));
+    EXPECT_EQ(names(QStringLiteral("/Book")).filter(QRegularExpression(QStringLiteral("md$"))),
+              (QStringList{QStringLiteral("Name.md"), QStringLiteral("Other.md")}));
+
+    const QString page = document(QStringLiteral("/Page.html"),
+                                  "<!-- Generator: Tomelet for Mac 1 --><head></head><body><p>Page</p></body>");
+    controller.openDocument(page);
+    view.visibleText = QStringLiteral("Page");
+    typeIntoPage(QStringLiteral("<p>Leaf</p>"), QStringLiteral("Leaf"));
+    controller.autosave();
+    controller.waitForSave();
+    EXPECT_TRUE(read(QStringLiteral("/Leaf.html")).contains("<title>Leaf</title>"));
+    EXPECT_FALSE(exists(QStringLiteral("/Page.html")));
 }
 
 TEST_F(BackgroundSave, whatComesBetweenIsKept)

@@ -211,6 +211,12 @@ bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPat
     return changed && written;
 }
 
+void renameOwnLinks(const QString &document, const QString &oldPath)
+{
+    if (!settings().boolean(QStringLiteral("manageLinks"))) return;
+    platform().serialQueue.add([=] { tm_renameLinksInDocumentFrom(document, oldPath, document); });
+}
+
 namespace {
 
 /// The writes of one move: documents and property files by the hundred.

@@ -9,6 +9,9 @@ namespace tomelet {
 /// Rewrites the references in a document that meant an item at its old path. Paths are full. True when the text
 /// changed; a text that cannot be read or written is left as it is.
 bool tm_renameLinksInDocumentFrom(const QString &document, const QString &oldPath, const QString &newPath);
+/// The same for a document's links to itself, queued, while links are managed: for a text that was written after the
+/// move of its own file.
+void renameOwnLinks(const QString &document, const QString &oldPath);
 
 /// After an item has moved: its own relative references, the documents that refer to it, and the backlinks of those
 /// that it refers to. The work is queued, in the order of the moves. Nothing happens while the old path exists.
