@@ -12,6 +12,7 @@
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
+#include <QTimer>
 #include <QTranslator>
 
 #include <unistd.h>
@@ -58,6 +59,7 @@ int main(int argc, char *argv[])
     const QuitOnSignals quitter;
     const bool opensLater = isUrl || (itemExists(path) && !isFolder(path));
     shell.launch(opensLater ? QString() : path);
-    if (opensLater) shell.handOver(path);
+    // Behind what the launch itself shows last.
+    if (opensLater) QTimer::singleShot(0, &shell, [&shell, path] { shell.handOver(path); });
     return QApplication::exec();
 }
