@@ -267,7 +267,7 @@ void MainWindow::documentSelected()
 {
     const QStringList paths = selectedDocuments();
     if (paths.size() != 1 || paths.first() == document()->path() || pathIsPlainBook(paths.first())) return;
-    document()->showDocument(paths.first());
+    document()->showDocument(paths.first(), {searchKey(), {}});
     tm_addToRecentItems(paths.first());
 }
 
@@ -316,7 +316,7 @@ void MainWindow::showItem(const QString &path)
         m_list->scrollTo(index);
     }
     // Selecting it in the list may have shown it.
-    if (document()->path() != full) document()->showDocument(full, anchor);
+    if (document()->path() != full) document()->showDocument(full, {{}, anchor});
     else if (!anchor.isEmpty()) document()->scrollToAnchor(anchor);
     tm_addToRecentItems(full);
 }
@@ -483,7 +483,8 @@ void MainWindow::saveLayout() const
 
 void MainWindow::createDocument(const QString &extension)
 {
-    document()->createDocument(extension, m_listModel->controller().source().book);
+    const ListSource &source = m_listModel->controller().source();
+    document()->createDocument(extension, source.book, source.contexts);
 }
 
 // The document alone, its text in a column that the eye can follow.

@@ -120,6 +120,7 @@ private:
     void showOutline(bool shown);
     void updateListTexts();
     [[nodiscard]] DocumentPane *document() const;
+    [[nodiscard]] QString searchKey() const;
     void reloadRows();
     void readRowsAnew();
     void documentSelected();

@@ -152,4 +152,16 @@ qsizetype positionOfParagraph(const QString &text, const QString &paragraph)
     }
 }
 
+qsizetype positionOfHeading(const QString &text, const QString &anchor)
+{
+    const QString wanted = lettersAlone(anchor);
+    for (Range line = paragraphRange(text, {0, 0}); !wanted.isEmpty(); line = paragraphRange(text, {line.end(), 0})) {
+        const QStringView shown = QStringView(text).sliced(line.location, line.length);
+        if (shown.startsWith(u'#') && lettersAlone(shown).compare(wanted, Qt::CaseInsensitive) == 0)
+            return line.location;
+        if (line.end() >= text.size()) break;
+    }
+    return -1;
+}
+
 } // namespace tomelet

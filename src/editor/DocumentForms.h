@@ -48,5 +48,7 @@ bool tm_writeToFile(const QString &text, const QString &path, bool atomically, T
 /// The position of the paragraph of a text that says the same as the one given, whatever marks either bears: between a
 /// source and its page. -1 when there is none.
 [[nodiscard]] qsizetype positionOfParagraph(const QString &text, const QString &paragraph);
+/// The position of the Markdown heading that an anchor means, compared by letters and digits; -1 when there is none.
+[[nodiscard]] qsizetype positionOfHeading(const QString &text, const QString &anchor);
 
 } // namespace tomelet

@@ -17,6 +17,7 @@
 #include "library/ItemPath.h"
 #include "library/Properties.h"
 #include "organising/links/Backlinks.h"
+#include "organising/search/PdfPages.h"
 
 #include <QFileInfo>
 
@@ -70,13 +71,15 @@ bool TMLTDocumentViewController::leaveDocument()
     return true;
 }
 
-bool TMLTDocumentViewController::openDocument(const QString &path, bool toggled)
+bool TMLTDocumentViewController::openDocument(const QString &path, bool toggled, const Arrival &arrival)
 {
     if (!leaveDocument()) return false;
     m_presentingToggledView = toggled;
     m_path = path;
     m_parentPath = path.isEmpty() ? QString() : tomelet::parentPath(path);
+    m_arrival = arrival;
     showDocument();
+    m_arrival = {};
     return true;
 }
 
@@ -128,8 +131,7 @@ void TMLTDocumentViewController::showDocument()
     m_referencedDocuments = tm_refreshBacklinksForReferencedDocuments(m_path);
     if (m_kind == DocumentViewKind::PlainText) loadPlainText();
     else if (m_kind == DocumentViewKind::Formatted) loadFormatted();
-    else if (m_kind == DocumentViewKind::Pdf)
-        m_view.showPdf(m_path, tm_propertyForKey(m_path, QStringLiteral("CurrentPDFPage")).toString().toLongLong());
+    else if (m_kind == DocumentViewKind::Pdf) m_view.showPdf(m_path, pageToShow());
     else m_view.showPreview(m_path);
     noteFile();
     restoreReadingPosition();
@@ -239,8 +241,29 @@ void TMLTDocumentViewController::saveCurrentDocumentOffset()
     m_modDateOfPresentedPlist = QFileInfo(tm_plistPath(m_path)).lastModified();
 }
 
+qlonglong TMLTDocumentViewController::pageToShow() const
+{
+    if (!m_arrival.searchKey.isEmpty())
+        if (const auto page = pageOfPdfWith(m_path, m_arrival.searchKey)) return *page;
+    static const QString numbered = QStringLiteral("page=");
+    if (m_arrival.anchor.startsWith(numbered))
+        return std::max(QStringView(m_arrival.anchor).sliced(numbered.size()).toLongLong() - 1, 0LL);
+    return tm_propertyForKey(m_path, QStringLiteral("CurrentPDFPage")).toString().toLongLong();
+}
+
+void TMLTDocumentViewController::arriveAtAnchor()
+{
+    if (m_kind != DocumentViewKind::PlainText) return m_view.scrollToAnchor(m_arrival.anchor);
+    const qsizetype position = positionOfHeading(m_view.text(), m_arrival.anchor);
+    if (position >= 0) m_view.select({position, 0});
+}
+
 void TMLTDocumentViewController::restoreReadingPosition()
 {
+    if (m_kind == DocumentViewKind::PlainText || m_kind == DocumentViewKind::Formatted) {
+        if (!m_arrival.searchKey.isEmpty()) return m_view.showTerm(m_arrival.searchKey);
+        if (!m_arrival.anchor.isEmpty()) return arriveAtAnchor();
+    }
     const QString key = offsetKey(m_kind);
     if (key.isEmpty() || m_kind == DocumentViewKind::Pdf) return;
     const qlonglong offset = tm_propertyForKey(m_path, key).toString().toLongLong();

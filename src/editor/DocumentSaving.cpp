@@ -265,7 +265,7 @@ void TMLTDocumentViewController::takeNewFile(const DocumentSave &save)
     if (m_view.isMainWindow() && autosaves)
         notifications().postPath(QStringLiteral("TMLTNewFileCreatedNotification"), m_path);
     notifications().postPath(QStringLiteral("TMLTItemssSelectedInOutlineOrListNotification"), m_path);
-    if (const QString context = m_view.contextOfList(); !context.isEmpty()) tm_setTag(m_path, context);
+    for (const QString &context : m_view.contextsOfList()) tm_setTag(m_path, context);
 }
 
 } // namespace tomelet

@@ -6,6 +6,7 @@
 #include "foundation/Range.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace tomelet {
 
@@ -52,8 +53,12 @@ public:
     /// The text of the paragraph that the caret, or the top of the page, is in.
     [[nodiscard]] virtual QString caretParagraph() const = 0;
     virtual void scrollToText(const QString &text) = 0;
+    /// To the element of that name.
+    virtual void scrollToAnchor(const QString &anchor) = 0;
 
     // -- either
+    /// Highlights what was searched for and goes to its first place.
+    virtual void showTerm(const QString &term) = 0;
     /// The caret of a text, the scroll position of a page, the page of a PDF.
     [[nodiscard]] virtual qlonglong readingOffset() const = 0;
     virtual void restoreOffset(qlonglong offset) = 0;
@@ -69,8 +74,8 @@ public:
     // -- the window around it
     [[nodiscard]] virtual bool isMainWindow() const = 0;
     virtual void addToBackList(const QString &path) = 0;
-    /// The context that the list shows, "" for another list.
-    [[nodiscard]] virtual QString contextOfList() const = 0;
+    /// The contexts whose items the list shows, none for another list.
+    [[nodiscard]] virtual QStringList contextsOfList() const = 0;
 };
 
 } // namespace tomelet

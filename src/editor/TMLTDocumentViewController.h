@@ -25,6 +25,13 @@
 
 namespace tomelet {
 
+/// Where in a document one arrives; where one left it when both are empty.
+struct Arrival
+{
+    QString searchKey; ///< is highlighted
+    QString anchor;    ///< "part", or "page=3" of a PDF document
+};
+
 class TMLTDocumentViewController
 {
 public:
@@ -54,7 +61,7 @@ public:
     /// Saves the present document and shows another; an empty path shows none. False: the present one could not be
     /// saved and stays, so that its text is not lost.
     /// `toggled`: in the other of its two views.
-    bool openDocument(const QString &path, bool toggled = false);
+    bool openDocument(const QString &path, bool toggled = false, const Arrival &arrival = {});
     bool closeDocument() { return openDocument({}); }
     /// Loads the document anew into the view that fits.
     void showDocument();
@@ -110,6 +117,8 @@ private:
     void showNewDocument();
     void noteFile();
     void restoreReadingPosition();
+    [[nodiscard]] qlonglong pageToShow() const;
+    void arriveAtAnchor();
     [[nodiscard]] QString plainTextOf(const QString &stored) const;
     void showReadText(const QByteArray &bytes);
     void lookUpParagraph(const QString &paragraph);
@@ -177,6 +186,7 @@ private:
     QStringList m_embeddedContexts;
     QStringList m_referencedDocuments;
     QVariantMap m_currentPlist;
+    Arrival m_arrival; ///< of the document that is being opened
 
     quint64 m_changes = 0;                ///< counts what was typed
     std::shared_ptr<DocumentSave> m_save; ///< under way in the background

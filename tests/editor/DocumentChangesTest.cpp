@@ -214,6 +214,47 @@ TEST_F(DocumentController, readingPositionsComeBack)
     EXPECT_FALSE(exists(QStringLiteral("/b.txt.plist")));
 }
 
+// Two pages, with a word on each.
+static QByteArray pdfOfTwoPages()
+{
+    QByteArray pdf = "%PDF-1.4\n1 0 obj<</Type/Catalog/Pages 2 0 R>>endobj\n"
+                     "2 0 obj<</Type/Pages/Count 2/Kids[3 0 R 4 0 R]>>endobj\n"
+                     "7 0 obj<</Type/Font/Subtype/Type1/BaseFont/Helvetica>>endobj\n";
+    const char *words[] = {"Front", "Behind"};
+    for (int page = 0; page < 2; ++page) {
+        const QByteArray content = QByteArray("BT /F1 12 Tf 20 100 Td (") + words[page] + ") Tj ET";
+        pdf += QByteArray::number(3 + page) + " 0 obj<</Type/Page/Parent 2 0 R/MediaBox[0 0 200 200]/Contents " +
+               QByteArray::number(5 + page) + " 0 R/Resources<</Font<</F1 7 0 R>>>>>>endobj\n";
+        pdf += QByteArray::number(5 + page) + " 0 obj<</Length " + QByteArray::number(content.size()) + ">>stream\n" +
+               content + "\nendstream endobj\n";
+    }
+    return pdf + "trailer<</Root 1 0 R/Size 8>>\n%%EOF\n";
+}
+
+TEST_F(DocumentController, whatIsLookedForComesBeforeTheReadingPosition)
+{
+    const QString text = document(QStringLiteral("/a.md"), "Title\n\n## Getting started!\n\nmore\n");
+    tm_setProperty(text, QStringLiteral("3"), QStringLiteral("CharacterOffset"));
+    controller.openDocument(text, true, {QStringLiteral("more"), {}});
+    EXPECT_EQ(view.scrolledTo, QStringLiteral("more"));
+    controller.openDocument(text, true, {{}, QStringLiteral("getting-started")});
+    EXPECT_EQ(view.scrolledTo, QStringLiteral("getting-started"));
+    controller.openDocument(text, false, {{}, QStringLiteral("getting-started")});
+    EXPECT_EQ(view.selected, (Range{7, 0}));
+
+    const QString pdf = document(QStringLiteral("/a.pdf"), pdfOfTwoPages());
+    const auto pageFor = [&](const char *term, const char *anchor) {
+        controller.openDocument({});
+        tm_setProperty(pdf, QStringLiteral("5"), QStringLiteral("CurrentPDFPage"));
+        controller.openDocument(pdf, false, {QString::fromLatin1(term), QString::fromLatin1(anchor)});
+        return view.offset;
+    };
+    EXPECT_EQ(pageFor("behind", "page=1"), 1);
+    EXPECT_EQ(pageFor("nowhere", "page=1"), 0);
+    EXPECT_EQ(pageFor("", "page=2"), 1);
+    EXPECT_EQ(pageFor("", ""), 5);
+}
+
 TEST_F(DocumentController, movedDocumentsAreFollowed)
 {
     const QString path = document(QStringLiteral("/Book/a.txt"), "one\n");

@@ -163,7 +163,7 @@ TEST_F(DocumentController, newDocuments)
         notifications().observe(QStringLiteral("TMLTNewFileCreatedNotification"), [&](const QVariantMap &payload) {
             created += payload.value(QStringLiteral("path")).toString();
         });
-    view.context = QStringLiteral("@home");
+    view.contexts = {QStringLiteral("@home")};
     controller.createNewDocument(QStringLiteral("md"), book);
     pause();
     EXPECT_EQ(view.begun, 1);
@@ -178,7 +178,7 @@ TEST_F(DocumentController, newDocuments)
     type(QStringLiteral("Second\ntext"));
     pause();
     EXPECT_EQ(read(QStringLiteral("/Book/Second.md")), QByteArray("Second\ntext"));
-    view.context.clear();
+    view.contexts.clear();
 
     // The same first save as that of a text from the command line.
     settings().setObject(QStringLiteral("createCombinedMarkdown"), true);

@@ -52,6 +52,8 @@ public:
     void hideFormattingBar() override { barHidden = true; }
     QString caretParagraph() const override { return visibleText; }
     void scrollToText(const QString &text) override { scrolledTo = text; }
+    void scrollToAnchor(const QString &anchor) override { scrolledTo = anchor; }
+    void showTerm(const QString &term) override { scrolledTo = term; }
 
     qlonglong readingOffset() const override { return offset; }
     void restoreOffset(qlonglong newOffset) override { offset = newOffset; }
@@ -63,10 +65,10 @@ public:
     void showNotice(const QString &title, const QString &) override { alerts += title; }
     bool isMainWindow() const override { return true; }
     void addToBackList(const QString &path) override { backList += path; }
-    QString contextOfList() const override { return context; }
+    QStringList contextsOfList() const override { return contexts; }
 
-    QString shown, plainText, page, base, frame, body, visibleText, scrolledTo, context;
-    QStringList alerts, backList;
+    QString shown, plainText, page, base, frame, body, visibleText, scrolledTo;
+    QStringList alerts, backList, contexts;
     tomelet::Range selected{0, 0};
     qlonglong offset = 0;
     bool editable = false, edited = false, barHidden = false, isKey = true;

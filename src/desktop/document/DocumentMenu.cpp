@@ -36,6 +36,9 @@ void addDocumentMenu(QMainWindow *window, DocumentDesk *desk, const WindowComman
     add(TOMELET_TEXT("New Formatted &Document"), QKeySequence(QStringLiteral("Ctrl+Alt+Shift+N")),
         [commands] { commands.createDocument(QStringLiteral("html")); });
     menu->addSeparator();
+    add(TOMELET_TEXT("&Back"), QKeySequence::Back, [desk] { desk->current()->goBack(); });
+    add(TOMELET_TEXT("F&orward"), QKeySequence::Forward, [desk] { desk->current()->goForward(); });
+    menu->addSeparator();
     add(TOMELET_TEXT("&Find..."), QKeySequence::Find, [desk] { desk->current()->openFind(false); });
     add(TOMELET_TEXT("Find and &Replace..."), QKeySequence(QStringLiteral("Ctrl+H")),
         [desk] { desk->current()->openFind(true); });

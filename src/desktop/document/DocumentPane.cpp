@@ -74,8 +74,11 @@ DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *p
     applyViewSettings();
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
-    m_moves = notifications().observe(QStringLiteral("TMLTFileMovedNotification"),
-                                      [this](const QVariantMap &) { updateTitle(); });
+    m_moves = notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &move) {
+        m_backList.follow(move.value(QStringLiteral("originalPath")).toString(),
+                          move.value(QStringLiteral("newPath")).toString());
+        updateTitle();
+    });
 }
 
 DocumentPane::~DocumentPane()
@@ -123,12 +126,21 @@ void DocumentPane::makeLayout()
 
 // -- what is on display -----------------------------------------------------------------------------------------------
 
-void DocumentPane::showDocument(const QString &path, const QString &anchor, bool toggled)
+void DocumentPane::showDocument(const QString &path, const Arrival &arrival, bool toggled)
 {
     if (!mayLeave()) return;
-    const bool opened = m_controller.openDocument(path, toggled);
+    if (m_controller.openDocument(path, toggled, arrival)) m_backList.visit(path);
     updateTitle();
-    if (opened && !anchor.isEmpty()) scrollToAnchor(anchor);
+}
+
+void DocumentPane::goBack()
+{
+    if (const QString path = m_backList.back(); !path.isEmpty()) showDocument(path);
+}
+
+void DocumentPane::goForward()
+{
+    if (const QString path = m_backList.forward(); !path.isEmpty()) showDocument(path);
 }
 
 bool DocumentPane::closeDocument()
@@ -143,9 +155,10 @@ void DocumentPane::saveTyping()
     m_controller.saveTyping();
 }
 
-void DocumentPane::createDocument(const QString &extension, const QString &book)
+void DocumentPane::createDocument(const QString &extension, const QString &book, const QStringList &contexts)
 {
     if (!mayLeave()) return;
+    m_contextsOfNew = contexts;
     m_controller.createNewDocument(extension, book);
     updateTitle();
 }
@@ -341,6 +354,7 @@ void DocumentPane::tm_showUnlockAlert()
 void DocumentPane::addToBackList(const QString &path)
 {
     m_textPath = path;
+    m_backList.visit(path);
     updateTitle();
 }
 

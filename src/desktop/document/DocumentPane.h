@@ -3,6 +3,7 @@
 // network.
 #pragma once
 
+#include "editor/BackList.h"
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
 #include "editor/PageBoxes.h"
@@ -36,11 +37,13 @@ public:
     ~DocumentPane() override;
 
     /// Saves what is on display and shows the document; an empty path shows what to do next. A document that cannot be
-    /// saved stays. A page is shown at the anchor if one is given ("part" or "#part").
-    /// `toggled`: in the other of its two views.
-    void showDocument(const QString &path, const QString &anchor = {}, bool toggled = false);
-    /// To a part of the page on display, as above.
-    void scrollToAnchor(const QString &anchor);
+    /// saved stays. `toggled`: in the other of its two views.
+    void showDocument(const QString &path, const Arrival &arrival = {}, bool toggled = false);
+    /// To a part of the page on display ("part" or "#part").
+    void scrollToAnchor(const QString &anchor) override;
+    /// The document that was on display before or, after going back, behind this one; nothing where there is none.
+    void goBack();
+    void goForward();
     /// Saves what is on display and shows nothing; false when it could not be saved and stays.
     bool closeDocument();
     /// What was typed goes into the file now.
@@ -57,8 +60,9 @@ public:
     void toggleView();
     /// A command on the text, or its like on a page that is being edited.
     void applyToText(EditorCommand command, const EditorArguments &arguments = {});
-    /// A document without a file yet; an empty extension is the preferred one's, an empty book the inbox.
-    void createDocument(const QString &extension, const QString &book);
+    /// A document without a file yet; an empty extension is the preferred one's, an empty book the inbox. It will have
+    /// the contexts.
+    void createDocument(const QString &extension, const QString &book, const QStringList &contexts = {});
     /// The bar for finding, and for replacing where the document can be changed.
     void openFind(bool replaces);
     /// The next place of what the bar has; `stays` begins at the selection itself.
@@ -146,6 +150,7 @@ private:
     void hideFormattingBar() override;
     [[nodiscard]] QString caretParagraph() const override;
     void scrollToText(const QString &text) override;
+    void showTerm(const QString &term) override;
     [[nodiscard]] qlonglong readingOffset() const override;
     void restoreOffset(qlonglong offset) override;
     void setEdited(bool edited) override;
@@ -156,9 +161,11 @@ private:
     void showNotice(const QString &title, const QString &text) override;
     [[nodiscard]] bool isMainWindow() const override { return m_isOfMainWindow; }
     void addToBackList(const QString &path) override;
-    [[nodiscard]] QString contextOfList() const override { return {}; }
+    [[nodiscard]] QStringList contextsOfList() const override { return m_contextsOfNew; }
 
     ItemActions &m_actions;
+    BackList m_backList;
+    QStringList m_contextsOfNew; ///< for the document without a file yet
     bool m_isOfMainWindow;
     DocumentHeader *m_header;
     QLabel *m_notice; ///< about the document on display, hidden when there is nothing to say

@@ -60,7 +60,8 @@ bool DocumentPane::askAboutUnsaved()
     for (auto *alert : findChildren<QMessageBox *>()) alert->close(); // which told the same
     // The other documents' turn may never come.
     for (QWidget *widget : QApplication::allWidgets())
-        if (auto *pane = qobject_cast<DocumentPane *>(widget); pane && pane->m_controller.isEdited()) pane->keepRescue();
+        if (auto *pane = qobject_cast<DocumentPane *>(widget); pane && pane->m_controller.isEdited())
+            pane->keepRescue();
     QString text = m_controller.failure();
     if (!m_rescue.isEmpty()) text += u'\n' + localized(TOMELET_TEXT("Until then a copy is kept as %1.")).arg(m_rescue);
     const int answer = askQuestion({localized(TOMELET_TEXT("\"%1\" could not be saved")).arg(nameOfDocument()),

@@ -74,6 +74,22 @@ void DocumentPane::find(bool backward, bool stays)
     });
 }
 
+// What was searched for in the notebook is what "Find Next" goes on with.
+void DocumentPane::showTerm(const QString &term)
+{
+    m_find->setWanted(term);
+    if (showsText()) {
+        m_text->select({0, 0});
+        return find(false, true);
+    }
+    const auto highlight = [this, term] { m_view->page()->findText(term); };
+    if (m_isLoading) connect(m_view->page(), &QWebEnginePage::loadFinished, this, highlight, Qt::SingleShotConnection);
+    else
+        m_view->page()->runJavaScript(QStringLiteral("0"), 1, [self = QPointer(this), highlight](const QVariant &) {
+            if (self) highlight(); // the page's new content has come by now
+        });
+}
+
 void DocumentPane::replaceFound()
 {
     if (showsText()) {

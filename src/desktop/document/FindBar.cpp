@@ -70,6 +70,12 @@ void FindBar::close()
     Q_EMIT closed();
 }
 
+void FindBar::setWanted(const QString &words)
+{
+    const QSignalBlocker quiet(m_words);
+    m_words->setText(words);
+}
+
 QString FindBar::wanted() const
 {
     return m_words->text();

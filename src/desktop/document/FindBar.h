@@ -18,6 +18,8 @@ public:
     /// Shows the bar, with the words that are selected, and takes the keys.
     void open(const QString &selected, bool replaces);
     void close();
+    /// What is found next, without showing the bar.
+    void setWanted(const QString &words);
     [[nodiscard]] QString wanted() const;
     [[nodiscard]] QString replacement() const;
     /// How often the words are in the document; -1 says nothing.

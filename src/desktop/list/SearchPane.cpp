@@ -104,6 +104,14 @@ void MainWindow::fillSearchOptions(QMenu *menu)
     });
 }
 
+// What is looked for in the documents of the list, when it is more than their names.
+QString MainWindow::searchKey() const
+{
+    const bool results = m_listModel->controller().source().smartType == SearchResultsBook;
+    if (!results || searchModeOfSettings() == SearchMode::Title) return {};
+    return tm_arrayOfSearchTermsInString(m_filter->text()).value(0);
+}
+
 void MainWindow::presentIndex()
 {
     m_index.present();
