@@ -56,12 +56,7 @@ void DocumentWindow::makeMenus(ItemActions &actions)
                [this] { close(); });
     file->addSeparator();
     addCommand(file, TOMELET_TEXT("&Quit"), QKeySequence::Quit, this, [this] { Q_EMIT quitWanted(); });
-    QMenu *edit = menuBar()->addMenu(localized(TOMELET_TEXT("&Edit")));
-    QAction *undo = actions.undoStack().createUndoAction(this, localized(TOMELET_TEXT("&Undo")));
-    undo->setShortcut(QKeySequence::Undo);
-    QAction *redo = actions.undoStack().createRedoAction(this, localized(TOMELET_TEXT("&Redo")));
-    redo->setShortcut(QKeySequence::Redo);
-    edit->addActions({undo, redo});
+    addEditMenu(this, actions.undoStack());
     addTextMenu(this, m_desk);
     const auto create = [this](const QString &extension) {
         DocumentPane *pane = m_desk->current();

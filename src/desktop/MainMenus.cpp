@@ -112,12 +112,7 @@ void MainWindow::makeLabelMenu(QMenu *menu)
 
 void MainWindow::makeEditMenu()
 {
-    QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&Edit")));
-    QAction *undo = m_actions.undoStack().createUndoAction(this, localized(TOMELET_TEXT("&Undo")));
-    undo->setShortcut(QKeySequence::Undo);
-    QAction *redo = m_actions.undoStack().createRedoAction(this, localized(TOMELET_TEXT("&Redo")));
-    redo->setShortcut(QKeySequence::Redo);
-    menu->addActions({undo, redo});
+    QMenu *menu = addEditMenu(this, m_actions.undoStack());
     menu->addSeparator();
     add(menu, TOMELET_TEXT("&Search the Notebook"), QKeySequence(QStringLiteral("Ctrl+Shift+F")), [this] {
         m_filter->setFocus();

@@ -30,6 +30,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QProgressBar>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -267,6 +268,7 @@ void MainWindow::documentSelected()
 {
     const QStringList paths = selectedDocuments();
     if (paths.size() != 1 || paths.first() == document()->path() || pathIsPlainBook(paths.first())) return;
+    const QScopedValueRollback showing(m_showsSelection, true);
     document()->showDocument(paths.first(), {searchKey(), {}});
     tm_addToRecentItems(paths.first());
 }
@@ -276,17 +278,18 @@ DocumentPane *MainWindow::document() const
     return m_desk->current();
 }
 
-// The list follows to the document of another tab or side.
+// The list follows to another document, of another tab or side too.
 void MainWindow::documentChanged()
 {
     const QString path = document()->path();
     m_info->setDocument(path);
     setWindowTitle(path.isEmpty() ? QStringLiteral("Tomelet") : lastPathComponent(path) + QStringLiteral(" — Tomelet"));
-    if (std::exchange(m_lastDocument, document()) == document()) return;
+    const bool isSamePane = std::exchange(m_lastDocument, document()) == document();
+    if (m_showsSelection || m_list->selectionModel()->selectedRows().size() > 1) return;
+    if (selectedDocuments() == QStringList{path}) return;
     const QModelIndex index = m_listModel->indexOfPath(path);
-    if (m_list->selectionModel()->selectedRows().size() > 1 || selectedDocuments() == QStringList{path}) return;
     if (index.isValid()) m_list->selectOnly(index);
-    else if (!path.isEmpty()) m_list->clearSelection();
+    else if (!isSamePane && !path.isEmpty()) m_list->clearSelection();
 }
 
 void MainWindow::openSelectionInTabs()

@@ -152,6 +152,7 @@ private:
     QStackedWidget *m_listStack;
     DocumentDesk *m_desk;
     DocumentPane *m_lastDocument = nullptr; ///< only to be compared
+    bool m_showsSelection = false;          ///< the document selected in the list is being shown
     InfoPanel *m_info;
     QSplitter *m_splitter;
     QStackedWidget *m_pages;

@@ -11,6 +11,7 @@ class QMainWindow;
 class QMenu;
 class QObject;
 class QString;
+class QUndoStack;
 
 namespace tomelet::desktop {
 
@@ -19,6 +20,9 @@ class DocumentDesk;
 /// A command with its keys; the text is one for translation. It lives as long as the context.
 QAction *addCommand(QMenu *menu, const char *text, const QKeySequence &keys, QObject *context,
                     std::function<void()> action);
+
+/// Undo and the clipboard, for whatever has the keys.
+QMenu *addEditMenu(QMainWindow *window, QUndoStack &items);
 
 /// What is done to the text of the document in front.
 void addTextMenu(QMainWindow *window, DocumentDesk *desk);
