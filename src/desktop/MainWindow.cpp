@@ -340,6 +340,16 @@ void MainWindow::reloadListFor(const QString &path)
     if (concerned) reloadListSoon();
 }
 
+// The nearest book above takes its place.
+void MainWindow::leaveVanishedBook()
+{
+    const ListSource &source = m_listModel->controller().source();
+    if (source.smartType != OrdinaryBook || itemExists(source.book)) return;
+    QString there = source.book;
+    while (!itemExists(there) && tm_itemIsChildOfTomelet(there)) there = parentPath(there);
+    if (tm_itemIsChildOfTomelet(there)) showItem(there);
+}
+
 // A moment later, so that a thousand changes are one reload.
 void MainWindow::reloadListSoon()
 {
@@ -359,10 +369,7 @@ void MainWindow::observe()
     onPath("TMLTFileDeletedFromDiskNotification", "path", reload);
     onPath("TMLTFileMovedNotification", "newPath", reload);
     onPath("TMLTFileMovedNotification", "originalPath", reload);
-    onPath("TMLTFileDeletedFromDiskNotification", "path", [this](const QString &path) {
-        const QString book = m_listModel->controller().source().book;
-        if (book == path || book.startsWith(path + u'/')) m_outline->showSelection();
-    });
+    onPath("TMLTFileDeletedFromDiskNotification", "path", [this](const QString &) { leaveVanishedBook(); });
     m_subscriptions.push_back(
         notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &payload) {
             m_listModel->follow(payload.value(QStringLiteral("originalPath")).toString(),

@@ -128,6 +128,7 @@ private:
     void openSelectionInTabs();
     void reloadListFor(const QString &path);
     void reloadListSoon();
+    void leaveVanishedBook();
     void waitForRoot();
     void newRoot();
     void newBook();
