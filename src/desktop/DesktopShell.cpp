@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/DesktopShell.h"
 
-#include "desktop/PreferencesWindow.h"
+#include "desktop/preferences/PreferencesWindow.h"
 #include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
 #include "foundation/Folder.h"

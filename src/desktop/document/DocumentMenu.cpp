@@ -35,6 +35,8 @@ void addDocumentMenu(QMainWindow *window, DocumentDesk *desk, const WindowComman
         [commands] { commands.createDocument(QStringLiteral("md")); });
     add(TOMELET_TEXT("New Formatted &Document"), QKeySequence(QStringLiteral("Ctrl+Alt+Shift+N")),
         [commands] { commands.createDocument(QStringLiteral("html")); });
+    add(TOMELET_TEXT("Name after Fi&rst Line"), QKeySequence(QStringLiteral("Shift+F2")),
+        [desk] { desk->current()->renameToFirstLine(); });
     menu->addSeparator();
     add(TOMELET_TEXT("&Back"), QKeySequence::Back, [desk] { desk->current()->goBack(); });
     add(TOMELET_TEXT("F&orward"), QKeySequence::Forward, [desk] { desk->current()->goForward(); });

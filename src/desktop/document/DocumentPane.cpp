@@ -163,6 +163,13 @@ void DocumentPane::createDocument(const QString &extension, const QString &book,
     updateTitle();
 }
 
+void DocumentPane::renameToFirstLine()
+{
+    settlePage();
+    (void)m_controller.tm_renameToFirstLineOfText(); // which tells why it could not
+    updateTitle();
+}
+
 void DocumentPane::scrollToAnchor(const QString &anchor)
 {
     const QString name = percentDecoded(anchor.startsWith(u'#') ? anchor.mid(1) : anchor);
@@ -271,7 +278,7 @@ bool DocumentPane::isBlankUpToCaretLine() const
 }
 void DocumentPane::restylePlainText()
 {
-    m_text->restyle();
+    m_text->setHighlighting(highlightOptionsForItem(path()));
 }
 
 void DocumentPane::zoom(int steps)

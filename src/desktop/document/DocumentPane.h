@@ -63,6 +63,7 @@ public:
     /// A document without a file yet; an empty extension is the preferred one's, an empty book the inbox. It will have
     /// the contexts.
     void createDocument(const QString &extension, const QString &book, const QStringList &contexts = {});
+    void renameToFirstLine();
     /// The bar for finding, and for replacing where the document can be changed.
     void openFind(bool replaces);
     /// The next place of what the bar has; `stays` begins at the selection itself.

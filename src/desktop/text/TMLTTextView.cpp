@@ -146,6 +146,12 @@ bool TMLTTextView::isBlankUpToCaretLine() const
     return true;
 }
 
+void TMLTTextView::setHighlighting(const HighlightOptions &options)
+{
+    m_options = options;
+    restyle();
+}
+
 void TMLTTextView::restyle()
 {
     m_highlighter->restyle(m_options, palette());

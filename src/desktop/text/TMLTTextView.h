@@ -44,6 +44,8 @@ public:
     [[nodiscard]] bool isBlankUpToCaretLine() const;
     /// Lays the highlighting anew, as after a change of theme.
     void restyle();
+    /// The same by other options.
+    void setHighlighting(const HighlightOptions &options);
 
     /// Prints the text in colours for paper, whatever those of the screen are.
     void printOnPaper(QPagedPaintDevice *printer) const;
