@@ -70,11 +70,13 @@ int stepsFor(Range range)
     return int(least + range.length / unitsOfStep);
 }
 
+// The list may name a word with its marker or without.
 bool isExcluded(const QString &text, const PatternMatch &match, const HighlightRow &row,
                 const HighlightOptions &options)
 {
-    return row.condition == HighlightCondition::Contexts &&
-           options.excludedContexts.contains(substring(text, match.group(1)));
+    if (row.condition != HighlightCondition::Contexts) return false;
+    const QString context = substring(text, match.group(1));
+    return options.excludedContexts.contains(context) || options.excludedContexts.contains(context.mid(1));
 }
 
 template <typename Take>
