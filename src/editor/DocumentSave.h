@@ -20,7 +20,7 @@ struct DocumentSave
     DocumentViewKind kind = DocumentViewKind::PlainText;
     bool isForeignPage = false;
     QString held;        ///< by the view: the text, or the body of the page
-    QString loaded;      ///< the text with its own line ends as it was read or last saved, or the page
+    QString loaded;      ///< the text with its own line ends as it was read, or the page
     QString visibleText; ///< of the page
     TextForm form;
     QString md5hash; ///< when editing began

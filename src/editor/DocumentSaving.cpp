@@ -188,7 +188,6 @@ void TMLTDocumentViewController::finishSave(const DocumentSave &save, const QStr
     m_md5hash = save.md5OfText;
     m_md5OfFile = save.md5OfBytes;
     m_failure.clear();
-    if (m_kind == DocumentViewKind::PlainText) m_shownText = save.text;
     takeReferences(m_path, save.facts.references, m_referencedDocuments);
     announceSave(previousPath);
     takeEmbeddedContexts(m_path, save.facts.contexts, m_embeddedContexts);

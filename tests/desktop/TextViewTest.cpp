@@ -48,6 +48,41 @@ TEST_F(TextView, everyCommandIsOneUndoStep)
     EXPECT_EQ(view.documentText(), QStringLiteral("- [ ] one\n- [ ] two\n- [ ] "));
 }
 
+TEST_F(TextView, typingIsAStepOfItsOwn)
+{
+    const QStringList states{QStringLiteral("a"),
+                             QStringLiteral("aone "),
+                             QStringLiteral("aone two "),
+                             QStringLiteral("aone two x"),
+                             QStringLiteral("aone two xpasted"),
+                             QStringLiteral("aone two xpastedy")};
+    load(states[0]);
+    view.apply(EditorCommand::Type, {QStringLiteral("one "), {}, 0});
+    view.apply(EditorCommand::Type, {QStringLiteral("two "), {}, 0});
+    QTest::keyClicks(&view, QStringLiteral("x"));
+    QApplication::clipboard()->setText(QStringLiteral("pasted"));
+    view.paste();
+    QTest::keyClicks(&view, QStringLiteral("y"));
+    for (qsizetype i = states.size() - 1; i > 0; --i, view.undo()) EXPECT_EQ(view.documentText(), states[i]);
+    EXPECT_EQ(view.documentText(), states[0]);
+    EXPECT_FALSE(view.document()->isUndoAvailable());
+}
+
+TEST_F(TextView, pairsGoTogetherInEitherDirection)
+{
+    load(QStringLiteral("a[]b("));
+    view.select({1, 0});
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.documentText(), QStringLiteral("ab("));
+    QTest::keyClick(&view, Qt::Key_Delete);
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.documentText(), QStringLiteral("a"));
+    view.undo();
+    view.undo();
+    view.undo();
+    EXPECT_EQ(view.documentText(), QStringLiteral("a[]b("));
+}
+
 TEST_F(TextView, whatMayNotChangeStays)
 {
     load(QStringLiteral("text"));

@@ -5,6 +5,7 @@
 #include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
+#include "editor/Marks.h"
 #include "editor/SoftBreaks.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
@@ -33,7 +34,10 @@ TMLTTextView::TMLTTextView(QWidget *parent)
     });
     m_typing.setSingleShot(true);
     m_typing.setInterval(1000);
-    connect(&m_typing, &QTimer::timeout, viewport(), qOverload<>(&QWidget::update));
+    connect(&m_typing, &QTimer::timeout, this, [this] {
+        endStep();
+        viewport()->update();
+    });
     m_spelling.setSingleShot(true);
     m_spelling.setInterval(100);
     connect(&m_spelling, &QTimer::timeout, this, &TMLTTextView::checkSpelling);
@@ -80,10 +84,7 @@ void TMLTTextView::takeDocumentText(const QString &text, bool editable, const Hi
     m_completer->close();
     m_options = options;
     if (const Replacement change = smallestReplacement(shownText(), withPlainLineEnds(text)); change.range.isFound()) {
-        QTextCursor cursor(document()); // the caret is another one
-        cursor.setPosition(int(change.range.location));
-        cursor.setPosition(int(change.range.end()), QTextCursor::KeepAnchor);
-        cursor.insertText(change.text);
+        replaceAt(QTextCursor(document()), change.range, change.text); // the caret is another one
     }
     setReadOnly(!editable);
     setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
@@ -190,12 +191,24 @@ void TMLTTextView::replaceRange(Range range, const QString &text)
 
 void TMLTTextView::replaceShown(Range range, const QString &text)
 {
-    QTextCursor cursor = textCursor();
+    replaceAt(textCursor(), range, text);
+}
+
+void TMLTTextView::replaceAt(QTextCursor cursor, Range range, const QString &text)
+{
+    endStep();
     cursor.beginEditBlock();
     cursor.setPosition(int(range.location));
     cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
     cursor.insertText(text);
     cursor.endEditBlock();
+    endStep();
+}
+
+// What is typed joins the step before it, unless the document stands as it was saved.
+void TMLTTextView::endStep()
+{
+    document()->setModified(false);
 }
 
 // -- finding ----------------------------------------------------------------------------------------------------------
@@ -270,6 +283,19 @@ bool concernsClosing(const QString &typed)
 
 } // namespace
 
+// An opening character behind the caret goes with its closing one.
+bool TMLTTextView::deletePair()
+{
+    const QString line = textCursor().block().text();
+    const int caret = textCursor().positionInBlock();
+    EditedText behind(line.mid(caret, 2), {1, 0});
+    if (textCursor().hasSelection() || !editorSettings().insertClosingCharacters || !deleteOpeningWithClosing(behind))
+        return false;
+    const qsizetype place = selection().location;
+    replaceRange({place, 2}, {});
+    return true;
+}
+
 // True when the key was a command's.
 bool TMLTTextView::applyKey(const QKeyEvent &event)
 {
@@ -293,6 +319,7 @@ void TMLTTextView::keyPressEvent(QKeyEvent *event)
     const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
     if (changes && !mayChange()) return event->accept();
     if (changes && applyKey(*event)) event->accept();
+    else if (event->matches(QKeySequence::Delete) && mayChange() && deletePair()) event->accept();
     else if (m_hasSoftBreaks && mayChange() && deleteForward(*event)) event->accept();
     else QPlainTextEdit::keyPressEvent(event);
     if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
