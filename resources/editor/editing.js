@@ -325,7 +325,6 @@ window.tm = (() => {
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
       list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
       selected: selection.toString().slice(0, 1000),
-      canUndo: window.tmHistory.canUndo(), canRedo: window.tmHistory.canRedo(),
     };
   }
   function run(action) {
@@ -372,16 +371,16 @@ window.tm = (() => {
     if (language) document.documentElement.lang = language;
   }
   function start() {
-    return {html: [...body.childNodes].map(markupOf).join(''), text: body.innerText};
+    return {html: [...body.childNodes].map(markupOf).join(''), text: body.innerText,
+            hasSteps: window.tmHistory.hasSteps()};
   }
-  // The document as another view of it left it; the caret stays where it is.
+  // The document as another view of it left it, as one step; the caret stays where it is.
   function take(page) {
-    const saved = place();
+    note('typing');
     document.designMode = 'off';
-    const fresh = new DOMParser().parseFromString(page, 'text/html');
-    body.replaceChildren(...fresh.body.childNodes);
-    goTo(saved);
-    window.tmHistory.begin();
+    window.tmHistory.replaceBy([...new DOMParser().parseFromString(page, 'text/html').body.childNodes]);
+    window.tmHistory.note('command', () => {});
+    lastInput = '';
     untold = false;
     told = [];
     return start();

@@ -12,6 +12,7 @@ window.tmHistory = (() => {
   let shadow = [];    // each node below the body with a copy of it as it was after the last step
   let touched = new Set();
   let listChanged = false;
+  let isKept = false; // from the first time on that the page is edited
   let joins = false;  // typing may still become part of the last step
   let lastPlace = null;
 
@@ -83,6 +84,7 @@ window.tmHistory = (() => {
   // Takes what happened since the last look as a step of that kind, `tidy` having a chance to mend the changed nodes.
   // False when nothing did.
   function note(kind, tidy) {
+    if (!isKept) return false;
     take(observer.takeRecords());
     if (!touched.size && !listChanged) {
       lastPlace = place() || lastPlace;
@@ -130,17 +132,31 @@ window.tmHistory = (() => {
     put(step.from, step.before.length, step.after, step.placeAfter);
     return true;
   }
-  // Forgets all steps.
+  // Puts the nodes in place of the page's own, of which those stay that are the same, and the caret with them.
+  function replaceBy(fresh) {
+    const live = [...body.childNodes];
+    let from = 0;
+    while (from < live.length && from < fresh.length && live[from].isEqualNode(fresh[from])) ++from;
+    let end = live.length;
+    let freshEnd = fresh.length;
+    while (end > from && freshEnd > from && live[end - 1].isEqualNode(fresh[freshEnd - 1])) { --end; --freshEnd; }
+    const gone = live.slice(from, end);
+    const isHit = gone.some(node => node.contains(selection.anchorNode) || node.contains(selection.focusNode));
+    const saved = isHit ? place() : null;
+    gone.forEach(node => node.remove());
+    fresh.slice(from, freshEnd).forEach(node => body.insertBefore(node, live[end] ?? null));
+    goTo(saved);
+  }
+  // Steps are kept from here on.
   function begin() {
-    forget();
-    steps.length = at = 0;
-    joins = false;
+    if (isKept) return;
+    isKept = true;
     const nodes = [...body.childNodes];
     shadow = shadowOf(nodes, nodes.map(copyOf));
     observer.observe(body, watched);
   }
   // One record for each node right below the body, the same one as long as nothing in the node changed.
   const parts = () => shadow;
-  return {begin, note, undo, redo, place, goTo, parts, endStep: () => { joins = false; },
-          canUndo: () => at > 0, canRedo: () => at < steps.length};
+  return {begin, note, undo, redo, replaceBy, place, goTo, parts, endStep: () => { joins = false; },
+          hasSteps: () => steps.length > 0};
 })();

@@ -315,12 +315,16 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
 
 TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
 {
-    open(QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>"));
+    const QString first = QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>");
+    open(first);
     QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
     select(QStringLiteral("#z"), 2, QStringLiteral("#z"), 2);
     QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("Y")));
+    const QString typed = body();
+    pane.saveTyping();
     QTest::qWait(20);
-    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p id=\"z\">two</p>");
+    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p>and</p><p id=\"z\">twYo</p>");
     ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, other).toUtf8()));
     notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
     ASSERT_TRUE(ready.wait(20000));
@@ -328,9 +332,25 @@ TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
     EXPECT_EQ(body(), other);
     Q_EMIT pane.view()->editingWanted(false);
     afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("X")));
-    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("two"), QStringLiteral("twXo")));
-    undoAll(2);
-    EXPECT_EQ(body(), other);
+    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("twY"), QStringLiteral("twYX")));
+    for (const QString &state : {other, typed, first, first}) {
+        undoAll(1);
+        EXPECT_EQ(body(), state);
+    }
+    for (int i = 0; i < 2; ++i) pane.view()->redo();
+    pane.saveTyping();
+    EXPECT_TRUE(read(QStringLiteral("/Note.html")).contains(other.toUtf8()));
+
+    // Undo begins editing where the page took in another's text.
+    ready.clear();
+    QTest::qWait(20);
+    ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, first).toUtf8()));
+    notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
+    ASSERT_TRUE(ready.wait(20000));
+    EXPECT_EQ(body(), first);
+    QTest::keyClick(pane.view()->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(pane.view()->isEditing());
+    EXPECT_TRUE(comes([&] { return body() == other; })) << body().toStdString();
     EXPECT_EQ(loaded.count(), 0);
 }
 

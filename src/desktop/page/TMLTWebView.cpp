@@ -63,7 +63,7 @@ void TMLTWebView::expectPage(bool mayBeEdited)
     endEditing();
     ++m_page;
     m_mayBeEdited = mayBeEdited;
-    m_ready = m_beginsWhenReady = false;
+    m_ready = m_beginsWhenReady = m_hasSteps = false;
     m_parts.clear();
     m_html = m_text = QString();
     m_paragraph.clear();
@@ -89,6 +89,7 @@ void TMLTWebView::start(const QString &script)
         self->m_parts.clear();
         self->m_html = start.value(QStringLiteral("html")).toString();
         self->m_text = start.value(QStringLiteral("text")).toString();
+        self->m_hasSteps = start.value(QStringLiteral("hasSteps")).toBool();
         self->m_ready = true;
         Q_EMIT self->ready();
         if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);

@@ -108,10 +108,12 @@ private:
     void dropped(QDropEvent &event);
     void addSuggestions(QMenu *menu);
     void inputHappened();
+    [[nodiscard]] bool takesKey(const QKeyEvent &event) const;
 
     bool m_mayBeEdited = false;
     bool m_ready = false;
     bool m_editing = false;
+    bool m_hasSteps = false; // that can be undone in a page that is not being edited
     bool m_beginsWhenReady = false;
     bool m_waiting = false;
     bool m_returnPressed = false;

@@ -53,10 +53,9 @@ QString commandOfKey(const QKeyEvent &event)
     return {};
 }
 
-bool isOwnKey(const QKeyEvent &event)
+bool isHistoryKey(const QKeyEvent &event)
 {
-    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo) ||
-           event.matches(QKeySequence::Paste) || !commandOfKey(event).isEmpty();
+    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo);
 }
 
 QStringList localFiles(const QMimeData *data)
@@ -86,14 +85,20 @@ bool holdsFilesOrPicture(const QMimeData &data)
 
 } // namespace
 
+bool TMLTWebView::takesKey(const QKeyEvent &event) const
+{
+    if (isHistoryKey(event)) return m_editing || m_hasSteps;
+    return m_editing && (event.matches(QKeySequence::Paste) || !commandOfKey(event).isEmpty());
+}
+
 bool TMLTWebView::keyPressed(const QKeyEvent &event)
 {
     if (!m_editing) {
-        if (m_ready && isTyping(event)) {
-            Q_EMIT editingWanted(false);
-            if (!m_editing) Q_EMIT typedInVain();
-        }
-        return false;
+        const bool goesBack = m_hasSteps && isHistoryKey(event);
+        if (!m_ready || !(goesBack || isTyping(event))) return false;
+        Q_EMIT editingWanted(false);
+        if (!m_editing) Q_EMIT typedInVain();
+        if (!m_editing || !goesBack) return false;
     }
     inputHappened();
     if (event.matches(QKeySequence::Undo)) return undo(), true;
@@ -155,7 +160,7 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::ShortcutOverride:
-        if (!m_editing || !isOwnKey(*static_cast<QKeyEvent *>(event))) break;
+        if (!takesKey(*static_cast<QKeyEvent *>(event))) break;
         event->accept();
         return true;
     case QEvent::KeyPress:

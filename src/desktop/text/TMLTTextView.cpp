@@ -74,8 +74,13 @@ static QString withPlainLineEnds(QString text)
 
 void TMLTTextView::takeDocumentText(const QString &text, bool editable, const HighlightOptions &options)
 {
-    const bool isInPieces = m_hasSoftBreaks || withSoftBreaks(text).size() != text.size();
-    if (isInPieces || !document()->isUndoAvailable()) {
+    const QString plain = withPlainLineEnds(text);
+    const QString shown = withSoftBreaks(plain);
+    const bool isInPieces = m_hasSoftBreaks || shown.size() != plain.size();
+    // Where a text has such marks of its own it cannot be told what they are.
+    const bool isUnclear = isInPieces && (withoutSoftBreaks(plain) != plain ||
+                                          (!m_hasSoftBreaks && withoutSoftBreaks(shownText()) != shownText()));
+    if (isUnclear || !document()->isUndoAvailable()) {
         const Range caret = selection();
         setDocumentText(text, editable, options);
         return select(caret);
@@ -83,7 +88,8 @@ void TMLTTextView::takeDocumentText(const QString &text, bool editable, const Hi
     m_loading = true;
     m_completer->close();
     m_options = options;
-    if (const Replacement change = smallestReplacement(shownText(), withPlainLineEnds(text)); change.range.isFound()) {
+    m_hasSoftBreaks = isInPieces;
+    if (const Replacement change = smallestReplacement(shownText(), shown); change.range.isFound()) {
         replaceAt(QTextCursor(document()), change.range, change.text); // the caret is another one
     }
     setReadOnly(!editable);
