@@ -61,20 +61,26 @@ window.tm = (() => {
       }
     });
   }
-  // It also puts lists and tables into paragraphs, where markup has no place for them.
-  function liftBlocks(nodes) {
-    const wrong = within(nodes, 'p').filter(p => [...p.children].some(e => e.matches(blocks)));
-    if (wrong.length) keepingSelection(() => wrong.forEach(paragraph => {
-      const parts = [];
-      for (const node of [...paragraph.childNodes]) {
-        if (node.nodeType === Node.ELEMENT_NODE && node.matches(blocks)) parts.push(node);
-        else {
-          if (parts[parts.length - 1]?.tagName !== 'P') parts.push(paragraph.cloneNode(false));
-          parts[parts.length - 1].append(node);
-        }
+  // It also puts lists and tables into paragraphs and headings, where markup has no place for them.
+  function partsOf(paragraph) {
+    const parts = [];
+    let own = null;
+    for (const node of [...paragraph.childNodes]) {
+      if (node.nodeType === Node.ELEMENT_NODE && node.matches(blocks)) {
+        parts.push(node);
+        own = null;
+      } else if (own || node.nodeType !== Node.TEXT_NODE || node.data.trim()) {
+        if (!own) parts.push(own = paragraph.cloneNode(false));
+        own.append(node);
+        paragraph.removeAttribute('id'); // which the first part has now
       }
-      paragraph.replaceWith(...parts);
-    }));
+    }
+    return parts;
+  }
+  function liftBlocks(nodes) {
+    const wrong = within(nodes, 'p, h1, h2, h3, h4, h5, h6').filter(e => [...e.children].some(c => c.matches(blocks)));
+    if (wrong.length)
+      keepingSelection(() => wrong.forEach(paragraph => paragraph.replaceWith(...partsOf(paragraph))));
   }
 
   // A box that was clicked says so in its markup, which alone is kept.

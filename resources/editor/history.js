@@ -70,7 +70,10 @@ window.tmHistory = (() => {
     while (end > from && shadowEnd > from && same(shadow[shadowEnd - 1], live[end - 1])) { --end; --shadowEnd; }
     return {from, shadowEnd, nodes: live.slice(from, end)};
   }
-  const sizeOf = nodes => nodes.reduce((sum, node) => sum + (node.outerHTML ?? node.data ?? '').length, 0);
+  const sourceOf = node => node.outerHTML ?? node.data ?? '';
+  const sizeOf = nodes => nodes.reduce((sum, node) => sum + sourceOf(node).length, 0);
+  // How a text is cut into nodes is nothing that a person could undo.
+  const areSame = (a, b) => a.isEqualNode(b) || (a.nodeType === b.nodeType && sourceOf(a) === sourceOf(b));
 
   // -- steps
   function push(step) {
@@ -96,7 +99,7 @@ window.tmHistory = (() => {
     const before = shadow.slice(from, shadowEnd).map(s => s.copy);
     const after = nodes.map(copyOf);
     replaceShadow(from, shadowEnd, nodes, after);
-    if (before.length === after.length && before.every((node, i) => node.isEqualNode(after[i]))) return false;
+    if (before.length === after.length && before.every((node, i) => areSame(node, after[i]))) return false;
     const now = place();
     const last = steps[at - 1];
     if (kind === 'typing' && joins && last.kind === kind && Date.now() - last.time < typingPause &&

@@ -19,6 +19,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QMimeData>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -226,6 +227,71 @@ TEST_F(FormattedEditing, everyCommandIsOneStepThatCanBeUndone)
         pane.view()->waitForPage();
         EXPECT_EQ(body(), expected);
     }
+}
+
+// Whatever was done, and however often it was saved meanwhile: each command is one step, and the first steps give the
+// file as it was.
+TEST_F(FormattedEditing, allIsUndoneToTheStart)
+{
+    QStringList scripts{QStringLiteral("tm.tab(false)"),
+                        QStringLiteral("tm.tab(true)"),
+                        QStringLiteral("tm.enclose('(', ')')"),
+                        QStringLiteral("tm.setContents(true)"),
+                        QStringLiteral("tm.setContents(false)"),
+                        QStringLiteral("tm.replaceAll('e', 'E')"),
+                        scriptOfCommand(QStringLiteral("text"), QStringLiteral("new ")),
+                        scriptOfCommand(QStringLiteral("image"), QStringLiteral("TMImages/a.png")),
+                        scriptOfCommand(QStringLiteral("link"), QStringLiteral("b.html")),
+                        scriptOfCommand(QStringLiteral("mark"), QStringLiteral("#ffef8a")),
+                        scriptOfCommand(QStringLiteral("class"), QStringLiteral("note"))};
+    for (const FormattingCommand &command : formattingCommands())
+        if (!QString::fromUtf8(command.script).contains(QStringLiteral("%1")))
+            scripts.append(QString::fromUtf8(command.script));
+    for (const char *block : {"p", "h2", "pre", "blockquote"})
+        scripts.append(scriptOfCommand(QStringLiteral("paragraph"), QString::fromLatin1(block)));
+
+    open(QStringLiteral("<h1>One</h1>\n<p>two <b>three</b></p>\n<ul><li>four<ul><li>five</li></ul></li></ul>\n"
+                        "<table><tbody><tr><td>six</td><td rowspan=\"2\">seven</td></tr><tr><td>eight</td></tr>"
+                        "</tbody></table>\n<p>nine</p>"));
+    const QByteArray source = read(QStringLiteral("/Note.html"));
+    const QString before = body();
+    QRandomGenerator random(5);
+    int steps = 0;
+    for (int i = 0; i < 200; ++i) {
+        script(QStringLiteral("{ const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);"
+                              "const texts = []; while (walker.nextNode()) texts.push(walker.currentNode);"
+                              "const at = n => texts[n % texts.length]; if (texts.length) "
+                              "getSelection().setBaseAndExtent(at(%1), %3 % (at(%1).length + 1), at(%2), %3 % "
+                              "(at(%2).length + 1)); }")
+                   .arg(random.bounded(1000))
+                   .arg(random.bounded(1000))
+                   .arg(random.bounded(5)));
+        const QString now = body();
+        const QString command = scripts[random.bounded(int(scripts.size()))];
+        const QString then = afterScript(command);
+        if (then == now) continue;
+        ++steps;
+        undoAll(1);
+        ASSERT_EQ(body(), now) << command.toStdString();
+        pane.view()->redo();
+        pane.view()->waitForPage();
+        ASSERT_EQ(body(), then) << command.toStdString();
+        if (i % 40 == 0) pane.saveTyping();
+    }
+    pane.saveTyping();
+    const QByteArray saved = read(QStringLiteral("/Note.html"));
+    const QString last = body();
+    EXPECT_GT(steps, 100);
+    ASSERT_NE(saved, source);
+    undoAll(steps);
+    EXPECT_EQ(body(), before);
+    pane.saveTyping();
+    EXPECT_EQ(read(QStringLiteral("/Note.html")).toStdString(), source.toStdString());
+    for (int i = 0; i < steps; ++i) pane.view()->redo();
+    pane.view()->waitForPage();
+    EXPECT_EQ(body(), last);
+    pane.saveTyping();
+    EXPECT_EQ(read(QStringLiteral("/Note.html")), saved);
 }
 
 TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
