@@ -125,6 +125,10 @@ constexpr const char *spans = "<table><tbody><tr><td id='a' rowspan='2'>a</td><t
                               "<tr><td id='d'>d</td><td id='e'>e</td></tr>"
                               "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>";
 
+constexpr const char *nested = "<ul><li id='a'>a</li><li id='b'>b<ul><li id='c'>c</li></ul></li></ul>";
+constexpr const char *deep = "<ul><li id='a'>a<ul><li id='b' class='tm_checkbox'><input type='checkbox'><i>b</i></li>"
+                             "<li>c</li></ul></li></ul>";
+
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
     {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')", "<h2>one</h2>"},
@@ -141,6 +145,38 @@ const Row rows[] = {
      "<ul><li class='tm_checkbox_done'><i>one</i></li></ul>"},
     {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i", 1, "i", 1,
      "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
+    {"an item one level down", nested, "#b", 1, "#b", 1, "tm.tab(false)",
+     "<ul><li id='a'>a<ul><li id='b'>b<ul><li id='c'>c</li></ul></li></ul></li></ul>"},
+    {"an item one level up", deep, "i", 1, "i", 1, "tm.tab(true)",
+     "<ul><li id='a'>a</li><li id='b' class='tm_checkbox'><input "
+     "type='checkbox'><i>b</i><ul><li>c</li></ul></li></ul>"},
+    {"an item of a list that stands in a list", "<ul><li>a</li><ul><li id='b'>b</li></ul></ul>", "#b", 1, "#b", 1,
+     "tm.tab(true)", "<ul><li>a</li><li id='b'>b</li></ul>"},
+    {"the first item stays on its level", nested, "#a", 1, "#a", 1, "tm.tab(false)", nested},
+    {"no list, from a level below", deep, "i", 1, "i", 1, "tm.toggleList()",
+     "<ul><li id='a'>a</li></ul><p><i>b</i></p><ul><li>c</li></ul>"},
+    {"no list in the middle", "<ul><li>a</li><li id='b'>b</li><li>c</li></ul>", "#b", 1, "#b", 1, "tm.setList(false)",
+     "<ul><li>a</li></ul><p>b</p><ul><li>c</li></ul>"},
+    {"a heading in an item", deep, "i", 1, "i", 1, "tm.setBlock('h2')",
+     "<ul><li id='a'>a<ul><li id='b' class='tm_checkbox'><input type='checkbox'><h2><i>b</i></h2></li><li>c</li></ul>"
+     "</li></ul>"},
+    {"a heading in an item no more", "<ul><li><h2>a</h2><p>b</p></li></ul>", "h2", 1, "h2", 1, "tm.setBlock('p')",
+     "<ul><li>a<p>b</p></li></ul>"},
+    {"code over paragraphs", "<p>one</p><p id='z'>two</p>", "p", 2, "#z", 1, "tm.code()",
+     "<p>on<code>e</code></p><p id='z'><code>t</code>wo</p>"},
+    {"code no more", "<p>on<code>e</code></p>", "code", 1, "code", 1, "tm.code()", "<p>one</p>"},
+    {"another address", "<p><a href='x'>link</a></p>", "a", 2, "a", 2,
+     "tm.wholeLink(); document.execCommand('createLink', false, 'y')", "<p><a href='y'>link</a></p>"},
+    {"a highlight taken away", "<p>a <span style='background-color: rgb(255, 239, 138);'>b</span></p>", "span", 0,
+     "span", 1,
+     "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, 'inherit');",
+     "<p>a b</p>"},
+    {"no style of its own", "<p style='color:red'>a <span style='color:red'>b</span></p>", "p", 0, "span", 1,
+     "tm.clearFormat()", "<p>a b</p>"},
+    {"a heading cut in two", "<h2 id='a'>one</h2>", "h2", 2, "h2", 2, "document.execCommand('insertParagraph')",
+     "<h2 id='a'>on</h2><h2>e</h2>"},
+    {"marks over paragraphs", "<p>one</p><p id='z'>two</p>", "p", 2, "#z", 1, "tm.enclose('(', ')')",
+     "<p>on(e</p><p>t)wo</p>"},
     {"row below the heading", table, "th", 0, "th", 0, "tm.insertRow(true)",
      "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td><br></td><td><br></td></tr>"
      "<tr><td>1</td><td>2</td></tr></tbody></table>"},

@@ -33,7 +33,7 @@ QString editingScript()
 {
     static const QString script = [] {
         QString all = boxesScript();
-        for (const char *name : {"tables.js", "replacing.js", "history.js", "editing.js"})
+        for (const char *name : {"selecting.js", "lists.js", "tables.js", "replacing.js", "history.js", "editing.js"})
             all += scriptFile(QString::fromLatin1(name));
         return all;
     }();
