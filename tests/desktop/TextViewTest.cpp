@@ -205,6 +205,19 @@ TEST_F(TextView, completesWhereTheKeysSay)
     view.undo(); // one step
     EXPECT_EQ(view.documentText(), QStringLiteral("[[notes]]"));
 
+    // Documents of the whole notebook, also those that came meanwhile.
+    for (const char *name : {"/Deep/er/Nowhere.md", "/Deep/er/No [x].md", "/Deep/nod.md"}) {
+        write(QString::fromLatin1(name));
+        notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), at(QString::fromLatin1(name)));
+    }
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    const QStringList all{QStringLiteral("Note.md"), QStringLiteral("Notes.md"), QStringLiteral("Deep/nod.md"),
+                          QStringLiteral("Deep/er/Nowhere.md")};
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.completer().offered() == all; }, 5000));
+    view.completer().close();
+
     load(QString());
     QTest::keyClicks(&view, QStringLiteral("[[no"));
     ASSERT_TRUE(shows());

@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What is completed in a plain text: where, with what, and what then stands there.
 #include "editor/Completion.h"
+#include "editor/LibraryNames.h"
 #include "foundation/Platform.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "organising/contexts/Contexts.h"
 #include "tests/support/Notebook.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
 
 using namespace tomelet;
 
@@ -100,6 +105,37 @@ TEST_F(Completion, pathsAreThoseOfOneFolderAndTheRecentOnes)
     EXPECT_EQ(offered(QStringLiteral("[[/No|"), book), QStringList(QStringLiteral("/Nowhere.md")));
     EXPECT_EQ(offered(QStringLiteral("[[Note.md|"), book), QStringList());
     EXPECT_EQ(offered(QStringLiteral("[[../../|"), book), QStringList()); // nothing from outside
+}
+
+TEST_F(Completion, documentsOfTheWholeNotebookAreListedAnewWhenSomeCameOrWent)
+{
+    LibraryNames names;
+    int listings = 0;
+    const auto found = [&](int wanted) {
+        names.want([&] { ++listings; });
+        QElapsedTimer clock;
+        for (clock.start(); listings < wanted && clock.elapsed() < 5000;) QCoreApplication::processEvents();
+        EXPECT_EQ(listings, wanted);
+        return names.beginningWith(QStringLiteral("NOTE"), 3).join(u'|');
+    };
+    const auto tell = [this](const char *notification, const char *name) {
+        notifications().postPath(QString::fromLatin1(notification), at(QString::fromLatin1(name)));
+    };
+    for (const char *name : {"/a/Note.md", "/a/b/nOte 2.txt", "/TMResources/Note.css", "/c/Note.md", "/d/note 9.md"})
+        write(QString::fromLatin1(name));
+    EXPECT_EQ(found(1), QStringLiteral("/a/b/nOte 2.txt|/d/note 9.md|/a/Note.md"));
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note.md"); // written again
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note.md.plist");
+    tell("TMLTFileDeletedFromDiskNotification", "/e");
+    (void)found(1);
+    QDir(at(QStringLiteral("/d"))).removeRecursively();
+    tell("TMLTFileDeletedFromDiskNotification", "/d");
+    EXPECT_EQ(found(2), QStringLiteral("/a/b/nOte 2.txt|/a/Note.md|/c/Note.md"));
+    write(QStringLiteral("/a/Note 1.md"));
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note 1.md");
+    EXPECT_EQ(found(3), QStringLiteral("/a/Note 1.md|/a/b/nOte 2.txt|/a/Note.md"));
+    EXPECT_EQ(completionsFromLibrary({QStringLiteral("/a/b/x.md"), QStringLiteral("/x].md")}, at(QStringLiteral("/a"))),
+              QStringList(QStringLiteral("b/x.md")));
 }
 
 TEST_F(Completion, contextsAndClassesAreTheKnownOnes)
