@@ -13,12 +13,15 @@
 #include "library/ItemOperations.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QDir>
 #include <QImage>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMimeData>
+#include <QPushButton>
 #include <QRandomGenerator>
 #include <QTest>
 #include <QUrl>
@@ -222,6 +225,32 @@ TEST_F(PaneInWindow, whatIsPastedIsOneStep)
         << view.documentText().toStdString();
     view.undo();
     EXPECT_EQ(view.documentText(), before);
+}
+
+TEST_F(PaneInWindow, sortingAsksHow)
+{
+    pane->showDocument(write(QStringLiteral("/List.md"), "List\nb\na\nC"));
+    TMLTTextView &view = *pane->textView();
+    const auto answerWith = [&](const QString &button, bool isDescending) {
+        view.select({5, 5});
+        pane->applyToText(EditorCommand::SortLines);
+        auto *dialog = view.findChild<QDialog *>();
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Select sort options"));
+        dialog->findChild<QCheckBox *>(QStringLiteral("SortLinesDescending"))->setChecked(isDescending);
+        for (auto *each : dialog->findChildren<QPushButton *>())
+            if (each->text() == button) each->click();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    answerWith(QStringLiteral("Cancel"), true);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\nb\na\nC"));
+    EXPECT_FALSE(settings().contains(QStringLiteral("SortLinesDescending")));
+    answerWith(QStringLiteral("Sort"), true);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\nC\nb\na"));
+    EXPECT_TRUE(settings().boolean(QStringLiteral("SortLinesDescending")));
+    answerWith(QStringLiteral("Sort"), false);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\na\nb\nC"));
+    EXPECT_FALSE(settings().contains(QStringLiteral("SortLinesDescending")));
 }
 
 TEST_F(PaneInWindow, theHeaderFollowsAMove)

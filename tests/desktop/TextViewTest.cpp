@@ -176,6 +176,8 @@ TEST_F(TextView, wordsAreWhatPeopleSpell)
               QStringLiteral("It\u2019s|quoted|bold|Größe"));
     EXPECT_EQ(words(QStringLiteral("at a@b.c see https://x.org/wrng v2x `cde fg` <b> so")),
               QStringLiteral("at|see|so"));
+    EXPECT_EQ(words(QStringLiteral("[a link](Plan.txt), e.g. end. Next (www.exmpl.org)...So")),
+              QStringLiteral("link|end|Next|So"));
     EXPECT_EQ(words(QStringLiteral("open `code to the end")), QStringLiteral("open"));
     EXPECT_EQ(words(QStringLiteral("a ' ''")), QString());
 }
@@ -313,4 +315,23 @@ TEST_F(TextView, itemsHangBelowTheirText)
     EXPECT_EQ(lineAt(0, 1).x(), left);
     view.undo();
     EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
+}
+
+TEST_F(TextView, paragraphsReadFromTheRightBeginThere)
+{
+    view.resize(400, 300);
+    view.show();
+    load(QStringLiteral("\u05e9\u05dc\u05d5\u05dd\nleft"));
+    const auto rightOf = [&](int block) {
+        const QTextBlock found = view.document()->findBlockByNumber(block);
+        const QRectF all = view.document()->documentLayout()->blockBoundingRect(found);
+        return all.width() - found.layout()->lineAt(0).naturalTextRect().right();
+    };
+    EXPECT_LT(rightOf(0), 40);
+    EXPECT_GT(rightOf(1), 200);
+    view.select({0, 4});
+    QTest::keyClicks(&view, QStringLiteral("l"));
+    EXPECT_GT(rightOf(0), 200);
+    view.undo();
+    EXPECT_LT(rightOf(0), 40);
 }

@@ -110,6 +110,7 @@ private:
     /// Tells the controller the last input before the page goes.
     void settlePage();
     void beginEditingPage(bool onLink);
+    void sortLines();
     void runCommand(const QString &command, const QString &argument = {});
     void toggleContentsTable();
     void insertFiles(const QStringList &files);

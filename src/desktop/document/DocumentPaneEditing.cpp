@@ -6,6 +6,7 @@
 #include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
 #include "desktop/page/TMLTWebView.h"
+#include "desktop/text/SortOptions.h"
 #include "desktop/text/TMLTTextView.h"
 #include "editor/DroppedText.h"
 #include "editor/PastedImages.h"
@@ -129,8 +130,15 @@ static QString scriptOfTextCommand(EditorCommand command, const EditorArguments 
 
 void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
 {
-    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
+    if (showsText() && command == EditorCommand::SortLines) sortLines();
+    else if (showsText()) m_text->apply(command, arguments);
     else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty()) m_view->run(script);
+}
+
+void DocumentPane::sortLines()
+{
+    if (!m_controller.shouldChangeText(false)) return;
+    askForSortOptions(m_text, [this] { m_text->apply(EditorCommand::SortLines); });
 }
 
 void DocumentPane::runCommand(const QString &command, const QString &argument)

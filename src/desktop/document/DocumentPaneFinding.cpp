@@ -119,7 +119,8 @@ void DocumentPane::showCounts(qlonglong words, qlonglong characters)
 {
     const QLocale locale;
     m_counts->setText(
-        localized(TOMELET_TEXT("%1 words, %2 characters")).arg(locale.toString(words), locale.toString(characters)));
+        localized(words == 1 ? TOMELET_TEXT("%1 word, %2 characters") : TOMELET_TEXT("%1 words, %2 characters"))
+            .arg(locale.toString(words), locale.toString(characters)));
     m_counts->show();
 }
 
