@@ -222,9 +222,15 @@ window.tm = (() => {
   }
 
   // -- talking
+  // The engine's own answer is that of the whole page where more than one paragraph is selected.
+  function hasMark(node) {
+    for (let e = node; e && e !== body; e = e.parentElement)
+      if (e.tagName === 'MARK' || (e.matches?.('span, font') && e.style.backgroundColor)) return true;
+    return false;
+  }
   function isMarked() {
-    const paper = [body, document.documentElement].map(e => getComputedStyle(e).backgroundColor);
-    return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
+    const nodes = selection.isCollapsed ? [selection.anchorNode] : window.tmSelecting.texts().map(text => text.node);
+    return nodes.length > 0 && nodes.every(hasMark);
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
   // The markup that gives the same page again: the first line end of such elements is not read, and a carriage return

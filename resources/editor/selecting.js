@@ -34,7 +34,7 @@ window.tmSelecting = (() => {
   function texts() {
     if (!selection.rangeCount) return [];
     const range = selection.getRangeAt(0);
-    const walker = document.createTreeWalker(body, NodeFilter.SHOW_TEXT);
+    const walker = document.createTreeWalker(element(range.commonAncestorContainer), NodeFilter.SHOW_TEXT);
     const found = [];
     while (walker.nextNode()) {
       const node = walker.currentNode;

@@ -342,6 +342,26 @@ TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
     EXPECT_EQ(body(), QStringLiteral("<p>«it's»one (two)</p>"));
 }
 
+TEST_F(FormattedEditing, theBarShowsWhatIsSelected)
+{
+    open(QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
+    FormattingState state;
+    QObject::connect(pane.view(), &TMLTWebView::stateChanged, [&](const FormattingState &now) { state = now; });
+    select(QStringLiteral("p"), 0, QStringLiteral("#z"), 3);
+    afterScript(scriptOfCommand(QStringLiteral("mark"), QStringLiteral("#ffef8a")));
+    EXPECT_TRUE(state.isMarked);
+    EXPECT_FALSE(state.active.value(QStringLiteral("bold")).toBool());
+    select(QStringLiteral("b"), 1, QStringLiteral("b"), 1);
+    pane.view()->waitForPage();
+    EXPECT_FALSE(state.isMarked);
+    EXPECT_TRUE(state.active.value(QStringLiteral("bold")).toBool());
+    script(QStringLiteral("getSelection().selectAllChildren(document.body)"));
+    pane.view()->waitForPage();
+    EXPECT_FALSE(state.isMarked); // not all of it
+    afterScript(scriptOfCommand(QStringLiteral("unmark")));
+    EXPECT_EQ(body(), QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
+}
+
 TEST_F(FormattedEditing, aDocumentThatIsOnlyLookedAtStaysAsItIs)
 {
     open(QStringLiteral("<p>A &amp; b</p>\n<pre>\n\n  code</pre><ul class=x><li>open"));

@@ -145,6 +145,7 @@ void DocumentPane::print()
 {
     auto *printer = new QPrinter(QPrinter::HighResolution);
     printer->setDocName(lastPathComponent(path()));
+    if (!showsText()) printer->setPageLayout(paperForPages());
     QPrintDialog dialog(printer, this);
     if (dialog.exec() != QDialog::Accepted) {
         delete printer;
@@ -166,7 +167,7 @@ void DocumentPane::printToPdf()
     const QString file = QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
                                                       localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
     if (file.isEmpty()) return;
-    if (!showsText()) return m_view->page()->printToPdf(file);
+    if (!showsText()) return m_view->page()->printToPdf(file, paperForPages());
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(file);
