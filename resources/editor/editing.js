@@ -39,18 +39,20 @@ window.tm = (() => {
     lastWasBlank = isBlank;
   });
 
-  // The engine spells out the style sheet's looks where it joins or moves paragraphs, and gives a colour that is none
-  // where one is taken away; they are nobody's formatting.
+  // The engine spells out the style sheet's looks where it joins or moves paragraphs, gives a colour that is none where
+  // one is taken away, and goes on in the black of a highlight behind it; they are nobody's formatting.
   function dropSpelledOutStyles(nodes) {
-    const spelled = within(nodes, '[style*="var(--"], [style*="text-align: initial"], span[style*="transparent"], ' +
-                                  'font[style*="transparent"], font[color^="rgba(0, 0, 0, 0"]');
+    const spelled = within(nodes, '[style=""], [style*="var(--"], [style*="text-align: initial"], ' +
+                                  'span[style*="transparent"], ' +
+                                  'font[style*="transparent"], font[color^="rgba(0, 0, 0, 0"], font[color="#000000"]');
     if (spelled.length) keepingSelection(() => spelled.forEach(dropSpelledOutStyle));
   }
   function dropSpelledOutStyle(each) {
     if (each.getAttribute('style')?.includes('var(--')) each.removeAttribute('style');
     if (each.style.textAlign === 'initial') each.style.removeProperty('text-align');
     if (each.style.backgroundColor === 'transparent') each.style.removeProperty('background-color');
-    if (each.getAttribute('color')?.startsWith('rgba(0, 0, 0, 0')) each.removeAttribute('color');
+    if (each.getAttribute('color')?.startsWith('rgba(0, 0, 0, 0') || (each.color === '#000000' && !hasMark(each)))
+      each.removeAttribute('color');
     dropIfBare(each);
   }
   function dropIfBare(each) {

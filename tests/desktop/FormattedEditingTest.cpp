@@ -171,6 +171,9 @@ const Row rows[] = {
      "span", 1,
      "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, 'inherit');",
      "<p>a b</p>"},
+    {"black on highlights alone", "<p><font color='#000000'>a</font> <font color='#000000'>b</font></p>", "font", 0,
+     "font", 1, "document.execCommand('backColor', false, '#ffef8a')",
+     "<p><font color='#000000' style='background-color: rgb(255, 239, 138);'>a</font> b</p>"},
     {"no style of its own", "<p style='color:red'>a <span style='color:red'>b</span></p>", "p", 0, "span", 1,
      "tm.clearFormat()", "<p>a b</p>"},
     {"a heading cut in two", "<h2 id='a'>one</h2>", "h2", 2, "h2", 2, "document.execCommand('insertParagraph')",
@@ -346,7 +349,9 @@ TEST_F(FormattedEditing, theBarShowsWhatIsSelected)
 {
     open(QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
     FormattingState state;
-    QObject::connect(pane.view(), &TMLTWebView::stateChanged, [&](const FormattingState &now) { state = now; });
+    QObject listener;
+    QObject::connect(pane.view(), &TMLTWebView::stateChanged, &listener,
+                     [&](const FormattingState &now) { state = now; });
     select(QStringLiteral("p"), 0, QStringLiteral("#z"), 3);
     afterScript(scriptOfCommand(QStringLiteral("mark"), QStringLiteral("#ffef8a")));
     EXPECT_TRUE(state.isMarked);
