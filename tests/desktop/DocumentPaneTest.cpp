@@ -227,6 +227,21 @@ TEST_F(PaneInWindow, whatIsPastedIsOneStep)
     EXPECT_EQ(view.documentText(), before);
 }
 
+TEST_F(PaneInWindow, linksInATextAreFollowedWithCtrl)
+{
+    pane->showDocument(write(QStringLiteral("/Book/Links.md"), "[other one](../Other.md)"));
+    QString shown;
+    const auto observer =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), [&](const QVariantMap &payload) {
+            shown = payload.value(QStringLiteral("path")).toString();
+        });
+    const QPoint onLink = pane->textView()->cursorRect().center() + QPoint(20, 0);
+    QTest::mouseClick(pane->textView()->viewport(), Qt::LeftButton, {}, onLink);
+    EXPECT_EQ(shown, QString());
+    QTest::mouseClick(pane->textView()->viewport(), Qt::LeftButton, Qt::ControlModifier, onLink);
+    EXPECT_EQ(shown, at(QStringLiteral("/Other.md")));
+}
+
 TEST_F(PaneInWindow, sortingAsksHow)
 {
     pane->showDocument(write(QStringLiteral("/List.md"), "List\nb\na\nC"));

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is completed in a plain text: where, with what, and what then stands there.
+// What is completed in a plain text, and what links in it lead to.
 #include "editor/Completion.h"
 #include "editor/LibraryNames.h"
+#include "editor/TextLinks.h"
 #include "foundation/Platform.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
@@ -173,4 +174,20 @@ TEST_F(Completion, whatIsCommonIsFoundInAnyCase)
     EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("notes.md")}, typed), QStringLiteral("Note"));
     EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("../Nope.md")}, typed), typed);
     EXPECT_EQ(commonBeginning({}, typed), typed);
+}
+
+TEST_F(Completion, linksAreFoundWhereTheyStand)
+{
+    const QString line =
+        QStringLiteral("a [text](b%20c.md \"Title\") ![](p.png)[d](<e f>) <https://x.org/y> <b> [[Note.md | n]]");
+    const auto at = [&](const char *part) { return addressOfLinkAt(line, line.indexOf(QLatin1String(part))); };
+    EXPECT_EQ(at("ext"), QStringLiteral("b%20c.md"));
+    EXPECT_EQ(at("Title"), QStringLiteral("b%20c.md"));
+    EXPECT_EQ(at("p.png"), QStringLiteral("p.png"));
+    EXPECT_EQ(at("[d"), QStringLiteral("e f"));
+    EXPECT_EQ(at("x.org"), QStringLiteral("https://x.org/y"));
+    for (const char *part : {"a ", "b> ", "| n"}) EXPECT_EQ(at(part), QString()) << part;
+    settings().setObject(QStringLiteral("WikiActivateLinksInPlaintext"), true);
+    EXPECT_EQ(at("| n"), QStringLiteral("Note.md"));
+    EXPECT_EQ(addressOfLinkAt(line, line.size()), QString());
 }

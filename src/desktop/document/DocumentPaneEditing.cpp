@@ -5,6 +5,7 @@
 #include "desktop/actions/ItemActions.h"
 #include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
+#include "desktop/page/ShownPage.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/SortOptions.h"
 #include "desktop/text/TMLTTextView.h"
@@ -35,6 +36,10 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
+    connect(m_text, &TMLTTextView::linkWanted, this, [this](const QString &address) {
+        // As on the page that the text would make.
+        followLink(addressOf(path().isEmpty() ? bookOfDocument() : path()).resolved(QUrl(address)));
+    });
     connectDrops();
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {

@@ -7,6 +7,7 @@
 #include "desktop/text/TextViewLooks.h"
 #include "editor/Marks.h"
 #include "editor/SoftBreaks.h"
+#include "editor/TextLinks.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 
@@ -329,6 +330,16 @@ void TMLTTextView::keyPressEvent(QKeyEvent *event)
     else if (m_hasSoftBreaks && mayChange() && deleteForward(*event)) event->accept();
     else QPlainTextEdit::keyPressEvent(event);
     if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
+}
+
+void TMLTTextView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QPlainTextEdit::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || event->modifiers() != Qt::ControlModifier || textCursor().hasSelection())
+        return;
+    const QTextCursor clicked = cursorForPosition(event->position().toPoint());
+    const QString address = addressOfLinkAt(clicked.block().text(), clicked.positionInBlock());
+    if (!address.isEmpty()) Q_EMIT linkWanted(address);
 }
 
 void TMLTTextView::inputMethodEvent(QInputMethodEvent *event)

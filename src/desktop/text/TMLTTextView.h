@@ -82,9 +82,12 @@ Q_SIGNALS:
     void filesDropped(const QStringList &files);
     void imageDropped(const QImage &image);
     void linkDropped(const QString &address, const QString &title);
+    /// A link was clicked with Ctrl held; the address is as it stands in the text.
+    void linkWanted(const QString &address);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
