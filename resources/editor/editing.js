@@ -275,7 +275,7 @@ window.tm = (() => {
       changes,
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
-      list: lists.kind(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
+      list: lists.kind(), inTable: Boolean(around('td, th')), contents, paragraph: paragraph()?.innerText || '',
       selected: selection.toString().slice(0, 1000),
     };
   }
@@ -294,6 +294,7 @@ window.tm = (() => {
   function step(go) {
     note('typing');
     if (go()) untold = true;
+    contents = Boolean(document.getElementById('TOC'));
     lastInput = '';
     return report();
   }

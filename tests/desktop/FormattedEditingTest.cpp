@@ -6,6 +6,7 @@
 #include "conversion/MarkdownToHtml.h"
 #include "desktop/actions/ItemActions.h"
 #include "desktop/document/DocumentPane.h"
+#include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
 #include "desktop/page/TMLTWebView.h"
 #include "editor/PageBody.h"
@@ -228,6 +229,12 @@ const Row rows[] = {
     {"a column of a wide cell", spans, "#e", 0, "#e", 0, "tm.removeColumns()",
      "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td></tr><tr><td id='d'>d</td></tr>"
      "<tr><td id='f'>f</td><td id='g'>g</td></tr></tbody></table>"},
+    {"row in a span to the end",
+     "<table><tbody><tr><td id='a' rowspan='0'>a</td><td id='b'>b</td></tr><tr><td>c</td></tr>"
+     "</tbody></table>",
+     "#b", 0, "#b", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='0'>a</td><td id='b'>b</td></tr><tr><td><br></td></tr><tr><td>c</td></tr>"
+     "</tbody></table>"},
     {"the last row", "<table><tbody><tr><td>1</td></tr></tbody></table>", "td", 0, "td", 0, "tm.removeRows()",
      "<p><br></p>"},
     {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
@@ -365,6 +372,25 @@ TEST_F(FormattedEditing, theBarShowsWhatIsSelected)
     EXPECT_FALSE(state.isMarked); // not all of it
     afterScript(scriptOfCommand(QStringLiteral("unmark")));
     EXPECT_EQ(body(), QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
+}
+
+TEST_F(FormattedEditing, thePropertyOfTheContentsTableFollowsUndo)
+{
+    const auto property = [this] { return tm_propertyForKey(path, QStringLiteral("TOC")).toString(); };
+    open(QStringLiteral("<h1>One</h1><p>two</p>"));
+    Q_EMIT pane.findChild<FormattingBar *>()->contentsWanted();
+    pane.view()->waitForPage();
+    EXPECT_EQ(property(), QStringLiteral("1"));
+    undoAll(1);
+    EXPECT_EQ(property(), QString());
+    select(QStringLiteral("p"), 0, QStringLiteral("p"), 0);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("x")));
+    EXPECT_FALSE(body().contains(QStringLiteral("TOC")));
+    undoAll(1);
+    Q_EMIT pane.findChild<FormattingBar *>()->contentsWanted();
+    pane.view()->waitForPage();
+    EXPECT_TRUE(body().contains(QStringLiteral("id=\"TOC\"")));
+    EXPECT_EQ(property(), QStringLiteral("1"));
 }
 
 TEST_F(FormattedEditing, aDocumentThatIsOnlyLookedAtStaysAsItIs)

@@ -113,6 +113,7 @@ private:
     void sortLines();
     void runCommand(const QString &command, const QString &argument = {});
     void toggleContentsTable();
+    void takeContentsTable(bool on);
     void insertFiles(const QStringList &files);
     void insertImage(const QImage &image);
     void connectDrops();
@@ -176,6 +177,7 @@ private:
     TMLTTextView *m_text;
     QString m_base;   ///< of the page on display
     QString m_source; ///< the page as it was loaded
+    bool m_hasContents = false; ///< of the page that is being edited
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue;   ///< the copy of a text that could not be saved; "" for none

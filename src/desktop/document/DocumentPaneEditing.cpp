@@ -22,6 +22,8 @@
 #include <QStackedWidget>
 #include <QWebEnginePage>
 
+#include <utility>
+
 namespace tomelet::desktop {
 
 void DocumentPane::connectEditor()
@@ -32,6 +34,8 @@ void DocumentPane::connectEditor()
     });
     connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
     connect(m_view, &TMLTWebView::stateChanged, m_bar, qOverload<const FormattingState &>(&FormattingBar::show));
+    connect(m_view, &TMLTWebView::stateChanged, this,
+            [this](const FormattingState &state) { takeContentsTable(state.hasContents); });
     connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
     connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
@@ -85,7 +89,8 @@ void DocumentPane::beginEditingPage(bool onLink)
 {
     if (!m_view->isReady()) return m_view->beginEditing(false); // comes back when the page is there
     if (!m_controller.shouldBeginEditingInDOMRange(onLink)) return;
-    m_view->beginEditing(showsContentsTable());
+    m_hasContents = showsContentsTable();
+    m_view->beginEditing(m_hasContents);
     m_bar->show();
 }
 
@@ -158,13 +163,17 @@ bool DocumentPane::showsContentsTable() const
     return !path().isEmpty() && tm_propertyForKey(path(), QStringLiteral("TOC")).toString() == u"1";
 }
 
-// The property is "1" or absent.
 void DocumentPane::toggleContentsTable()
 {
-    const bool on = !showsContentsTable();
-    if (!path().isEmpty() && on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
-    else if (!path().isEmpty()) tm_removePropertyForKey(path(), QStringLiteral("TOC"));
-    m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
+    m_view->run(m_hasContents ? QStringLiteral("tm.setContents(false)") : QStringLiteral("tm.setContents(true)"));
+}
+
+// The property, "1" or absent, follows the page, also where the step was undone.
+void DocumentPane::takeContentsTable(bool on)
+{
+    if (on == std::exchange(m_hasContents, on) || path().isEmpty()) return;
+    if (on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
+    else tm_removePropertyForKey(path(), QStringLiteral("TOC"));
 }
 
 // -- pictures and files -----------------------------------------------------------------------------------------------

@@ -138,10 +138,10 @@ void TMLTWebView::take(const QVariantMap &answer)
     if (!m_editing || !answer.contains(QStringLiteral("changes"))) return;
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
-    Q_EMIT stateChanged({answer.value(QStringLiteral("block")).toString(),
-                         answer.value(QStringLiteral("list")).toString(), answer.value(QStringLiteral("state")).toMap(),
-                         answer.value(QStringLiteral("marked")).toBool(),
-                         answer.value(QStringLiteral("inTable")).toBool()});
+    Q_EMIT stateChanged(
+        {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
+         answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
+         answer.value(QStringLiteral("inTable")).toBool(), answer.value(QStringLiteral("contents")).toBool()});
     const QVariantMap changes = answer.value(QStringLiteral("changes")).toMap();
     if (changes.isEmpty()) return;
     takeChanges(changes);

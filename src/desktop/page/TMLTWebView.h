@@ -25,6 +25,7 @@ struct FormattingState
     QVariantMap active; ///< by the name of the command: "bold" → true
     bool isMarked = false;
     bool isInTable = false;
+    bool hasContents = false; ///< a contents table, which goes and comes with undo
 };
 
 class TMLTWebView final : public QWebEngineView
