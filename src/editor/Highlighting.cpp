@@ -82,6 +82,7 @@ bool isExcluded(const QString &text, const PatternMatch &match, const HighlightR
 template <typename Take>
 void eachMatch(const QString &text, Range range, const HighlightOptions &options, Take take)
 {
+    if (!range.isFound()) return logLine(QStringLiteral("*** highlightStringInRange NOT FOUND"));
     if (range.location < 0 || range.location > text.size() || range.length > text.size() - range.location)
         return logLine(QStringLiteral("*** highlightStringInRange outof bounds"));
     for (const HighlightRow &row : highlightRows()) {

@@ -518,11 +518,13 @@ TEST_F(FormattedEditing, picturesGoBesideTheDocument)
     ASSERT_FALSE(stored.isEmpty());
     EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/") +
                                 QString(stored.first()).replace(u' ', QStringLiteral("%20"))));
-    const QString outside = world.filePath(QStringLiteral("a & b.txt"));
+    const QString outside = world.filePath(QStringLiteral("a &copy b.txt"));
     ASSERT_TRUE(writeFile(outside, "text"));
     Q_EMIT pane.view()->filesDropped({outside});
     pane.view()->waitForPage();
-    EXPECT_TRUE(body().contains(QStringLiteral(">a &amp; b</a>"))) << body().toStdString();
+    EXPECT_TRUE(body().contains(QStringLiteral(">a &amp;copy b</a>"))) << body().toStdString();
+    EXPECT_EQ(script(QStringLiteral("decodeURIComponent(document.querySelector('a').href)")).toString(),
+              QString(QStringLiteral("file://") + outside));
     EXPECT_EQ(names(QStringLiteral("/TMImages")), stored);
 }
 

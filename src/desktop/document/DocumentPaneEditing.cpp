@@ -204,16 +204,15 @@ void DocumentPane::tellNotStored(const QString &what)
 
 void DocumentPane::insertFiles(const QStringList &files)
 {
+    QStringList failed;
     if (showsText()) {
-        QStringList failed;
         insertIntoText(textForDroppedFiles(dropTargetFor(path(), bookOfDocument()), files, failed));
-        if (!failed.isEmpty())
-            tellNotStored(localized(TOMELET_TEXT("%1 could not be copied.")).arg(failed.join(QStringLiteral(", "))));
-        return;
+    } else {
+        const QString html = htmlForDroppedFiles(bookOfDocument(), files, failed);
+        if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
     }
-    QString html;
-    for (const QString &file : files) html += htmlForDroppedFile(bookOfDocument(), file);
-    if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
+    if (!failed.isEmpty())
+        tellNotStored(localized(TOMELET_TEXT("%1 could not be copied.")).arg(failed.join(QStringLiteral(", "))));
 }
 
 void DocumentPane::insertImage(const QImage &image)

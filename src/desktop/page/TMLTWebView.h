@@ -107,6 +107,7 @@ private:
     bool takeFilesOrPicture(const QMimeData &given);
     [[nodiscard]] bool takesDrop(const QMimeData &given) const;
     void dropped(QDropEvent &event);
+    void takeOverPaste(QMenu *menu);
     void addSuggestions(QMenu *menu);
     void inputHappened();
     [[nodiscard]] bool takesKey(const QKeyEvent &event) const;

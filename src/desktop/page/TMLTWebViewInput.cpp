@@ -202,6 +202,20 @@ bool TMLTWebView::takesDrop(const QMimeData &given) const
     return m_mayBeEdited && holdsFilesOrPicture(given);
 }
 
+// The engine would put a picture into the page itself.
+void TMLTWebView::takeOverPaste(QMenu *menu)
+{
+    QAction *engines = page()->action(QWebEnginePage::Paste);
+    if (!menu->actions().contains(engines)) return;
+    auto *own = new QAction(engines->icon(), engines->text(), menu);
+    own->setEnabled(engines->isEnabled() || takesDrop(*QApplication::clipboard()->mimeData()));
+    connect(own, &QAction::triggered, this, [this] {
+        if (!pasteImage()) page()->triggerAction(QWebEnginePage::Paste);
+    });
+    menu->insertAction(engines, own);
+    menu->removeAction(engines);
+}
+
 void TMLTWebView::addSuggestions(QMenu *menu)
 {
     const QWebEngineContextMenuRequest *request = lastContextMenuRequest();
@@ -223,6 +237,7 @@ void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
         // The engine's own history knows nothing of commands.
         for (const auto action : {QWebEnginePage::Undo, QWebEnginePage::Redo})
             menu->removeAction(page()->action(action));
+        takeOverPaste(menu);
         addSuggestions(menu);
         menu->addSeparator();
         for (const FormattingCommand &command : formattingCommands()) {
