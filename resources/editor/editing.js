@@ -38,6 +38,9 @@ window.tm = (() => {
     lastInput = kind;
     lastWasBlank = isBlank;
   });
+  document.addEventListener('input', event => {
+    if (event.inputType === 'insertParagraph') lists.newItem();
+  });
 
   // The engine spells out the style sheet's looks where it joins or moves paragraphs, gives a colour that is none where
   // one is taken away, and goes on in the black of a highlight behind it; they are nobody's formatting.
@@ -266,8 +269,7 @@ window.tm = (() => {
     return answer;
   }
   const paragraph = () => around('p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd, div');
-  function report(afterReturn) {
-    if (afterReturn) lists.newItem();
+  function report() {
     if (document.designMode === 'on') note('typing');
     const changes = untold ? news() : null;
     untold = false;
@@ -341,7 +343,7 @@ window.tm = (() => {
   return {begin, start, text: () => body.innerText, take, report, run, undo, redo, click, caretAt, tab, insertTable,
           insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, wholeLink, setContents, restyle,
           toggleList: lists.toggle, setList: lists.set, toggleBoxes: lists.toggleBoxes, toggleDone: lists.toggleDone,
-          newItem: lists.newItem, indent: lists.indent, setBlock: lists.setBlock,
+          indent: lists.indent, setBlock: lists.setBlock,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};
 })();

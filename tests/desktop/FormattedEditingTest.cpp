@@ -555,6 +555,24 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
     EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
 }
 
+TEST_F(FormattedEditing, newItemsAreOpen)
+{
+    open(QStringLiteral("<ul><li class=\"tm_checkbox_done\"><input type=\"checkbox\" checked=\"\">one</li></ul>"));
+    const QString before = body();
+    QWidget *keys = pane.view()->focusProxy();
+    keys->setFocus();
+    script(QStringLiteral("getSelection().setPosition(document.querySelector('li').lastChild, 3)"));
+    QTest::keyClick(keys, Qt::Key_Return);
+    QTest::keyClicks(keys, QStringLiteral("two")); // at once
+    EXPECT_TRUE(comes([&] {
+        return body() == QString(before).replace(
+                             QStringLiteral("</ul>"),
+                             QStringLiteral("<li class=\"tm_checkbox\"><input type=\"checkbox\">two</li></ul>"));
+    })) << body().toStdString();
+    for (int i = 0; i < 2; ++i) QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
 TEST_F(FormattedEditing, typingIsUndoneByWords)
 {
     open(QStringLiteral("<p>a</p><p>z</p>"));

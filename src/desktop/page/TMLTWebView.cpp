@@ -48,11 +48,8 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     m_afterInput.setSingleShot(true);
     m_afterInput.setInterval(inputDelay);
     m_watch.setInterval(watchDelay);
-    connect(&m_afterInput, &QTimer::timeout, this, [this] {
-        ask(m_returnPressed ? QStringLiteral("tm.report(true)") : QStringLiteral("tm.report()"));
-        m_returnPressed = false;
-    });
-    connect(&m_watch, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report()")); });
+    for (QTimer *timer : {&m_afterInput, &m_watch})
+        connect(timer, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report()")); });
     connect(this, &QWebEngineView::loadFinished, this, &TMLTWebView::loaded);
 }
 

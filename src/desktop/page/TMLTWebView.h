@@ -118,7 +118,6 @@ private:
     bool m_hasSteps = false; // that can be undone in a page that is not being edited
     bool m_beginsWhenReady = false;
     bool m_waiting = false;
-    bool m_returnPressed = false;
     int m_page = 0; // counts the pages, as answers come late
     QList<PagePart> m_parts;
     mutable QString m_html; ///< of the parts, or of the page as it was loaded; null where it is to be joined anew

@@ -108,7 +108,6 @@ bool TMLTWebView::keyPressed(const QKeyEvent &event)
     const bool back = event.key() == Qt::Key_Backtab;
     if (event.key() == Qt::Key_Tab || back)
         return run(back ? QStringLiteral("tm.tab(true)") : QStringLiteral("tm.tab(false)")), true;
-    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) m_returnPressed = true;
     return false;
 }
 
