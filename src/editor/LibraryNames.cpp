@@ -72,9 +72,9 @@ void LibraryNames::want(const std::function<void()> &whenListed)
     m_listings.add([this, root, whenListed] {
         QMetaObject::invokeMethod(
             &m_mainThread,
-            [this, whenListed, names = listed(root)] {
+            [this, whenListed, names = listed(root)]() mutable {
                 m_isListing = false;
-                m_names = names;
+                m_names = std::move(names);
                 whenListed();
             },
             Qt::QueuedConnection);
