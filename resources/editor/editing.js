@@ -5,13 +5,13 @@
 window.tm = (() => {
   const body = document.body;
   const selection = window.getSelection();
-  const boxes = window.tmBoxes.selector;
   const blocks = 'ul, ol, table, blockquote, pre, div, hr, h1, h2, h3, h4, h5, h6, p';
   const {place, goTo} = window.tmHistory;
+  const {around, touched, within, keepingSelection, caretIn} = window.tmSelecting;
+  const lists = window.tmLists;
   let contents = false;
   let untold = false; // a change that was not told yet
   let told = [];      // what history.js keeps of each part of the page, as it was when it was told
-  function caretIn(node) { selection.collapse(node, 0); }
 
   // -- steps
   function note(kind) {
@@ -21,12 +21,10 @@ window.tm = (() => {
     const changed = nodes.filter(node => node.nodeType === Node.ELEMENT_NODE);
     markBoxes(changed);
     dropSpelledOutStyles(changed);
+    dropSecondNames(changed);
     liftBlocks(changed.filter(node => node.isConnected));
     if (contents) writeContents();
   }
-  const within = (nodes, selector) =>
-    nodes.flatMap(node => [...(node.matches(selector) ? [node] : []), ...node.querySelectorAll(selector)]);
-
   // Typing is undone by words: a step ends where a word begins, and where writing turns into deleting.
   let lastInput = '';
   let lastWasBlank = false;
@@ -40,41 +38,55 @@ window.tm = (() => {
     lastInput = kind;
     lastWasBlank = isBlank;
   });
+  document.addEventListener('input', event => {
+    if (event.inputType === 'insertParagraph') lists.newItem();
+  });
 
-  function keepingSelection(action) {
-    const {anchorNode, anchorOffset, focusNode, focusOffset} = selection;
-    action();
-    if (anchorNode?.isConnected && focusNode?.isConnected)
-      selection.setBaseAndExtent(anchorNode, anchorOffset, focusNode, focusOffset);
-  }
-  // The engine spells out the style sheet's looks where it joins or moves paragraphs; they are nobody's formatting.
+  // The engine spells out the style sheet's looks where it joins or moves paragraphs, gives a colour that is none where
+  // one is taken away, and goes on in the black of a highlight behind it; they are nobody's formatting.
   function dropSpelledOutStyles(nodes) {
-    for (const each of within(nodes, '[style*="text-align: initial"]')) {
-      each.style.removeProperty('text-align');
-      if (!each.getAttribute('style')) each.removeAttribute('style');
-    }
-    const spelled = within(nodes, '[style*="var(--"]');
-    if (spelled.length) keepingSelection(() => {
-      for (const each of spelled) {
-        each.removeAttribute('style');
-        if (each.tagName === 'SPAN' && !each.attributes.length) each.replaceWith(...each.childNodes);
-      }
-    });
+    const spelled = within(nodes, '[style=""], [style*="var(--"], [style*="text-align: initial"], ' +
+                                  'span[style*="transparent"], ' +
+                                  'font[style*="transparent"], font[color^="rgba(0, 0, 0, 0"], font[color="#000000"]');
+    if (spelled.length) keepingSelection(() => spelled.forEach(dropSpelledOutStyle));
   }
-  // It also puts lists and tables into paragraphs, where markup has no place for them.
-  function liftBlocks(nodes) {
-    const wrong = within(nodes, 'p').filter(p => [...p.children].some(e => e.matches(blocks)));
-    if (wrong.length) keepingSelection(() => wrong.forEach(paragraph => {
-      const parts = [];
-      for (const node of [...paragraph.childNodes]) {
-        if (node.nodeType === Node.ELEMENT_NODE && node.matches(blocks)) parts.push(node);
-        else {
-          if (parts[parts.length - 1]?.tagName !== 'P') parts.push(paragraph.cloneNode(false));
-          parts[parts.length - 1].append(node);
-        }
+  function dropSpelledOutStyle(each) {
+    if (each.getAttribute('style')?.includes('var(--')) each.removeAttribute('style');
+    if (each.style.textAlign === 'initial') each.style.removeProperty('text-align');
+    if (each.style.backgroundColor === 'transparent') each.style.removeProperty('background-color');
+    if (each.getAttribute('color')?.startsWith('rgba(0, 0, 0, 0') || (each.color === '#000000' && !hasMark(each)))
+      each.removeAttribute('color');
+    dropIfBare(each);
+  }
+  function dropIfBare(each) {
+    if (!each.getAttribute('style')) each.removeAttribute('style');
+    if (each.matches('span, font') && !each.attributes.length) each.replaceWith(...each.childNodes);
+  }
+  // A heading that is cut in two is known by its name once.
+  function dropSecondNames(nodes) {
+    for (const each of within(nodes, '[id]'))
+      if (each.previousElementSibling?.id === each.id) each.removeAttribute('id');
+  }
+  // It also puts lists and tables into paragraphs and headings, where markup has no place for them.
+  function partsOf(paragraph) {
+    const parts = [];
+    let own = null;
+    for (const node of [...paragraph.childNodes]) {
+      if (node.nodeType === Node.ELEMENT_NODE && node.matches(blocks)) {
+        parts.push(node);
+        own = null;
+      } else if (own || node.nodeType !== Node.TEXT_NODE || node.data.trim()) {
+        if (!own) parts.push(own = paragraph.cloneNode(false));
+        own.append(node);
+        paragraph.removeAttribute('id'); // which the first part has now
       }
-      paragraph.replaceWith(...parts);
-    }));
+    }
+    return parts;
+  }
+  function liftBlocks(nodes) {
+    const wrong = within(nodes, 'p, h1, h2, h3, h4, h5, h6').filter(e => [...e.children].some(c => c.matches(blocks)));
+    if (wrong.length)
+      keepingSelection(() => wrong.forEach(paragraph => paragraph.replaceWith(...partsOf(paragraph))));
   }
 
   // A box that was clicked says so in its markup, which alone is kept.
@@ -83,101 +95,16 @@ window.tm = (() => {
       if (box.checked !== box.hasAttribute('checked')) box.toggleAttribute('checked', box.checked);
   }
 
-  // -- where the selection is
-  const element = node => node && (node.nodeType === Node.ELEMENT_NODE ? node : node.parentElement);
-  function around(selector) {
-    const found = element(selection.anchorNode)?.closest(selector);
-    return found && body.contains(found) ? found : null;
-  }
-  function touched(selector) {
-    if (!selection.rangeCount) return [];
-    const range = selection.getRangeAt(0);
-    const found = [...body.querySelectorAll(selector)].filter(e => range.intersectsNode(e));
-    const nearest = around(selector);
-    return found.filter(e => e === nearest || !found.some(inner => inner !== e && e.contains(inner)) ||
-                             [...e.childNodes].some(n => n.nodeType === Node.TEXT_NODE && n.data.trim() &&
-                                                         range.intersectsNode(n)));
-  }
-  const paragraph = () => around('p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd, div');
-
-  // -- lists: bullets, numbers, check boxes, none
-  function inList() {
-    const list = around('ul, ol');
-    if (!list) return '';
-    if (list.tagName === 'OL') return 'numbers';
-    return around('li')?.matches(boxes) ? 'boxes' : 'bullets';
-  }
-  function plainItem(item) {
-    item.classList.remove('tm_checkbox', 'tm_checkbox_done');
-    if (!item.classList.length) item.removeAttribute('class');
-    item.querySelector(':scope > input[type=checkbox]')?.remove();
-  }
-  function boxedItem(item) {
-    item.classList.add('tm_checkbox');
-    if (item.querySelector(':scope > input')) return;
-    const box = document.createElement('input');
-    box.type = 'checkbox';
-    item.prepend(box);
-    if (selection.anchorNode === item && selection.isCollapsed && selection.anchorOffset === 0)
-      selection.collapse(item, 1);
-  }
-  function toggleList() {
-    const now = inList();
-    if (now === '') document.execCommand('insertUnorderedList');
-    else if (now === 'bullets') renameList('ol');
-    else if (now === 'numbers') toggleBoxes();
-    else {
-      touched('li').forEach(plainItem);
-      document.execCommand('insertUnorderedList');
-    }
-  }
-  function renameList(tag) {
-    keepingSelection(() => {
-      const list = around('ul, ol');
-      const renamed = document.createElement(tag);
-      for (const {name, value} of list.attributes) renamed.setAttribute(name, value);
-      renamed.append(...list.childNodes);
-      list.replaceWith(renamed);
-    });
-  }
-  // A list of one kind becomes the other; the kind that it is already goes.
-  function setList(ordered) {
-    const now = inList();
-    const command = ordered ? 'insertOrderedList' : 'insertUnorderedList';
-    if (now === '' || now === (ordered ? 'numbers' : 'bullets')) return document.execCommand(command);
-    touched('li').forEach(plainItem);
-    if (around('ul, ol').tagName !== (ordered ? 'OL' : 'UL')) renameList(ordered ? 'ol' : 'ul');
-  }
-  function toggleBoxes() {
-    const now = inList();
-    if (now === 'boxes') return touched('li').forEach(plainItem);
-    if (now === 'numbers') renameList('ul');
-    else if (now === '') document.execCommand('insertUnorderedList');
-    touched('li').forEach(boxedItem);
-  }
-  function setBox(item, done) {
-    item.classList.toggle('tm_checkbox', !done);
-    item.classList.toggle('tm_checkbox_done', done);
-    const box = item.querySelector(':scope > input[type=checkbox]');
-    if (box) { box.checked = done; box.toggleAttribute('checked', done); }
-  }
-  const toggleDone = () => touched(boxes).forEach(item => setBox(item, item.classList.contains('tm_checkbox')));
+  // -- the mouse
   function click(x, y) {
     const item = window.tmBoxes.at(x, y);
-    if (item) setBox(item, item.classList.contains('tm_checkbox'));
+    if (item) lists.toggleBox(item);
     return Boolean(item);
   }
   function caretAt(x, y) {
     const range = document.caretRangeFromPoint(x, y);
     if (range && body.contains(range.startContainer)) selection.collapse(range.startContainer, range.startOffset);
     return report();
-  }
-  // A new item does not take over that the one before it is done.
-  function newItem() {
-    const item = around(boxes);
-    if (!item || item.textContent.trim()) return;
-    setBox(item, false);
-    boxedItem(item);
   }
 
   // -- tables
@@ -221,26 +148,47 @@ window.tm = (() => {
       const next = all[all.indexOf(cell) + (back ? -1 : 1)];
       if (next) caretIn(next);
       else if (!back) { const row = insertRow(true); caretIn(row.cells[0] || row); }
-    } else if (around('li')) document.execCommand(back ? 'outdent' : 'indent');
-    else if (!back) document.execCommand('insertText', false, '\t');
+    } else if (!lists.indent(back) && !back) document.execCommand('insertText', false, '\t');
   }
 
   // -- marks around the selection
   const characters = text => [...new Intl.Segmenter().segment(text)].length;
+  // Between two paragraphs a selection tells an empty line that is none.
   function enclose(leading, trailing) {
-    const text = selection.toString();
+    const selected = selection.toString();
+    const text = around('pre') ? selected : selected.replaceAll('\n\n', '\n');
     document.execCommand('insertText', false, leading + text + trailing);
     for (let i = characters(trailing); i > 0; --i) selection.modify('move', 'backward', 'character');
     for (let i = characters(text); i > 0; --i) selection.modify('extend', 'backward', 'character');
   }
-  function code() {
+  function enclosed({node, from, to}) {
+    const part = from > 0 ? node.splitText(from) : node;
+    if (to - from < part.length) part.splitText(to - from);
     const made = document.createElement('code');
-    made.textContent = selection.toString();
-    if (made.textContent) document.execCommand('insertHTML', false, made.outerHTML);
+    part.replaceWith(made);
+    made.append(part);
+    return part;
+  }
+  function code() {
+    const present = around('code');
+    if (present && !around('pre')) return keepingSelection(() => present.replaceWith(...present.childNodes));
+    const parts = window.tmSelecting.texts().map(enclosed);
+    const last = parts[parts.length - 1];
+    if (last) selection.setBaseAndExtent(parts[0], 0, last, last.length);
   }
   function clearFormat() {
-    for (const each of touched('[style]')) each.removeAttribute('style');
+    keepingSelection(() => {
+      for (const each of touched('[style]')) {
+        each.removeAttribute('style');
+        dropIfBare(each);
+      }
+    });
     document.execCommand('removeFormat');
+  }
+  // Where a caret stands in a link all of it is meant.
+  function wholeLink() {
+    const link = around('a[href]');
+    if (link && selection.isCollapsed) selection.selectAllChildren(link);
   }
 
   // -- the contents table
@@ -279,9 +227,15 @@ window.tm = (() => {
   }
 
   // -- talking
+  // The engine's own answer is that of the whole page where more than one paragraph is selected.
+  function hasMark(node) {
+    for (let e = node; e && e !== body; e = e.parentElement)
+      if (e.tagName === 'MARK' || (e.matches?.('span, font') && e.style.backgroundColor)) return true;
+    return false;
+  }
   function isMarked() {
-    const paper = [body, document.documentElement].map(e => getComputedStyle(e).backgroundColor);
-    return !['', 'transparent', 'rgba(0, 0, 0, 0)', ...paper].includes(document.queryCommandValue('backColor'));
+    const nodes = selection.isCollapsed ? [selection.anchorNode] : window.tmSelecting.texts().map(text => text.node);
+    return nodes.length > 0 && nodes.every(hasMark);
   }
   const stateOf = names => Object.fromEntries(names.map(name => [name, document.queryCommandState(name)]));
   // The markup that gives the same page again: the first line end of such elements is not read, and a carriage return
@@ -314,8 +268,8 @@ window.tm = (() => {
     told = parts;
     return answer;
   }
-  function report(afterReturn) {
-    if (afterReturn) newItem();
+  const paragraph = () => around('p, li, h1, h2, h3, h4, h5, h6, td, th, pre, dt, dd, div');
+  function report() {
     if (document.designMode === 'on') note('typing');
     const changes = untold ? news() : null;
     untold = false;
@@ -323,9 +277,8 @@ window.tm = (() => {
       changes,
       state: stateOf(['bold', 'italic', 'underline', 'strikeThrough', 'insertUnorderedList', 'insertOrderedList']),
       block: document.queryCommandValue('formatblock'), marked: isMarked(),
-      list: inList(), inTable: Boolean(around('td, th')), paragraph: paragraph()?.innerText || '',
+      list: lists.kind(), inTable: Boolean(around('td, th')), contents, paragraph: paragraph()?.innerText || '',
       selected: selection.toString().slice(0, 1000),
-      canUndo: window.tmHistory.canUndo(), canRedo: window.tmHistory.canRedo(),
     };
   }
   function run(action) {
@@ -343,6 +296,7 @@ window.tm = (() => {
   function step(go) {
     note('typing');
     if (go()) untold = true;
+    contents = Boolean(document.getElementById('TOC'));
     lastInput = '';
     return report();
   }
@@ -372,22 +326,24 @@ window.tm = (() => {
     if (language) document.documentElement.lang = language;
   }
   function start() {
-    return {html: [...body.childNodes].map(markupOf).join(''), text: body.innerText};
+    return {html: [...body.childNodes].map(markupOf).join(''), text: body.innerText,
+            hasSteps: window.tmHistory.hasSteps()};
   }
-  // The document as another view of it left it; the caret stays where it is.
+  // The document as another view of it left it, as one step; the caret stays where it is.
   function take(page) {
-    const saved = place();
+    note('typing');
     document.designMode = 'off';
-    const fresh = new DOMParser().parseFromString(page, 'text/html');
-    body.replaceChildren(...fresh.body.childNodes);
-    goTo(saved);
-    window.tmHistory.begin();
+    window.tmHistory.replaceBy([...new DOMParser().parseFromString(page, 'text/html').body.childNodes]);
+    window.tmHistory.note('command', () => {});
+    lastInput = '';
     untold = false;
     told = [];
     return start();
   }
-  return {begin, start, text: () => body.innerText, take, report, run, undo, redo, click, caretAt, tab, newItem, toggleList, setList, toggleBoxes, toggleDone, insertTable,
-          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, setContents, restyle,
+  return {begin, start, text: () => body.innerText, take, report, run, undo, redo, click, caretAt, tab, insertTable,
+          insertRow, removeRows, insertColumn, removeColumns, enclose, code, clearFormat, wholeLink, setContents, restyle,
+          toggleList: lists.toggle, setList: lists.set, toggleBoxes: lists.toggleBoxes, toggleDone: lists.toggleDone,
+          indent: lists.indent, setBlock: lists.setBlock,
           replaceAll: window.tmReplacing.replaceAll, replaceNext: window.tmReplacing.replaceNext,
           linkAt: (x, y) => document.elementFromPoint(x, y)?.closest('a[href]')?.href || ''};
 })();

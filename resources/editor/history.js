@@ -12,6 +12,7 @@ window.tmHistory = (() => {
   let shadow = [];    // each node below the body with a copy of it as it was after the last step
   let touched = new Set();
   let listChanged = false;
+  let isKept = false; // from the first time on that the page is edited
   let joins = false;  // typing may still become part of the last step
   let lastPlace = null;
 
@@ -69,7 +70,10 @@ window.tmHistory = (() => {
     while (end > from && shadowEnd > from && same(shadow[shadowEnd - 1], live[end - 1])) { --end; --shadowEnd; }
     return {from, shadowEnd, nodes: live.slice(from, end)};
   }
-  const sizeOf = nodes => nodes.reduce((sum, node) => sum + (node.outerHTML ?? node.data ?? '').length, 0);
+  const sourceOf = node => node.outerHTML ?? node.data ?? '';
+  const sizeOf = nodes => nodes.reduce((sum, node) => sum + sourceOf(node).length, 0);
+  // How a text is cut into nodes is nothing that a person could undo.
+  const areSame = (a, b) => a.isEqualNode(b) || (a.nodeType === b.nodeType && sourceOf(a) === sourceOf(b));
 
   // -- steps
   function push(step) {
@@ -83,6 +87,7 @@ window.tmHistory = (() => {
   // Takes what happened since the last look as a step of that kind, `tidy` having a chance to mend the changed nodes.
   // False when nothing did.
   function note(kind, tidy) {
+    if (!isKept) return false;
     take(observer.takeRecords());
     if (!touched.size && !listChanged) {
       lastPlace = place() || lastPlace;
@@ -94,7 +99,7 @@ window.tmHistory = (() => {
     const before = shadow.slice(from, shadowEnd).map(s => s.copy);
     const after = nodes.map(copyOf);
     replaceShadow(from, shadowEnd, nodes, after);
-    if (before.length === after.length && before.every((node, i) => node.isEqualNode(after[i]))) return false;
+    if (before.length === after.length && before.every((node, i) => areSame(node, after[i]))) return false;
     const now = place();
     const last = steps[at - 1];
     if (kind === 'typing' && joins && last.kind === kind && Date.now() - last.time < typingPause &&
@@ -130,17 +135,31 @@ window.tmHistory = (() => {
     put(step.from, step.before.length, step.after, step.placeAfter);
     return true;
   }
-  // Forgets all steps.
+  // Puts the nodes in place of the page's own, of which those stay that are the same, and the caret with them.
+  function replaceBy(fresh) {
+    const live = [...body.childNodes];
+    let from = 0;
+    while (from < live.length && from < fresh.length && live[from].isEqualNode(fresh[from])) ++from;
+    let end = live.length;
+    let freshEnd = fresh.length;
+    while (end > from && freshEnd > from && live[end - 1].isEqualNode(fresh[freshEnd - 1])) { --end; --freshEnd; }
+    const gone = live.slice(from, end);
+    const isHit = gone.some(node => node.contains(selection.anchorNode) || node.contains(selection.focusNode));
+    const saved = isHit ? place() : null;
+    gone.forEach(node => node.remove());
+    fresh.slice(from, freshEnd).forEach(node => body.insertBefore(node, live[end] ?? null));
+    goTo(saved);
+  }
+  // Steps are kept from here on.
   function begin() {
-    forget();
-    steps.length = at = 0;
-    joins = false;
+    if (isKept) return;
+    isKept = true;
     const nodes = [...body.childNodes];
     shadow = shadowOf(nodes, nodes.map(copyOf));
     observer.observe(body, watched);
   }
   // One record for each node right below the body, the same one as long as nothing in the node changed.
   const parts = () => shadow;
-  return {begin, note, undo, redo, place, goTo, parts, endStep: () => { joins = false; },
-          canUndo: () => at > 0, canRedo: () => at < steps.length};
+  return {begin, note, undo, redo, replaceBy, place, goTo, parts, endStep: () => { joins = false; },
+          hasSteps: () => steps.length > 0};
 })();

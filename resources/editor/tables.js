@@ -24,6 +24,10 @@ window.tmTables = (() => {
     if (value > 1) cell[name] = value;
     else cell.removeAttribute(name);
   }
+  // A span of 0 reaches to the end, wherever that is.
+  function grow(cell, by) {
+    if (cell.rowSpan > 0) setSpan(cell, 'rowSpan', cell.rowSpan + by);
+  }
   // The rows, or the columns, that the cells lie on, in order.
   const rowsOf = (grid, cells) => grid.map((row, r) => row.some(cell => cells.includes(cell)) ? r : -1).filter(r => r >= 0);
   function columnsOf(grid, cells) {
@@ -55,7 +59,7 @@ window.tmTables = (() => {
     for (let c = 0; c < grid[r].length;) {
       const model = grid[r][c];
       const width = model ? grid[r].lastIndexOf(model) - c + 1 : 1;
-      if (model && beside?.[c] === model) model.rowSpan += 1;
+      if (model && beside?.[c] === model) grow(model, 1);
       else {
         const made = emptyCell('td');
         setSpan(made, 'colSpan', width);
@@ -75,7 +79,7 @@ window.tmTables = (() => {
     for (const cell of unique(grid[r])) {
       const column = grid[r].indexOf(cell);
       const reachesOn = grid[r + 1]?.[column] === cell;
-      if (cell.parentElement !== table.rows[r] || reachesOn) setSpan(cell, 'rowSpan', cell.rowSpan - 1);
+      if (cell.parentElement !== table.rows[r] || reachesOn) grow(cell, -1);
       if (cell.parentElement === table.rows[r] && reachesOn) place(grid, table.rows[r + 1], r + 1, cell, column);
     }
     table.rows[r].remove();
@@ -124,5 +128,5 @@ window.tmTables = (() => {
     if (![...table.rows].some(each => each.cells.length)) return null;
     return left[Math.min(columns[0], left.length - 1)] || table.rows[row];
   }
-  return {insertRow, removeRows, insertColumn, removeColumns, emptyCell};
+  return {insertRow, removeRows, insertColumn, removeColumns};
 })();

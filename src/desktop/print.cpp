@@ -3,8 +3,6 @@
 #include "desktop/page/PageProfile.h"
 
 #include <QApplication>
-#include <QLocale>
-#include <QPageLayout>
 #include <QTimer>
 #include <QUrl>
 #include <QWebEnginePage>
@@ -14,13 +12,6 @@
 #include <unistd.h>
 
 using namespace std::chrono_literals;
-
-static QPageLayout paper()
-{
-    const bool letter = QLocale().measurementSystem() == QLocale::ImperialUSSystem;
-    return {QPageSize(letter ? QPageSize::Letter : QPageSize::A4), QPageLayout::Portrait, QMarginsF(18, 18, 18, 18),
-            QPageLayout::Millimeter};
-}
 
 static void endWith(const char *message)
 {
@@ -42,7 +33,7 @@ int main(int argc, char *argv[])
     QWebEnginePage page(tomelet::desktop::pageProfile());
     QObject::connect(&page, &QWebEnginePage::loadFinished, &page, [&](bool ok) {
         if (!ok) return endWith("the page could not be loaded");
-        page.printToPdf(arguments[2], paper());
+        page.printToPdf(arguments[2], tomelet::desktop::paperForPages());
     });
     QObject::connect(&page, &QWebEnginePage::pdfPrintingFinished, &page, [](const QString &, bool ok) {
         if (!ok) return endWith("the page could not be printed");

@@ -139,6 +139,14 @@ QStringList completionsFor(const QStringList &candidates, const CompletionPlace 
     return completions;
 }
 
+QStringList completionsFromLibrary(const QStringList &documents, const QString &book)
+{
+    QStringList paths;
+    for (const QString &document : documents)
+        if (canStandInWikiLink(document)) paths.append(tm_makeRelativeToPath(fullPathOf(document), book));
+    return paths;
+}
+
 QString commonBeginning(const QStringList &completions, const QString &typed)
 {
     if (completions.isEmpty()) return typed;

@@ -40,6 +40,8 @@ struct CompletionPlace
 /// Those that begin with what is typed, in any case; of a path the last part may do so. What is typed in full already
 /// is none.
 [[nodiscard]] QStringList completionsFor(const QStringList &candidates, const CompletionPlace &place);
+/// The same for documents anywhere in the notebook, given as normalised paths, that were found by what is typed.
+[[nodiscard]] QStringList completionsFromLibrary(const QStringList &documents, const QString &book);
 /// The longest beginning that all the completions share, at least what is typed.
 [[nodiscard]] QString commonBeginning(const QStringList &completions, const QString &typed);
 

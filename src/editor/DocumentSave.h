@@ -29,7 +29,7 @@ struct DocumentSave
     bool isForeignPage = false;
     bool isCombined = false; ///< Markdown that is stored as a page
     QString held;            ///< by the view: the text, or the body of the page
-    QString loaded;          ///< the text with its own line ends as it was read or last saved, or the page
+    QString loaded;          ///< the text with its own line ends as it was read, or the page
     QString visibleText;     ///< of the page, or the text as the view has it
     TextForm form;
     QString md5hash;     ///< when editing began

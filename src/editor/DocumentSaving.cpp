@@ -228,7 +228,6 @@ void TMLTDocumentViewController::finishSave(const DocumentSave &save)
     m_form = save.form;
     m_md5hash = save.md5OfText;
     m_md5OfFile = save.md5OfBytes;
-    if (m_kind == DocumentViewKind::PlainText) m_shownText = save.text;
     takeReferences(m_path, save.facts.references, m_referencedDocuments);
     announceSave();
     takeEmbeddedContexts(m_path, save.facts.contexts, m_embeddedContexts);

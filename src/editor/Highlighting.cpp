@@ -70,16 +70,19 @@ int stepsFor(Range range)
     return int(least + range.length / unitsOfStep);
 }
 
+// The list may name a word with its marker or without.
 bool isExcluded(const QString &text, const PatternMatch &match, const HighlightRow &row,
                 const HighlightOptions &options)
 {
-    return row.condition == HighlightCondition::Contexts &&
-           options.excludedContexts.contains(substring(text, match.group(1)));
+    if (row.condition != HighlightCondition::Contexts) return false;
+    const QString context = substring(text, match.group(1));
+    return options.excludedContexts.contains(context) || options.excludedContexts.contains(context.mid(1));
 }
 
 template <typename Take>
 void eachMatch(const QString &text, Range range, const HighlightOptions &options, Take take)
 {
+    if (!range.isFound()) return logLine(QStringLiteral("*** highlightStringInRange NOT FOUND"));
     if (range.location < 0 || range.location > text.size() || range.length > text.size() - range.location)
         return logLine(QStringLiteral("*** highlightStringInRange outof bounds"));
     for (const HighlightRow &row : highlightRows()) {

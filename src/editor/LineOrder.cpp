@@ -45,7 +45,7 @@ template <typename Offset>
 bool swapLines(EditedText &edited, Range upper, Range lower, Offset offset)
 {
     const Range selection = edited.selection();
-    const qlonglong first = firstNumberOfList(edited.text(), upper);
+    const auto first = firstNumberOfList(edited.text(), upper);
     const Range upperContent = withoutLineEnd(edited.text(), upper);
     const Range lowerContent = withoutLineEnd(edited.text(), lower);
     const QString between = edited.part({upperContent.end(), upper.end() - upperContent.end()});
@@ -53,7 +53,8 @@ bool swapLines(EditedText &edited, Range upper, Range lower, Offset offset)
                                        edited.part(lowerContent) + between + edited.part(upperContent));
     edited.select({selection.location + offset(lowerContent.length + between.size()), selection.length});
     // A list whose first item has moved begins with the number that it began with before.
-    if (first > 0) updateNumberedListAtRange(edited, {upper.location, 0}, first);
+    if (first) updateNumberedListAtRange(edited, {upper.location, 0}, std::max(1LL, *first));
+    (void)tm_updateNumberedList(edited); // over an empty line the item came into another list
     return true;
 }
 

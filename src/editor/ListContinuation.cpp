@@ -55,8 +55,8 @@ Item itemToContinue(const EditedText &edited, Range paragraph, const EditorSetti
     while (paragraph.location > 0) {
         paragraph = paragraphRange(edited.text(), {paragraph.location - 1, 0});
         const Item above = itemOf(lineAt(edited, paragraph), settings);
-        if (above.line.isEmpty()) return first;
-        if (!above.isBlank()) return above.mark.isEmpty() || above.isMarkAlone() ? first : above;
+        if (above.line.isEmpty() || above.mark.isEmpty()) return first;
+        if (!above.isMarkAlone()) return above;
     }
     return first;
 }

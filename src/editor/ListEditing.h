@@ -5,6 +5,8 @@
 #include "editor/EditedText.h"
 #include "editor/EditorSettings.h"
 
+#include <optional>
+
 namespace tomelet {
 
 /// Numbers of more digits are text: they could not be counted on from.
@@ -23,7 +25,7 @@ bool tabButtonPressedForceIndent(EditedText &edited, const EditorSettings &setti
 void updateNumberedListAtRange(EditedText &edited, Range range, qlonglong count = 0);
 /// The list that the selection stands in; false where the line has no number.
 bool tm_updateNumberedList(EditedText &edited);
-/// The number of the first numbered line of the list around the range; 0 where there is none.
-[[nodiscard]] qlonglong firstNumberOfList(const QString &text, Range range);
+/// The number of the first numbered line of the list around the range; nothing where there is none.
+[[nodiscard]] std::optional<qlonglong> firstNumberOfList(const QString &text, Range range);
 
 } // namespace tomelet

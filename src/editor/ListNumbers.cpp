@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace tomelet {
 
@@ -73,14 +74,16 @@ private:
 
     void enter(qsizetype indent)
     {
+        const qsizetype previous = std::exchange(m_indent, indent);
         if (m_levels.empty()) return m_levels.push_back({indent, m_start});
-        if (indent > m_levels.back().indent) return m_levels.push_back({indent, 1});
+        if (indent > previous) return m_levels.push_back({indent, 1});
         while (m_levels.size() > 1 && indent < m_levels.back().indent) m_levels.pop_back();
-        // Between two levels the line belongs to the outer one; left of the first it begins the list anew.
+        // Between two levels lines belong to the outer one; left of the first a line begins the list anew.
         if (indent < m_levels.back().indent) m_levels.back() = {indent, 0};
     }
 
     qlonglong m_start;
+    qsizetype m_indent = 0; // of the line above
     std::vector<Level> m_levels;
 };
 
@@ -114,7 +117,7 @@ bool tm_updateNumberedList(EditedText &edited)
     return true;
 }
 
-qlonglong firstNumberOfList(const QString &text, Range range)
+std::optional<qlonglong> firstNumberOfList(const QString &text, Range range)
 {
     Range line = firstLineOfList(text, range);
     while (!endsList(text, line)) {
@@ -122,7 +125,7 @@ qlonglong firstNumberOfList(const QString &text, Range range)
         if (line.end() >= text.size()) break;
         line = paragraphRange(text, {line.end(), 0});
     }
-    return 0;
+    return std::nullopt;
 }
 
 } // namespace tomelet

@@ -50,12 +50,21 @@ bool canBeTakenAway(const EditedText &edited, const QString &tag, const QString 
     return tag != u"[" && tag != u"{" && !isPartOfStrongerMark(edited, tag);
 }
 
+// A letter may take two units, or end in an accent of its own.
+bool isPartOfWord(QChar first, QChar second)
+{
+    const char32_t point = first.isHighSurrogate() ? QChar::surrogateToUcs4(first, second) : second.unicode();
+    return QChar::isLetterOrNumber(point) || QChar::isMark(point);
+}
+
 // Quotes open and close alike; next to a word they are apostrophes.
 bool isPlainHere(const EditedText &edited, QChar typed)
 {
     if (!QStringView(u"`\"'").contains(typed)) return false;
-    const QChar before = edited.at(edited.selection().location - 1);
-    return before == typed || before.isLetterOrNumber() || edited.at(edited.selection().location).isLetterOrNumber();
+    const qsizetype caret = edited.selection().location;
+    const QChar behind = edited.at(caret);
+    return edited.at(caret - 1) == typed || isPartOfWord(edited.at(caret - 2), edited.at(caret - 1)) ||
+           isPartOfWord(behind, behind.isHighSurrogate() ? edited.at(caret + 1) : behind);
 }
 
 bool stepsOver(QChar typed, QChar next)

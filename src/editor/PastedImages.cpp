@@ -33,16 +33,27 @@ QString storeInImages(const QString &book, const QString &name, const QByteArray
     return writeFile(path, bytes) ? reference(path) : QString();
 }
 
-QString htmlForDroppedFile(const QString &book, const QString &file)
+static QString htmlForFile(const QString &book, const QString &file)
 {
-    if (!hasImageExtension(file)) {
-        const QString name = nameWithoutExtension(file).toHtmlEscaped();
+    if (isFolder(file) || !hasImageExtension(file)) {
+        const QString address = QStringLiteral("file://") + percentEncodedPath(file);
         return QStringLiteral("<a href=\"%1\">%2</a>")
-            .arg(QString(QStringLiteral("file://") + percentEncodedPath(file)), name);
+            .arg(address.toHtmlEscaped(), nameWithoutExtension(file).toHtmlEscaped());
     }
     const auto bytes = readFile(file);
     const QString reference = bytes ? storeInImages(book, lastPathComponent(file), *bytes) : QString();
-    return reference.isEmpty() ? QString() : QStringLiteral("<img src=\"%1\">").arg(reference);
+    return reference.isEmpty() ? QString() : QStringLiteral("<img src=\"%1\">").arg(reference.toHtmlEscaped());
+}
+
+QString htmlForDroppedFiles(const QString &book, const QStringList &files, QStringList &failed)
+{
+    QString html;
+    for (const QString &file : files) {
+        const QString own = htmlForFile(book, file);
+        if (own.isEmpty()) failed.append(lastPathComponent(file));
+        html += own;
+    }
+    return html;
 }
 
 } // namespace tomelet

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace tomelet {
 
@@ -11,9 +12,9 @@ namespace tomelet {
 /// under that name are used as they are. The reference for the document ("TMImages/a%20b.png"), "" when
 /// nothing could be written.
 [[nodiscard]] QString storeInImages(const QString &book, const QString &name, const QByteArray &bytes);
-/// The HTML for a file that was dropped into a document of the book: a copy in `TMImages` for pictures from
-/// outside, a link for everything else. "" when it cannot be read.
-[[nodiscard]] QString htmlForDroppedFile(const QString &book, const QString &file);
+/// The HTML for files that were dropped into a document of the book: copies in `TMImages` for pictures, links for
+/// everything else. The names of pictures that cannot be copied are added to `failed`.
+[[nodiscard]] QString htmlForDroppedFiles(const QString &book, const QStringList &files, QStringList &failed);
 /// The name of a picture that has none: "Image 2026-11-21 16.35.02.png".
 [[nodiscard]] QString nameForPastedImage();
 

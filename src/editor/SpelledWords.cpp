@@ -20,6 +20,16 @@ bool isPlainToken(QStringView token)
     });
 }
 
+// Names of files and hosts, and what is cut short: a point inside.
+bool isNameWithPoints(QStringView token, qsizetype start, qsizetype end)
+{
+    const auto isJoint = [&](qsizetype point, qsizetype beyond) {
+        return point >= 0 && beyond >= 0 && std::max(point, beyond) < token.size() && token[point] == u'.' &&
+               token[beyond].isLetter();
+    };
+    return isJoint(end, end + 1) || isJoint(start - 1, start - 2);
+}
+
 void addWords(QStringView token, qsizetype start, std::vector<Range> &words)
 {
     for (qsizetype i = 0; i < token.size();) {
@@ -28,7 +38,7 @@ void addWords(QStringView token, qsizetype start, std::vector<Range> &words)
                (token[end].isLetter() || token[end].isMark() ||
                 (end > i && isApostrophe(token[end]) && end + 1 < token.size() && token[end + 1].isLetter())))
             ++end;
-        if (end > i + 1) words.push_back({start + i, end - i});
+        if (end > i + 1 && !isNameWithPoints(token, i, end)) words.push_back({start + i, end - i});
         i = std::max(end, i + 1);
     }
 }

@@ -13,12 +13,16 @@
 #include "library/ItemOperations.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
+#include <QDialog>
 #include <QDir>
 #include <QImage>
 #include <QLabel>
 #include <QMainWindow>
 #include <QMimeData>
+#include <QPushButton>
+#include <QRandomGenerator>
 #include <QTest>
 #include <QUrl>
 
@@ -93,6 +97,54 @@ TEST_F(PaneInWindow, undoOutlivesWhatAnotherViewSaved)
     pane->textView()->redo();
     pane->textView()->redo();
     EXPECT_EQ(pane->textView()->documentText(), QStringLiteral("by the other one text\n"));
+}
+
+// Whatever was done, and however often it was saved meanwhile: the first undo steps give the file as it was.
+TEST_F(PaneInWindow, allIsUndoneToTheStart)
+{
+    for (const char *key : {"AutoIndentLists", "IndentWithTabs", "insertClosingCharacters"})
+        settings().setObject(QString::fromLatin1(key), true);
+    const QByteArray source = "Head\r\n\n1. one\r\n2. two\n- [ ] box\r\rb\n# a\r\n\xf0\x9f\x91\x8d e\xcc\x81\n\n";
+    pane->showDocument(write(QStringLiteral("/Head.md"), source));
+    TMLTTextView &view = *pane->textView();
+    QImage picture(3, 3, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    QRandomGenerator random(11);
+    QStringList states{view.documentText()}; // in front of each command and behind it
+    const auto carryOut = [&] {
+        const QStringList commands = editorCommandNames();
+        const int number = random.bounded(int(commands.size()) + 2);
+        if (number < commands.size())
+            view.apply(*editorCommandNamed(commands[number]), {QStringLiteral("**"), QStringLiteral("**"), 2});
+        else if (number == commands.size()) QApplication::clipboard()->setImage(picture);
+        else QApplication::clipboard()->setText(QStringLiteral("x\ny"));
+        if (number >= commands.size()) view.paste();
+    };
+    for (int i = 0; i < 250; ++i) {
+        const qsizetype place = random.bounded(view.documentText().size() + 1);
+        view.select({place, i % 3 == 0 ? random.bounded(12) : 0});
+        QTest::keyClicks(&view, QStringLiteral("w("));
+        QTest::keyClick(&view, i % 2 == 0 ? Qt::Key_Return : Qt::Key_Delete);
+        if (states.last() != view.documentText()) states.append(view.documentText());
+        carryOut();
+        if (states.last() != view.documentText()) states.append(view.documentText());
+        if (i % 50 == 0) pane->saveTyping();
+    }
+    pane->saveTyping();
+    const QByteArray saved = readFile(pane->path()).value_or(QByteArray());
+    const QString last = view.documentText();
+    ASSERT_NE(saved, source);
+    while (view.document()->isUndoAvailable()) {
+        if (view.documentText() == states.last()) states.removeLast();
+        view.undo();
+    }
+    EXPECT_EQ(states, QStringList(view.documentText()));
+    pane->saveTyping();
+    EXPECT_EQ(readFile(pane->path()).value_or(QByteArray()).toStdString(), source.toStdString());
+    while (view.document()->isRedoAvailable()) view.redo();
+    EXPECT_EQ(view.documentText(), last);
+    pane->saveTyping();
+    EXPECT_EQ(readFile(pane->path()).value_or(QByteArray()), saved);
 }
 
 TEST_F(PaneInWindow, theTextStaysUntilItIsSaved)
@@ -173,6 +225,47 @@ TEST_F(PaneInWindow, whatIsPastedIsOneStep)
         << view.documentText().toStdString();
     view.undo();
     EXPECT_EQ(view.documentText(), before);
+}
+
+TEST_F(PaneInWindow, linksInATextAreFollowedWithCtrl)
+{
+    pane->showDocument(write(QStringLiteral("/Book/Links.md"), "[other one](../Other.md)"));
+    QString shown;
+    const auto observer =
+        notifications().observe(QStringLiteral("TMLTShowItemAtPathNotification"), [&](const QVariantMap &payload) {
+            shown = payload.value(QStringLiteral("path")).toString();
+        });
+    const QPoint onLink = pane->textView()->cursorRect().center() + QPoint(20, 0);
+    QTest::mouseClick(pane->textView()->viewport(), Qt::LeftButton, {}, onLink);
+    EXPECT_EQ(shown, QString());
+    QTest::mouseClick(pane->textView()->viewport(), Qt::LeftButton, Qt::ControlModifier, onLink);
+    EXPECT_EQ(shown, at(QStringLiteral("/Other.md")));
+}
+
+TEST_F(PaneInWindow, sortingAsksHow)
+{
+    pane->showDocument(write(QStringLiteral("/List.md"), "List\nb\na\nC"));
+    TMLTTextView &view = *pane->textView();
+    const auto answerWith = [&](const QString &button, bool isDescending) {
+        view.select({5, 5});
+        pane->applyToText(EditorCommand::SortLines);
+        auto *dialog = view.findChild<QDialog *>();
+        ASSERT_NE(dialog, nullptr);
+        EXPECT_EQ(dialog->windowTitle(), QStringLiteral("Select sort options"));
+        dialog->findChild<QCheckBox *>(QStringLiteral("SortLinesDescending"))->setChecked(isDescending);
+        for (auto *each : dialog->findChildren<QPushButton *>())
+            if (each->text() == button) each->click();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    answerWith(QStringLiteral("Cancel"), true);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\nb\na\nC"));
+    EXPECT_FALSE(settings().contains(QStringLiteral("SortLinesDescending")));
+    answerWith(QStringLiteral("Sort"), true);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\nC\nb\na"));
+    EXPECT_TRUE(settings().boolean(QStringLiteral("SortLinesDescending")));
+    answerWith(QStringLiteral("Sort"), false);
+    EXPECT_EQ(view.documentText(), QStringLiteral("List\na\nb\nC"));
+    EXPECT_FALSE(settings().contains(QStringLiteral("SortLinesDescending")));
 }
 
 TEST_F(PaneInWindow, theHeaderFollowsAMove)

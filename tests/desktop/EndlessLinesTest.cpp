@@ -81,6 +81,30 @@ TEST_F(TextView, endlessLinesArePastedInPieces)
     EXPECT_EQ(view.documentText(), QStringLiteral("one\ntwo"));
 }
 
+// What another view saved is one step more, also where lines are shown in pieces before or after it.
+TEST_F(TextView, endlessLinesOfAnotherViewKeepTheSteps)
+{
+    const QString line = QStringLiteral("0123456789").repeated(3000);
+    const QString other = QStringLiteral("other") + line + QStringLiteral("\r\nend");
+    const QString plain = QString(other).remove(u'\r');
+    for (const QString &text : {QStringLiteral("one\n"), QString(line + QStringLiteral("\nend")), plain}) {
+        load(text);
+        view.select({1, 0});
+        QTest::keyClicks(&view, QStringLiteral("x"));
+        const QString typed = view.documentText();
+        view.takeDocumentText(other, true, highlightOptions(QStringLiteral("md")));
+        EXPECT_TRUE(view.documentText() == plain);
+        EXPECT_GT(view.blockCount(), 6);
+        view.undo();
+        EXPECT_TRUE(view.documentText() == typed);
+        view.undo();
+        EXPECT_TRUE(view.documentText() == text);
+        view.redo();
+        view.redo();
+        EXPECT_TRUE(view.documentText() == plain);
+    }
+}
+
 // Whatever somebody does with caret and selection: only what is selected goes, and only what is typed comes.
 TEST_F(TextView, noKeyCutsIntoASoftBreak)
 {

@@ -6,6 +6,7 @@
 #include "conversion/MarkdownToHtml.h"
 #include "desktop/actions/ItemActions.h"
 #include "desktop/document/DocumentPane.h"
+#include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
 #include "desktop/page/TMLTWebView.h"
 #include "editor/PageBody.h"
@@ -19,6 +20,7 @@
 #include <QFileInfo>
 #include <QImage>
 #include <QMimeData>
+#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTest>
@@ -124,6 +126,10 @@ constexpr const char *spans = "<table><tbody><tr><td id='a' rowspan='2'>a</td><t
                               "<tr><td id='d'>d</td><td id='e'>e</td></tr>"
                               "<tr><td id='f'>f</td><td id='g' colspan='2'>g</td></tr></tbody></table>";
 
+constexpr const char *nested = "<ul><li id='a'>a</li><li id='b'>b<ul><li id='c'>c</li></ul></li></ul>";
+constexpr const char *deep = "<ul><li id='a'>a<ul><li id='b' class='tm_checkbox'><input type='checkbox'><i>b</i></li>"
+                             "<li>c</li></ul></li></ul>";
+
 const Row rows[] = {
     {"bold", "<p>one two</p>", "p", 4, "p", 7, "document.execCommand('bold')", "<p>one <b>two</b></p>"},
     {"heading", "<p>one</p>", "p", 0, "p", 0, "document.execCommand('formatblock', false, 'h2')", "<h2>one</h2>"},
@@ -140,6 +146,41 @@ const Row rows[] = {
      "<ul><li class='tm_checkbox_done'><i>one</i></li></ul>"},
     {"open", "<ul><li class='tm_checkbox_done'><input type='checkbox' checked=''><i>one</i></li></ul>", "i", 1, "i", 1,
      "tm.toggleDone()", "<ul><li class='tm_checkbox'><input type='checkbox'><i>one</i></li></ul>"},
+    {"an item one level down", nested, "#b", 1, "#b", 1, "tm.tab(false)",
+     "<ul><li id='a'>a<ul><li id='b'>b<ul><li id='c'>c</li></ul></li></ul></li></ul>"},
+    {"an item one level up", deep, "i", 1, "i", 1, "tm.tab(true)",
+     "<ul><li id='a'>a</li><li id='b' class='tm_checkbox'><input "
+     "type='checkbox'><i>b</i><ul><li>c</li></ul></li></ul>"},
+    {"an item of a list that stands in a list", "<ul><li>a</li><ul><li id='b'>b</li></ul></ul>", "#b", 1, "#b", 1,
+     "tm.tab(true)", "<ul><li>a</li><li id='b'>b</li></ul>"},
+    {"the first item stays on its level", nested, "#a", 1, "#a", 1, "tm.tab(false)", nested},
+    {"no list, from a level below", deep, "i", 1, "i", 1, "tm.toggleList()",
+     "<ul><li id='a'>a</li></ul><p><i>b</i></p><ul><li>c</li></ul>"},
+    {"no list in the middle", "<ul><li>a</li><li id='b'>b</li><li>c</li></ul>", "#b", 1, "#b", 1, "tm.setList(false)",
+     "<ul><li>a</li></ul><p>b</p><ul><li>c</li></ul>"},
+    {"a heading in an item", deep, "i", 1, "i", 1, "tm.setBlock('h2')",
+     "<ul><li id='a'>a<ul><li id='b' class='tm_checkbox'><input type='checkbox'><h2><i>b</i></h2></li><li>c</li></ul>"
+     "</li></ul>"},
+    {"a heading in an item no more", "<ul><li><h2>a</h2><p>b</p></li></ul>", "h2", 1, "h2", 1, "tm.setBlock('p')",
+     "<ul><li>a<p>b</p></li></ul>"},
+    {"code over paragraphs", "<p>one</p><p id='z'>two</p>", "p", 2, "#z", 1, "tm.code()",
+     "<p>on<code>e</code></p><p id='z'><code>t</code>wo</p>"},
+    {"code no more", "<p>on<code>e</code></p>", "code", 1, "code", 1, "tm.code()", "<p>one</p>"},
+    {"another address", "<p><a href='x'>link</a></p>", "a", 2, "a", 2,
+     "tm.wholeLink(); document.execCommand('createLink', false, 'y')", "<p><a href='y'>link</a></p>"},
+    {"a highlight taken away", "<p>a <span style='background-color: rgb(255, 239, 138);'>b</span></p>", "span", 0,
+     "span", 1,
+     "document.execCommand('backColor', false, 'transparent'); document.execCommand('foreColor', false, 'inherit');",
+     "<p>a b</p>"},
+    {"black on highlights alone", "<p><font color='#000000'>a</font> <font color='#000000'>b</font></p>", "font", 0,
+     "font", 1, "document.execCommand('backColor', false, '#ffef8a')",
+     "<p><font color='#000000' style='background-color: rgb(255, 239, 138);'>a</font> b</p>"},
+    {"no style of its own", "<p style='color:red'>a <span style='color:red'>b</span></p>", "p", 0, "span", 1,
+     "tm.clearFormat()", "<p>a b</p>"},
+    {"a heading cut in two", "<h2 id='a'>one</h2>", "h2", 2, "h2", 2, "document.execCommand('insertParagraph')",
+     "<h2 id='a'>on</h2><h2>e</h2>"},
+    {"marks over paragraphs", "<p>one</p><p id='z'>two</p>", "p", 2, "#z", 1, "tm.enclose('(', ')')",
+     "<p>on(e</p><p>t)wo</p>"},
     {"row below the heading", table, "th", 0, "th", 0, "tm.insertRow(true)",
      "<table><tbody><tr><th>a</th><th>b</th></tr><tr><td><br></td><td><br></td></tr>"
      "<tr><td>1</td><td>2</td></tr></tbody></table>"},
@@ -188,6 +229,12 @@ const Row rows[] = {
     {"a column of a wide cell", spans, "#e", 0, "#e", 0, "tm.removeColumns()",
      "<table><tbody><tr><td id='a' rowspan='2'>a</td><td id='b'>b</td></tr><tr><td id='d'>d</td></tr>"
      "<tr><td id='f'>f</td><td id='g'>g</td></tr></tbody></table>"},
+    {"row in a span to the end",
+     "<table><tbody><tr><td id='a' rowspan='0'>a</td><td id='b'>b</td></tr><tr><td>c</td></tr>"
+     "</tbody></table>",
+     "#b", 0, "#b", 0, "tm.insertRow(true)",
+     "<table><tbody><tr><td id='a' rowspan='0'>a</td><td id='b'>b</td></tr><tr><td><br></td></tr><tr><td>c</td></tr>"
+     "</tbody></table>"},
     {"the last row", "<table><tbody><tr><td>1</td></tr></tbody></table>", "td", 0, "td", 0, "tm.removeRows()",
      "<p><br></p>"},
     {"marks", "<p>one two</p>", "p", 4, "p", 7, "tm.enclose('it\\'s ', ' so')", "<p>one it's two so</p>"},
@@ -228,6 +275,71 @@ TEST_F(FormattedEditing, everyCommandIsOneStepThatCanBeUndone)
     }
 }
 
+// Whatever was done, and however often it was saved meanwhile: each command is one step, and the first steps give the
+// file as it was.
+TEST_F(FormattedEditing, allIsUndoneToTheStart)
+{
+    QStringList scripts{QStringLiteral("tm.tab(false)"),
+                        QStringLiteral("tm.tab(true)"),
+                        QStringLiteral("tm.enclose('(', ')')"),
+                        QStringLiteral("tm.setContents(true)"),
+                        QStringLiteral("tm.setContents(false)"),
+                        QStringLiteral("tm.replaceAll('e', 'E')"),
+                        scriptOfCommand(QStringLiteral("text"), QStringLiteral("new ")),
+                        scriptOfCommand(QStringLiteral("image"), QStringLiteral("TMImages/a.png")),
+                        scriptOfCommand(QStringLiteral("link"), QStringLiteral("b.html")),
+                        scriptOfCommand(QStringLiteral("mark"), QStringLiteral("#ffef8a")),
+                        scriptOfCommand(QStringLiteral("class"), QStringLiteral("note"))};
+    for (const FormattingCommand &command : formattingCommands())
+        if (!QString::fromUtf8(command.script).contains(QStringLiteral("%1")))
+            scripts.append(QString::fromUtf8(command.script));
+    for (const char *block : {"p", "h2", "pre", "blockquote"})
+        scripts.append(scriptOfCommand(QStringLiteral("paragraph"), QString::fromLatin1(block)));
+
+    open(QStringLiteral("<h1>One</h1>\n<p>two <b>three</b></p>\n<ul><li>four<ul><li>five</li></ul></li></ul>\n"
+                        "<table><tbody><tr><td>six</td><td rowspan=\"2\">seven</td></tr><tr><td>eight</td></tr>"
+                        "</tbody></table>\n<p>nine</p>"));
+    const QByteArray source = read(QStringLiteral("/Note.html"));
+    const QString before = body();
+    QRandomGenerator random(5);
+    int steps = 0;
+    for (int i = 0; i < 200; ++i) {
+        script(QStringLiteral("{ const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_TEXT);"
+                              "const texts = []; while (walker.nextNode()) texts.push(walker.currentNode);"
+                              "const at = n => texts[n % texts.length]; if (texts.length) "
+                              "getSelection().setBaseAndExtent(at(%1), %3 % (at(%1).length + 1), at(%2), %3 % "
+                              "(at(%2).length + 1)); }")
+                   .arg(random.bounded(1000))
+                   .arg(random.bounded(1000))
+                   .arg(random.bounded(5)));
+        const QString now = body();
+        const QString command = scripts[random.bounded(int(scripts.size()))];
+        const QString then = afterScript(command);
+        if (then == now) continue;
+        ++steps;
+        undoAll(1);
+        ASSERT_EQ(body(), now) << command.toStdString();
+        pane.view()->redo();
+        pane.view()->waitForPage();
+        ASSERT_EQ(body(), then) << command.toStdString();
+        if (i % 40 == 0) pane.saveTyping();
+    }
+    pane.saveTyping();
+    const QByteArray saved = read(QStringLiteral("/Note.html"));
+    const QString last = body();
+    EXPECT_GT(steps, 100);
+    ASSERT_NE(saved, source);
+    undoAll(steps);
+    EXPECT_EQ(body(), before);
+    pane.saveTyping();
+    EXPECT_EQ(read(QStringLiteral("/Note.html")).toStdString(), source.toStdString());
+    for (int i = 0; i < steps; ++i) pane.view()->redo();
+    pane.view()->waitForPage();
+    EXPECT_EQ(body(), last);
+    pane.saveTyping();
+    EXPECT_EQ(read(QStringLiteral("/Note.html")), saved);
+}
+
 TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
 {
     open(QStringLiteral("<p>one two</p>"));
@@ -238,6 +350,47 @@ TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
     afterScript(scriptForMarks(QStringLiteral("«"), QStringLiteral("»")));
     afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("it's")));
     EXPECT_EQ(body(), QStringLiteral("<p>«it's»one (two)</p>"));
+}
+
+TEST_F(FormattedEditing, theBarShowsWhatIsSelected)
+{
+    open(QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
+    FormattingState state;
+    QObject listener;
+    QObject::connect(pane.view(), &TMLTWebView::stateChanged, &listener,
+                     [&](const FormattingState &now) { state = now; });
+    select(QStringLiteral("p"), 0, QStringLiteral("#z"), 3);
+    afterScript(scriptOfCommand(QStringLiteral("mark"), QStringLiteral("#ffef8a")));
+    EXPECT_TRUE(state.isMarked);
+    EXPECT_FALSE(state.active.value(QStringLiteral("bold")).toBool());
+    select(QStringLiteral("b"), 1, QStringLiteral("b"), 1);
+    pane.view()->waitForPage();
+    EXPECT_FALSE(state.isMarked);
+    EXPECT_TRUE(state.active.value(QStringLiteral("bold")).toBool());
+    script(QStringLiteral("getSelection().selectAllChildren(document.body)"));
+    pane.view()->waitForPage();
+    EXPECT_FALSE(state.isMarked); // not all of it
+    afterScript(scriptOfCommand(QStringLiteral("unmark")));
+    EXPECT_EQ(body(), QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
+}
+
+TEST_F(FormattedEditing, thePropertyOfTheContentsTableFollowsUndo)
+{
+    const auto property = [this] { return tm_propertyForKey(path, QStringLiteral("TOC")).toString(); };
+    open(QStringLiteral("<h1>One</h1><p>two</p>"));
+    Q_EMIT pane.findChild<FormattingBar *>()->contentsWanted();
+    pane.view()->waitForPage();
+    EXPECT_EQ(property(), QStringLiteral("1"));
+    undoAll(1);
+    EXPECT_EQ(property(), QString());
+    select(QStringLiteral("p"), 0, QStringLiteral("p"), 0);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("x")));
+    EXPECT_FALSE(body().contains(QStringLiteral("TOC")));
+    undoAll(1);
+    Q_EMIT pane.findChild<FormattingBar *>()->contentsWanted();
+    pane.view()->waitForPage();
+    EXPECT_TRUE(body().contains(QStringLiteral("id=\"TOC\"")));
+    EXPECT_EQ(property(), QStringLiteral("1"));
 }
 
 TEST_F(FormattedEditing, aDocumentThatIsOnlyLookedAtStaysAsItIs)
@@ -315,12 +468,16 @@ TEST_F(FormattedEditing, styleChangesLeaveCaretAndHistoryAlone)
 
 TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
 {
-    open(QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>"));
+    const QString first = QStringLiteral("<h1>Title</h1><p>one</p><p id=\"z\">two</p>");
+    open(first);
     QSignalSpy loaded(pane.view()->page(), &QWebEnginePage::loadFinished);
     select(QStringLiteral("#z"), 2, QStringLiteral("#z"), 2);
     QSignalSpy ready(pane.view(), &TMLTWebView::ready);
+    afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("Y")));
+    const QString typed = body();
+    pane.saveTyping();
     QTest::qWait(20);
-    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p id=\"z\">two</p>");
+    const QString other = QStringLiteral("<h1>New</h1><p>one and more</p><p>and</p><p id=\"z\">twYo</p>");
     ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, other).toUtf8()));
     notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
     ASSERT_TRUE(ready.wait(20000));
@@ -328,9 +485,25 @@ TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
     EXPECT_EQ(body(), other);
     Q_EMIT pane.view()->editingWanted(false);
     afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("X")));
-    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("two"), QStringLiteral("twXo")));
-    undoAll(2);
-    EXPECT_EQ(body(), other);
+    EXPECT_EQ(body(), QString(other).replace(QStringLiteral("twY"), QStringLiteral("twYX")));
+    for (const QString &state : {other, typed, first, first}) {
+        undoAll(1);
+        EXPECT_EQ(body(), state);
+    }
+    for (int i = 0; i < 2; ++i) pane.view()->redo();
+    pane.saveTyping();
+    EXPECT_TRUE(read(QStringLiteral("/Note.html")).contains(other.toUtf8()));
+
+    // Undo begins editing where the page took in another's text.
+    ready.clear();
+    QTest::qWait(20);
+    ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, first).toUtf8()));
+    notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
+    ASSERT_TRUE(ready.wait(20000));
+    EXPECT_EQ(body(), first);
+    QTest::keyClick(pane.view()->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(pane.view()->isEditing());
+    EXPECT_TRUE(comes([&] { return body() == other; })) << body().toStdString();
     EXPECT_EQ(loaded.count(), 0);
 }
 
@@ -345,11 +518,13 @@ TEST_F(FormattedEditing, picturesGoBesideTheDocument)
     ASSERT_FALSE(stored.isEmpty());
     EXPECT_TRUE(body().contains(QStringLiteral("<img src=\"TMImages/") +
                                 QString(stored.first()).replace(u' ', QStringLiteral("%20"))));
-    const QString outside = world.filePath(QStringLiteral("a & b.txt"));
+    const QString outside = world.filePath(QStringLiteral("a &copy b.txt"));
     ASSERT_TRUE(writeFile(outside, "text"));
     Q_EMIT pane.view()->filesDropped({outside});
     pane.view()->waitForPage();
-    EXPECT_TRUE(body().contains(QStringLiteral(">a &amp; b</a>"))) << body().toStdString();
+    EXPECT_TRUE(body().contains(QStringLiteral(">a &amp;copy b</a>"))) << body().toStdString();
+    EXPECT_EQ(script(QStringLiteral("decodeURIComponent(document.querySelector('a').href)")).toString(),
+              QString(QStringLiteral("file://") + outside));
     EXPECT_EQ(names(QStringLiteral("/TMImages")), stored);
 }
 
@@ -377,6 +552,24 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
     EXPECT_TRUE(comes([&] { return body().contains(QStringLiteral("tm_checkbox_done")); }));
     for (int i = 0; i < 4; ++i) // the box, the mark, a word, a blank
         QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
+}
+
+TEST_F(FormattedEditing, newItemsAreOpen)
+{
+    open(QStringLiteral("<ul><li class=\"tm_checkbox_done\"><input type=\"checkbox\" checked=\"\">one</li></ul>"));
+    const QString before = body();
+    QWidget *keys = pane.view()->focusProxy();
+    keys->setFocus();
+    script(QStringLiteral("getSelection().setPosition(document.querySelector('li').lastChild, 3)"));
+    QTest::keyClick(keys, Qt::Key_Return);
+    QTest::keyClicks(keys, QStringLiteral("two")); // at once
+    EXPECT_TRUE(comes([&] {
+        return body() == QString(before).replace(
+                             QStringLiteral("</ul>"),
+                             QStringLiteral("<li class=\"tm_checkbox\"><input type=\"checkbox\">two</li></ul>"));
+    })) << body().toStdString();
+    for (int i = 0; i < 2; ++i) QTest::keyClick(keys, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(comes([&] { return body() == before; })) << body().toStdString();
 }
 

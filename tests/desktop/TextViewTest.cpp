@@ -48,6 +48,41 @@ TEST_F(TextView, everyCommandIsOneUndoStep)
     EXPECT_EQ(view.documentText(), QStringLiteral("- [ ] one\n- [ ] two\n- [ ] "));
 }
 
+TEST_F(TextView, typingIsAStepOfItsOwn)
+{
+    const QStringList states{QStringLiteral("a"),
+                             QStringLiteral("aone "),
+                             QStringLiteral("aone two "),
+                             QStringLiteral("aone two x"),
+                             QStringLiteral("aone two xpasted"),
+                             QStringLiteral("aone two xpastedy")};
+    load(states[0]);
+    view.apply(EditorCommand::Type, {QStringLiteral("one "), {}, 0});
+    view.apply(EditorCommand::Type, {QStringLiteral("two "), {}, 0});
+    QTest::keyClicks(&view, QStringLiteral("x"));
+    QApplication::clipboard()->setText(QStringLiteral("pasted"));
+    view.paste();
+    QTest::keyClicks(&view, QStringLiteral("y"));
+    for (qsizetype i = states.size() - 1; i > 0; --i, view.undo()) EXPECT_EQ(view.documentText(), states[i]);
+    EXPECT_EQ(view.documentText(), states[0]);
+    EXPECT_FALSE(view.document()->isUndoAvailable());
+}
+
+TEST_F(TextView, pairsGoTogetherInEitherDirection)
+{
+    load(QStringLiteral("a[]b("));
+    view.select({1, 0});
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.documentText(), QStringLiteral("ab("));
+    QTest::keyClick(&view, Qt::Key_Delete);
+    QTest::keyClick(&view, Qt::Key_Delete);
+    EXPECT_EQ(view.documentText(), QStringLiteral("a"));
+    view.undo();
+    view.undo();
+    view.undo();
+    EXPECT_EQ(view.documentText(), QStringLiteral("a[]b("));
+}
+
 TEST_F(TextView, whatMayNotChangeStays)
 {
     load(QStringLiteral("text"));
@@ -141,6 +176,8 @@ TEST_F(TextView, wordsAreWhatPeopleSpell)
               QStringLiteral("It\u2019s|quoted|bold|Größe"));
     EXPECT_EQ(words(QStringLiteral("at a@b.c see https://x.org/wrng v2x `cde fg` <b> so")),
               QStringLiteral("at|see|so"));
+    EXPECT_EQ(words(QStringLiteral("[a link](Plan.txt), e.g. end. Next (www.exmpl.org)...So")),
+              QStringLiteral("link|end|Next|So"));
     EXPECT_EQ(words(QStringLiteral("open `code to the end")), QStringLiteral("open"));
     EXPECT_EQ(words(QStringLiteral("a ' ''")), QString());
 }
@@ -169,6 +206,19 @@ TEST_F(TextView, completesWhereTheKeysSay)
     EXPECT_EQ(view.documentText(), QStringLiteral("[[Notes.md]]"));
     view.undo(); // one step
     EXPECT_EQ(view.documentText(), QStringLiteral("[[notes]]"));
+
+    // Documents of the whole notebook, also those that came meanwhile.
+    for (const char *name : {"/Deep/er/Nowhere.md", "/Deep/er/No [x].md", "/Deep/nod.md"}) {
+        write(QString::fromLatin1(name));
+        notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), at(QString::fromLatin1(name)));
+    }
+    load(QString());
+    QTest::keyClicks(&view, QStringLiteral("[[no"));
+    ASSERT_TRUE(shows());
+    const QStringList all{QStringLiteral("Note.md"), QStringLiteral("Notes.md"), QStringLiteral("Deep/nod.md"),
+                          QStringLiteral("Deep/er/Nowhere.md")};
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view.completer().offered() == all; }, 5000));
+    view.completer().close();
 
     load(QString());
     QTest::keyClicks(&view, QStringLiteral("[[no"));
@@ -265,4 +315,23 @@ TEST_F(TextView, itemsHangBelowTheirText)
     EXPECT_EQ(lineAt(0, 1).x(), left);
     view.undo();
     EXPECT_NEAR(lineAt(0, 1).x() - left, indent, 0.5);
+}
+
+TEST_F(TextView, paragraphsReadFromTheRightBeginThere)
+{
+    view.resize(400, 300);
+    view.show();
+    load(QStringLiteral("\u05e9\u05dc\u05d5\u05dd\nleft"));
+    const auto rightOf = [&](int block) {
+        const QTextBlock found = view.document()->findBlockByNumber(block);
+        const QRectF all = view.document()->documentLayout()->blockBoundingRect(found);
+        return all.width() - found.layout()->lineAt(0).naturalTextRect().right();
+    };
+    EXPECT_LT(rightOf(0), 40);
+    EXPECT_GT(rightOf(1), 200);
+    view.select({0, 4});
+    QTest::keyClicks(&view, QStringLiteral("l"));
+    EXPECT_GT(rightOf(0), 200);
+    view.undo();
+    EXPECT_LT(rightOf(0), 40);
 }

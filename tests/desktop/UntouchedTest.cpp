@@ -17,6 +17,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <map>
 #include <vector>
 
 using namespace tomelet;
@@ -87,7 +88,10 @@ protected:
         for (QDirIterator files(corpus, QDir::Files, QDirIterator::Subdirectories); files.hasNext();) {
             const QString file = files.next();
             const auto bytes = readFile(file);
-            if (!bytes) continue;
+            if (!bytes) {
+                ADD_FAILURE() << "not read: " << file.toStdString();
+                continue;
+            }
             const QString name = QString::number(++number) + u' ' + QFileInfo(file).fileName();
             write(QStringLiteral("/Corpus/%1/%2").arg(number / 500).arg(name), *bytes);
         }
@@ -105,6 +109,7 @@ protected:
     void look(const QString &path, bool clicks)
     {
         pane.showDocument(path);
+        EXPECT_EQ(pane.path(), path);
         if (pane.shownWidget() == pane.textView()) {
             if (clicks) QTest::mouseClick(pane.textView()->viewport(), Qt::LeftButton);
             QApplication::processEvents();
@@ -135,5 +140,8 @@ TEST_F(Untouched, whatWasOnlyOpenedStaysAsItIs)
         EXPECT_EQ(readFile(document.path).value_or(QByteArray()), document.bytes) << document.path.toStdString();
         EXPECT_TRUE(fileStamp(document.path) == document.stamp) << document.path.toStdString();
     }
-    RecordProperty("documents", int(before.size()));
+    std::map<std::string, int> kinds;
+    for (const Document &document : before)
+        ++kinds["kind." + QFileInfo(document.path).suffix().toLower().toStdString()];
+    for (const auto &[kind, count] : kinds) RecordProperty(kind, count);
 }

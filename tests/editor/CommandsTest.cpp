@@ -92,6 +92,7 @@ TEST(EditorCommands, listsGoOnAfterANewLine)
         {u"99999999999999999999. x¦", u"newline", u"99999999999999999999. x\n99999999999999999999. ¦"},
         // Blank items keep the indentation of the list, an empty line ends it.
         {u"- one\n  ¦", u"newline", u"- one\n  \n- ¦"},
+        {u"- one\n- \n  ¦", u"newline", u"- one\n- \n  \n- ¦"},
         {u"- one\n\n  ¦", u"newline", u"- one\n\n  \n  ¦"},
         {u"text\n  ¦", u"newline", u"text\n  \n  ¦"},
         // With Shift the line is aligned under the text.
@@ -147,6 +148,7 @@ TEST(EditorCommands, numbersStayInOrder)
         {u"intro\n4. a\ntext\n9. b¦", u"intro\n4. a\ntext\n5. b¦", 0},
         {u"1. a\n\t3. x\n\t3. y\n1. b\n\t8. z\n1. c¦", u"1. a\n\t1. x\n\t2. y\n2. b\n\t1. z\n3. c¦", 0},
         {u"    5. a\n9. b\n9. c¦", u"    5. a\n9. b\n10. c¦", 0},
+        {u"1. a\n\t\t7. x\n\t7. b\n\t7. c\n7. d¦", u"1. a\n\t\t1. x\n\t2. b\n\t3. c\n4. d¦", 0},
         {u"8. a\n\n3. b\n3. c¦\n\n9. d", u"8. a\n\n3. b\n4. c¦\n\n9. d", 0},
         {u"9. ¦a\n9. b", u"3. ¦a\n4. b", 3},
         {u"8. a\n8. b\n8. c¦ d", u"8. a\n9. b\n10. c¦ d", 0},
@@ -211,6 +213,9 @@ TEST(EditorCommands, linesMove)
         {u"a\r\nb¦\nc", u"moveLineUp", u"b¦\r\na\nc"},
         {u"1. a¦\n2. b\n3. c", u"moveLineDown", u"1. b\n2. a¦\n3. c"},
         {u"4. a\n5. b¦\n6. c", u"moveLineUp", u"4. b¦\n5. a\n6. c"},
+        {u"0. a¦\n7. b", u"moveLineDown", u"1. b\n2. a¦"},
+        {u"1. a¦\n\n5. x", u"moveLineDown", u"\n1. a¦\n2. x"},
+        {u"1. a\n\n5. x¦\n6. y", u"moveLineUp", u"1. a\n2. x¦\n\n6. y"},
     });
 }
 
@@ -224,6 +229,9 @@ TEST(EditorCommands, closingCharacters)
         {u"a ¦", u"type:\"", u"a \"¦\""},
         {u"don¦", u"type:'", u"don'¦"},
         {u"¦word", u"type:\"", u"\"¦word"},
+        {u"cafe\u0301¦", u"type:'", u"cafe\u0301'¦"},
+        {u"\U0001D400¦\U0001D400", u"type:'", u"\U0001D400'¦\U0001D400"},
+        {u"\U0001F44D¦", u"type:'", u"\U0001F44D'¦'"},
         {u"\"¦\"", u"type:\"", u"\"\"¦"},
         {u"“a¦”", u"type:\"", u"“a”¦"},
         {u"‘a¦’", u"type:'", u"‘a’¦"},

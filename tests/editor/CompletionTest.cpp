@@ -1,11 +1,17 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What is completed in a plain text: where, with what, and what then stands there.
+// What is completed in a plain text, and what links in it lead to.
 #include "editor/Completion.h"
+#include "editor/LibraryNames.h"
+#include "editor/TextLinks.h"
 #include "foundation/Platform.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
 #include "organising/contexts/Contexts.h"
 #include "tests/support/Notebook.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
 
 using namespace tomelet;
 
@@ -102,6 +108,37 @@ TEST_F(Completion, pathsAreThoseOfOneFolderAndTheRecentOnes)
     EXPECT_EQ(offered(QStringLiteral("[[../../|"), book), QStringList()); // nothing from outside
 }
 
+TEST_F(Completion, documentsOfTheWholeNotebookAreListedAnewWhenSomeCameOrWent)
+{
+    LibraryNames names;
+    int listings = 0;
+    const auto found = [&](int wanted) {
+        names.want([&] { ++listings; });
+        QElapsedTimer clock;
+        for (clock.start(); listings < wanted && clock.elapsed() < 5000;) QCoreApplication::processEvents();
+        EXPECT_EQ(listings, wanted);
+        return names.beginningWith(QStringLiteral("NOTE"), 3).join(u'|');
+    };
+    const auto tell = [this](const char *notification, const char *name) {
+        notifications().postPath(QString::fromLatin1(notification), at(QString::fromLatin1(name)));
+    };
+    for (const char *name : {"/a/Note.md", "/a/b/nOte 2.txt", "/TMResources/Note.css", "/c/Note.md", "/d/note 9.md"})
+        write(QString::fromLatin1(name));
+    EXPECT_EQ(found(1), QStringLiteral("/a/b/nOte 2.txt|/d/note 9.md|/a/Note.md"));
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note.md"); // written again
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note.md.plist");
+    tell("TMLTFileDeletedFromDiskNotification", "/e");
+    (void)found(1);
+    QDir(at(QStringLiteral("/d"))).removeRecursively();
+    tell("TMLTFileDeletedFromDiskNotification", "/d");
+    EXPECT_EQ(found(2), QStringLiteral("/a/b/nOte 2.txt|/a/Note.md|/c/Note.md"));
+    write(QStringLiteral("/a/Note 1.md"));
+    tell("TMLTFileModifiedOnDiskNotification", "/a/Note 1.md");
+    EXPECT_EQ(found(3), QStringLiteral("/a/Note 1.md|/a/b/nOte 2.txt|/a/Note.md"));
+    EXPECT_EQ(completionsFromLibrary({QStringLiteral("/a/b/x.md"), QStringLiteral("/x].md")}, at(QStringLiteral("/a"))),
+              QStringList(QStringLiteral("b/x.md")));
+}
+
 TEST_F(Completion, contextsAndClassesAreTheKnownOnes)
 {
     tm_collectTagsFromText(write(QStringLiteral("/a.md")), QStringLiteral("@home"));
@@ -137,4 +174,20 @@ TEST_F(Completion, whatIsCommonIsFoundInAnyCase)
     EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("notes.md")}, typed), QStringLiteral("Note"));
     EXPECT_EQ(commonBeginning({QStringLiteral("Note.md"), QStringLiteral("../Nope.md")}, typed), typed);
     EXPECT_EQ(commonBeginning({}, typed), typed);
+}
+
+TEST_F(Completion, linksAreFoundWhereTheyStand)
+{
+    const QString line =
+        QStringLiteral("a [text](b%20c.md \"Title\") ![](p.png)[d](<e f>) <https://x.org/y> <b> [[Note.md | n]]");
+    const auto at = [&](const char *part) { return addressOfLinkAt(line, line.indexOf(QLatin1String(part))); };
+    EXPECT_EQ(at("ext"), QStringLiteral("b%20c.md"));
+    EXPECT_EQ(at("Title"), QStringLiteral("b%20c.md"));
+    EXPECT_EQ(at("p.png"), QStringLiteral("p.png"));
+    EXPECT_EQ(at("[d"), QStringLiteral("e f"));
+    EXPECT_EQ(at("x.org"), QStringLiteral("https://x.org/y"));
+    for (const char *part : {"a ", "b> ", "| n"}) EXPECT_EQ(at(part), QString()) << part;
+    settings().setObject(QStringLiteral("WikiActivateLinksInPlaintext"), true);
+    EXPECT_EQ(at("| n"), QStringLiteral("Note.md"));
+    EXPECT_EQ(addressOfLinkAt(line, line.size()), QString());
 }

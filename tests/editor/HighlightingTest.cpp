@@ -117,11 +117,11 @@ TEST(Highlighting, rowsRunWhereTheyAreMeantTo)
     HighlightOptions switched = markdown();
     switched.contexts = true;
     switched.contextMarkers = QStringLiteral("@^");
-    switched.excludedContexts = QStringList{QStringLiteral("@never")};
+    switched.excludedContexts = QStringList{QStringLiteral("@never"), QStringLiteral("not")};
     switched.ignoreCommentsForWordCount = true;
     switched.markTaskWithCharacter = QStringLiteral("(!)");
     check(
-        {{u"a @home, @never ^x b@c", u"7:@home|7:^x"}, {u"// x\ny", u"36:// x"}, {u"(!) call", u"37:(!) call|40:(!) "}},
+        {{u"a @home, @never ^x b@c @not", u"7:@home|7:^x"}, {u"// x\ny", u"36:// x"}, {u"(!) call", u"37:(!) call|40:(!) "}},
         switched);
     switched.autoIndentLists = false;
     switched.highlightMarkdown = false;

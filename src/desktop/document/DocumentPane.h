@@ -115,8 +115,10 @@ private:
     /// Tells the controller the last input before the page goes.
     void settlePage();
     void beginEditingPage(bool onLink);
+    void sortLines();
     void runCommand(const QString &command, const QString &argument = {});
     void toggleContentsTable();
+    void takeContentsTable(bool on);
     void insertFiles(const QStringList &files);
     void insertImage(const QImage &image);
     void connectDrops();
@@ -183,6 +185,7 @@ private:
     TMLTTextView *m_text;
     QString m_base;   ///< of the page on display
     QString m_source; ///< the page as it was loaded
+    bool m_hasContents = false; ///< of the page that is being edited
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue;   ///< the copy of a text that could not be saved; "" for none

@@ -5,7 +5,9 @@
 #include "desktop/actions/ItemActions.h"
 #include "desktop/page/FormattingBar.h"
 #include "desktop/page/FormattingCommands.h"
+#include "desktop/page/ShownPage.h"
 #include "desktop/page/TMLTWebView.h"
+#include "desktop/text/SortOptions.h"
 #include "desktop/text/TMLTTextView.h"
 #include "editor/DroppedText.h"
 #include "editor/PastedImages.h"
@@ -20,6 +22,8 @@
 #include <QStackedWidget>
 #include <QWebEnginePage>
 
+#include <utility>
+
 namespace tomelet::desktop {
 
 void DocumentPane::connectEditor()
@@ -30,10 +34,16 @@ void DocumentPane::connectEditor()
     });
     connect(m_view, &TMLTWebView::edited, this, [this] { m_controller.textDidChange(); });
     connect(m_view, &TMLTWebView::stateChanged, m_bar, qOverload<const FormattingState &>(&FormattingBar::show));
+    connect(m_view, &TMLTWebView::stateChanged, this,
+            [this](const FormattingState &state) { takeContentsTable(state.hasContents); });
     connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
     connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
+    connect(m_text, &TMLTTextView::linkWanted, this, [this](const QString &address) {
+        // As on the page that the text would make.
+        followLink(addressOf(path().isEmpty() ? bookOfDocument() : path()).resolved(QUrl(address)));
+    });
     connectDrops();
     connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
@@ -79,7 +89,8 @@ void DocumentPane::beginEditingPage(bool onLink)
 {
     if (!m_view->isReady()) return m_view->beginEditing(false); // comes back when the page is there
     if (!m_controller.shouldBeginEditingInDOMRange(onLink)) return;
-    m_view->beginEditing(showsContentsTable());
+    m_hasContents = showsContentsTable();
+    m_view->beginEditing(m_hasContents);
     m_bar->show();
 }
 
@@ -129,8 +140,15 @@ static QString scriptOfTextCommand(EditorCommand command, const EditorArguments 
 
 void DocumentPane::applyToText(EditorCommand command, const EditorArguments &arguments)
 {
-    if (m_stack->currentWidget() == m_text) m_text->apply(command, arguments);
+    if (showsText() && command == EditorCommand::SortLines) sortLines();
+    else if (showsText()) m_text->apply(command, arguments);
     else if (const QString script = scriptOfTextCommand(command, arguments); !script.isEmpty()) m_view->run(script);
+}
+
+void DocumentPane::sortLines()
+{
+    if (!m_controller.shouldChangeText(false)) return;
+    askForSortOptions(m_text, [this] { m_text->apply(EditorCommand::SortLines); });
 }
 
 void DocumentPane::runCommand(const QString &command, const QString &argument)
@@ -145,13 +163,17 @@ bool DocumentPane::showsContentsTable() const
     return !path().isEmpty() && tm_propertyForKey(path(), QStringLiteral("TOC")).toString() == u"1";
 }
 
-// The property is "1" or absent.
 void DocumentPane::toggleContentsTable()
 {
-    const bool on = !showsContentsTable();
-    if (!path().isEmpty() && on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
-    else if (!path().isEmpty()) tm_removePropertyForKey(path(), QStringLiteral("TOC"));
-    m_view->run(on ? QStringLiteral("tm.setContents(true)") : QStringLiteral("tm.setContents(false)"));
+    m_view->run(m_hasContents ? QStringLiteral("tm.setContents(false)") : QStringLiteral("tm.setContents(true)"));
+}
+
+// The property, "1" or absent, follows the page, also where the step was undone.
+void DocumentPane::takeContentsTable(bool on)
+{
+    if (on == std::exchange(m_hasContents, on) || path().isEmpty()) return;
+    if (on) tm_setProperty(path(), QStringLiteral("1"), QStringLiteral("TOC"));
+    else tm_removePropertyForKey(path(), QStringLiteral("TOC"));
 }
 
 // -- pictures and files -----------------------------------------------------------------------------------------------
@@ -182,16 +204,15 @@ void DocumentPane::tellNotStored(const QString &what)
 
 void DocumentPane::insertFiles(const QStringList &files)
 {
+    QStringList failed;
     if (showsText()) {
-        QStringList failed;
         insertIntoText(textForDroppedFiles(dropTargetFor(path(), bookOfDocument()), files, failed));
-        if (!failed.isEmpty())
-            tellNotStored(localized(TOMELET_TEXT("%1 could not be copied.")).arg(failed.join(QStringLiteral(", "))));
-        return;
+    } else {
+        const QString html = htmlForDroppedFiles(bookOfDocument(), files, failed);
+        if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
     }
-    QString html;
-    for (const QString &file : files) html += htmlForDroppedFile(bookOfDocument(), file);
-    if (!html.isEmpty()) m_view->run(scriptOfCommand(QStringLiteral("html"), html));
+    if (!failed.isEmpty())
+        tellNotStored(localized(TOMELET_TEXT("%1 could not be copied.")).arg(failed.join(QStringLiteral(", "))));
 }
 
 void DocumentPane::insertImage(const QImage &image)

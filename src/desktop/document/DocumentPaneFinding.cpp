@@ -135,7 +135,8 @@ void DocumentPane::showCounts(qlonglong words, qlonglong characters)
 {
     const QLocale locale;
     m_counts->setText(
-        localized(TOMELET_TEXT("%1 words, %2 characters")).arg(locale.toString(words), locale.toString(characters)));
+        localized(words == 1 ? TOMELET_TEXT("%1 word, %2 characters") : TOMELET_TEXT("%1 words, %2 characters"))
+            .arg(locale.toString(words), locale.toString(characters)));
     m_counts->show();
 }
 
@@ -160,6 +161,7 @@ void DocumentPane::print()
 {
     auto *printer = new QPrinter(QPrinter::HighResolution);
     printer->setDocName(lastPathComponent(path()));
+    if (!showsText()) printer->setPageLayout(paperForPages());
     QPrintDialog dialog(printer, this);
     if (dialog.exec() != QDialog::Accepted) {
         delete printer;
@@ -181,7 +183,7 @@ void DocumentPane::printToPdf()
     const QString file = QFileDialog::getSaveFileName(this, localized(TOMELET_TEXT("Save as PDF")), name,
                                                       localized(TOMELET_TEXT("PDF")) + QStringLiteral(" (*.pdf)"));
     if (file.isEmpty()) return;
-    if (!showsText()) return m_view->page()->printToPdf(file);
+    if (!showsText()) return m_view->page()->printToPdf(file, paperForPages());
     QPrinter printer(QPrinter::HighResolution);
     printer.setOutputFormat(QPrinter::PdfFormat);
     printer.setOutputFileName(file);

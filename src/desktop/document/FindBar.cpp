@@ -47,6 +47,7 @@ FindBar::FindBar(QWidget *parent)
     layout->addWidget(button(TOMELET_TEXT("Next"), this, [this] { Q_EMIT findWanted(false); }));
     layout->addWidget(m_replacing, 1);
     layout->addWidget(button(TOMELET_TEXT("Close"), this, &FindBar::close));
+    setTabOrder(m_words, m_replacement);
     connect(m_words, &QLineEdit::textEdited, this, &FindBar::wordsChanged);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);

@@ -44,6 +44,14 @@ QStringList installedDictionaries()
 
 } // namespace
 
+QPageLayout paperForPages()
+{
+    static constexpr double margin = 18;
+    const bool letter = QLocale().measurementSystem() == QLocale::ImperialUSSystem;
+    return {QPageSize(letter ? QPageSize::Letter : QPageSize::A4), QPageLayout::Portrait,
+            QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter};
+}
+
 void checkSpellingOfPages(bool on)
 {
     const QStringList languages = installedDictionaries();

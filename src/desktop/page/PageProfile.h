@@ -2,12 +2,17 @@
 // The surroundings in which pages are shown and printed: no script, nothing from the network, nothing kept.
 #pragma once
 
+#include <QPageLayout>
+
 class QWebEngineProfile;
 
 namespace tomelet::desktop {
 
 /// The one profile of the program; lives as long as the application.
 [[nodiscard]] QWebEngineProfile *pageProfile();
+
+/// The paper that is usual where the person lives, with margins.
+[[nodiscard]] QPageLayout paperForPages();
 
 /// Marks misspelled words on pages that are edited. Only where the engine has a dictionary of its own kind (".bdic")
 /// for the person's language, which no package of the system brings along: docs/dependencies.md.

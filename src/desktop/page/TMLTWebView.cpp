@@ -33,7 +33,7 @@ QString editingScript()
 {
     static const QString script = [] {
         QString all = boxesScript();
-        for (const char *name : {"tables.js", "replacing.js", "history.js", "editing.js"})
+        for (const char *name : {"selecting.js", "lists.js", "tables.js", "replacing.js", "history.js", "editing.js"})
             all += scriptFile(QString::fromLatin1(name));
         return all;
     }();
@@ -48,11 +48,8 @@ TMLTWebView::TMLTWebView(QWidget *parent)
     m_afterInput.setSingleShot(true);
     m_afterInput.setInterval(inputDelay);
     m_watch.setInterval(watchDelay);
-    connect(&m_afterInput, &QTimer::timeout, this, [this] {
-        ask(m_returnPressed ? QStringLiteral("tm.report(true)") : QStringLiteral("tm.report()"));
-        m_returnPressed = false;
-    });
-    connect(&m_watch, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report()")); });
+    for (QTimer *timer : {&m_afterInput, &m_watch})
+        connect(timer, &QTimer::timeout, this, [this] { ask(QStringLiteral("tm.report()")); });
     connect(this, &QWebEngineView::loadFinished, this, &TMLTWebView::loaded);
 }
 
@@ -63,7 +60,7 @@ void TMLTWebView::expectPage(bool mayBeEdited)
     endEditing();
     ++m_page;
     m_mayBeEdited = mayBeEdited;
-    m_ready = m_beginsWhenReady = false;
+    m_ready = m_beginsWhenReady = m_hasSteps = false;
     m_parts.clear();
     m_html = m_text = QString();
     m_paragraph.clear();
@@ -89,6 +86,7 @@ void TMLTWebView::start(const QString &script)
         self->m_parts.clear();
         self->m_html = start.value(QStringLiteral("html")).toString();
         self->m_text = start.value(QStringLiteral("text")).toString();
+        self->m_hasSteps = start.value(QStringLiteral("hasSteps")).toBool();
         self->m_ready = true;
         Q_EMIT self->ready();
         if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
@@ -137,10 +135,10 @@ void TMLTWebView::take(const QVariantMap &answer)
     if (!m_editing || !answer.contains(QStringLiteral("changes"))) return;
     m_paragraph = answer.value(QStringLiteral("paragraph")).toString();
     m_selected = answer.value(QStringLiteral("selected")).toString();
-    Q_EMIT stateChanged({answer.value(QStringLiteral("block")).toString(),
-                         answer.value(QStringLiteral("list")).toString(), answer.value(QStringLiteral("state")).toMap(),
-                         answer.value(QStringLiteral("marked")).toBool(),
-                         answer.value(QStringLiteral("inTable")).toBool()});
+    Q_EMIT stateChanged(
+        {answer.value(QStringLiteral("block")).toString(), answer.value(QStringLiteral("list")).toString(),
+         answer.value(QStringLiteral("state")).toMap(), answer.value(QStringLiteral("marked")).toBool(),
+         answer.value(QStringLiteral("inTable")).toBool(), answer.value(QStringLiteral("contents")).toBool()});
     const QVariantMap changes = answer.value(QStringLiteral("changes")).toMap();
     if (changes.isEmpty()) return;
     takeChanges(changes);

@@ -25,6 +25,7 @@ struct FormattingState
     QVariantMap active; ///< by the name of the command: "bold" → true
     bool isMarked = false;
     bool isInTable = false;
+    bool hasContents = false; ///< a contents table, which goes and comes with undo
 };
 
 class TMLTWebView final : public QWebEngineView
@@ -106,15 +107,17 @@ private:
     bool takeFilesOrPicture(const QMimeData &given);
     [[nodiscard]] bool takesDrop(const QMimeData &given) const;
     void dropped(QDropEvent &event);
+    void takeOverPaste(QMenu *menu);
     void addSuggestions(QMenu *menu);
     void inputHappened();
+    [[nodiscard]] bool takesKey(const QKeyEvent &event) const;
 
     bool m_mayBeEdited = false;
     bool m_ready = false;
     bool m_editing = false;
+    bool m_hasSteps = false; // that can be undone in a page that is not being edited
     bool m_beginsWhenReady = false;
     bool m_waiting = false;
-    bool m_returnPressed = false;
     int m_page = 0; // counts the pages, as answers come late
     QList<PagePart> m_parts;
     mutable QString m_html; ///< of the parts, or of the page as it was loaded; null where it is to be joined anew

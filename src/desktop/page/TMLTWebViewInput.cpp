@@ -53,10 +53,9 @@ QString commandOfKey(const QKeyEvent &event)
     return {};
 }
 
-bool isOwnKey(const QKeyEvent &event)
+bool isHistoryKey(const QKeyEvent &event)
 {
-    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo) ||
-           event.matches(QKeySequence::Paste) || !commandOfKey(event).isEmpty();
+    return event.matches(QKeySequence::Undo) || event.matches(QKeySequence::Redo);
 }
 
 QStringList localFiles(const QMimeData *data)
@@ -86,14 +85,20 @@ bool holdsFilesOrPicture(const QMimeData &data)
 
 } // namespace
 
+bool TMLTWebView::takesKey(const QKeyEvent &event) const
+{
+    if (isHistoryKey(event)) return m_editing || m_hasSteps;
+    return m_editing && (event.matches(QKeySequence::Paste) || !commandOfKey(event).isEmpty());
+}
+
 bool TMLTWebView::keyPressed(const QKeyEvent &event)
 {
     if (!m_editing) {
-        if (m_ready && isTyping(event)) {
-            Q_EMIT editingWanted(false);
-            if (!m_editing) Q_EMIT typedInVain();
-        }
-        return false;
+        const bool goesBack = m_hasSteps && isHistoryKey(event);
+        if (!m_ready || !(goesBack || isTyping(event))) return false;
+        Q_EMIT editingWanted(false);
+        if (!m_editing) Q_EMIT typedInVain();
+        if (!m_editing || !goesBack) return false;
     }
     inputHappened();
     if (event.matches(QKeySequence::Undo)) return undo(), true;
@@ -103,7 +108,6 @@ bool TMLTWebView::keyPressed(const QKeyEvent &event)
     const bool back = event.key() == Qt::Key_Backtab;
     if (event.key() == Qt::Key_Tab || back)
         return run(back ? QStringLiteral("tm.tab(true)") : QStringLiteral("tm.tab(false)")), true;
-    if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter) m_returnPressed = true;
     return false;
 }
 
@@ -155,7 +159,7 @@ bool TMLTWebView::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::ShortcutOverride:
-        if (!m_editing || !isOwnKey(*static_cast<QKeyEvent *>(event))) break;
+        if (!takesKey(*static_cast<QKeyEvent *>(event))) break;
         event->accept();
         return true;
     case QEvent::KeyPress:
@@ -197,6 +201,20 @@ bool TMLTWebView::takesDrop(const QMimeData &given) const
     return m_mayBeEdited && holdsFilesOrPicture(given);
 }
 
+// The engine would put a picture into the page itself.
+void TMLTWebView::takeOverPaste(QMenu *menu)
+{
+    QAction *engines = page()->action(QWebEnginePage::Paste);
+    if (!menu->actions().contains(engines)) return;
+    auto *own = new QAction(engines->icon(), engines->text(), menu);
+    own->setEnabled(engines->isEnabled() || takesDrop(*QApplication::clipboard()->mimeData()));
+    connect(own, &QAction::triggered, this, [this] {
+        if (!pasteImage()) page()->triggerAction(QWebEnginePage::Paste);
+    });
+    menu->insertAction(engines, own);
+    menu->removeAction(engines);
+}
+
 void TMLTWebView::addSuggestions(QMenu *menu)
 {
     const QWebEngineContextMenuRequest *request = lastContextMenuRequest();
@@ -218,6 +236,7 @@ void TMLTWebView::contextMenuEvent(QContextMenuEvent *event)
         // The engine's own history knows nothing of commands.
         for (const auto action : {QWebEnginePage::Undo, QWebEnginePage::Redo})
             menu->removeAction(page()->action(action));
+        takeOverPaste(menu);
         addSuggestions(menu);
         menu->addSeparator();
         for (const FormattingCommand &command : formattingCommands()) {

@@ -122,8 +122,6 @@ QWidget *makeWritingPane()
         {TOMELET_TEXT("Continue lists on a new line"), "AutoIndentLists"},
         {TOMELET_TEXT("Indent with tabs instead of blanks"), "IndentWithTabs"},
         {TOMELET_TEXT("Insert closing brackets and quotes"), "insertClosingCharacters"},
-        {TOMELET_TEXT("Sort lines with capital letters apart"), "SortLinesCaseSensitive"},
-        {TOMELET_TEXT("Sort lines from the last to the first"), "SortLinesDescending"},
         {TOMELET_TEXT("Leave comments out of the word count"), "ignoreCommentsForWordCount"},
         {TOMELET_TEXT("Show the source of formatted documents with its head"), "showHTMLHeader"},
     };
@@ -167,6 +165,7 @@ QWidget *makeOrganisingPane()
         {TOMELET_TEXT("Take contexts from the texts of documents"), "extractContextsAutomatically"},
         {TOMELET_TEXT("Keep links true when documents move"), "manageLinks"},
         {TOMELET_TEXT("Show at the end of a document what links to it"), "appendBacklinksToText"},
+        {TOMELET_TEXT("Wiki links in texts can be followed too"), "WikiActivateLinksInPlaintext"},
         {TOMELET_TEXT("A link without a target finds similar titles"), "WikiSmartResolveTitles"},
         {TOMELET_TEXT("It looks for them in the whole notebook"), "WikiSmartResolveGlobally"},
         {TOMELET_TEXT("It looks into the texts of its book"), "WikiSmartResolveContents"},

@@ -43,10 +43,25 @@ static void layOut(QTextBlock block, double indent)
     block.setLineCount(layout.lineCount());
 }
 
+// True where that is new. The base puts every paragraph on the left, whichever way it is read.
+static bool beginsAtTheRight(const QTextBlock &block)
+{
+    QTextOption option = block.layout()->textOption();
+    if (block.textDirection() != Qt::RightToLeft || (option.alignment() & Qt::AlignRight)) return false;
+    option.setAlignment(Qt::AlignRight);
+    block.layout()->setTextOption(option);
+    return true;
+}
+
 QRectF HangingIndents::blockBoundingRect(const QTextBlock &block) const
 {
     const QRectF rect = QPlainTextDocumentLayout::blockBoundingRect(block);
-    if (!block.isValid() || block.userState() <= 0 || !block.isVisible()) return rect;
+    if (!block.isValid() || !block.isVisible()) return rect;
+    if (beginsAtTheRight(block)) {
+        layOut(block, 0);
+        return QPlainTextDocumentLayout::blockBoundingRect(block);
+    }
+    if (block.userState() <= 0) return rect;
     const double indent = indentOf(block);
     // The base lays out without an indent whenever something changed.
     if (indent <= 0 || block.layout()->lineAt(1).x() > block.layout()->lineAt(0).x()) return rect;

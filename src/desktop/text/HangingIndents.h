@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The layout of the plain text editor: further lines of a list item stand below its text, not below its mark.
+// The layout of the plain text editor: further lines of a list item stand below its text, not below its mark, and
+// paragraphs that are read from the right begin there.
 #pragma once
 
 #include <QPlainTextDocumentLayout>

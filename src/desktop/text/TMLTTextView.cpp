@@ -5,7 +5,9 @@
 #include "desktop/text/TextCompleter.h"
 #include "desktop/text/TextHighlighter.h"
 #include "desktop/text/TextViewLooks.h"
+#include "editor/Marks.h"
 #include "editor/SoftBreaks.h"
+#include "editor/TextLinks.h"
 #include "foundation/Localization.h"
 #include "foundation/Platform.h"
 
@@ -33,7 +35,10 @@ TMLTTextView::TMLTTextView(QWidget *parent)
     });
     m_typing.setSingleShot(true);
     m_typing.setInterval(1000);
-    connect(&m_typing, &QTimer::timeout, viewport(), qOverload<>(&QWidget::update));
+    connect(&m_typing, &QTimer::timeout, this, [this] {
+        endStep();
+        viewport()->update();
+    });
     m_spelling.setSingleShot(true);
     m_spelling.setInterval(100);
     connect(&m_spelling, &QTimer::timeout, this, &TMLTTextView::checkSpelling);
@@ -70,8 +75,13 @@ static QString withPlainLineEnds(QString text)
 
 void TMLTTextView::takeDocumentText(const QString &text, bool editable, const HighlightOptions &options)
 {
-    const bool isInPieces = m_hasSoftBreaks || withSoftBreaks(text).size() != text.size();
-    if (isInPieces || !document()->isUndoAvailable()) {
+    const QString plain = withPlainLineEnds(text);
+    const QString shown = withSoftBreaks(plain);
+    const bool isInPieces = m_hasSoftBreaks || shown.size() != plain.size();
+    // Where a text has such marks of its own it cannot be told what they are.
+    const bool isUnclear = isInPieces && (withoutSoftBreaks(plain) != plain ||
+                                          (!m_hasSoftBreaks && withoutSoftBreaks(shownText()) != shownText()));
+    if (isUnclear || !document()->isUndoAvailable()) {
         const Range caret = selection();
         setDocumentText(text, editable, options);
         return select(caret);
@@ -79,11 +89,9 @@ void TMLTTextView::takeDocumentText(const QString &text, bool editable, const Hi
     m_loading = true;
     m_completer->close();
     m_options = options;
-    if (const Replacement change = smallestReplacement(shownText(), withPlainLineEnds(text)); change.range.isFound()) {
-        QTextCursor cursor(document()); // the caret is another one
-        cursor.setPosition(int(change.range.location));
-        cursor.setPosition(int(change.range.end()), QTextCursor::KeepAnchor);
-        cursor.insertText(change.text);
+    m_hasSoftBreaks = isInPieces;
+    if (const Replacement change = smallestReplacement(shownText(), shown); change.range.isFound()) {
+        replaceAt(QTextCursor(document()), change.range, change.text); // the caret is another one
     }
     setReadOnly(!editable);
     setTextInteractionFlags(textInteractionFlags() | Qt::TextSelectableByKeyboard);
@@ -196,12 +204,24 @@ void TMLTTextView::replaceRange(Range range, const QString &text)
 
 void TMLTTextView::replaceShown(Range range, const QString &text)
 {
-    QTextCursor cursor = textCursor();
+    replaceAt(textCursor(), range, text);
+}
+
+void TMLTTextView::replaceAt(QTextCursor cursor, Range range, const QString &text)
+{
+    endStep();
     cursor.beginEditBlock();
     cursor.setPosition(int(range.location));
     cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
     cursor.insertText(text);
     cursor.endEditBlock();
+    endStep();
+}
+
+// What is typed joins the step before it, unless the document stands as it was saved.
+void TMLTTextView::endStep()
+{
+    document()->setModified(false);
 }
 
 // -- finding ----------------------------------------------------------------------------------------------------------
@@ -276,6 +296,19 @@ bool concernsClosing(const QString &typed)
 
 } // namespace
 
+// An opening character behind the caret goes with its closing one.
+bool TMLTTextView::deletePair()
+{
+    const QString line = textCursor().block().text();
+    const int caret = textCursor().positionInBlock();
+    EditedText behind(line.mid(caret, 2), {1, 0});
+    if (textCursor().hasSelection() || !editorSettings().insertClosingCharacters || !deleteOpeningWithClosing(behind))
+        return false;
+    const qsizetype place = selection().location;
+    replaceRange({place, 2}, {});
+    return true;
+}
+
 // True when the key was a command's.
 bool TMLTTextView::applyKey(const QKeyEvent &event)
 {
@@ -299,9 +332,20 @@ void TMLTTextView::keyPressEvent(QKeyEvent *event)
     const bool changes = !event->text().isEmpty() && isPlainKey(*event) && event->key() != Qt::Key_Escape;
     if (changes && !mayChange()) return event->accept();
     if (changes && applyKey(*event)) event->accept();
+    else if (event->matches(QKeySequence::Delete) && mayChange() && deletePair()) event->accept();
     else if (m_hasSoftBreaks && mayChange() && deleteForward(*event)) event->accept();
     else QPlainTextEdit::keyPressEvent(event);
     if (changes && event->key() != Qt::Key_Tab) m_completer->typed();
+}
+
+void TMLTTextView::mouseReleaseEvent(QMouseEvent *event)
+{
+    QPlainTextEdit::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || event->modifiers() != Qt::ControlModifier || textCursor().hasSelection())
+        return;
+    const QTextCursor clicked = cursorForPosition(event->position().toPoint());
+    const QString address = addressOfLinkAt(clicked.block().text(), clicked.positionInBlock());
+    if (!address.isEmpty()) Q_EMIT linkWanted(address);
 }
 
 void TMLTTextView::inputMethodEvent(QInputMethodEvent *event)

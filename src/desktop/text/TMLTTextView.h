@@ -84,9 +84,12 @@ Q_SIGNALS:
     void filesDropped(const QStringList &files);
     void imageDropped(const QImage &image);
     void linkDropped(const QString &address, const QString &title);
+    /// A link was clicked with Ctrl held; the address is as it stands in the text.
+    void linkWanted(const QString &address);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
@@ -101,8 +104,11 @@ protected:
 private:
     [[nodiscard]] bool mayChange() const { return !m_mayChange || m_mayChange(); }
     bool applyKey(const QKeyEvent &event);
+    bool deletePair();
     void replaceRange(Range range, const QString &text);
     void replaceShown(Range range, const QString &text);
+    void replaceAt(QTextCursor cursor, Range range, const QString &text);
+    void endStep();
     void selectShown(Range selection);
     [[nodiscard]] QString shownText() const;
     [[nodiscard]] Range textRange(qsizetype shownStart, qsizetype shownEnd) const;
@@ -127,7 +133,7 @@ private:
     bool m_typewriter = false;
     bool m_marksLine = false;
     bool m_checksSpelling = false;
-    QTimer m_typing;   // runs while somebody types: the word at the caret is not judged yet
+    QTimer m_typing;   // runs while somebody types: the word at the caret is not judged yet, the step goes on
     QTimer m_spelling; // looks words up when nothing else is to be done
 };
 

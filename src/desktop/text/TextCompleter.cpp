@@ -65,7 +65,19 @@ QStringList TextCompleter::completions(const CompletionPlace &place)
     if (!m_place || m_place->start != place.start || !haveSameCandidates(*m_place, place))
         m_candidates = completionCandidates(place, m_book, m_document);
     m_place = place;
-    return completionsFor(m_candidates, place);
+    QStringList found = completionsFor(m_candidates, place);
+    for (const QString &path : completionsFromEverywhere(place))
+        if (!found.contains(path) && path != place.typed) found.append(path);
+    return found;
+}
+
+// The notebook is listed meanwhile, where it has to be; its documents come when that is done.
+QStringList TextCompleter::completionsFromEverywhere(const CompletionPlace &place)
+{
+    static constexpr size_t most = 50;
+    if (place.kind != CompletionKind::WikiPath || place.typed.isEmpty() || place.typed.contains(u'/')) return {};
+    m_names.want([this] { offer(); });
+    return completionsFromLibrary(m_names.beginningWith(place.typed, most), m_book);
 }
 
 // -- the list ---------------------------------------------------------------------------------------------------------
@@ -136,7 +148,9 @@ bool TextCompleter::completeByTab()
     const QStringList found = completions(*here);
     if (found.isEmpty()) return false;
     if (found.size() == 1) return insert(found.first()), true;
-    const QString common = commonBeginning(found, here->typed);
+    QStringList nearby = found; // what lies elsewhere only has its name in common
+    nearby.removeIf([&](const QString &path) { return !path.startsWith(here->typed, Qt::CaseInsensitive); });
+    const QString common = commonBeginning(nearby, here->typed);
     if (common.size() > here->typed.size()) insert(common, false);
     open(found);
     return true;

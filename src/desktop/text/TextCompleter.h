@@ -4,6 +4,7 @@
 #pragma once
 
 #include "editor/Completion.h"
+#include "editor/LibraryNames.h"
 
 #include <QObject>
 #include <QTimer>
@@ -41,6 +42,7 @@ public:
 private:
     [[nodiscard]] std::optional<CompletionPlace> place() const;
     [[nodiscard]] QStringList completions(const CompletionPlace &place);
+    [[nodiscard]] QStringList completionsFromEverywhere(const CompletionPlace &place);
     void offer();
     void open(const QStringList &completions);
     void refuse();
@@ -53,6 +55,7 @@ private:
     QString m_document;
     std::optional<CompletionPlace> m_place; // the one that the candidates were read for
     QStringList m_candidates;
+    LibraryNames m_names;
     int m_refusedAt = -1; // where Escape closed the list: it stays closed there
     QTimer m_pause;
 };

@@ -88,9 +88,10 @@ void TMLTTextView::insertFromMimeData(const QMimeData *source)
     if (const QStringList files = pathsIn(source); !files.isEmpty()) return Q_EMIT filesDropped(files);
     if (isImageAlone(*source)) return Q_EMIT imageDropped(qvariant_cast<QImage>(source->imageData()));
     const QUrl link = linkIn(*source);
-    if (!link.isValid() && !insertInPieces(source->text())) QPlainTextEdit::insertFromMimeData(source);
-    if (!link.isValid()) return;
-    Q_EMIT linkDropped(QString::fromLatin1(link.toEncoded()), titleOfLink(*source));
+    if (link.isValid()) return Q_EMIT linkDropped(QString::fromLatin1(link.toEncoded()), titleOfLink(*source));
+    endStep();
+    if (!insertInPieces(source->text())) QPlainTextEdit::insertFromMimeData(source);
+    endStep();
 }
 
 // Where a document is dropped it is linked: it stays where it came from.
