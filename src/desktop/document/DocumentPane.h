@@ -3,6 +3,7 @@
 // network.
 #pragma once
 
+#include "desktop/Lifetime.h"
 #include "editor/BackList.h"
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
@@ -183,8 +184,8 @@ private:
     TMLTWebView *m_view;
     FormattingBar *m_bar;
     TMLTTextView *m_text;
-    QString m_base;   ///< of the page on display
-    QString m_source; ///< the page as it was loaded
+    QString m_base;             ///< of the page on display
+    QString m_source;           ///< the page as it was loaded
     bool m_hasContents = false; ///< of the page that is being edited
     bool m_isSettling = false;
     bool m_isLeaving = false;
@@ -202,6 +203,7 @@ private:
     bool m_isEdited = false;
     TMLTDocumentViewController m_controller;
     NotificationCenter::Subscription m_moves; // after the controller, which takes the new path
+    Lifetime m_life;
 };
 
 } // namespace tomelet::desktop

@@ -16,7 +16,6 @@
 
 #include <QFileDialog>
 #include <QLabel>
-#include <QPointer>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QStackedWidget>
@@ -69,9 +68,9 @@ void DocumentPane::find(bool backward, bool stays)
     QWebEnginePage::FindFlags flags;
     if (backward) flags |= QWebEnginePage::FindBackward;
     if (TMLTTextView::findsCase(wanted)) flags |= QWebEnginePage::FindCaseSensitively;
-    m_view->page()->findText(wanted, flags, [self = QPointer(this)](const QWebEngineFindTextResult &result) {
-        if (self) self->m_find->showCount(result.numberOfMatches());
-    });
+    m_view->page()->findText(wanted, flags, m_life.guard([this](const QWebEngineFindTextResult &result) {
+        m_find->showCount(result.numberOfMatches());
+    }));
 }
 
 // What was searched for in the notebook is what "Find Next" goes on with.
@@ -85,9 +84,9 @@ void DocumentPane::showTerm(const QString &term)
     const auto highlight = [this, term] { m_view->page()->findText(term); };
     if (m_isLoading) connect(m_view->page(), &QWebEnginePage::loadFinished, this, highlight, Qt::SingleShotConnection);
     else
-        m_view->page()->runJavaScript(QStringLiteral("0"), 1, [self = QPointer(this), highlight](const QVariant &) {
-            if (self) highlight(); // the page's new content has come by now
-        });
+        m_view->page()->runJavaScript(QStringLiteral("0"), 1, m_life.guard([highlight](const QVariant &) {
+            highlight(); // the page's new content has come by now
+        }));
 }
 
 void DocumentPane::replaceFound()
@@ -120,13 +119,13 @@ void DocumentPane::count()
     if (!showsText() && !isPage) return m_counts->hide();
     const QString selected = showsText() ? m_text->selectedText() : QString();
     const QString text = !selected.isEmpty() ? selected : showsText() ? m_text->documentText() : m_view->innerText();
-    queue.add([text, self = QPointer(this), number = ++m_countNumber] {
+    const auto show = m_life.guard([this, number = ++m_countNumber](qlonglong words, qsizetype characters) {
+        if (m_countNumber == number) showCounts(words, characters);
+    });
+    queue.add([text, show] {
         const qlonglong words = tm_wordCount(text);
         QMetaObject::invokeMethod(
-            QCoreApplication::instance(),
-            [self, number, words, characters = text.size()] {
-                if (self && self->m_countNumber == number) self->showCounts(words, characters);
-            },
+            QCoreApplication::instance(), [show, words, characters = text.size()] { show(words, characters); },
             Qt::QueuedConnection);
     });
 }

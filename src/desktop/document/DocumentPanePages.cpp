@@ -19,7 +19,6 @@
 #include <QEvent>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QPointer>
 #include <QStackedWidget>
 #include <QWebEnginePage>
 
@@ -67,11 +66,10 @@ void DocumentPane::layOutMore()
 {
     if (!m_isLong) return;
     if (m_isLoading) return m_layOut.start(layOutDelay);
-    m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1,
-                                  [self = QPointer(this)](const QVariant &more) {
-                                      if (self && more.toBool()) self->m_layOut.start(layOutPause);
-                                      else if (self) self->m_view->readText();
-                                  });
+    m_view->page()->runJavaScript(QStringLiteral("tmLongPage.goOn()"), 1, m_life.guard([this](const QVariant &more) {
+        if (more.toBool()) m_layOut.start(layOutPause);
+        else m_view->readText();
+    }));
 }
 
 // While Markdown is shown as text its page gets a place to come to, so that the person does not wait for the engine.
@@ -199,12 +197,11 @@ void DocumentPane::toggleView()
                                           " top = document.elementFromPoint(innerWidth / 2, y)?.closest(%1);"
                                           "top ? top.innerText : ''; }")
                                .arg(paragraphs);
-    m_view->page()->runJavaScript(script, 1, [self = QPointer(this)](const QVariant &paragraph) {
-        if (!self) return;
-        self->m_paragraphOnTop = paragraph.toString();
-        self->m_controller.tm_togglePlainTextAndFormattedView();
-        self->beginEditing();
-    });
+    m_view->page()->runJavaScript(script, 1, m_life.guard([this](const QVariant &paragraph) {
+        m_paragraphOnTop = paragraph.toString();
+        m_controller.tm_togglePlainTextAndFormattedView();
+        beginEditing();
+    }));
 }
 
 } // namespace tomelet::desktop

@@ -79,28 +79,29 @@ void TMLTWebView::takePage(const QString &page)
 
 void TMLTWebView::start(const QString &script)
 {
-    page()->runJavaScript(script, editorWorld, [self = QPointer(this), number = m_page](const QVariant &answer) {
-        if (!self || self->m_page != number || self->m_ready) return;
+    const auto take = [this, number = m_page](const QVariant &answer) {
+        if (m_page != number || m_ready) return;
         const QVariantMap start = answer.toMap();
         if (!start.contains(QStringLiteral("html"))) return;
-        self->m_parts.clear();
-        self->m_html = start.value(QStringLiteral("html")).toString();
-        self->m_text = start.value(QStringLiteral("text")).toString();
-        self->m_hasSteps = start.value(QStringLiteral("hasSteps")).toBool();
-        self->m_ready = true;
-        Q_EMIT self->ready();
-        if (self->m_beginsWhenReady) Q_EMIT self->editingWanted(false);
-    });
+        m_parts.clear();
+        m_html = start.value(QStringLiteral("html")).toString();
+        m_text = start.value(QStringLiteral("text")).toString();
+        m_hasSteps = start.value(QStringLiteral("hasSteps")).toBool();
+        m_ready = true;
+        Q_EMIT ready();
+        if (m_beginsWhenReady) Q_EMIT editingWanted(false);
+    };
+    page()->runJavaScript(script, editorWorld, m_life.guard(take));
 }
 
 void TMLTWebView::readText()
 {
-    page()->runJavaScript(QStringLiteral("window.tm?.text()"), editorWorld,
-                          [self = QPointer(this), number = m_page](const QVariant &text) {
-                              if (!self || self->m_page != number || !self->m_ready || !self->m_parts.isEmpty()) return;
-                              self->m_text = text.toString();
-                              Q_EMIT self->ready();
-                          });
+    const auto take = [this, number = m_page](const QVariant &text) {
+        if (m_page != number || !m_ready || !m_parts.isEmpty()) return;
+        m_text = text.toString();
+        Q_EMIT ready();
+    };
+    page()->runJavaScript(QStringLiteral("window.tm?.text()"), editorWorld, m_life.guard(take));
 }
 
 void TMLTWebView::beginEditing(bool keepsContentsTable)
@@ -123,10 +124,10 @@ void TMLTWebView::ask(const QString &script, std::function<void()> then)
 {
     if (!m_editing) return;
     page()->runJavaScript(script, editorWorld,
-                          [self = QPointer(this), number = m_page, then = std::move(then)](const QVariant &answer) {
-                              if (self && self->m_page == number) self->take(answer.toMap());
-                              if (self && then) then();
-                          });
+                          m_life.guard([this, number = m_page, then = std::move(then)](const QVariant &answer) {
+                              if (m_page == number) take(answer.toMap());
+                              if (then) then();
+                          }));
 }
 
 // A script that failed answers nothing, and nothing happened.
@@ -203,13 +204,13 @@ void TMLTWebView::waitForPage()
 void TMLTWebView::lookForBox(const QString &place)
 {
     page()->runJavaScript(boxesScript() + QStringLiteral("tmBoxes.told") + place, editorWorld,
-                          [self = QPointer(this), number = m_page](const QVariant &answer) {
+                          m_life.guard([this, number = m_page](const QVariant &answer) {
                               const QVariantMap box = answer.toMap();
-                              if (!self || self->m_page != number || box.isEmpty()) return;
-                              Q_EMIT self->boxClicked({box.value(QStringLiteral("number")).toLongLong(),
-                                                       box.value(QStringLiteral("count")).toLongLong(),
-                                                       box.value(QStringLiteral("done")).toBool()});
-                          });
+                              if (m_page != number || box.isEmpty()) return;
+                              Q_EMIT boxClicked({box.value(QStringLiteral("number")).toLongLong(),
+                                                 box.value(QStringLiteral("count")).toLongLong(),
+                                                 box.value(QStringLiteral("done")).toBool()});
+                          }));
 }
 
 } // namespace tomelet::desktop

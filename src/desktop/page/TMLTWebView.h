@@ -3,6 +3,7 @@
 // last told of itself at hand, as scripts in a page answer in their own time.
 #pragma once
 
+#include "desktop/Lifetime.h"
 #include "editor/PageBoxes.h"
 #include "editor/PageParts.h"
 
@@ -127,6 +128,7 @@ private:
     QString m_hovered;
     QTimer m_afterInput; // lets the page take the input before it is asked
     QTimer m_watch;      // for what no key tells, such as the menu of the page
+    Lifetime m_life;
 };
 
 } // namespace tomelet::desktop

@@ -11,7 +11,6 @@
 #include <QDropEvent>
 #include <QMenu>
 #include <QMimeData>
-#include <QPointer>
 #include <QRegularExpression>
 #include <QWebEngineContextMenuRequest>
 #include <QWebEnginePage>
@@ -119,10 +118,10 @@ bool TMLTWebView::mouseReleased(const QMouseEvent &event)
     if (!m_mayBeEdited) return lookForBox(place), false;
     if (m_editing && event.modifiers() == Qt::ControlModifier) {
         page()->runJavaScript(QStringLiteral("tm.linkAt") + place, editorWorld,
-                              [self = QPointer(this)](const QVariant &address) {
+                              m_life.guard([this](const QVariant &address) {
                                   const QUrl url(address.toString());
-                                  if (self && !url.isEmpty()) Q_EMIT self->linkWanted(url);
-                              });
+                                  if (!url.isEmpty()) Q_EMIT linkWanted(url);
+                              }));
         return false;
     }
     if (!m_editing) Q_EMIT editingWanted(!m_hovered.isEmpty());
