@@ -152,15 +152,14 @@ void sortRows(QList<QVariantMap> &rows, const QString &parameter, bool descendin
     const bool newAtTop = settings().boolean(QStringLiteral("manualSortNewAtTop"));
     const bool numeric = settings().boolean(QStringLiteral("useNumericOrder"));
 
+    // Names settle the ties of every other order.
     RowOrder order(rows);
-    if (custom)
+    order.sortBy([numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
+                 byTitle && descending);
+    if (custom) {
         order.sortBy([](const QVariantMap &row) { return dateKey(row, QStringLiteral("creationDate")); }, newAtTop);
-    else
-        order.sortBy([numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
-                     byTitle && descending);
-    if (custom)
         order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("custom")).toString(); }, false);
-    else if (!byTitle && (parameter == u"modDate" || parameter == u"DueDate" || parameter == u"creationDate"))
+    } else if (!byTitle && (parameter == u"modDate" || parameter == u"DueDate" || parameter == u"creationDate"))
         order.sortBy([&](const QVariantMap &row) { return dateKey(row, parameter); }, descending);
     if (!custom)
         order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("pinnedSequence")).toLongLong(); },

@@ -87,11 +87,13 @@ void tm_showDueDateDialogForItems(const QStringList &items, const DueDateDialog 
 {
     if (items.isEmpty()) return;
     DueDateChoice choice = startOfDueDateDialog(items);
+    // Who goes from a rule to "Don't Repeat" means it; without a rule to begin with, the other items keep theirs.
+    const bool hadRule = !choice.repeatDetails.isEmpty();
     const int button = dialog(dueDateQuestion(), choice);
     for (const QString &item : items) {
         if (button == 0) {
             const QDateTime date = withoutMidnightAlert(choice.date);
-            if (!choice.repeatDetails.isEmpty()) tm_setRepeatDetails(item, choice.repeatDetails);
+            if (hadRule || !choice.repeatDetails.isEmpty()) tm_setRepeatDetails(item, choice.repeatDetails);
             later("tm_setDueDate", item, 300ms, [item, date] { tm_setDueDate(item, date); });
         } else if (button == 1) {
             later("tm_clearDueDate", item, 400ms, [item] { tm_clearDueDate(item); });
