@@ -5,7 +5,7 @@
 // counted.
 //
 // Sixty tasks every few days are what a run of all tests has time for. TOMELET_FULL_YEAR=1 makes it a thousand tasks
-// day by day, with due list and reminders compared after each single change: five minutes.
+// day by day, with due list and reminders compared after each single change: ten minutes.
 #include "tests/organising/Tasklist.h"
 
 #include "library/ItemOperations.h"
