@@ -32,10 +32,12 @@ bool QuietSelection::eventFilter(QObject *watched, QEvent *event)
 {
     switch (event->type()) {
     case QEvent::FocusIn: show(true); break;
-    case QEvent::FocusOut:
-        // The menu of a row stands for the row.
-        if (static_cast<QFocusEvent *>(event)->reason() != Qt::PopupFocusReason) show(false);
+    case QEvent::FocusOut: {
+        // A menu is about what is selected.
+        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::MenuBarFocusReason) show(false);
         break;
+    }
     case QEvent::ApplicationPaletteChange: show(m_view->hasFocus()); break;
     default: break;
     }
