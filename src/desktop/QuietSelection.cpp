@@ -3,7 +3,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
-#include <QFocusEvent>
+#include <QMenuBar>
 #include <QPalette>
 #include <QStyleOptionViewItem>
 
@@ -25,22 +25,17 @@ QuietSelection::QuietSelection(QAbstractItemView *view)
     , m_view(view)
 {
     view->installEventFilter(this);
+    // A menu is about what is selected, and another program takes no keys from here for good.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
+        if (now && !qobject_cast<QMenuBar *>(now)) show(m_view->isAncestorOf(now));
+    });
     show(view->hasFocus());
 }
 
 bool QuietSelection::eventFilter(QObject *watched, QEvent *event)
 {
-    switch (event->type()) {
-    case QEvent::FocusIn: show(true); break;
-    case QEvent::FocusOut: {
-        // A menu is about what is selected.
-        const Qt::FocusReason reason = static_cast<QFocusEvent *>(event)->reason();
-        if (reason != Qt::PopupFocusReason && reason != Qt::MenuBarFocusReason) show(false);
-        break;
-    }
-    case QEvent::ApplicationPaletteChange: show(m_view->hasFocus()); break;
-    default: break;
-    }
+    // Before the program runs nobody is told of a new palette.
+    if (event->type() == QEvent::Show || event->type() == QEvent::ApplicationPaletteChange) show(m_view->hasFocus());
     return QObject::eventFilter(watched, event);
 }
 
@@ -55,8 +50,9 @@ void QuietSelection::show(bool focused)
 
 bool isHighlighted(const QStyleOptionViewItem &option)
 {
+    const auto highlight = [](const QPalette &palette) { return palette.color(QPalette::Active, QPalette::Highlight); };
     return option.state.testFlag(QStyle::State_Selected) &&
-           option.palette.color(QPalette::Highlight) != quietHighlight(option.palette);
+           highlight(option.palette) == highlight(QApplication::palette(option.widget));
 }
 
 } // namespace tomelet::desktop
