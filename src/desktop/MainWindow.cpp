@@ -4,6 +4,7 @@
 #include "desktop/WelcomePane.h"
 #include "desktop/actions/TaskActions.h"
 #include "desktop/document/DocumentDesk.h"
+#include "desktop/document/DocumentHeader.h"
 #include "desktop/document/DocumentPane.h"
 #include "desktop/document/InfoPanel.h"
 #include "desktop/list/DocumentListModel.h"
@@ -473,6 +474,12 @@ void MainWindow::focusNextPane(int step)
     QWidget *next = panes[(at + step + panes.size()) % panes.size()];
     if (next == m_list) focusList();
     else next->setFocus(Qt::TabFocusReason);
+}
+
+// A pane hands the focus on to its text, which leaves out the header above it.
+bool MainWindow::focusNextPrevChild(bool next)
+{
+    return (next && m_list->hasFocus() && document()->header()->focusFirst()) || QMainWindow::focusNextPrevChild(next);
 }
 
 static const QString geometryKey = QStringLiteral("mainWindowGeometry");

@@ -137,6 +137,7 @@ private:
     [[nodiscard]] QStringList selectedDocuments() const;
     void focusList();
     void focusNextPane(int step);
+    bool focusNextPrevChild(bool next) override;
     void showListMenu(const QPoint &position);
     void showOutlineMenu(const QPoint &position);
 

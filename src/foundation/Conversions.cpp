@@ -7,6 +7,7 @@
 #include <QJsonObject>
 
 #include <cmath>
+#include <limits>
 
 namespace tomelet {
 
@@ -53,7 +54,9 @@ qlonglong integerFromVariant(const QVariant &value)
     if (value.typeId() == QMetaType::QString) return leadingNumber(value.toString(), false).toLongLong();
     if (value.typeId() == QMetaType::Double) {
         const double number = value.toDouble();
-        return std::abs(number) < 9e18 ? static_cast<qlonglong>(number) : 0;
+        if (std::abs(number) < 9.2e18) return static_cast<qlonglong>(number);
+        using Limits = std::numeric_limits<qlonglong>;
+        return number > 0 ? Limits::max() : number < 0 ? Limits::min() : 0;
     }
     return value.toLongLong();
 }
@@ -115,6 +118,9 @@ QVariant variantFromJson(const QJsonValue &value)
 {
     switch (value.type()) {
     case QJsonValue::Double: {
+        // Whole numbers are kept to the last digit: the place of what is not pinned is the largest there is.
+        const QVariant plain = value.toVariant();
+        if (plain.typeId() == QMetaType::LongLong) return plain;
         const double number = value.toDouble();
         if (std::abs(number) < 9e15 && number == std::floor(number)) return value.toInteger();
         return number;

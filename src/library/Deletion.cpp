@@ -35,11 +35,15 @@ public:
     void remove(const QString &path)
     {
         const QString plist = tm_plistPath(path);
+        const bool isBook = pathIsPlainBook(path);
         const bool hasPlist = !isFolder(path) && itemExists(plist);
+        const QVariantMap task = organiser().taskRecordOf(path);
         if (!take(path)) {
             m_result.failed.append(path);
             return;
         }
+        m_result.records.last().task = task;
+        if (isBook) organiser().verifyTasklists();
         organiser().contextsFollow(path, {});
         if (hasPlist) take(plist);
         followInbox(path, {});
@@ -52,14 +56,14 @@ private:
     {
         if (!m_permanently) {
             if (const auto where = platform().trash->take(path)) {
-                m_result.records.append({path, *where});
+                m_result.records.append({path, *where, {}});
                 return true;
             }
             if (!itemExists(path) || !mayDeleteForGood()) return false;
         }
         if (!removeItem(path)) return false;
         m_result.permanent = true;
-        m_result.records.append({path, {}});
+        m_result.records.append({path, {}, {}});
         return true;
     }
 
@@ -91,8 +95,13 @@ QList<DeletionRecord> undoLastDelete(const QList<DeletionRecord> &records)
     QList<DeletionRecord> left;
     for (const DeletionRecord &record : records) {
         if (record.trashURL.isEmpty()) continue;
-        if (!platform().trash->restore(record.trashURL, record.orgURL)) left.append(record);
-        else notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), record.orgURL);
+        if (!platform().trash->restore(record.trashURL, record.orgURL)) {
+            left.append(record);
+            continue;
+        }
+        if (!record.task.isEmpty()) organiser().taskIsBack(record.orgURL, record.task);
+        if (pathIsPlainBook(record.orgURL)) organiser().verifyTasklists();
+        notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), record.orgURL);
     }
     return left;
 }
@@ -108,8 +117,9 @@ void storeLastDeletion(const QList<DeletionRecord> &records)
     QVariantList list;
     for (const DeletionRecord &record : records)
         if (!record.trashURL.isEmpty())
-            list.append(
-                QVariantMap{{QStringLiteral("orgURL"), record.orgURL}, {QStringLiteral("trashURL"), record.trashURL}});
+            list.append(QVariantMap{{QStringLiteral("orgURL"), record.orgURL},
+                                    {QStringLiteral("trashURL"), record.trashURL},
+                                    {QStringLiteral("task"), record.task}});
     writeStore(recordsFile(), list);
 }
 
@@ -118,8 +128,8 @@ QList<DeletionRecord> lastDeletion()
     QList<DeletionRecord> records;
     for (const QVariant &entry : readArray(recordsFile())) {
         const QVariantMap map = entry.toMap();
-        records.append(
-            {map.value(QStringLiteral("orgURL")).toString(), map.value(QStringLiteral("trashURL")).toString()});
+        records.append({map.value(QStringLiteral("orgURL")).toString(),
+                        map.value(QStringLiteral("trashURL")).toString(), map.value(QStringLiteral("task")).toMap()});
     }
     return records;
 }

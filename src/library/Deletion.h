@@ -14,6 +14,7 @@ struct DeletionRecord
 {
     QString orgURL;
     QString trashURL;
+    QVariantMap task; ///< its task record, which the next recount of its book takes away
 };
 
 struct Deletion

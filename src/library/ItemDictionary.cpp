@@ -2,6 +2,7 @@
 #include "library/ItemDictionary.h"
 
 #include "foundation/Collation.h"
+#include "foundation/Conversions.h"
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/PropertyStore.h"
@@ -10,6 +11,7 @@
 #include "library/Properties.h"
 
 #include <algorithm>
+#include <limits>
 #include <numeric>
 
 namespace tomelet {
@@ -132,7 +134,8 @@ private:
 
 qint64 dateKey(const QVariantMap &row, const QString &key)
 {
-    return row.value(key).toDateTime().toMSecsSinceEpoch();
+    const QDateTime date = row.value(key).toDateTime();
+    return date.isValid() ? date.toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
 }
 
 // Rows that were made elsewhere may have no path.
@@ -152,19 +155,19 @@ void sortRows(QList<QVariantMap> &rows, const QString &parameter, bool descendin
     const bool newAtTop = settings().boolean(QStringLiteral("manualSortNewAtTop"));
     const bool numeric = settings().boolean(QStringLiteral("useNumericOrder"));
 
+    // Names settle the ties of every other order.
     RowOrder order(rows);
-    if (custom)
+    order.sortBy([numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
+                 byTitle && descending);
+    if (custom) {
         order.sortBy([](const QVariantMap &row) { return dateKey(row, QStringLiteral("creationDate")); }, newAtTop);
-    else
-        order.sortBy([numeric](const QVariantMap &row) { return nameSortKey(nameOf(row), numeric); },
-                     byTitle && descending);
-    if (custom)
         order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("custom")).toString(); }, false);
-    else if (!byTitle && (parameter == u"modDate" || parameter == u"DueDate" || parameter == u"creationDate"))
+    } else if (!byTitle && (parameter == u"modDate" || parameter == u"DueDate" || parameter == u"creationDate"))
         order.sortBy([&](const QVariantMap &row) { return dateKey(row, parameter); }, descending);
     if (!custom)
-        order.sortBy([](const QVariantMap &row) { return row.value(QStringLiteral("pinnedSequence")).toLongLong(); },
-                     false);
+        order.sortBy(
+            [](const QVariantMap &row) { return integerFromVariant(row.value(QStringLiteral("pinnedSequence"))); },
+            false);
     rows = order.sorted();
 }
 

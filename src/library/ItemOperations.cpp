@@ -74,6 +74,7 @@ bool tm_copyItemToPath(const QString &path, const QString &target)
         tm_copyEmbeddedPhotosToPath(path, target);
     }
     organiser().taskIsCopied(path, target);
+    if (pathIsPlainBook(target)) organiser().verifyTasklists();
     notifications().postPath(QStringLiteral("TMLTHandleFileModificationInstantly"), target);
     return true;
 }

@@ -46,6 +46,9 @@ public:
     virtual void contextsFollow(const QString &, const QString &) {}
     virtual void taskFollows(const QString &, const QString &) {}
     virtual void taskIsCopied(const QString &, const QString &) {}
+    /// The item's task record, empty for none, and its way back after the item was deleted.
+    [[nodiscard]] virtual QVariantMap taskRecordOf(const QString &) { return {}; }
+    virtual void taskIsBack(const QString &, const QVariantMap &) {}
     /// All links to and from a moved book or document.
     virtual void linksFollow(const QString &, const QString &) {}
 

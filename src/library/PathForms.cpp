@@ -130,34 +130,29 @@ QString tm_escapeIllegalCharacters(const QString &name)
     return begin == end ? escaped : escaped.mid(begin, end - begin);
 }
 
-// File systems hold names of at most 255 bytes; the property file's ".plist" must fit behind the name too.
-static QString cutToBytes(const QString &stem, qsizetype bytes)
+QString stemThatFits(const QString &stem, const QString &tail)
 {
+    // File systems hold names of at most 255 bytes; the property file's ".plist" must fit behind the name too.
+    static constexpr qsizetype longestName = 255 - 6;
+    const qsizetype bytes = std::max<qsizetype>(0, longestName - tail.toUtf8().size());
     QString cut = stem;
     while (cut.toUtf8().size() > bytes) cut.chop(cut.back().isLowSurrogate() ? 2 : 1);
     return cut;
 }
 
-static QString numberedFileName(const QString &name, const QString &number)
+QString safeFileName(const QString &name, qulonglong number)
 {
-    static constexpr qsizetype longestName = 255 - 6;
     const QString extension = pathExtension(name);
     const QString ending = extension.isEmpty() ? QString() : u'.' + extension;
     const QString stem = tm_escapeIllegalCharacters(ending.isEmpty() ? name : name.chopped(ending.size()));
-    const QString tail = number + ending;
-    return cutToBytes(stem, longestName - tail.toUtf8().size()) + tail;
-}
-
-QString safeFileName(const QString &name)
-{
-    return numberedFileName(name, {});
+    const QString tail = number == 0 ? ending : QStringLiteral(" %1").arg(number) + ending;
+    return stemThatFits(stem, tail) + tail;
 }
 
 QString tm_uniqueNameForFileatPath(const QString &name, const QString &folder)
 {
     QString path = joinPath(folder, safeFileName(name));
-    for (qulonglong count = 1; itemExists(path); ++count)
-        path = joinPath(folder, numberedFileName(name, QStringLiteral(" %1").arg(count)));
+    for (qulonglong count = 1; itemExists(path); ++count) path = joinPath(folder, safeFileName(name, count));
     return path;
 }
 

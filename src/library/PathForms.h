@@ -28,8 +28,10 @@ namespace tomelet {
 
 /// A name that every file system takes: / \ : ? * < > " | & become "-", runs of "-" one, ends are trimmed.
 [[nodiscard]] QString tm_escapeIllegalCharacters(const QString &name);
-/// The name that a new file of that name gets where no other is in its way.
-[[nodiscard]] QString safeFileName(const QString &name);
+/// The stem, cut so that it makes a name of at most 255 bytes with the tail and that of its property file behind it.
+[[nodiscard]] QString stemThatFits(const QString &stem, const QString &tail);
+/// The name that a new file of that name gets where no other is in its way; with a number behind its stem above 0.
+[[nodiscard]] QString safeFileName(const QString &name, qulonglong number = 0);
 /// A free path in the folder for a file of that name: "a.md", else "a 1.md", "a 2.md" and so on. A stem that would
 /// make the name longer than 255 bytes is cut.
 [[nodiscard]] QString tm_uniqueNameForFileatPath(const QString &name, const QString &folder);

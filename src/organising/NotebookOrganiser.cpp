@@ -65,6 +65,11 @@ public:
     {
         if (const auto record = tm_getAllTaskDetails(path)) tm_setTaskDetails(target, *record);
     }
+    QVariantMap taskRecordOf(const QString &path) override { return tm_getAllTaskDetails(path).value_or(TaskRecord()); }
+    void taskIsBack(const QString &path, const QVariantMap &record) override
+    {
+        if (!tm_getAllTaskDetails(path)) tm_setTaskDetails(path, record);
+    }
     void taskStoreChanged(const QString &store) override { tm_taskPlistChangedAtPath(store); }
     void tasklistsChanged(const QString &added, const QString &removed) override
     {

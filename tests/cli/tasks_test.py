@@ -111,6 +111,23 @@ class Tasks(World):
         self.assertNotIn("gone.md", self.plist("/L/TMTasklistDetails.plist"))
 
 
+    def test_orders_of_rows_and_books(self):
+        last = 2 ** 63 - 1
+        rows = [{"path": "/b", "modDate": "2026-01-02T00:00:00Z", "pinnedSequence": last},
+                {"path": "/a", "modDate": "2026-01-01T00:00:00Z", "pinnedSequence": float(last)},
+                {"path": "/undated", "pinnedSequence": last},
+                {"path": "/pinned", "modDate": "2026-01-01T00:00:00Z", "pinnedSequence": 0}]
+        answers = self.ops(["tm_sortByParameter", rows, "modDate", False], ["selectSortOrder", "/L", 2],
+                           ["selectSortOrder", "/L", 4], ["$set", "hideDoneTasks", True],
+                           ["tm_setTaskDetails", "/L/a.md", {"State": "done"}],
+                           ["updateEmptyBookIndicatorText", "/L"], ["tm_todayMidnight", ""])
+        self.assertEqual([row["path"] for row in answers[0]["result"]], ["/pinned", "/undated", "/a", "/b"])
+        self.assertEqual(answers[0]["result"][1]["pinnedSequence"], last)
+        self.assertEqual(self.plist("/L/BookProperties.plist"),
+                         {"sortOrderForNotes": "modDate", "sortNotesDescending": "YES"})
+        self.assertEqual(answers[5]["result"].split("\n")[0], " 1 Done Tasks")
+
+
 class Watch(World):
     def test_ends_in_order_and_recounts_what_others_wrote(self):
         self.write("/L/a.md")

@@ -143,6 +143,12 @@ TEST_F(Desktop, theListShowsBooksWhileTheOutlineIsHidden)
     data.reset(dragDataFor({at(QStringLiteral("/A/two.md"))}));
     list->dropMimeData(data.get(), Qt::MoveAction, 1, 0, {});
     EXPECT_EQ(documents(), QStringLiteral("Inner two three"));
+    // By the keys: one place, and no further than the ends.
+    const QString two = at(QStringLiteral("/A/two.md"));
+    for (const int step : {1, 1}) list->moveByOne({two}, step);
+    EXPECT_EQ(documents(), QStringLiteral("Inner three two"));
+    for (const int step : {-1, -1}) list->moveByOne({two, at(QStringLiteral("/A/Inner"))}, step);
+    EXPECT_EQ(documents(), QStringLiteral("Inner two three"));
 
     list->show({root, OrdinaryBook, {}});
     EXPECT_EQ(documents(), QStringLiteral("Recent Items Recently Modified A B C"));

@@ -5,6 +5,8 @@
 
 #include "desktop/actions/ItemActions.h"
 #include "desktop/actions/TaskActions.h"
+#include "desktop/document/ContextsField.h"
+#include "desktop/document/DocumentHeader.h"
 #include "desktop/list/DocumentDelegate.h"
 #include "desktop/list/DocumentListModel.h"
 #include "desktop/list/DocumentListView.h"
@@ -269,6 +271,14 @@ TEST_F(DesktopTasks, dueDatesAreSetClearedAndUndone)
     EXPECT_FALSE(hasDueDate(a));
     redo();
     EXPECT_EQ(tm_dueDateForTask(a), morning);
+    // From a rule to none, by the dialog.
+    chooseDueDates(actions, {a}, answer(0, {}));
+    settle();
+    EXPECT_FALSE(tm_repeatDetails(a));
+    undo();
+    EXPECT_EQ(tm_repeatDetails(a), rule);
+    redo();
+    EXPECT_FALSE(tm_repeatDetails(a));
 }
 
 TEST_F(DesktopTasks, tasklistsComeAndGoWithTheirRecords)
@@ -317,4 +327,44 @@ TEST_F(DesktopTasks, outlineCountsWhatTheCoreCounts)
     ASSERT_TRUE(overdue.wait(5000));
     EXPECT_EQ(overdue.last().first().toLongLong(), 0);
     EXPECT_EQ(badgeOf(*TMLTOutlineItem::childAtPath(list)), (Badge{3, 0, true}));
+}
+
+// -- the keys ---------------------------------------------------------------------------------------------------------
+
+TEST_F(DesktopTasks, theKeysAreSeenToGoSomewhere)
+{
+    const auto highlight = [](const QWidget &widget) {
+        return widget.palette().color(QPalette::Active, QPalette::Highlight);
+    };
+    const auto standard = [] { return QApplication::palette().color(QPalette::Active, QPalette::Highlight); };
+    QWidget window;
+    DocumentListView first(&window);
+    DocumentListView second(&window);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    first.setFocus();
+    EXPECT_EQ(highlight(first), standard());
+    EXPECT_NE(highlight(second), standard());
+    second.setFocus();
+    EXPECT_NE(highlight(first), standard()) << "the selection is grey where the keys do not go";
+    EXPECT_EQ(highlight(second), standard());
+}
+
+TEST_F(DesktopTasks, headerTakesTheKeysFromItsFirstField)
+{
+    DocumentHeader header(actions);
+    header.show();
+    header.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&header));
+    header.setDocument(task(QStringLiteral("a.md")), false);
+    ASSERT_TRUE(header.focusFirst());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
+    EXPECT_EQ(state(at(QStringLiteral("/List/a.md"))), u"started");
+    header.setDocument(write(QStringLiteral("/Plain/a.md")), false);
+    EXPECT_FALSE(header.focusFirst()) << "no task and no contexts";
+    settings().setObject(QStringLiteral("contextsEnabled"), true);
+    header.setDocument(write(QStringLiteral("/Plain/b.md")), false);
+    ASSERT_TRUE(header.focusFirst());
+    EXPECT_EQ(QApplication::focusWidget(), header.contextsField());
 }

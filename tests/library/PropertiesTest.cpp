@@ -180,6 +180,9 @@ TEST_F(Properties, rowOrders)
     EXPECT_EQ(order("custom", true), QStringLiteral("A b9 a b10"));
     settings().setObject(QStringLiteral("manualSortNewAtTop"), true);
     EXPECT_EQ(order("custom", false), QStringLiteral("A b9 b10 a"));
+    QList<QVariantMap> level{row("c", 1, "9000"), row("b", 1, "9000"), row("a", 1, "9000")};
+    sortRows(level, QStringLiteral("custom"), false);
+    EXPECT_EQ(level.first().value(QStringLiteral("path")), QStringLiteral("/b/a")) << "names settle ties";
 }
 
 TEST_F(Properties, rowsOfItems)

@@ -142,6 +142,21 @@ TEST_F(DueDates, whenDoneCountsFromTheDayOfFinishing)
         << "hours count from this very minute";
 }
 
+TEST_F(DueDates, copyOfALongNameKeepsItsStamp)
+{
+    const QString item = task(QString(110, QChar(0xfc)) + QStringLiteral(".md"));
+    for (const char *stamp : {"Nov 21, 2026, 12.00", "Nov 21, 2026, 12.01"}) {
+        tm_setRepeatDetails(item, {QStringLiteral("when due"), QStringLiteral("day"), QStringLiteral("1")});
+        tm_setDueDate(item, now().addDays(-1));
+        for (int i = 0; i < 2; ++i) tm_toggleTask(item);
+        drainPendingWork();
+        const QStringList found = names(QStringLiteral("/List")).filter(QString::fromLatin1(stamp));
+        ASSERT_EQ(found.size(), 1) << stamp;
+        EXPECT_TRUE(found.first().endsWith(u".md") && found.first().toUtf8().size() <= 249);
+        platform().clock.fix(now().addSecs(60));
+    }
+}
+
 TEST_F(DueDates, noCopyWhenItIsNoLongerDone)
 {
     const QString item = repeating("2026-11-18T08:00:00Z", "when due", "day", 1);
@@ -163,6 +178,8 @@ TEST_F(DueDates, settingAndClearing)
     EXPECT_EQ(counters(), u"0 0");
     tm_setDueDate(item, utc(QStringLiteral("0001-01-01T00:00:59Z")));
     EXPECT_EQ(tm_dueDateForTask(item), farPast());
+    tm_setDueDate(item, utc(QStringLiteral("1970-01-01T00:00:00Z")).addMSecs(-500));
+    EXPECT_EQ(tm_dueDateForTask(item), utc(QStringLiteral("1969-12-31T23:59:00Z")));
     tm_setDueDate(item, QDateTime());
     tm_setRepeatDetails(item, {QStringLiteral("when due"), QStringLiteral("week"), QStringLiteral("2")});
     EXPECT_EQ(tm_readableRepeatDetails(item), u"Every 2 weeks");
@@ -243,6 +260,10 @@ TEST_F(DueDates, dialog)
     const DueDateChoice start = answer(0, {now(), {}});
     EXPECT_EQ(start.date, midnight);
     EXPECT_EQ(start.repeatDetails, weekly);
+    EXPECT_EQ(tm_readableRepeatDetails(item) + tm_readableRepeatDetails(other), u"------") << "told not to repeat";
+    tm_setRepeatDetails(other, weekly);
+    (void)answer(0, {now(), {}});
+    EXPECT_EQ(tm_repeatDetails(other), weekly) << "nobody spoke of its rule";
     EXPECT_EQ(answer(2, {}).date, now());
     clearAlerts({item});
     EXPECT_EQ(tm_dueDateForTask(item), midnight.addSecs(60));

@@ -180,6 +180,19 @@ TEST_F(Listing, ResultsSurviveAndLeaveOutWhatIsGone)
     EXPECT_EQ(titlesOf(list), QStringList{u"b.md"_s});
 }
 
+TEST_F(Listing, FilterFindsNamesInEitherNormalForm)
+{
+    const QStringList names{u"\u00dcbung.md"_s, u"U\u0308bersicht.md"_s};
+    for (const QString &name : names) write(u'/' + name);
+    TMLTDocumentListViewController list;
+    list.setSource({root, OrdinaryBook, {}});
+    for (const QString &filter : {u"\u00fcb"_s, u"u\u0308B"_s}) {
+        list.searchFilter = filter;
+        list.getDocumentsInFolder();
+        EXPECT_EQ(list.documentsList.size(), 2) << filter.toStdString();
+    }
+}
+
 TEST_F(Listing, MovesOrphanedPropertyFilesToTheTrash)
 {
     write(u"/Here.md"_s);

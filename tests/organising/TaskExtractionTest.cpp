@@ -109,6 +109,24 @@ TEST_F(TaskExtraction, targets)
     EXPECT_EQ(extracted(QStringLiteral("\n- [ ] b"), document, ExtractMarked), u"Plain/Doc/b.txt");
 }
 
+TEST_F(TaskExtraction, twiceMakesNothingNewUnderAnyName)
+{
+    const QString document = task(QStringLiteral("Doc.md"));
+    const QString text = QStringLiteral("x\naa\n\nx\nbb\n\nx\naa");
+    EXPECT_EQ(extracted(text, document, ExtractParagraphs), u"List/x.txt,List/x 1.txt");
+    EXPECT_EQ(extracted(text, document, ExtractParagraphs), QString());
+}
+
+TEST_F(TaskExtraction, bookThatCannotBeMadeCostsNothing)
+{
+    const QString document = write(QStringLiteral("/Plain/README"), "kept");
+    for (const int mode : {0, 1, 4, 7})
+        EXPECT_EQ(extracted(QStringLiteral("line\n- [ ] a"), document, mode, true), QString()) << mode;
+    EXPECT_EQ(extracted({}, document, ExtractLines, true), QString());
+    EXPECT_EQ(read(QStringLiteral("/Plain/README")), "kept");
+    EXPECT_EQ(extracted(QStringLiteral("line"), document, ExtractLines), u"Plain/line.txt");
+}
+
 TEST_F(TaskExtraction, commands)
 {
     const QString page = write(QStringLiteral("/List/Page.html"),

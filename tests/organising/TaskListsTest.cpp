@@ -60,6 +60,9 @@ TEST_F(TaskLists, threeWaysToTheList)
     setNow(QStringLiteral("2026-11-21T11:00:02Z"));
     updateListOfTasklists();
     EXPECT_EQ(listed(), u"/B/C /List");
+    tm_resetTasklist(at(QStringLiteral("/B")));
+    EXPECT_EQ(listed(), u"/B/C /List /B") << "a reset makes a tasklist where there was none";
+    tm_toggleTasklistKeepingDetails(at(QStringLiteral("/B")), false);
     platform().rootOverride = at(QStringLiteral("/B"));
     EXPECT_EQ(knownTasklists().join(u' '), u"/C") << "another notebook has other tasklists";
     EXPECT_EQ(listed(), u"/B/C /List");
@@ -180,7 +183,12 @@ TEST_F(TaskLists, defaultOrderOfATasklist)
     EXPECT_EQ(titles.join(u','), u"no task,due,due later,without a record,done late,done early,done undated,"
                                  "canceled late,canceled early");
     EXPECT_EQ(view.documentsList[1].value(QStringLiteral("taskIcon")), QStringLiteral("task-open-due"));
-    const QVariantMap plain = tm_dictionaryForItemAsTask(at(QStringLiteral("/List/due")), false, {}, QVariantList());
+    const QString due = at(QStringLiteral("/List/due"));
+    const QVariantMap rule{{taskField::repeatType, QStringLiteral("when due")}};
+    EXPECT_EQ(tm_dictionaryForItemAsTask(due, true, rule, {}).value(QStringLiteral("taskIsRepeating")),
+              QStringLiteral("1"));
+    EXPECT_EQ(view.documentsList[1].value(QStringLiteral("taskIsRepeating")), QString());
+    const QVariantMap plain = tm_dictionaryForItemAsTask(due, false, {}, QVariantList());
     EXPECT_EQ(plain.value(QStringLiteral("DueDate")).toDateTime(), farFuture());
     EXPECT_GT(farFuture(), view.documentsList.last().value(QStringLiteral("DueDate")).toDateTime());
 }

@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A year of tasks in three time zones with summer time: tasks with random states, dates and repeats are changed at
-// random, and after every step counters, due list and reminders equal what a plain model of them says. The model knows
-// no code of ours: repeats are stepped by ICU's calendar, counts are counted.
+// A year of tasks in three time zones with summer time: tasks with random states, dates and repeats are changed, moved
+// and switched off at random, and after every step records, icons, counters, due list, reminders and their alerts equal
+// what a plain model of them says. The model knows no code of ours: repeats are stepped by ICU's calendar, counts are
+// counted.
 //
 // Sixty tasks every few days are what a run of all tests has time for. TOMELET_FULL_YEAR=1 makes it a thousand tasks
 // day by day, with due list and reminders compared after each single change: ten minutes.
 #include "tests/organising/Tasklist.h"
 
+#include "library/ItemOperations.h"
 #include "organising/dates/Reminders.h"
 #include "organising/tasks/TaskLists.h"
 #include "organising/tasks/TaskRows.h"
@@ -17,6 +19,7 @@
 
 #include <ctime>
 #include <map>
+#include <set>
 
 using namespace tomelet;
 using tomelet::test::Tasklist;
@@ -126,25 +129,36 @@ protected:
     int random(int below) { return int(m_random.bounded(below)); }
     QString anyTask() { return std::next(m_model.begin(), random(int(m_model.size())))->first; }
 
+    static QString bookOf(const QString &path) { return path.section(u'/', 0, -2); }
+
     void change();
     void toggle(const QString &path, ModelTask &task);
-    void repeat(ModelTask &task, const QString &book);
+    void repeat(const QString &path, ModelTask &task);
+    void setDate(const QString &path, ModelTask &task);
+    void move(const QString &path);
+    void switchOffOrOn(const QString &book);
     QDateTime anyDate();
+    void compareTask(const QString &path);
+    void compareCopy(const QString &book, const QDateTime &due);
     void compareCounters(const QString &book, const char *after);
     void compareRest();
+    void compareReminders(const QMap<QString, QDateTime> &wanted);
 
     OracleCalendar m_calendar;
     QRandomGenerator m_random;
     std::map<QString, ModelTask> m_model;
-    std::map<QString, int> m_doneCopies; ///< dated copies of each book
+    std::map<QString, std::set<QString>> m_copies; ///< names of the dated copies in each book
+    std::set<QString> m_off;                       ///< books whose tasklist is switched off
+    int m_moves = 0;
 };
 
-// Around now, with a liking for the hours in which clocks change, and for midnight.
+// Around now, with a liking for the hours in which clocks change, and for days without an alert.
 QDateTime TaskYear::anyDate()
 {
     const QDateTime day = now().addDays(random(40) - 15);
     const int kind = random(3);
-    return m_calendar.timeOnDay(day, kind == 0 ? random(4) : random(24), kind == 1 ? 1 : random(60));
+    if (kind == 1) return m_calendar.timeOnDay(day, 0, 1);
+    return m_calendar.timeOnDay(day, kind == 0 ? random(4) : random(24), random(60));
 }
 
 void TaskYear::toggle(const QString &path, ModelTask &task)
@@ -157,60 +171,121 @@ void TaskYear::toggle(const QString &path, ModelTask &task)
     task.hasRecord = true;
 }
 
-void TaskYear::repeat(ModelTask &task, const QString &book)
+void TaskYear::repeat(const QString &path, ModelTask &task)
 {
     QDateTime next = task.due;
     if (task.type == u"when done") {
         const QDateTime &clock = task.unit == u"hour" ? now() : task.due;
         next = m_calendar.timeOnDay(now(), m_calendar.get(clock, UCAL_HOUR_OF_DAY), m_calendar.get(clock, UCAL_MINUTE));
     }
+    compareCopy(bookOf(path), next);
     do next = m_calendar.plus(next, task.unit, task.factor);
     while (next <= now());
     task.due = next;
     task.state = QString();
-    ++m_doneCopies[book];
+}
+
+void TaskYear::setDate(const QString &path, ModelTask &task)
+{
+    static const char *const units[] = {"hour", "day", "week", "month", "year"};
+    task.hasRecord = true;
+    task.due = anyDate();
+    tm_setDueDate(path, task.due);
+    if (random(3) == 0) return;
+    task.type = random(2) ? QStringLiteral("when due") : QStringLiteral("when done");
+    task.unit = QString::fromLatin1(units[random(5)]);
+    task.factor = 1 + random(3);
+    tm_setRepeatDetails(path, {task.type, task.unit, QString::number(task.factor)});
+}
+
+// The counters of both books are right after their next recount.
+void TaskYear::move(const QString &path)
+{
+    const QString target = at(QStringLiteral("/B%1/m%2.md").arg(random(scale.books)).arg(++m_moves));
+    if (m_off.contains(bookOf(target))) return;
+    ASSERT_TRUE(tm_moveItemToPath(path, target));
+    for (const QString &book : {bookOf(path), bookOf(target)}) tm_correctTaskCountAtPath(book);
+    auto task = m_model.extract(path);
+    task.key() = target;
+    m_model.insert(std::move(task));
+    compareTask(target);
+    compareCounters(bookOf(target), "a move");
+}
+
+void TaskYear::switchOffOrOn(const QString &book)
+{
+    tm_toggleTasklistKeepingDetails(book, true);
+    if (m_off.erase(book) == 0) m_off.insert(book);
+    // What is past by now has become so without anybody to count it.
+    else tm_correctTaskCountAtPath(book);
 }
 
 void TaskYear::change()
 {
-    static const char *const units[] = {"hour", "day", "week", "month", "year"};
     const QString path = anyTask();
-    const QString book = path.section(u'/', 0, -2);
+    const QString book = bookOf(path);
+    const int kind = random(60);
+    if (kind == 0 || m_off.contains(book)) return switchOffOrOn(book);
     ModelTask &task = m_model[path];
-    const int kind = random(10);
-    if (kind < 6) {
+    if (kind < 33) {
         const bool wasNoTask = task.state == u"no_task";
         toggle(path, task);
         // Toggling what is no task leaves a counter wrong, on purpose, until the store is recounted.
         if (wasNoTask) tm_taskPlistChangedAtPath(taskStorePath(book));
         compareCounters(book, "a toggle");
         drainPendingWork();
-        if (task.state == u"done" && !task.type.isEmpty()) repeat(task, book);
-    } else if (kind < 8) {
-        const QDateTime due = anyDate();
-        tm_setDueDate(path, due);
-        task.hasRecord = true;
-        task.due = due;
-        if (random(3) > 0) {
-            task.type = random(2) ? QStringLiteral("when due") : QStringLiteral("when done");
-            task.unit = QString::fromLatin1(units[random(5)]);
-            task.factor = 1 + random(3);
-            tm_setRepeatDetails(path, {task.type, task.unit, QString::number(task.factor)});
-        }
-    } else if (kind == 8) {
+        if (task.state == u"done" && !task.type.isEmpty()) repeat(path, task);
+    } else if (kind < 44) {
+        setDate(path, task);
+    } else if (kind < 47) {
         tm_clearDueDate(path);
         if (task.hasRecord) task = {true, task.state, {}, {}, {}, 0};
-    } else {
+    } else if (kind < 50) {
+        tm_setRepeatDetails(path, {});
+        task = {task.hasRecord, task.state, task.due, {}, {}, 0};
+    } else if (kind < 55) {
         tm_toggleItemIsTask(path);
         task = {true, task.hasRecord && task.state == u"no_task" ? QString() : QStringLiteral("no_task"), {}, {}, {},
                 0};
+    } else {
+        return move(path);
     }
+    compareTask(path);
     compareCounters(book, "a change");
+}
+
+void TaskYear::compareTask(const QString &path)
+{
+    const ModelTask &task = m_model[path];
+    const TaskRecord record = tm_getAllTaskDetails(path).value_or(TaskRecord());
+    ASSERT_EQ(record.value(QStringLiteral("State")).toString(), task.state);
+    ASSERT_EQ(record.value(QStringLiteral("DueDate")).toDateTime(), task.due);
+    ASSERT_EQ(record.value(QStringLiteral("RepeatType")).toString(), task.type);
+    const QString state = task.state.isEmpty() ? QStringLiteral("open") : task.state;
+    const bool due = task.due.isValid() && task.due < now() && !settled(task);
+    ASSERT_EQ(tm_iconForTask(path),
+              state == u"no_task" ? QString() : QString(u"task-" + state + (due ? u"-due" : u"")));
+}
+
+// One more copy than there were lies in the book, done just now and due when the occurrence was.
+void TaskYear::compareCopy(const QString &book, const QDateTime &due)
+{
+    QStringList added;
+    for (const QString &name : names(book.mid(root.size())))
+        if (name.endsWith(u".md") && !m_model.contains(QString(book + u'/' + name)) &&
+            m_copies[book].insert(name).second)
+            added.append(name);
+    ASSERT_EQ(added.size(), 1);
+    ASSERT_EQ(tm_getAllTaskDetails(QString(book + u'/' + added.first())),
+              TaskRecord({{QStringLiteral("State"), QStringLiteral("done")},
+                          {QStringLiteral("DueDate"), due},
+                          {QStringLiteral("Changed"), now()}}));
 }
 
 void TaskYear::compareCounters(const QString &book, const char *after)
 {
-    qlonglong done = m_doneCopies[book], due = 0;
+    if (m_off.contains(book)) return;
+    qlonglong done = qlonglong(m_copies[book].size()), due = 0;
     for (const auto &[path, task] : m_model) {
         if (!path.startsWith(QString(book + u'/'))) continue;
         if (settled(task)) ++done;
@@ -229,25 +304,37 @@ void TaskYear::compareRest()
     settings().setObject(QStringLiteral("dueTasksLookAhead"), index);
     const int passed = m_calendar.get(now(), UCAL_HOUR_OF_DAY) * 3600 + m_calendar.get(now(), UCAL_MINUTE) * 60;
     const QDateTime horizon = index == 0 ? now() : now().addSecs(86399 - passed + days[index] * 86400);
+    qlonglong overdue = 0;
     for (const auto &[path, task] : m_model) {
-        if (settled(task) || !task.due.isValid()) continue;
+        if (settled(task) || !task.due.isValid() || m_off.contains(bookOf(path))) continue;
+        if (task.due < now()) ++overdue;
         if (task.due < now() || task.due < horizon) dueWanted.insert(path, task.due);
         if (task.due > now()) remindersWanted.insert(path, task.due);
     }
-    QMap<QString, QDateTime> due, reminders;
+    QMap<QString, QDateTime> due;
     for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(root, false)) {
         const QVariantMap values = row.toMap();
         due.insert(values.value(QStringLiteral("path")).toString(),
                    values.value(QStringLiteral("DueDate")).toDateTime());
     }
-    QDateTime last;
-    for (const Reminder &reminder : scheduledReminders()) {
-        reminders.insert(reminder.path, reminder.fireDate);
-        ASSERT_FALSE(last.isValid() && reminder.fireDate < last) << "not in the order of their dates";
-        last = reminder.fireDate;
-    }
     ASSERT_EQ(due, dueWanted);
-    ASSERT_EQ(reminders, remindersWanted);
+    ASSERT_EQ(tm_arrayOfDueTasksAsNumbers(root, true), QVariantList({qlonglong(dueWanted.size()), overdue}));
+    compareReminders(remindersWanted);
+}
+
+void TaskYear::compareReminders(const QMap<QString, QDateTime> &wanted)
+{
+    QMap<QString, QDateTime> reminders;
+    QDateTime last;
+    for (const auto &[path, fireDate] : scheduledReminders()) {
+        reminders.insert(path, fireDate);
+        ASSERT_FALSE(last.isValid() && fireDate < last) << "not in the order of their dates";
+        last = fireDate;
+        const int minuteOfDay = m_calendar.get(fireDate, UCAL_HOUR_OF_DAY) * 60 + m_calendar.get(fireDate, UCAL_MINUTE);
+        const bool sounds = tm_notificationForDate(path, fireDate, 0).contains(QStringLiteral("soundName"));
+        ASSERT_EQ(sounds, minuteOfDay != 1) << "only a day without an alert is silent";
+    }
+    ASSERT_EQ(reminders, wanted);
 }
 
 TEST_P(TaskYear, everyStepEqualsAPlainRecount)
@@ -269,9 +356,10 @@ TEST_P(TaskYear, everyStepEqualsAPlainRecount)
         drainPendingWork();
         compareRest();
     }
-    int copies = 0;
-    for (const auto &[book, count] : m_doneCopies) copies += count;
-    EXPECT_GT(copies, 20) << "the year was too quiet to tell anything";
+    size_t copies = 0;
+    for (const auto &[book, found] : m_copies) copies += found.size();
+    EXPECT_GT(copies, 15U) << "the year was too quiet to tell anything";
+    EXPECT_GT(m_moves, 10);
 }
 
 INSTANTIATE_TEST_SUITE_P(Zones, TaskYear,

@@ -2,6 +2,7 @@
 #include "tests/organising/Tasklist.h"
 
 #include "foundation/Platform.h"
+#include "library/Deletion.h"
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
 #include "organising/tasks/TaskLists.h"
@@ -140,6 +141,32 @@ TEST_F(Tasks, recordsTravelWithTheirDocuments)
     ASSERT_TRUE(tm_moveItemToPath(at(QStringLiteral("/List/b.md")), at(QStringLiteral("/Plain/b.md"))));
     EXPECT_EQ(names(QStringLiteral("/Plain")).join(u' '), u"b.md c.md") << "an ordinary book keeps nothing";
     EXPECT_EQ(store().keys(), QStringList{QStringLiteral("c.md")});
+}
+
+TEST_F(Tasks, recordsComeBackWithDeletedDocuments)
+{
+    const QString item = task(QStringLiteral("a.md"));
+    const TaskRecord full = record("started", now().addDays(3));
+    tm_setTaskDetails(item, full);
+    storeLastDeletion(performDeleteSelectedItems({item}, false).records);
+    tm_correctTaskCountAtPath(list);
+    EXPECT_FALSE(tm_getAllTaskDetails(item));
+    EXPECT_TRUE(undoLastDelete(lastDeletion()).isEmpty());
+    EXPECT_EQ(tm_getAllTaskDetails(item), full);
+}
+
+TEST_F(Tasks, tasklistsAreKnownWhereverTheirBooksGo)
+{
+    const auto listed = [] { return settings().stringList(QStringLiteral("allTaskLists")).join(u' '); };
+    updateListOfTasklistsQuick();
+    ASSERT_TRUE(tm_copyItemToPath(list, at(QStringLiteral("/Copy"))));
+    EXPECT_EQ(listed(), u"/Copy /List");
+    ASSERT_TRUE(tm_moveItemToPath(list, at(QStringLiteral("/Copy/Moved"))));
+    EXPECT_EQ(listed(), u"/Copy /Copy/Moved");
+    const Deletion deletion = performDeleteSelectedItems({at(QStringLiteral("/Copy/Moved"))}, false);
+    EXPECT_EQ(listed(), u"/Copy");
+    undoLastDelete(deletion.records);
+    EXPECT_EQ(listed(), u"/Copy /Copy/Moved");
 }
 
 TEST_F(Tasks, switchingATasklistOffAndOn)

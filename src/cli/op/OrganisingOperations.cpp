@@ -117,12 +117,20 @@ void addOrganisingOperations(Registry &add)
     addContexts(add);
     addLinks(add);
     addSearch(add);
-    add.path("getDocumentsInFolder", "book", [](const QString &book) {
+    const auto listOf = [](const QString &book) {
         TMLTDocumentListViewController list;
         list.setSource({book, 0, {}});
         list.getDocumentsInFolder();
-        return QVariantList(list.documentsList.begin(), list.documentsList.end());
+        return list;
+    };
+    add.path("getDocumentsInFolder", "book", [listOf](const QString &book) {
+        const QList<QVariantMap> rows = listOf(book).documentsList;
+        return QVariantList(rows.begin(), rows.end());
     });
+    add.path("selectSortOrder", "book, index",
+             [listOf](const QString &book, int index) { listOf(book).selectSortOrder(index); });
+    add.path("updateEmptyBookIndicatorText", "book",
+             [listOf](const QString &book) { return listOf(book).emptyText(); });
 }
 
 } // namespace tomelet::cli

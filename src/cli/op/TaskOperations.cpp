@@ -99,7 +99,9 @@ static void addDates(Registry &add)
     date("tm_shortDateTimeString", tm_shortDateTimeString);
     date("tm_sortableDateTimeString", tm_sortableDateTimeString);
     add.plain("tm_todayMidnight", "", tm_todayMidnight);
+    add.text("tm_todayMidnight", "receiver", [](const QString &) { return tm_todayMidnight(); });
     add.plain("tm_todayInSecondsLocalized", "", tm_todayInSecondsLocalized);
+    add.text("tm_todayInSecondsLocalized", "receiver", [](const QString &) { return tm_todayInSecondsLocalized(); });
 }
 
 void addTaskOperations(Registry &add)

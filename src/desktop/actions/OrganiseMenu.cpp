@@ -5,6 +5,7 @@
 #include "desktop/document/ContextsField.h"
 #include "desktop/document/DocumentHeader.h"
 #include "desktop/document/DocumentPane.h"
+#include "desktop/list/DocumentListModel.h"
 #include "desktop/outline/OutlinePane.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
@@ -18,12 +19,21 @@
 
 #include <QMenuBar>
 
+#include <tuple>
+
 namespace tomelet::desktop {
 
 void MainWindow::makeOrganiseMenu()
 {
     QMenu *menu = menuBar()->addMenu(localized(TOMELET_TEXT("&Organize")));
     makeContextCommands(menu);
+    menu->addSeparator();
+    for (const auto &[text, keys, step] : {std::tuple(TOMELET_TEXT("Move &Up in the List"), "Alt+Shift+Up", -1),
+                                           std::tuple(TOMELET_TEXT("Move &Down in the List"), "Alt+Shift+Down", 1)})
+        add(menu, text, QKeySequence(QString::fromLatin1(keys)), [this, by = step] {
+            m_listModel->moveByOne(selectedDocuments(), by);
+            updateListTexts();
+        });
     menu->addSeparator();
     makeLinkCommands(menu);
 }

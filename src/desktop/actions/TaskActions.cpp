@@ -170,19 +170,25 @@ void chooseDueDates(ItemActions &actions, const QStringList &paths, const DueDat
 {
     const QStringList items = itemsInTasklists(paths);
     if (items.isEmpty()) return;
-    const auto chosen = std::make_shared<std::pair<int, DueDateChoice>>();
+    struct Chosen
+    {
+        int button = 0;
+        bool hadRule = false;
+        DueDateChoice choice;
+    };
+    const auto chosen = std::make_shared<Chosen>();
     auto *step = new TasksStep(localized(TOMELET_TEXT("Due Date")), items, [chosen](const QString &path) {
-        const auto &[button, choice] = *chosen;
-        if (button != 0) return tm_clearDueDate(path);
-        if (!choice.repeatDetails.isEmpty()) tm_setRepeatDetails(path, choice.repeatDetails);
-        tm_setDueDate(path, withoutMidnightAlert(choice.date));
+        if (chosen->button != 0) return tm_clearDueDate(path);
+        setChosenRepeat(path, chosen->choice.repeatDetails, chosen->hadRule);
+        tm_setDueDate(path, withoutMidnightAlert(chosen->choice.date));
     });
     tm_showDueDateDialogForItems(items, [&](const Question &question, DueDateChoice &choice) {
-        chosen->first = dialog(question, choice);
-        chosen->second = choice;
-        return chosen->first;
+        chosen->hadRule = !choice.repeatDetails.isEmpty();
+        chosen->button = dialog(question, choice);
+        chosen->choice = choice;
+        return chosen->button;
     });
-    if (chosen->first == 0 || chosen->first == 1) actions.undoStack().push(step);
+    if (chosen->button == 0 || chosen->button == 1) actions.undoStack().push(step);
     else delete step;
 }
 

@@ -19,6 +19,7 @@
 #include <QInputDialog>
 #include <QMenuBar>
 #include <QTimer>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -177,8 +178,11 @@ static void addChoices(QMenu *menu, const QStringList &titles, const QString &ke
 void MainWindow::makeTaskListViewCommands(QMenu *menu)
 {
     const auto reload = [] { notifications().post(QStringLiteral("TMLTReloadCurrentBook")); };
-    addSwitch(menu, TOMELET_TEXT("&Hide Done Tasks"), QStringLiteral("hideDoneTasks"), reload)
-        ->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+H")));
+    QAction *hide = addSwitch(menu, TOMELET_TEXT("&Hide Done Tasks"), QStringLiteral("hideDoneTasks"), reload);
+    hide->setShortcut(QKeySequence(QStringLiteral("Ctrl+Shift+H")));
+    // An empty list sends people to the menu beside the search field.
+    m_searchOptions->menu()->addSeparator();
+    m_searchOptions->menu()->addAction(hide);
     addSwitch(menu, TOMELET_TEXT("Show &Open Checklist Count per Document"), QStringLiteral("showOpenChecklistItems"),
               reload);
     addSwitch(menu, TOMELET_TEXT("Show All Task Lists in the &Outline"), QStringLiteral("smartBookAllTaskLists"),

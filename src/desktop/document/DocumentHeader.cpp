@@ -101,6 +101,16 @@ void DocumentHeader::setDocument(const QString &path, bool edited)
     if (std::exchange(m_path, path) != path || path.isEmpty()) showProperties();
 }
 
+bool DocumentHeader::focusFirst()
+{
+    for (QWidget *field : std::initializer_list<QWidget *>{m_taskState, m_contexts, m_backlinks}) {
+        if (!field->isVisible()) continue;
+        field->setFocus(Qt::TabFocusReason);
+        return true;
+    }
+    return false;
+}
+
 void DocumentHeader::showProperties()
 {
     const bool own = !m_path.isEmpty() && tm_itemIsChildOfTomelet(m_path);

@@ -27,6 +27,8 @@ public:
     /// `edited`: there is typing that is not in the file yet.
     void setDocument(const QString &path, bool edited);
     [[nodiscard]] ContextsField *contextsField() { return m_contexts; }
+    /// Goes to the first of its buttons and fields; false when it shows none.
+    bool focusFirst();
 
 Q_SIGNALS:
     /// The person is done up here.

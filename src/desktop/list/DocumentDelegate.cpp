@@ -2,6 +2,7 @@
 #include "desktop/list/DocumentDelegate.h"
 
 #include "desktop/Icons.h"
+#include "desktop/QuietSelection.h"
 #include "desktop/list/DocumentListModel.h"
 #include "desktop/outline/BadgePills.h"
 #include "organising/tasks/Tasks.h"
@@ -77,7 +78,7 @@ public:
         : m_painter(painter)
         , m_option(option)
         , m_index(index)
-        , m_selected(option.state & QStyle::State_Selected)
+        , m_selected(isHighlighted(option))
         , m_rightToLeft(option.direction == Qt::RightToLeft)
         , m_inner(option.rect.adjusted(margin, 8, -margin, -8))
         , m_text(m_inner.adjusted(m_rightToLeft ? 0 : iconSize + 8, 0, m_rightToLeft ? -iconSize - 8 : 0, 0))

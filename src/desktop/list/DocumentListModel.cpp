@@ -373,6 +373,29 @@ Qt::DropActions DocumentListModel::supportedDropActions() const
     return Qt::MoveAction | Qt::CopyAction;
 }
 
+// Places among the documents of the list, which stand below its books.
+QList<qsizetype> DocumentListModel::positionsOf(const QStringList &paths) const
+{
+    const qsizetype above = m_rows.size() - m_controller.documentsList.size();
+    QList<qsizetype> positions;
+    for (const QString &path : paths)
+        if (const QModelIndex own = indexOfPath(path); own.row() >= above) positions.append(own.row() - above);
+    return positions;
+}
+
+void DocumentListModel::moveByOne(const QStringList &paths, int step)
+{
+    const QList<qsizetype> positions = positionsOf(paths);
+    if (m_controller.source().smartType != OrdinaryBook || positions.isEmpty()) return;
+    const auto [first, last] = std::ranges::minmax(positions);
+    const qsizetype target = step < 0 ? first - 1 : last + 2;
+    if (target < 0 || target > m_controller.documentsList.size()) return;
+    changeRows([&] {
+        m_controller.moveDocuments(positions, target);
+        m_controller.selectSortOrder(3);
+    });
+}
+
 bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int,
                                      const QModelIndex &parent)
 {
@@ -386,9 +409,7 @@ bool DocumentListModel::dropMimeData(const QMimeData *data, Qt::DropAction actio
         for (const QString &word : source.contexts) m_actions.addContext(paths, word);
     if (source.smartType != OrdinaryBook) return false;
     const qsizetype above = m_rows.size() - m_controller.documentsList.size();
-    QList<qsizetype> positions;
-    for (const QString &path : paths)
-        if (const QModelIndex own = indexOfPath(path); own.row() >= above) positions.append(own.row() - above);
+    const QList<qsizetype> positions = positionsOf(paths);
     if (positions.size() != paths.size() || action == Qt::CopyAction) {
         m_actions.drop(paths, source.book, action == Qt::CopyAction);
         return false;

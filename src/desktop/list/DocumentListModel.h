@@ -49,6 +49,8 @@ public:
     void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
     void selectSortOrder(int index);
+    /// Moves documents of a book one place up (-1) or down (1); from now on it has a custom order.
+    void moveByOne(const QStringList &paths, int step);
     [[nodiscard]] QModelIndex indexOfPath(const QString &path) const;
     /// The full path of a book or document; "" for smart books and contexts, which are no files.
     [[nodiscard]] QString pathAt(const QModelIndex &index) const;
@@ -69,6 +71,7 @@ public:
 
 private:
     void changeRows(const std::function<void()> &change);
+    [[nodiscard]] QList<qsizetype> positionsOf(const QStringList &paths) const;
     void takeAllRows();
     void removeAllBut(const QSet<QString> &kept);
     void appendNew(const QList<QVariantMap> &after);

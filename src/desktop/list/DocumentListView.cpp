@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/list/DocumentListView.h"
 
+#include "desktop/QuietSelection.h"
 #include "desktop/list/DocumentDelegate.h"
 #include "desktop/list/DocumentListModel.h"
 #include "foundation/Localization.h"
@@ -14,6 +15,7 @@ DocumentListView::DocumentListView(QWidget *parent)
     : QListView(parent)
 {
     setItemDelegate(new DocumentDelegate(this));
+    new QuietSelection(this);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(localized(TOMELET_TEXT("Documents")));
     setSelectionMode(QAbstractItemView::ExtendedSelection);

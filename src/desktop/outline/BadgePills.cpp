@@ -2,6 +2,7 @@
 #include "desktop/outline/BadgePills.h"
 
 #include "desktop/Icons.h"
+#include "desktop/QuietSelection.h"
 
 #include <QLocale>
 #include <QPainter>
@@ -50,7 +51,7 @@ void BadgePills::paint(QPainter *painter) const
     painter->save();
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setFont(m_font);
-    const bool selected = m_option.state & QStyle::State_Selected;
+    const bool selected = isHighlighted(m_option);
     const bool rightToLeft = m_option.direction == Qt::RightToLeft;
     QRect area = m_option.rect.adjusted(gap, 0, -gap, 0);
     for (const Pill &pill : m_pills) {

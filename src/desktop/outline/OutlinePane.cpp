@@ -2,6 +2,7 @@
 #include "desktop/outline/OutlinePane.h"
 
 #include "desktop/LauncherBadge.h"
+#include "desktop/QuietSelection.h"
 #include "desktop/actions/ItemActions.h"
 #include "desktop/outline/OutlineBadges.h"
 #include "desktop/outline/OutlineDelegate.h"
@@ -21,6 +22,7 @@ OutlinePane::OutlinePane(ItemActions &actions, QWidget *parent)
     setItemDelegate(new OutlineDelegate(this));
     connect(m_model->badges(), &OutlineBadges::changed, viewport(), qOverload<>(&QWidget::update));
     connect(m_model->badges(), &OutlineBadges::overdueChanged, this, showLauncherBadge);
+    new QuietSelection(this);
     setHeaderHidden(true);
     setFrameShape(QFrame::NoFrame);
     setAccessibleName(localized(TOMELET_TEXT("Books")));

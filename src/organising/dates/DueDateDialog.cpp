@@ -78,6 +78,11 @@ DueDateChoice startOfDueDateDialog(const QStringList &items)
     return {tm_dueDateHasAlertTime(due) ? due : tm_thatDayMidnight(due), details};
 }
 
+void setChosenRepeat(const QString &item, const QStringList &details, bool hadRule)
+{
+    if (hadRule || !details.isEmpty()) tm_setRepeatDetails(item, details);
+}
+
 static void later(const char *name, const QString &item, std::chrono::milliseconds delay, std::function<void()> call)
 {
     platform().delayedCalls.schedule(QLatin1StringView(name), item, delay, std::move(call));
@@ -87,11 +92,12 @@ void tm_showDueDateDialogForItems(const QStringList &items, const DueDateDialog 
 {
     if (items.isEmpty()) return;
     DueDateChoice choice = startOfDueDateDialog(items);
+    const bool hadRule = !choice.repeatDetails.isEmpty();
     const int button = dialog(dueDateQuestion(), choice);
     for (const QString &item : items) {
         if (button == 0) {
             const QDateTime date = withoutMidnightAlert(choice.date);
-            if (!choice.repeatDetails.isEmpty()) tm_setRepeatDetails(item, choice.repeatDetails);
+            setChosenRepeat(item, choice.repeatDetails, hadRule);
             later("tm_setDueDate", item, 300ms, [item, date] { tm_setDueDate(item, date); });
         } else if (button == 1) {
             later("tm_clearDueDate", item, 400ms, [item] { tm_clearDueDate(item); });

@@ -57,6 +57,10 @@ private:
 /// without an alert begins at its midnight.
 [[nodiscard]] DueDateChoice startOfDueDateDialog(const QStringList &items);
 
+/// Sets the chosen rule. Who goes from a rule to "Don't Repeat" means it; where the dialog began without one
+/// (`hadRule`), items keep what they have.
+void setChosenRepeat(const QString &item, const QStringList &details, bool hadRule);
+
 /// Shows the dialog, changing the choice; gives the index of the button.
 using DueDateDialog = std::function<int(const Question &question, DueDateChoice &choice)>;
 /// The whole dialog for these items. What it does to them comes a moment later, when it has closed.

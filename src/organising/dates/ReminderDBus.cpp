@@ -94,9 +94,10 @@ void DesktopReminders::actionInvoked(uint id, const QString &action)
 {
     const auto shown = m_shown.constFind(id);
     if (shown == m_shown.cend() || (action != openAction && action != defaultAction)) return;
-    // Taken out before the call, which may show and withdraw others.
-    const auto opened = shown->answers.opened;
-    opened();
+    const Shown chosen = *shown;
+    // Some services leave it standing.
+    withdraw(chosen.path);
+    chosen.answers.opened();
 }
 
 void DesktopReminders::notificationClosed(uint id, uint)

@@ -103,8 +103,12 @@ void TMLTDocumentListViewController::loadDisplayParameters()
 
 bool TMLTDocumentListViewController::passesFilter(const QString &name) const
 {
-    const QLocale locale;
-    return searchFilter.isEmpty() || locale.toLower(name).contains(locale.toLower(searchFilter));
+    if (searchFilter.isEmpty()) return true;
+    // Names that other systems wrote have their accents as characters of their own.
+    const auto folded = [locale = QLocale()](const QString &text) {
+        return locale.toLower(text.normalized(QString::NormalizationForm_C));
+    };
+    return folded(name).contains(folded(searchFilter));
 }
 
 void TMLTDocumentListViewController::getDocumentsInFolder()

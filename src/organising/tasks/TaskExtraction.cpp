@@ -174,15 +174,22 @@ private:
     }
 
     // Extracting a document twice makes no second task. The file has the name in the form that file systems
-    // take.
+    // take, with a number where another text was there first.
     [[nodiscard]] bool isThereAlready(const QString &name, const QString &text) const
     {
-        const QStringList names{name, safeFileName(name)};
-        return std::ranges::any_of(names, [&](const QString &candidate) {
-            const auto bytes = readFile(joinPath(m_book, candidate));
-            const auto present = bytes ? decodeTextAs(*bytes, m_encoding) : std::nullopt;
-            return present && localizedCompare(*present, text) == 0;
-        });
+        if (holdsText(joinPath(m_book, name), text)) return true;
+        for (qulonglong number = 0;; ++number) {
+            const QString taken = joinPath(m_book, safeFileName(name, number));
+            if (!itemExists(taken)) return false;
+            if (holdsText(taken, text)) return true;
+        }
+    }
+
+    [[nodiscard]] bool holdsText(const QString &path, const QString &text) const
+    {
+        const auto bytes = readFile(path);
+        const auto present = bytes ? decodeTextAs(*bytes, m_encoding) : std::nullopt;
+        return present && localizedCompare(*present, text) == 0;
     }
 
     void describe(const QString &path, const QString &text) const
@@ -223,6 +230,11 @@ void moveWhole(const QString &path, const QString &book)
 QStringList extractTasks(const QString &text, const QString &path, int mode, qlonglong encoding, bool inNewBook)
 {
     const QString book = targetBook(path, mode, inNewBook);
+    // A document without an extension stands where its book would have to be.
+    if (!isFolder(book)) {
+        logLine(QStringLiteral("error: the book %1 was not made").arg(book));
+        return {};
+    }
     if (mode == ExtractWhole) {
         moveWhole(path, book);
         return {};

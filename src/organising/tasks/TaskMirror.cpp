@@ -36,7 +36,7 @@ QString titleOf(const QString &path)
     const QString title = pathWithoutExtension(lastPathComponent(path)).normalized(QString::NormalizationForm_C);
     if (title.size() <= longestTitleInName || !path.endsWith(u"txt")) return title;
     const auto text = readTextFile(path);
-    return text ? text->text.section(u'\n', 0, 0).trimmed() : title;
+    return text ? text->text.section(u'\n', 0, 0).section(u'\r', 0, 0).trimmed() : title;
 }
 
 struct Rewrite

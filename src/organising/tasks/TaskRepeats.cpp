@@ -20,9 +20,10 @@ namespace tomelet {
 
 static QDateTime wholeMinute(const QDateTime &date)
 {
-    const qint64 seconds = date.toSecsSinceEpoch();
-    const qint64 beyond = ((seconds % 60) + 60) % 60;
-    return QDateTime::fromSecsSinceEpoch(seconds - beyond, Qt::UTC);
+    static constexpr qint64 minute = 60 * 1000;
+    const qint64 moment = date.toMSecsSinceEpoch();
+    const qint64 beyond = ((moment % minute) + minute) % minute;
+    return QDateTime::fromMSecsSinceEpoch(moment - beyond, Qt::UTC);
 }
 
 // The recount stands between the two, so that whoever reads the store finds it right.
@@ -128,8 +129,10 @@ QString pathForHistory(const QString &path, const QDateTime &now)
     const QString name = lastPathComponent(path);
     const QString extension = pathExtension(name);
     const QString ending = extension.isEmpty() ? QString() : u'.' + extension;
-    const QString stem = pathWithoutExtension(name) + QStringLiteral(" - ") + stamp;
-    return tm_uniqueNameForFileatPath(stem + ending, parentPath(path));
+    // A long name is cut, not the stamp behind it; a number may still follow.
+    const QString tail = QStringLiteral(" - ") + stamp;
+    const QString stem = stemThatFits(pathWithoutExtension(name), tail + QStringLiteral(" 999") + ending);
+    return tm_uniqueNameForFileatPath(stem + tail + ending, parentPath(path));
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include "library/ItemPath.h"
 #include "library/Properties.h"
 #include "organising/dates/DueDateCalendar.h"
-#include "organising/dates/RepeatRule.h"
 #include "organising/tasks/TaskLists.h"
 #include "organising/tasks/TaskStore.h"
 #include "organising/tasks/Tasks.h"
@@ -61,7 +60,7 @@ TaskRow taskRowOf(const QString &path, const QVariant &record)
 {
     const TaskRecord values = record.isValid() ? record.toMap() : tm_getAllTaskDetails(path).value_or(TaskRecord());
     const bool due = isOverdue(values, platform().clock.now());
-    return {sortDateOf(values), taskIcon(stateOf(values), due), repeatRuleOf(values).has_value()};
+    return {sortDateOf(values), taskIcon(stateOf(values), due), values.contains(taskField::repeatType)};
 }
 
 QDateTime dueDateOfRow(const QVariantMap &row)

@@ -221,7 +221,8 @@ void tm_toggleTasklistKeepingDetails(const QString &book, bool keep)
 
 void tm_resetTasklist(const QString &book)
 {
-    writeStore(taskStorePath(book), QVariantMap());
+    const bool isNew = !tm_bookIsTasklist(book);
+    if (writeStore(taskStorePath(book), QVariantMap()) && isNew) tasklistChanged({}, book);
     announceFile(taskStorePath(book));
     announceTask(book);
     rebuildRemindersSoon();
