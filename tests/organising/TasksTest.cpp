@@ -6,6 +6,7 @@
 #include "library/ItemOperations.h"
 #include "library/Properties.h"
 #include "organising/tasks/TaskLists.h"
+#include "organising/tasks/TaskStore.h"
 
 using namespace tomelet;
 using tomelet::test::Tasklist;
@@ -57,6 +58,36 @@ TEST_F(Tasks, ringOfStatesMovesBothCounters)
         EXPECT_EQ(tm_doneDateForTask(item), date);
     }
     EXPECT_TRUE(tm_taskIsDoneOrCanceled(QStringLiteral("task-canceled")));
+}
+
+TEST_F(Tasks, twoWritersOfOneStoreLoseNothing)
+{
+    setStore({{QStringLiteral("a.md"), record("")},
+              {QStringLiteral("b.md"), record("")},
+              {QStringLiteral("__DoneItemCount__"), QStringLiteral("3")}});
+    TaskStore here(list);
+    TaskStore there(list);
+    here.setRecord(QStringLiteral("a.md"), record("done"));
+    here.setDoneCount(4);
+    there.remove(QStringLiteral("b.md"));
+    there.setRecord(QStringLiteral("c.md"), record("started"));
+    there.setDoneCount(5);
+    ASSERT_TRUE(there.save());
+    ASSERT_TRUE(here.save());
+    EXPECT_EQ(store(), (QVariantMap{{QStringLiteral("a.md"), record("done")},
+                                    {QStringLiteral("c.md"), record("started")},
+                                    {QStringLiteral("__DoneItemCount__"), QStringLiteral("6")}}));
+    EXPECT_EQ(here.keys(), (QStringList{QStringLiteral("a.md"), QStringLiteral("c.md")}));
+
+    // Counters that were put right go by what was read.
+    TaskStore counted(list);
+    counted.setDueCount(7);
+    here.setRecord(QStringLiteral("a.md"), record("canceled"));
+    ASSERT_TRUE(here.save());
+    StoreBatch batch;
+    counted.save(batch);
+    batch.flush();
+    EXPECT_EQ(counters(), u"6 0");
 }
 
 TEST_F(Tasks, firstToggleMakesARecordAndNoCounters)

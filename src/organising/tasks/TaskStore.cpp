@@ -165,11 +165,32 @@ void TaskStore::setDueCount(qlonglong count)
     m_values.insert(dueCountKey, QString::number(count));
 }
 
+// What was changed here, in a store that somebody else may have changed since it was read: records of other documents
+// stay as they are there, and counters move by as much as they moved here.
+QVariantMap TaskStore::changesIn(QVariantMap stored) const
+{
+    if (stored == m_saved) return m_values;
+    for (auto it = m_saved.begin(); it != m_saved.end(); ++it)
+        if (!m_values.contains(it.key())) stored.remove(it.key());
+    for (auto it = m_values.begin(); it != m_values.end(); ++it) {
+        if (m_saved.value(it.key()) == it.value()) continue;
+        const qlonglong moved = counter(m_values, it.key()) - counter(m_saved, it.key());
+        if (!isTaskCounter(it.key())) stored.insert(it.key(), it.value());
+        else stored.insert(it.key(), QString::number(std::max(0LL, counter(stored, it.key()) + moved)));
+    }
+    return stored;
+}
+
 bool TaskStore::save()
 {
     if (m_readable && m_values == m_saved) return true;
-    if (!writeStore(m_path, m_values)) return false;
-    m_saved = m_values;
+    QVariantMap written;
+    const bool isSaved = changeDictionary(m_path, [&](QVariantMap &stored) {
+        stored = written = changesIn(stored);
+        return true;
+    });
+    if (!isSaved) return false;
+    m_values = m_saved = written;
     m_readable = true;
     return true;
 }

@@ -90,12 +90,15 @@ public:
     void setDoneCount(qlonglong count);
     void setDueCount(qlonglong count);
 
-    /// Writes what was changed; a store that could not be read is set aside first. False when that failed.
+    /// Writes what was changed, also into a store that somebody else wrote meanwhile; one that could not be read is set
+    /// aside first. False when that failed.
     bool save();
     /// The same together with other stores.
     void save(StoreBatch &batch);
 
 private:
+    [[nodiscard]] QVariantMap changesIn(QVariantMap stored) const;
+
     QString m_book;
     QString m_path;
     QVariantMap m_values;
