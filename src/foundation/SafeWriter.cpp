@@ -9,13 +9,16 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
 #include <mutex>
 #include <set>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -128,6 +131,36 @@ void takeOver(const QByteArray &target, int descriptor)
     copyExtendedAttributes(target, descriptor);
 }
 
+// Between the look at a file and its replacement comes no other replacement, of this program's threads or of another
+// run of it.
+class ReplacementLock
+{
+public:
+    explicit ReplacementLock(const QByteArray &folder)
+        : m_lock(mutex())
+        , m_folder(::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        // A program that was halted at the wrong moment stops nobody for good.
+        for (int tries = 0; tries < 100 && ::flock(m_folder, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; ++tries)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    ~ReplacementLock()
+    {
+        if (m_folder >= 0) ::close(m_folder);
+    }
+    ReplacementLock(const ReplacementLock &) = delete;
+    ReplacementLock &operator=(const ReplacementLock &) = delete;
+
+private:
+    static std::mutex &mutex()
+    {
+        static std::mutex one;
+        return one;
+    }
+    std::lock_guard<std::mutex> m_lock;
+    int m_folder;
+};
+
 void flushFolder(const QByteArray &folder)
 {
     const int descriptor = ::open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -156,24 +189,17 @@ StagedFile::StagedFile(const QString &path, QByteArrayView bytes)
 
 StagedFile::~StagedFile() = default;
 
-// Between the look at a file and its replacement no other replacement may come.
-static std::mutex &replacing()
-{
-    static std::mutex mutex;
-    return mutex;
-}
-
 WriteResult StagedFile::commit()
 {
     if (!m_staged) return m_staged;
-    const std::lock_guard lock(replacing());
+    const ReplacementLock lock(folderOf(m_target));
     return m_file->renameOver(m_target) ? WriteResult{true, {}} : failure(m_path);
 }
 
 WriteResult StagedFile::commitIfStill(const std::optional<FileStamp> &state)
 {
     if (!m_staged) return m_staged;
-    const std::lock_guard lock(replacing());
+    const ReplacementLock lock(folderOf(m_target));
     if (fileStamp(m_path) != state) return {false, QStringLiteral("%1 was changed elsewhere").arg(m_path), true};
     return m_file->renameOver(m_target) ? WriteResult{true, {}} : failure(m_path);
 }
@@ -201,7 +227,7 @@ std::optional<FileStamp> fileStamp(const QString &path)
 }
 
 // Some file systems tell another state at each look: there the last try goes through.
-static constexpr int tries = 10;
+static constexpr int tries = 50;
 
 WriteResult changeFile(const QString &path, const FileChange &change)
 {
@@ -243,7 +269,7 @@ struct FileBatch::Written
     // False: it was written by somebody else meanwhile, or could not be.
     [[nodiscard]] bool replaceTarget() const
     {
-        const std::lock_guard lock(replacing());
+        const ReplacementLock lock(folderOf(target));
         return fileStamp(waiting->path) == waiting->state && file->renameOver(target);
     }
 };
