@@ -3,7 +3,9 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 #include <sqlite3.h>
 
 namespace tomelet {
@@ -12,7 +14,7 @@ namespace {
 
 constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
-constexpr qint64 ownVersion = 3; // of the tables and tokens; a file with others is made anew
+constexpr qint64 ownVersion = 4; // of the tables and tokens; a file with others is made anew
 constexpr size_t manyDocuments = 500;
 
 void check(int code)
@@ -179,7 +181,9 @@ IndexDatabase::IndexDatabase(const QString &file)
                 // While the index is made nothing is merged bit by bit: it is all merged at the end.
                 "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
                 "INSERT INTO marks(marks, rank) VALUES('automerge', 0);"
-                "PRAGMA user_version=3; COMMIT");
+                "INSERT INTO tokens(tokens, rank) VALUES('crisismerge', 1999);"
+                "INSERT INTO marks(marks, rank) VALUES('crisismerge', 1999);"
+                "PRAGMA user_version=4; COMMIT");
     } catch (...) {
         m_statements.clear();
         sqlite3_close_v2(m_database);
@@ -249,10 +253,11 @@ void IndexDatabase::remove(const QString &path)
 }
 
 // In the language of FTS5: https://sqlite.org/fts5.html#full_text_query_syntax
-static std::string expressionOf(const TermLookUps &lookUps)
+static std::string expressionOf(const std::vector<TokenPhrase> &phrases, bool inMarks)
 {
     std::string text;
-    for (const TokenPhrase &phrase : lookUps.phrases) {
+    for (const TokenPhrase &phrase : phrases) {
+        if (phrase.inMarks != inMarks) continue;
         text += text.empty() ? "\"" : " AND \"";
         for (const char c : phrase.tokens) text.append(c == '"' ? 2 : 1, c);
         text += phrase.prefix ? "\"*" : "\"";
@@ -260,14 +265,27 @@ static std::string expressionOf(const TermLookUps &lookUps)
     return text;
 }
 
-std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
+std::vector<qint64> IndexDatabase::numbersOf(const char *sql, const std::string &expression)
 {
-    Statement &query = statement(lookUps.inMarks ? "SELECT rowid FROM marks WHERE marks MATCH ?"
-                                                 : "SELECT rowid FROM tokens WHERE tokens MATCH ?");
-    query.bind(1, expressionOf(lookUps));
+    Statement &query = statement(sql);
+    query.bind(1, expression);
     std::vector<qint64> numbers;
     while (query.step()) numbers.push_back(query.integer(0));
     return numbers;
+}
+
+std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
+{
+    const std::string marks = expressionOf(lookUps.phrases, true);
+    const std::string tokens = expressionOf(lookUps.phrases, false);
+    std::vector<qint64> marked;
+    if (!marks.empty()) marked = numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", marks);
+    if (tokens.empty() || (marked.empty() && !marks.empty())) return marked;
+    const std::vector<qint64> found = numbersOf("SELECT rowid FROM tokens WHERE tokens MATCH ?", tokens);
+    if (marks.empty()) return found;
+    std::vector<qint64> both;
+    std::ranges::set_intersection(marked, found, std::back_inserter(both));
+    return both;
 }
 
 QString IndexDatabase::readPath(qint64 document)
@@ -327,8 +345,10 @@ void IndexDatabase::setComplete()
     execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
             "INSERT INTO tokens(tokens) VALUES('optimize'); "
             "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); "
+            "INSERT INTO tokens(tokens, rank) VALUES('crisismerge', 16); "
             "INSERT INTO marks(marks) VALUES('optimize'); "
-            "INSERT INTO marks(marks, rank) VALUES('automerge', 4); COMMIT; "
+            "INSERT INTO marks(marks, rank) VALUES('automerge', 4); "
+            "INSERT INTO marks(marks, rank) VALUES('crisismerge', 16); COMMIT; "
             "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
