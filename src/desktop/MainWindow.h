@@ -121,6 +121,7 @@ private:
     void updateListTexts();
     [[nodiscard]] DocumentPane *document() const;
     void reloadRows();
+    void rowsReloaded();
     void readRowsAnew();
     void documentSelected();
     void documentChanged();

@@ -319,7 +319,7 @@ bool TMLTDocumentListViewController::sortsByDueDate() const
     return m_source.smartType == DueTasksBook || (isPlainBook() && organiser().bookIsTasklist(bookOf(m_source)));
 }
 
-void TMLTDocumentListViewController::selectSortOrder(int index)
+void TMLTDocumentListViewController::storeSortOrder(int index)
 {
     static const QString orders[] = {QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
                                      QStringLiteral("custom")};
@@ -340,6 +340,11 @@ void TMLTDocumentListViewController::selectSortOrder(int index)
             notifications().post(QStringLiteral("BookViewShouldUpdateFavoritesNotification"));
         if (m_source.smartType == ContextsBook) notifications().post(QStringLiteral("TMLTReorderContextSmartBook"));
     }
+}
+
+void TMLTDocumentListViewController::selectSortOrder(int index)
+{
+    storeSortOrder(index);
     loadDisplayParameters();
     sortDocuments();
 }

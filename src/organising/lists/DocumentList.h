@@ -44,6 +44,8 @@ public:
     /// The menu's choices by index: 0 title, 1 creation date, 2 modification date (due date in a tasklist), 3 custom,
     /// 4 descending, 5 ascending. Stored in the book or, for a smart book, in the settings.
     void selectSortOrder(int index);
+    /// Stores the choice alone; the rows stay as they are.
+    void storeSortOrder(int index);
     /// False where the order is fixed.
     [[nodiscard]] bool orderCanBeChosen() const;
     /// The menu's place 2 means the due date here.
