@@ -252,15 +252,23 @@ void IndexDatabase::remove(const QString &path)
     row.run();
 }
 
-// In the language of FTS5: https://sqlite.org/fts5.html#full_text_query_syntax
+// The language of FTS5: https://sqlite.org/fts5.html#full_text_query_syntax
+static std::string inQuotes(const std::string &tokens, bool prefix)
+{
+    std::string text = "\"";
+    for (const char c : tokens) text.append(c == '"' ? 2 : 1, c);
+    return text + (prefix ? "\"*" : "\"");
+}
+
 static std::string expressionOf(const std::vector<TokenPhrase> &phrases, bool inMarks)
 {
     std::string text;
     for (const TokenPhrase &phrase : phrases) {
         if (phrase.inMarks != inMarks) continue;
-        text += text.empty() ? "\"" : " AND \"";
-        for (const char c : phrase.tokens) text.append(c == '"' ? 2 : 1, c);
-        text += phrase.prefix ? "\"*" : "\"";
+        if (!text.empty()) text += " AND ";
+        const std::string found = inQuotes(phrase.tokens, phrase.prefix);
+        const bool isEnd = !inMarks && phrase.tokens[0] == 'h';
+        text += isEnd ? '(' + found + " OR " + inQuotes('g' + phrase.tokens.substr(1), phrase.prefix) + ')' : found;
     }
     return text;
 }

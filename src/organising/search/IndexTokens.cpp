@@ -19,7 +19,9 @@ constexpr size_t longestPiece = 16; // of a gap
 constexpr size_t mostPieces = 16;   // of a gap, looked up
 constexpr size_t longestRun = 250;  // of one sign
 constexpr int charactersOfBeginning = 2;
-constexpr size_t longestWordBeforeBlank = 5; // of a pair; the longer ones are rarer, and there are many
+// Of a pair. Longer words are rarer, and there are many.
+constexpr size_t longestWordBeforeBlank = 5;
+constexpr size_t longestWordBeforeSign = 8;
 constexpr size_t longestTitleKey = 24;
 constexpr int charactersOfDenseWord = 2;
 constexpr int longestSigns = 3;
@@ -146,7 +148,8 @@ void appendGap(std::string &tokens, std::string_view gap)
 {
     if (leavesNoToken(gap)) return;
     append(tokens, 'g', cut(gap, longestGap));
-    for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i))
+    if (gap.empty()) return;
+    for (size_t i = nextCharacter(gap, 0); i < gap.size(); i = nextCharacter(gap, i))
         if (const std::string_view end = gap.substr(i);
             end.size() <= longestEnd && !leavesNoToken(end) && !isKnownOfWord(end))
             append(tokens, 'h', end);
@@ -210,7 +213,7 @@ std::optional<size_t> endOfPair(const FoldedText &text, const Runs &runs, size_t
     const size_t end = runs.endOfRun(from);
     if (runs.isDense(from) || end == text.text.size()) return std::nullopt;
     const size_t next = nextCharacter(text.text, end);
-    if (text.kinds[end] == SearchKind::Sign && end - from <= longestWord) return next;
+    if (text.kinds[end] == SearchKind::Sign && end - from <= longestWordBeforeSign) return next;
     if (text.kinds[end] != SearchKind::Blank || end - from > longestWordBeforeBlank) return std::nullopt;
     return next < text.text.size() ? nextCharacter(text.text, next) : next;
 }

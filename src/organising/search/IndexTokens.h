@@ -5,10 +5,11 @@
 //   w  a word (32 bytes at most; in dense writing two characters from where each word begins)
 //   x  at the place of the word: the word with the one, two and three signs in front of it
 //   g  what stands between two words (8 bytes at most), unless that is one blank
-//   h  at the place of that: its ends (3 bytes at most) that no x token knows
+//   h  at the place of that: its ends (3 bytes at most) that no x token knows, but not all of it
 // Its marks are known without places, each once:
 //   b  the first and the first two characters of each word
-//   n  a word and the sign behind it; a short word (5 bytes at most), the blank behind it and one more character
+//   n  a word (8 bytes at most) and the sign behind it; a word (5 bytes at most), the blank behind it and one character
+//      more
 //   s  what stands between two words, from each of its characters on (16 bytes at most)
 //   r  a run of one sign that is longer than that, whole (250 bytes at most)
 //   t  the name from each of its characters on (24 bytes at most)
@@ -40,7 +41,7 @@ struct DocumentTokens
 /// `name` is folded.
 [[nodiscard]] DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name);
 
-/// Tokens one behind the other, each with its separator.
+/// Tokens one behind the other, each with its separator. A gap's end at the beginning may be all of the gap too.
 struct TokenPhrase
 {
     std::string tokens;

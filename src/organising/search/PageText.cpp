@@ -37,7 +37,7 @@ public:
         findBody();
         while (m_at < m_end) {
             if (m_html[m_at] == u'<') readTag();
-            else take(1);
+            else takeCharacter();
         }
         return withEntitiesResolved(m_text);
     }
@@ -55,21 +55,17 @@ private:
         if (close >= m_at) m_end = close;
     }
 
-    void take(qsizetype count)
-    {
-        m_text += QStringView(m_html).sliced(m_at, count);
-        m_at += count;
-    }
+    void takeCharacter() { m_text += m_html[m_at++]; }
 
     // What begins no tag is text; so is all the rest, once nothing is closed any more.
     void readTag()
     {
         const QChar next = m_at + 1 < m_end ? m_html[m_at + 1] : QChar();
-        if (!next.isLetter() && !QStringView(u"/!?").contains(next)) return take(1);
+        if (!next.isLetter() && !QStringView(u"/!?").contains(next)) return takeCharacter();
         if (QStringView(m_html).sliced(m_at).startsWith(u"<!--")) return skipTo(u"-->", m_openComment);
         if (m_close < m_at) m_close = m_html.indexOf(u'>', m_at);
         if (m_close < 0) m_close = m_end;
-        if (m_close >= m_end) return take(1);
+        if (m_close >= m_end) return takeCharacter();
         const QString element = elementAt(m_at + 1);
         if (element == u"script") return skipTo(u"</script>", m_openScript);
         if (element == u"style") return skipTo(u"</style>", m_openStyle);
@@ -90,7 +86,7 @@ private:
     {
         const qsizetype found = isMissing ? -1 : m_html.indexOf(mark, m_at, Qt::CaseInsensitive);
         isMissing = found < 0;
-        if (isMissing) take(1);
+        if (isMissing) takeCharacter();
         else m_at = std::min(m_end, found + mark.size());
     }
 
