@@ -34,7 +34,7 @@ constexpr int documentsOfBook = 50;
 constexpr size_t bytesOfDocument = 3000;
 constexpr int vocabulary = 60000;
 constexpr size_t queries = 300;
-constexpr size_t hardQueries = 100;
+constexpr size_t hardQueries = 40;
 
 std::string readAll(const fs::path &path)
 {
