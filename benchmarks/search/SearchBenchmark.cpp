@@ -2,7 +2,8 @@
 // The text index of a large notebook: `bench_search [DOCUMENTS] [FOLDER] [KEPT]`, 100,000 documents of 3 KB by default.
 // Their text is cut out of the text files of FOLDER where one is given ("" for none), else made of words as frequent as
 // those of a language. Beside the first indexing stands a plain SQLite FTS5 table of the same files, read and put by
-// the same program. In the folder KEPT notebook and index stay for further runs, which only ask queries.
+// the same program. In the folder KEPT notebook and index stay for further runs, which only ask queries; without the
+// index they make it anew.
 #include "foundation/Platform.h"
 #include "library/Root.h"
 #include "organising/search/SearchIndex.h"
@@ -32,7 +33,8 @@ namespace {
 constexpr int documentsOfBook = 50;
 constexpr size_t bytesOfDocument = 3000;
 constexpr int vocabulary = 60000;
-constexpr int queries = 300;
+constexpr size_t queries = 300;
+constexpr size_t hardQueries = 40;
 
 std::string readAll(const fs::path &path)
 {
@@ -109,15 +111,18 @@ fs::path pathOf(const fs::path &root, int document)
 }
 
 template <typename Source>
-qint64 makeNotebook(const fs::path &root, int documents, Source source)
+void makeNotebook(const fs::path &root, int documents, Source source)
+{
+    for (int i = 0; i < documents; ++i) {
+        fs::create_directories(pathOf(root, i).parent_path());
+        std::ofstream(pathOf(root, i)) << source.document();
+    }
+}
+
+qint64 sizeOfNotebook(const fs::path &root, int documents)
 {
     qint64 bytes = 0;
-    for (int i = 0; i < documents; ++i) {
-        const std::string text = source.document();
-        fs::create_directories(pathOf(root, i).parent_path());
-        std::ofstream(pathOf(root, i)) << text;
-        bytes += qint64(text.size());
-    }
+    for (int i = 0; i < documents; ++i) bytes += qint64(fs::file_size(pathOf(root, i)));
     return bytes;
 }
 
@@ -180,19 +185,83 @@ double megabytes(const fs::path &file)
     return double(fs::file_size(file)) / 1e6;
 }
 
+/// Makes a query of a text at a place in it; the number tells the how manieth it is. "" where that place has none.
+using MadeQuery = QString (*)(const QString &text, qsizetype at, size_t number);
+
+QString inQuotes(const QString &text)
+{
+    return u'"' + text + u'"';
+}
+
 // Words, beginnings of words, phrases of two and three words, as they stand in the documents.
-std::vector<QString> someQueries(const fs::path &root, int documents, std::mt19937 &random)
+QString commonQuery(const QString &text, qsizetype at, size_t number)
+{
+    const QStringList words = text.mid(at, 300).split(u' ').mid(1);
+    switch (number % 4) {
+    case 0: return words.value(0);
+    case 1: return words.value(0).left(4);
+    case 2: return inQuotes(words.mid(0, 2).join(u' '));
+    default: return words.mid(0, 3).join(u' ');
+    }
+}
+
+// Up to the first place behind a word from `at` on, where one begins, and `more` characters beyond.
+QString wordAndMore(const QString &text, qsizetype at, qsizetype more)
+{
+    while (at < text.size() && !text[at - 1].isSpace()) ++at;
+    qsizetype end = at;
+    while (end < text.size() && text[end].isLetter()) ++end;
+    return end == at ? QString() : text.mid(at, end - at + more);
+}
+
+// Each of these looks up many tokens, or such as are in many documents.
+QString wordAndSign(const QString &text, qsizetype at, size_t)
+{
+    const QString query = wordAndMore(text, at, 1);
+    const bool hasSign = !query.isEmpty() && !query.back().isLetterOrNumber() && query.back() != u' ';
+    return hasSign ? inQuotes(query) : QString();
+}
+
+QString wordAndLetter(const QString &text, qsizetype at, size_t)
+{
+    const QString query = wordAndMore(text, at, 2);
+    return query.size() > 3 && query[query.size() - 2] == u' ' ? inQuotes(query) : QString();
+}
+
+QString wordInBlanks(const QString &text, qsizetype at, size_t number)
+{
+    QString query = wordAndMore(text, at, 1);
+    if (query.isEmpty() || query.back() != u' ') return {};
+    if (number % 3 == 0) return inQuotes(query);
+    return inQuotes(u' ' + (number % 3 == 1 ? query : query.trimmed()));
+}
+
+QString signsOnEnd(const QString &text, qsizetype at, size_t)
+{
+    const auto isSign = [&](qsizetype i) { return i < text.size() && !text[i].isLetterOrNumber() && text[i] != u'"'; };
+    qsizetype end = at;
+    while (isSign(end)) ++end;
+    return end - at < 3 || text.mid(at, end - at).trimmed().isEmpty() ? QString() : inQuotes(text.mid(at, end - at));
+}
+
+constexpr std::pair<const char *, MadeQuery> kindsOfQueries[] = {
+    {"words and phrases", commonQuery},     {"a word and a sign", wordAndSign},
+    {"a word and a letter", wordAndLetter}, {"a word and blanks at its edges", wordInBlanks},
+    {"three signs and more", signsOnEnd},
+};
+
+std::vector<QString> someQueries(const fs::path &root, int documents, std::mt19937 &random, MadeQuery make,
+                                 size_t count)
 {
     std::vector<QString> all;
-    while (all.size() < queries) {
-        const QString text = QString::fromStdString(readAll(pathOf(root, int(random() % unsigned(documents)))));
-        const QStringList words = text.simplified().split(u' ');
-        const qsizetype at = qsizetype(random() % unsigned(std::max<qsizetype>(words.size() - 3, 1)));
-        switch (all.size() % 4) {
-        case 0: all.push_back(words[at]); break;
-        case 1: all.push_back(words[at].left(4)); break;
-        case 2: all.push_back(u'"' + words.mid(at, 2).join(u' ') + u'"'); break;
-        default: all.push_back(words.mid(at, 3).join(u' ')); break;
+    while (all.size() < count) {
+        const QString text =
+            QString::fromStdString(readAll(pathOf(root, int(random() % unsigned(documents))))).simplified();
+        for (int tries = 0; tries < 100; ++tries) {
+            const QString query = make(text, 1 + qsizetype(random() % unsigned(text.size())), all.size());
+            if (query.isEmpty()) continue;
+            all.push_back(query);
+            break;
         }
     }
     return all;
@@ -258,14 +327,17 @@ int main(int argc, char **argv)
     fs::create_directories(world / "root");
     const fs::path root = fs::canonical(world / "root");
     usePlatformFor(root);
-    if (isNew) {
+    if (fs::is_empty(root)) {
         const std::string folder = argc > 2 ? argv[2] : "";
-        timeIndexing(root, documents,
-                     folder.empty() ? makeNotebook(root, documents, Writer())
-                                    : makeNotebook(root, documents, Cutter(folder)),
-                     index, world / "plain.sqlite");
+        if (folder.empty()) makeNotebook(root, documents, Writer());
+        else makeNotebook(root, documents, Cutter(folder));
     }
+    if (isNew) timeIndexing(root, documents, sizeOfNotebook(root, documents), index, world / "plain.sqlite");
     SearchIndex asked(QString::fromStdString(root), QString::fromStdString(index));
     std::mt19937 random(11);
-    timeQueries(asked, QString::fromStdString(root), someQueries(root, documents, random));
+    for (const auto &[name, query] : kindsOfQueries) {
+        std::printf("%s\n", name);
+        timeQueries(asked, QString::fromStdString(root),
+                    someQueries(root, documents, random, query, query == commonQuery ? queries : hardQueries));
+    }
 }

@@ -81,6 +81,7 @@ void MainWindow::makePanes()
 {
     m_list->setModel(m_listModel);
     m_listModel->setBadges(m_outline->badges());
+    connect(m_listModel, &DocumentListModel::reloaded, this, &MainWindow::rowsReloaded);
     connect(m_outline->badges(), &OutlineBadges::changed, m_list->viewport(), qOverload<>(&QWidget::update));
     QFont font = m_listTitle->font();
     font.setWeight(QFont::DemiBold);
@@ -207,21 +208,26 @@ bool MainWindow::openRow(const QModelIndex &index)
     return true;
 }
 
-// The document on display stays selected, also where the rows are taken over as a whole.
 void MainWindow::reloadRows()
 {
     m_listModel->reload();
+    rowsReloaded();
+}
+
+// The document on display stays selected, also where the rows are taken over as a whole.
+void MainWindow::rowsReloaded()
+{
     updateListTexts();
     if (m_list->selectionModel()->hasSelection()) return;
     if (const QModelIndex index = m_listModel->indexOfPath(document()->path()); index.isValid())
         m_list->selectOnly(index);
 }
 
-// Those of search results are made on the thread of the search.
+// Away from the main thread: search results on the thread of the search.
 void MainWindow::readRowsAnew()
 {
     if (m_listModel->controller().source().smartType == SearchResultsBook) m_search->reloadResults();
-    else reloadRows();
+    else m_listModel->reloadInBackground();
 }
 
 // The row that one comes from is the one selected.

@@ -122,6 +122,7 @@ private:
     [[nodiscard]] DocumentPane *document() const;
     [[nodiscard]] QString searchKey() const;
     void reloadRows();
+    void rowsReloaded();
     void readRowsAnew();
     void documentSelected();
     void documentChanged();

@@ -6,6 +6,7 @@
 #include "desktop/actions/DragData.h"
 #include "desktop/actions/ItemActions.h"
 #include "desktop/list/DocumentListModel.h"
+#include "desktop/list/RowChanges.h"
 #include "desktop/outline/OutlineBadges.h"
 #include "desktop/outline/OutlineModel.h"
 #include "desktop/outline/OutlinePane.h"
@@ -18,8 +19,11 @@
 #include <QAbstractItemModelTester>
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QListView>
 #include <QMimeData>
+#include <QPointer>
+#include <QTest>
 
 #include <unistd.h>
 
@@ -225,6 +229,71 @@ TEST_F(Desktop, documentsComeGoAndKeepTheSelection)
     ASSERT_TRUE(removeItem(at(QStringLiteral("/A"))));
     settle();
     EXPECT_EQ(list->rowCount(), 0);
+}
+
+TEST_F(Desktop, aBookReadInTheBackgroundKeepsWhatIsInHand)
+{
+    int reloads = 0;
+    QObject::connect(list.get(), &DocumentListModel::reloaded, [&] { ++reloads; });
+    const auto awaitReloads = [&](int count) { return QTest::qWaitFor([&] { return reloads >= count; }); };
+    const QPersistentModelIndex two = list->indexOfPath(at(QStringLiteral("/A/two.md")));
+    view.setCurrentIndex(two);
+    view.edit(two);
+    QPointer<QLineEdit> editor = view.findChild<QLineEdit *>();
+    ASSERT_TRUE(editor);
+    editor->setText(QStringLiteral("half a na"));
+    write(QStringLiteral("/A/five.md"));
+    write(QStringLiteral("/A/zoo.md"));
+    ASSERT_TRUE(removeItem(at(QStringLiteral("/A/three.txt"))));
+    list->reloadInBackground();
+    EXPECT_EQ(documents(), QStringLiteral("one three two")) << "until the rows are there";
+    ASSERT_TRUE(awaitReloads(1));
+    EXPECT_EQ(documents(), QStringLiteral("five one two zoo"));
+    EXPECT_EQ(two.row(), 2);
+    EXPECT_EQ(view.currentIndex(), QModelIndex(two));
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->text(), QStringLiteral("half a na"));
+
+    // What is wanted while one reading is under way is one more; what was read for another book is dropped.
+    for (int i = 0; i < 5; ++i) list->reloadInBackground();
+    ASSERT_TRUE(awaitReloads(3));
+    list->reloadInBackground();
+    list->show({at(QStringLiteral("/B")), 0, {}});
+    ASSERT_TRUE(awaitReloads(4));
+    EXPECT_EQ(documents(), QStringLiteral("other"));
+    list->reloadInBackground();
+    list->setFilter(QStringLiteral("nothing"));
+    ASSERT_TRUE(awaitReloads(5));
+    EXPECT_EQ(documents(), QString());
+    EXPECT_EQ(reloads, 5);
+    list->reloadInBackground();
+    TearDown(); // with a reading under way
+}
+
+TEST(RowChanges, SayWhatGoesComesMovesAndIsOther)
+{
+    const auto rows = [](const char *names) {
+        QList<QVariantMap> all;
+        for (const QString &name : QString::fromLatin1(names).split(u' ', Qt::SkipEmptyParts))
+            all.append({{QStringLiteral("path"), name.left(1)}, {QStringLiteral("title"), name}});
+        return all;
+    };
+    const auto text = [&](const char *before, const char *after) {
+        const RowChanges changes = rowChanges(rows(before), rows(after));
+        QString out;
+        for (const auto &[first, last] : changes.removed) out += QStringLiteral("-%1..%2 ").arg(first).arg(last);
+        for (const QVariantMap &row : changes.added) out += u'+' + pathOfRow(row) + u' ';
+        for (const int place : changes.places) out += QString::number(place) + u' ';
+        for (const int row : changes.changed) out += QStringLiteral("*%1 ").arg(row);
+        return out.trimmed();
+    };
+    EXPECT_EQ(text("a b c", "a b c"), QString());
+    EXPECT_EQ(text("a b c", "a b2 c"), QStringLiteral("*1"));
+    EXPECT_EQ(text("a b c d e", "c"), QStringLiteral("-3..4 -0..1"));
+    EXPECT_EQ(text("a c", "a b c d"), QStringLiteral("+b +d 0 2 1 3"));
+    EXPECT_EQ(text("a b c", "c2 x a"), QStringLiteral("-1..1 +x 2 0 1 *0"));
+    EXPECT_EQ(text("", "a b"), QStringLiteral("+a +b"));
+    EXPECT_EQ(text("a b", ""), QStringLiteral("-0..1"));
 }
 
 TEST_F(Desktop, renamingKeepsTheExtensionUnlessAnotherIsTyped)

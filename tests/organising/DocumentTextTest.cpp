@@ -95,7 +95,48 @@ TEST_F(DocumentTexts, OfAnArchiveThatUnpacksWithoutEndIsCut)
                   {{"content.xml", "<o xmlns:text='t'><text:p>begin</text:p><text:p>" + blanks + "end</text:p></o>"}});
     const QString text = documentText(bomb);
     EXPECT_TRUE(text.startsWith(u"begin"_s));
-    EXPECT_LT(text.size(), 33 << 20);
+    EXPECT_LT(text.size(), 5'000'000);
+    const QString deep = archiveOf(u"Deep.odt"_s, {{"content.xml", "<o>" + QByteArray("<p>word").repeated(1 << 20)}});
+    EXPECT_TRUE(documentText(deep).startsWith(u"word"_s));
+    QByteArray entities = "<!DOCTYPE o [<!ENTITY a0 'aaaaaaaaaa'>";
+    for (int i = 1; i < 12; ++i) {
+        const QByteArray former = "&a" + QByteArray::number(i - 1) + ";";
+        entities += "<!ENTITY a" + QByteArray::number(i) + " '" + former.repeated(10) + "'>";
+    }
+    const QString laughs = archiveOf(u"Laughs.odt"_s, {{"content.xml", entities + "]><o><p>a</p><p>&a11;</p></o>"}});
+    EXPECT_LT(documentText(laughs).size(), 5'000'000);
+}
+
+// Each of these once took the square of its length; so this test ends soon or not at all.
+TEST_F(DocumentTexts, OfPagesThatCloseNothingAreReadInOneWalk)
+{
+    for (const char *piece : {"<", "<style ", "<script>", "<body ", "<!--", "&#", "</head>", "<style >x"}) {
+        const QByteArray page = QByteArray(piece).repeated(600000 / qsizetype(qstrlen(piece))) + "<p>end";
+        EXPECT_TRUE(documentText(write(u"/Page.html"_s, page)).endsWith(u"end"_s)) << piece;
+    }
+}
+
+TEST_F(DocumentTexts, OfPages)
+{
+    const struct
+    {
+        const char *html;
+        QString text;
+    } rows[] = {
+        {"<html><head><title>no</title></head><body class='x'>y<b>e</b>s<p>next</body>", u"yes next"_s},
+        {"a<style >no</style>b<SCRIPT>no</script>c<!-- > no -->d<br>e", u"abcd e"_s},
+        {"<td>1</td><td>2</td>3 < 4 &amp; &auml;&#252;&#x41; &nosuch; &", u"1 2 3 < 4 & äüA &nosuch; &"_s},
+        {"head</head>text <open", u"text <open"_s},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(documentText(write(u"/Page.html"_s, row.html)).simplified(), row.text) << row.html;
+}
+
+TEST_F(DocumentTexts, OfLongTextsAreCut)
+{
+    EXPECT_EQ(documentText(write(u"/Words.txt"_s, QByteArray("word ").repeated(4'000'000))).size(), 16'000'000);
+    EXPECT_LT(documentText(write(u"/Signs.txt"_s, QByteArray(".,;").repeated(2'000'000))).size(), 4'000'010);
+    EXPECT_EQ(documentText(write(u"/Most.txt"_s, QByteArray(".,;").repeated(333'333))).size(), 999'999);
 }
 
 TEST(RichText, IsReadWithoutWhatIsNoText)

@@ -33,6 +33,7 @@ DocumentListModel::DocumentListModel(ItemActions &actions, QObject *parent)
 
 void DocumentListModel::show(const ListSource &source)
 {
+    ++m_version;
     m_checklists.clear();
     m_taskDates.clear();
     m_controller.setSource(source);
@@ -49,11 +50,6 @@ void DocumentListModel::takeAllRows()
     endResetModel();
 }
 
-static QString pathOf(const QVariantMap &row)
-{
-    return row.value(QStringLiteral("path")).toString();
-}
-
 // Smart books and contexts are no files.
 static int smartTypeOf(const QVariantMap &row)
 {
@@ -63,7 +59,7 @@ static int smartTypeOf(const QVariantMap &row)
 static QSet<QString> pathsOf(const QList<QVariantMap> &rows)
 {
     QSet<QString> paths;
-    for (const QVariantMap &row : rows) paths.insert(pathOf(row));
+    for (const QVariantMap &row : rows) paths.insert(pathOfRow(row));
     return paths;
 }
 
@@ -75,7 +71,7 @@ void DocumentListModel::noteBooks()
     const int type = m_controller.source().smartType;
     if (type == OrdinaryBook || type == SearchResultsBook) return;
     for (const QVariantMap &row : m_controller.documentsList)
-        if (smartTypeOf(row) == OrdinaryBook && pathIsPlainBook(pathOf(row))) m_books.insert(pathOf(row));
+        if (smartTypeOf(row) == OrdinaryBook && pathIsPlainBook(pathOfRow(row))) m_books.insert(pathOfRow(row));
 }
 
 void DocumentListModel::reload()
@@ -86,69 +82,110 @@ void DocumentListModel::reload()
 // The change may already move rows about; the views hear of all of it here, in steps that they can follow.
 void DocumentListModel::changeRows(const std::function<void()> &change)
 {
+    ++m_version;
     m_taskDates.clear();
     change();
     m_controller.loadDisplayParameters();
     m_controller.getDocumentsInFolder();
-    const QList<QVariantMap> after = m_controller.rows();
-    if (m_shown != m_controller.source() || std::abs(after.size() - m_rows.size()) > mostRowsFollowed)
-        return takeAllRows();
+    if (m_shown != m_controller.source()) return takeAllRows();
+    takeChanges(rowChanges(m_rows, m_controller.rows()));
+}
+
+void DocumentListModel::takeChanges(RowChanges changes)
+{
+    if (changes.removedRows + changes.added.size() > mostRowsFollowed) return takeAllRows();
     noteBooks();
-    // What went goes first, what came stands at the end, and then all take their places.
-    removeAllBut(pathsOf(after));
-    appendNew(after);
-    takeOrder(after);
-}
-
-void DocumentListModel::removeAllBut(const QSet<QString> &kept)
-{
-    QList<QVariantMap> &rows = m_rows;
-    for (qsizetype last = rows.size(); last-- > 0;) {
-        if (kept.contains(pathOf(rows[last]))) continue;
-        qsizetype first = last;
-        while (first > 0 && !kept.contains(pathOf(rows[first - 1]))) --first;
-        beginRemoveRows({}, int(first), int(last));
-        rows.remove(first, last - first + 1);
+    for (const auto &[first, last] : changes.removed) {
+        beginRemoveRows({}, first, last);
+        m_rows.remove(first, last - first + 1);
         endRemoveRows();
-        last = first;
     }
+    if (!changes.added.isEmpty()) {
+        beginInsertRows({}, int(m_rows.size()), int(m_rows.size() + changes.added.size() - 1));
+        m_rows.append(changes.added);
+        endInsertRows();
+    }
+    takePlaces(changes.places, std::move(changes.after));
+    // Only what differs is told: a name that is being edited would begin anew.
+    for (const int row : changes.changed) Q_EMIT dataChanged(index(row), index(row));
 }
 
-void DocumentListModel::appendNew(const QList<QVariantMap> &after)
+void DocumentListModel::takePlaces(const std::vector<int> &places, QList<QVariantMap> after)
 {
-    QList<QVariantMap> &rows = m_rows;
-    const QSet<QString> known = pathsOf(rows);
-    QList<QVariantMap> added;
-    for (const QVariantMap &row : after)
-        if (!known.contains(pathOf(row))) added.append(row);
-    if (added.isEmpty()) return;
-    beginInsertRows({}, int(rows.size()), int(rows.size() + added.size() - 1));
-    rows.append(added);
-    endInsertRows();
-}
-
-void DocumentListModel::takeOrder(const QList<QVariantMap> &after)
-{
+    if (places.empty()) {
+        m_rows = std::move(after);
+        return;
+    }
     Q_EMIT layoutAboutToBeChanged();
     const QModelIndexList held = persistentIndexList();
-    QStringList paths;
-    for (const QModelIndex &index : held) paths.append(pathAt(index));
-    const QList<QVariantMap> before = std::exchange(m_rows, after);
     QModelIndexList moved;
-    for (const QString &path : paths) moved.append(indexOfPath(path));
+    for (const QModelIndex &at : held) moved.append(index(places[size_t(at.row())]));
+    m_rows = std::move(after);
     changePersistentIndexList(held, moved);
     Q_EMIT layoutChanged();
-    // Only what differs is told: a name that is being edited would begin anew.
-    QHash<QString, QVariantMap> known;
-    for (const QVariantMap &row : before) known.insert(pathOf(row), row);
-    for (int row = 0; row < after.size(); ++row)
-        if (known.value(pathOf(after[row])) != after[row]) Q_EMIT dataChanged(index(row), index(row));
+}
+
+// -- reading elsewhere ------------------------------------------------------------------------------------------------
+
+// Which smart books there are is asked on the main thread alone.
+bool DocumentListModel::canBeReadElsewhere() const
+{
+    const ListSource &source = m_controller.source();
+    if (source.smartType == InboxBook) return true;
+    const bool showsSmartBooks =
+        source.book == tomeletRoot() && settings().boolean(QStringLiteral("outlineIsCollapsed"));
+    return source.smartType == OrdinaryBook && !showsSmartBooks;
+}
+
+void DocumentListModel::reloadInBackground()
+{
+    if (canBeReadElsewhere())
+        return readElsewhere([](TMLTDocumentListViewController &list) {
+            list.loadDisplayParameters();
+            list.readDocuments();
+        });
+    reload();
+    Q_EMIT reloaded();
+}
+
+// One at a time: of what is wanted meanwhile the last is enough, since it reads everything.
+void DocumentListModel::readElsewhere(const Reading &reading)
+{
+    if (std::exchange(m_reading, true)) {
+        m_next = reading;
+        return;
+    }
+    m_reader.add([this, reading, list = m_controller, rows = m_rows, version = m_version]() mutable {
+        reading(list);
+        RowChanges changes = rowChanges(rows, list.rows());
+        const auto take = [this, reading, version, list = std::move(list), changes = std::move(changes)] {
+            m_reading = false;
+            const bool isStale = version != m_version || list.source() != m_controller.source() ||
+                                 list.searchFilter != m_controller.searchFilter;
+            if (!isStale) takeReading(list, changes);
+            if (const Reading next = std::exchange(m_next, {})) readElsewhere(next);
+            else if (isStale) readElsewhere(reading);
+        };
+        QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
+    });
+}
+
+void DocumentListModel::takeReading(TMLTDocumentListViewController list, RowChanges changes)
+{
+    ++m_version;
+    m_taskDates.clear();
+    // To let go of thousands of rows takes its time too.
+    m_reader.add([rows = m_rows, before = std::exchange(m_controller, std::move(list))] {});
+    m_controller.removeOrphanedPropertyFiles();
+    takeChanges(std::move(changes));
+    Q_EMIT reloaded();
 }
 
 void DocumentListModel::follow(const QString &from, const QString &to)
 {
     const QModelIndex index = indexOfPath(from);
     if (!index.isValid() || parentPath(from) != parentPath(to) || indexOfPath(to).isValid()) return;
+    ++m_version;
     QVariantMap &row = m_rows[index.row()];
     row.insert(QStringLiteral("path"), to);
     row.insert(QStringLiteral("title"), lastPathComponent(to));
@@ -163,11 +200,14 @@ void DocumentListModel::setFilter(const QString &text)
 
 void DocumentListModel::selectSortOrder(int index)
 {
-    changeRows([&] {
-        m_controller.selectSortOrder(index);
-        // To sort them anew they need not be read anew.
-        if (m_controller.source().smartType == SearchResultsBook)
-            m_controller.setRowsOfSearchResults(m_controller.documentsList);
+    if (m_controller.source().smartType != SearchResultsBook)
+        return changeRows([&] { m_controller.storeSortOrder(index); });
+    // To sort them anew they need not be read anew; but there may be a hundred thousand.
+    m_controller.storeSortOrder(index);
+    m_controller.loadDisplayParameters();
+    readElsewhere([](TMLTDocumentListViewController &list) {
+        list.loadDisplayParameters();
+        list.sortDocuments();
     });
 }
 
@@ -175,12 +215,12 @@ QString DocumentListModel::pathAt(const QModelIndex &index) const
 {
     if (!index.isValid() || index.row() >= m_rows.size()) return {};
     const QVariantMap &row = m_rows[index.row()];
-    return smartTypeOf(row) == OrdinaryBook ? pathOf(row) : QString();
+    return smartTypeOf(row) == OrdinaryBook ? pathOfRow(row) : QString();
 }
 
 bool DocumentListModel::leadsOn(const QVariantMap &row) const
 {
-    return smartTypeOf(row) != OrdinaryBook || m_books.contains(pathOf(row));
+    return smartTypeOf(row) != OrdinaryBook || m_books.contains(pathOfRow(row));
 }
 
 std::optional<ListSource> DocumentListModel::sourceAt(const QModelIndex &index) const
@@ -197,7 +237,7 @@ void DocumentListModel::setBadges(OutlineBadges *badges)
 QModelIndex DocumentListModel::indexOfPath(const QString &path) const
 {
     for (int row = 0; row < rowCount(); ++row)
-        if (pathOf(m_rows[row]) == path) return index(row, 0);
+        if (pathOfRow(m_rows[row]) == path) return index(row, 0);
     return {};
 }
 
@@ -236,14 +276,14 @@ static QString taskIconOf(const QVariantMap &row)
 // Formatting a date takes longer than a paint should.
 QString DocumentListModel::taskDate(const QVariantMap &row) const
 {
-    const auto known = m_taskDates.constFind(pathOf(row));
+    const auto known = m_taskDates.constFind(pathOfRow(row));
     if (known != m_taskDates.cend()) return *known;
     const QDateTime finished = finishingDateOfRow(row);
     const QString text =
         finished.isValid()
             ? QString(taskStateText(taskIconOf(row)) + QStringLiteral(", ") + tm_fancyWeekdayString(finished))
             : tm_weekdayStringWithOffset(dueDateOfRow(row));
-    m_taskDates.insert(pathOf(row), text);
+    m_taskDates.insert(pathOfRow(row), text);
     return text;
 }
 
@@ -251,7 +291,7 @@ QString DocumentListModel::taskDate(const QVariantMap &row) const
 qlonglong DocumentListModel::openChecklist(const QVariantMap &row) const
 {
     if (!settings().boolean(QStringLiteral("showOpenChecklistItems"))) return 0;
-    const QString path = pathOf(row);
+    const QString path = pathOfRow(row);
     const QString key = path + row.value(QStringLiteral("modDate")).toDateTime().toString(Qt::ISODateWithMs);
     const auto known = m_checklists.constFind(key);
     if (known != m_checklists.cend()) return std::max<qlonglong>(0, *known);
@@ -292,7 +332,7 @@ QVariant DocumentListModel::dataOfBook(const QVariantMap &row, int role) const
 {
     const int type = smartTypeOf(row);
     const QString title = row.value(QStringLiteral("title")).toString();
-    const Badge badge = m_badges ? m_badges->badgeOf(type, pathOf(row)) : Badge();
+    const Badge badge = m_badges ? m_badges->badgeOf(type, pathOfRow(row)) : Badge();
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole: return title;
@@ -316,7 +356,7 @@ QVariant DocumentListModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
     case Qt::EditRole: return displayTitle(row);
     case Qt::DecorationRole:
-        return taskIconOf(row).isEmpty() ? documentIcon(pathOf(row)) : taskStateIcon(taskIconOf(row));
+        return taskIconOf(row).isEmpty() ? documentIcon(pathOfRow(row)) : taskStateIcon(taskIconOf(row));
     case Qt::ToolTipRole: return QString(row.value(QStringLiteral("title")).toString() + u'\n' + description(row));
     case Qt::AccessibleDescriptionRole: return description(row);
     case PathRole: return pathAt(index);
@@ -337,8 +377,8 @@ bool DocumentListModel::setData(const QModelIndex &index, const QVariant &value,
 {
     const QVariantMap row = m_rows.value(index.row());
     if (role != Qt::EditRole || value.toString() == data(index, Qt::EditRole).toString()) return false;
-    if (smartTypeOf(row) == OrdinaryBook) return m_actions.rename(pathOf(row), value.toString());
-    m_actions.renameContext(pathOf(row), value.toString());
+    if (smartTypeOf(row) == OrdinaryBook) return m_actions.rename(pathOfRow(row), value.toString());
+    m_actions.renameContext(pathOfRow(row), value.toString());
     return true;
 }
 

@@ -2,6 +2,8 @@
 // The rows of the document list as an item model over the list's controller.
 #pragma once
 
+#include "desktop/list/RowChanges.h"
+#include "foundation/SerialQueue.h"
 #include "organising/lists/DocumentList.h"
 
 #include <QAbstractListModel>
@@ -45,6 +47,9 @@ public:
     /// Reads the rows anew; rows that stay keep their selection, unless the list shows something else by now or so many
     /// rows that to follow each takes too long: then the model is reset.
     void reload();
+    /// The same without making the main thread wait for a book with thousands of documents: its rows are read elsewhere
+    /// and stay as they are until then. `reloaded` tells that they are there.
+    void reloadInBackground();
     /// Keeps the row of an item that got another name in its book.
     void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
@@ -69,13 +74,20 @@ public:
     bool dropMimeData(const QMimeData *data, Qt::DropAction action, int row, int column,
                       const QModelIndex &parent) override;
 
+Q_SIGNALS:
+    void reloaded();
+
 private:
+    /// Done to a copy of the controller, on another thread.
+    using Reading = std::function<void(TMLTDocumentListViewController &)>;
+    void readElsewhere(const Reading &reading);
+    void takeReading(TMLTDocumentListViewController list, RowChanges changes);
     void changeRows(const std::function<void()> &change);
     [[nodiscard]] QList<qsizetype> positionsOf(const QStringList &paths) const;
     void takeAllRows();
-    void removeAllBut(const QSet<QString> &kept);
-    void appendNew(const QList<QVariantMap> &after);
-    void takeOrder(const QList<QVariantMap> &after);
+    void takeChanges(RowChanges changes);
+    void takePlaces(const std::vector<int> &places, QList<QVariantMap> after);
+    [[nodiscard]] bool canBeReadElsewhere() const;
     [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
     [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
     [[nodiscard]] QString description(const QVariantMap &row) const;
@@ -94,6 +106,10 @@ private:
     mutable QHash<QString, QString> m_taskDates;    // by path, until the next reload
     mutable QHash<QString, qlonglong> m_checklists; // by path and date of the file; -1 while it is counted
     TMLTDocumentListViewController m_controller;
+    int m_version = 0;      // counts what happens to rows and controller
+    bool m_reading = false; // elsewhere
+    Reading m_next;         // what is to be read after that; null for nothing
+    SerialQueue m_reader;   // last, so that it ends first
 };
 
 /// "Open", "Started", "Done", "Canceled" or "Not a Task", by the name of the task's icon.

@@ -113,6 +113,17 @@ bool TMLTDocumentListViewController::passesFilter(const QString &name) const
 
 void TMLTDocumentListViewController::getDocumentsInFolder()
 {
+    readDocuments();
+    removeOrphanedPropertyFiles();
+}
+
+void TMLTDocumentListViewController::removeOrphanedPropertyFiles()
+{
+    for (const QString &path : std::exchange(m_orphanedPropertyFiles, {})) removeOrphanedPropertyFile(path);
+}
+
+void TMLTDocumentListViewController::readDocuments()
+{
     documentsList.clear();
     booksList.clear();
     smartBooksList.clear();
@@ -176,7 +187,7 @@ void TMLTDocumentListViewController::readBook(const QString &book)
 
     for (const FolderEntry &entry : listFolder(book).value_or(std::vector<FolderEntry>())) {
         const QString path = joinPath(book, entry.name);
-        removeOrphanedPropertyFile(path);
+        if (isOrphanedPropertyFile(path)) m_orphanedPropertyFiles.append(path);
         if (tm_pathIsExcludedFromDisplay(path) || !passesFilter(entry.name)) continue;
         if (entry.isFolder && !hasPackageExtension(path)) {
             if (showsBooks) booksList.append(itemRow(path, false, {}, bookSources));
@@ -323,7 +334,7 @@ bool TMLTDocumentListViewController::sortsByDueDate() const
     return m_source.smartType == DueTasksBook || (isPlainBook() && organiser().bookIsTasklist(bookOf(m_source)));
 }
 
-void TMLTDocumentListViewController::selectSortOrder(int index)
+void TMLTDocumentListViewController::storeSortOrder(int index)
 {
     static const QString orders[] = {QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
                                      QStringLiteral("custom")};
@@ -344,6 +355,11 @@ void TMLTDocumentListViewController::selectSortOrder(int index)
             notifications().post(QStringLiteral("BookViewShouldUpdateFavoritesNotification"));
         if (m_source.smartType == ContextsBook) notifications().post(QStringLiteral("TMLTReorderContextSmartBook"));
     }
+}
+
+void TMLTDocumentListViewController::selectSortOrder(int index)
+{
+    storeSortOrder(index);
     loadDisplayParameters();
     sortDocuments();
 }

@@ -35,8 +35,12 @@ public:
 
     /// Hands over the rows of the search results, for the next rebuild alone.
     void setRowsOfSearchResults(QList<QVariantMap> rows) { m_results = std::move(rows); }
-    /// Rebuilds the rows of what is on display.
+    /// Rebuilds the rows of what is on display, and takes away property files without a document.
     void getDocumentsInFolder();
+    /// Its two steps. The first may be done on any thread, the second not: while a document moves, its property file
+    /// stands alone for a moment.
+    void readDocuments();
+    void removeOrphanedPropertyFiles();
     /// Settles sort order and direction of what is on display.
     void loadDisplayParameters();
     /// Sorts the documents, and the books where they are shown.
@@ -44,6 +48,8 @@ public:
     /// The menu's choices by index: 0 title, 1 creation date, 2 modification date (due date in a tasklist), 3 custom,
     /// 4 descending, 5 ascending. Stored in the book or, for a smart book, in the settings.
     void selectSortOrder(int index);
+    /// Stores the choice alone; the rows stay as they are.
+    void storeSortOrder(int index);
     /// False where the order is fixed.
     [[nodiscard]] bool orderCanBeChosen() const;
     /// The menu's place 2 means the due date here.
@@ -84,6 +90,7 @@ private:
 
     ListSource m_source;
     std::optional<QList<QVariantMap>> m_results;
+    QStringList m_orphanedPropertyFiles;
 };
 
 } // namespace tomelet

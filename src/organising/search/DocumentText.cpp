@@ -8,6 +8,7 @@
 #include "import/MailText.h"
 #include "library/Extensions.h"
 #include "organising/search/OfficeText.h"
+#include "organising/search/PageText.h"
 #include "organising/search/RichText.h"
 
 #include <QFile>
@@ -24,7 +25,8 @@ namespace tomelet {
 
 namespace {
 
-constexpr qint64 largestText = 32 << 20;
+constexpr qint64 largestFile = 32 << 20;
+constexpr qsizetype mostCharacters = 16'000'000;
 constexpr qsizetype sniffedBytes = 8192;
 
 // A zero byte is in nearly every file that is no text, and in none that is; a byte-order mark tells of wide text.
@@ -34,9 +36,10 @@ bool looksLikeText(const QByteArray &bytes)
     return !QByteArrayView(bytes).first(std::min(bytes.size(), sniffedBytes)).contains('\0');
 }
 
-QString textOfPage(const QString &html)
+// A page may hold the text that it was made of.
+QString textOfAnyPage(const QString &html)
 {
-    return html.contains(plainRepresentationMark) ? tm_htmlToPlainText(html) : tm_htmlToPlainQuick(html);
+    return html.contains(plainRepresentationMark) ? tm_htmlToPlainText(html) : textOfPage(html);
 }
 
 QString textOfMail(QString source)
@@ -50,7 +53,7 @@ QString textOfMail(QString source)
     const bool quoted = message.header.toLower().contains(u"content-transfer-encoding: quoted-printable");
     if (quoted) message.body = stringWithQuotedPrintableString(message.body);
     const MailParts parts = partsOfMessage(message, quoted, MailFiles::PassOver);
-    for (const QString &html : parts.html) texts.append(tm_htmlToPlainQuick(html));
+    for (const QString &html : parts.html) texts.append(textOfPage(html));
     if (parts.html.isEmpty()) texts += parts.plain;
     return texts.join(u'\n');
 }
@@ -62,7 +65,7 @@ QString textOfPdf(const QString &path)
         poppler::document::load_from_file(QFile::encodeName(path).toStdString()));
     if (!document || document->is_locked()) return {};
     QString text;
-    for (int number = 0; number < document->pages(); ++number) {
+    for (int number = 0; number < document->pages() && text.size() < mostCharacters; ++number) {
         const std::unique_ptr<poppler::page> page(document->create_page(number));
         if (!page) continue;
         const poppler::byte_array utf8 = page->text().to_utf8();
@@ -73,18 +76,46 @@ QString textOfPdf(const QString &path)
 
 } // namespace
 
-QString documentText(const QString &path)
+namespace {
+
+QString wholeText(const QString &path)
 {
     const QString extension = lowerExtension(path);
     if (extension == u"pdf") return textOfPdf(path);
     if (isOfficeDocument(extension)) return textOfOfficeDocument(path);
-    if (hasImageExtension(path) || QFileInfo(path).size() > largestText) return {};
+    if (hasImageExtension(path) || QFileInfo(path).size() > largestFile) return {};
     const auto bytes = readFile(path);
     if (!bytes || !looksLikeText(*bytes)) return {};
     if (bytes->startsWith("{\\rtf")) return textOfRichText(*bytes);
     const QString text = decodeText(*bytes).text;
-    if (extension.startsWith(u"htm")) return textOfPage(text);
+    if (extension.startsWith(u"htm")) return textOfAnyPage(text);
     return extension == u"eml" ? textOfMail(text) : text;
+}
+
+// Signs side by side make a token each, words one for all their letters. Four million characters are always taken.
+constexpr qsizetype workOfCharacter = 4;
+constexpr qsizetype mostWork = workOfCharacter * mostCharacters;
+constexpr qsizetype workOfSigns = 16;
+
+QString cutToMostWork(QString text)
+{
+    if (text.size() <= mostWork / workOfSigns) return text;
+    qsizetype work = 0;
+    bool wasLetter = true;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const bool isLetter = text[i].isLetterOrNumber();
+        work += isLetter || wasLetter ? workOfCharacter : workOfSigns;
+        wasLetter = isLetter;
+        if (work > mostWork) return text.first(i);
+    }
+    return text;
+}
+
+} // namespace
+
+QString documentText(const QString &path)
+{
+    return cutToMostWork(wholeText(path));
 }
 
 } // namespace tomelet

@@ -90,6 +90,7 @@ private:
     void registerTokenizer();
     Statement &statement(const char *sql);
     qint64 number(const char *sql);
+    std::vector<qint64> numbersOf(const char *sql, const std::string &expression);
     QString readPath(qint64 document);
     const std::vector<QString> &allPaths(const QString &root);
 

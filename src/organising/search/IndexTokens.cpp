@@ -14,11 +14,14 @@ namespace {
 
 constexpr size_t longestWord = 32;
 constexpr size_t longestGap = 8;
-constexpr size_t longestEnd = 3;   // of a gap
-constexpr size_t longestPiece = 8; // of a gap
-constexpr size_t longestRun = 250; // of one sign
+constexpr size_t longestEnd = 3;    // of a gap
+constexpr size_t longestPiece = 16; // of a gap
+constexpr size_t mostPieces = 16;   // of a gap, looked up
+constexpr size_t longestRun = 250;  // of one sign
 constexpr int charactersOfBeginning = 2;
-constexpr size_t longestWordOfPair = 5; // the longer ones are rarer
+// Of a pair. Longer words are rarer, and there are many.
+constexpr size_t longestWordBeforeBlank = 5;
+constexpr size_t longestWordBeforeSign = 8;
 constexpr size_t longestTitleKey = 24;
 constexpr int charactersOfDenseWord = 2;
 constexpr int longestSigns = 3;
@@ -145,7 +148,8 @@ void appendGap(std::string &tokens, std::string_view gap)
 {
     if (leavesNoToken(gap)) return;
     append(tokens, 'g', cut(gap, longestGap));
-    for (size_t i = 0; i < gap.size(); i = nextCharacter(gap, i))
+    if (gap.empty()) return;
+    for (size_t i = nextCharacter(gap, 0); i < gap.size(); i = nextCharacter(gap, i))
         if (const std::string_view end = gap.substr(i);
             end.size() <= longestEnd && !leavesNoToken(end) && !isKnownOfWord(end))
             append(tokens, 'h', end);
@@ -202,20 +206,22 @@ void markBeginnings(Marks &marks, const FoldedText &text, const Runs &runs)
     }
 }
 
-/// Where a word with one blank and one more character behind it ends, if that is what stands at the position.
-std::optional<size_t> endOfPair(std::string_view text, const Runs &runs, size_t from)
+/// Where a word ends together with the sign, or the blank and the character, behind it; nothing where the word has no
+/// mark with that.
+std::optional<size_t> endOfPair(const FoldedText &text, const Runs &runs, size_t from)
 {
-    const size_t blank = runs.gapFrom(from);
-    const size_t next = runs.wordFrom(blank);
-    const bool isPair = !runs.isDense(from) && runs.endOfRun(from) == blank && blank - from <= longestWordOfPair &&
-                        next < text.size() && leavesNoToken(runs.piece(blank, next));
-    return isPair ? std::optional(nextCharacter(text, next)) : std::nullopt;
+    const size_t end = runs.endOfRun(from);
+    if (runs.isDense(from) || end == text.text.size()) return std::nullopt;
+    const size_t next = nextCharacter(text.text, end);
+    if (text.kinds[end] == SearchKind::Sign && end - from <= longestWordBeforeSign) return next;
+    if (text.kinds[end] != SearchKind::Blank || end - from > longestWordBeforeBlank) return std::nullopt;
+    return next < text.text.size() ? nextCharacter(text.text, next) : next;
 }
 
 void markPairs(Marks &marks, const FoldedText &text, const Runs &runs)
 {
     for (size_t from = runs.wordFrom(0); from < text.text.size(); from = runs.wordFrom(runs.endOfRun(from)))
-        if (const auto end = endOfPair(text.text, runs, from)) marks.add('n', runs.piece(from, *end));
+        if (const auto end = endOfPair(text, runs, from)) marks.add('n', runs.piece(from, *end));
 }
 
 size_t sizeOfRunOfOne(std::string_view piece)
@@ -273,6 +279,13 @@ DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name)
 
 namespace {
 
+TokenPhrase markLookUp(char kind, std::string_view text, bool prefix)
+{
+    TokenPhrase phrase{{}, prefix, true};
+    append(phrase.tokens, kind, text);
+    return phrase;
+}
+
 /// Takes a term apart as a text is, and notes where the tokens tell less than the term.
 class TermReader
 {
@@ -287,10 +300,10 @@ public:
     {
         size_t from = m_runs.wordFrom(0);
         if (from == m_size) readSigns();
-        else if (from == 0 && isBeginning()) readMark('b');
-        else if (from == 0 && endOfPair(m_term.text, m_runs, 0) == m_size) readMark('n');
+        else if (from == 0 && isBeginning()) readMark('b', false);
+        else if (from == 0 && endOfPair(m_term, m_runs, 0) == m_size) readMark('n', m_term.text.back() == ' ');
         else readLead(m_runs.piece(0, from));
-        if (m_result.inMarks) return std::move(m_result);
+        if (m_isRead) return std::move(m_result);
         while (from < m_size) {
             const size_t end = m_runs.endOfRun(from);
             readWord(from, end);
@@ -305,23 +318,38 @@ private:
     // A term of signs and blanks alone stands in the text as one.
     void readSigns()
     {
-        const bool isRun = m_size > longestPiece && sizeOfRunOfOne(m_term.text) == m_size;
-        const std::string_view kept = cut(m_term.text, isRun ? longestRun : longestPiece);
-        m_result.exact = kept.size() == m_size;
-        m_result.inMarks = true;
-        append(m_phrase, isRun ? 'r' : 's', kept);
-        closePhrase(m_result.exact);
+        m_isRead = true;
+        if (m_size > longestPiece && sizeOfRunOfOne(m_term.text) == m_size) {
+            m_result.exact = m_size <= longestRun;
+            addMark('r', cut(m_term.text, longestRun), m_result.exact);
+        } else {
+            m_result.exact = m_size <= longestPiece;
+            addPieces(m_term.text);
+        }
     }
 
     [[nodiscard]] bool isBeginning() const
     {
         return m_runs.endOfRun(0) == m_size && charactersOf(m_term.text) <= charactersOfBeginning;
     }
-    void readMark(char kind)
+    void readMark(char kind, bool prefix)
     {
-        m_result.inMarks = true;
-        append(m_phrase, kind, m_term.text);
-        closePhrase(false);
+        addMark(kind, m_term.text, prefix);
+        m_isRead = true;
+    }
+    void addMark(char kind, std::string_view text, bool prefix)
+    {
+        m_result.phrases.push_back(markLookUp(kind, text, prefix));
+    }
+    // All of what stands between two words, piece by piece.
+    void addPieces(std::string_view gap)
+    {
+        std::unordered_set<std::string_view> seen;
+        for (size_t i = 0; i < gap.size() && seen.size() < mostPieces; i = nextCharacter(gap, i)) {
+            const std::string_view piece = cut(gap.substr(i), longestPiece);
+            if (seen.insert(piece).second) addMark('s', piece, true);
+            if (i + piece.size() == gap.size()) return;
+        }
     }
 
     // What stands in front of the first word is in that word's token, or in that of the gap.
@@ -333,6 +361,7 @@ private:
         }
         const std::string_view kept = lead.substr(lead.size() - cutFromEnd(lead));
         m_result.exact = kept.size() == lead.size() && !leavesNoToken(lead);
+        if (kept.size() < lead.size()) addPieces(lead);
         if (isKnownOfWord(kept)) m_signs = kept;
         else if (!leavesNoToken(kept)) append(m_phrase, 'h', kept);
     }
@@ -356,6 +385,7 @@ private:
         const std::string_view kept = cut(gap, longestGap);
         const bool isLast = end == m_size;
         if (kept.size() < gap.size() || (isLast && leavesNoToken(gap))) m_result.exact = false;
+        if (kept.size() < gap.size()) addPieces(gap);
         if (m_phrase.empty() || leavesNoToken(gap)) return;
         append(m_phrase, 'g', kept);
         if (isLast) closePhrase(kept.size() == gap.size());
@@ -373,7 +403,19 @@ private:
     TermLookUps m_result;
     std::string m_phrase;
     std::string_view m_signs;
+    bool m_isRead = false;
 };
+
+// The mark of the last word that has one and of what follows it.
+std::optional<TokenPhrase> lastPair(const FoldedText &term)
+{
+    const Runs runs(term);
+    std::optional<TokenPhrase> last;
+    for (size_t from = runs.wordFrom(0); from < term.text.size(); from = runs.wordFrom(runs.endOfRun(from)))
+        if (const auto end = endOfPair(term, runs, from))
+            last = markLookUp('n', runs.piece(from, *end), term.text[*end - 1] == ' ');
+    return last;
+}
 
 } // namespace
 
@@ -386,21 +428,20 @@ TermLookUps titleLookUps(const FoldedText &term)
 {
     const std::string_view kept = cut(term.text, longestTitleKey);
     const bool whole = kept.size() == term.text.size();
-    TokenPhrase phrase{{}, whole};
-    append(phrase.tokens, 't', kept);
-    return {{phrase}, whole, true};
+    return {{markLookUp('t', kept, whole)}, whole};
 }
 
-std::optional<TermLookUps> withoutShortEnd(const TermLookUps &lookUps)
+std::optional<TermLookUps> withoutShortEnd(const FoldedText &term)
 {
-    const TokenPhrase &last = lookUps.phrases.back();
-    if (lookUps.inMarks || !last.prefix) return std::nullopt;
+    TermLookUps shorter = contentLookUps(term);
+    TokenPhrase &last = shorter.phrases.back();
+    if (last.inMarks || !last.prefix) return std::nullopt;
     const std::string_view tokens = std::string_view(last.tokens).substr(0, last.tokens.size() - 1);
     const size_t before = tokens.rfind(tokenSeparator);
     // The kind and a character or two.
     if (before == std::string_view::npos || tokens.size() - before > 4) return std::nullopt;
-    TermLookUps shorter = lookUps;
-    shorter.phrases.back() = {last.tokens.substr(0, before + 1), false};
+    last = {last.tokens.substr(0, before + 1), false, false};
+    if (auto pair = lastPair(term)) shorter.phrases.push_back(std::move(*pair));
     shorter.exact = false;
     return shorter;
 }

@@ -5,11 +5,12 @@
 //   w  a word (32 bytes at most; in dense writing two characters from where each word begins)
 //   x  at the place of the word: the word with the one, two and three signs in front of it
 //   g  what stands between two words (8 bytes at most), unless that is one blank
-//   h  at the place of that: its ends (3 bytes at most) that no x token knows
+//   h  at the place of that: its ends (3 bytes at most) that no x token knows, but not all of it
 // Its marks are known without places, each once:
 //   b  the first and the first two characters of each word
-//   n  a short word (5 bytes at most), one blank and the first character of the next word
-//   s  what stands between two words, from each of its characters on (8 bytes at most)
+//   n  a word (8 bytes at most) and the sign behind it; a word (5 bytes at most), the blank behind it and one character
+//      more
+//   s  what stands between two words, from each of its characters on (16 bytes at most)
 //   r  a run of one sign that is longer than that, whole (250 bytes at most)
 //   t  the name from each of its characters on (24 bytes at most)
 // So nearly every term is found by one phrase of tokens, the last of them as a beginning, without a look at the texts.
@@ -40,11 +41,12 @@ struct DocumentTokens
 /// `name` is folded.
 [[nodiscard]] DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name);
 
-/// Tokens one behind the other, each with its separator.
+/// Tokens one behind the other, each with its separator. A gap's end at the beginning may be all of the gap too.
 struct TokenPhrase
 {
     std::string tokens;
-    bool prefix = false; ///< the last token may go on
+    bool prefix = false;  ///< the last token may go on
+    bool inMarks = false; ///< it is one mark
 };
 
 /// The phrases that all have to be found for a term to be found.
@@ -52,11 +54,11 @@ struct TermLookUps
 {
     std::vector<TokenPhrase> phrases; ///< never empty
     bool exact = true;                ///< false: what they find has to be tested against the document
-    bool inMarks = false;             ///< they are marks
 };
 [[nodiscard]] TermLookUps contentLookUps(const FoldedText &term);
 [[nodiscard]] TermLookUps titleLookUps(const FoldedText &term);
-/// The same without a last token so short that to gather all that begin so takes long; not exact. Nothing for others.
-[[nodiscard]] std::optional<TermLookUps> withoutShortEnd(const TermLookUps &lookUps);
+/// The look-ups in the content without a last token so short that to gather all that begin so takes long; not exact.
+/// Nothing for other terms.
+[[nodiscard]] std::optional<TermLookUps> withoutShortEnd(const FoldedText &term);
 
 } // namespace tomelet

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "organising/search/OfficeText.h"
 
-#include "conversion/TextUtilities.h"
 #include "foundation/TextCodec.h"
 #include "library/Extensions.h"
+#include "organising/search/PageText.h"
 
 #include <QFile>
 #include <QStringList>
@@ -119,7 +119,7 @@ private:
 QString textOfEntry(const Format &format, const QByteArray &bytes)
 {
     if (!format.textElements.isEmpty()) return XmlText(bytes, format.textElements).read();
-    return tm_htmlToPlainQuick(decodeText(bytes).text) + u'\n';
+    return textOfPage(decodeText(bytes).text) + u'\n';
 }
 
 // -- the archive ------------------------------------------------------------------------------------------------------

@@ -28,7 +28,7 @@ using Document = IndexDatabase::Document;
 constexpr size_t documentsOfLot = 100;
 constexpr size_t bytesOfLot = 8 << 20;
 /// With so many candidates their texts are read sooner than all words that begin with one letter are gathered.
-constexpr size_t fewCandidates = 1000;
+constexpr size_t fewCandidates = 2500;
 /// The terms beyond are tested against the documents.
 constexpr size_t mostTermsLookedUp = 50;
 constexpr qint64 millisecondsOfTransaction = 1000;
@@ -308,8 +308,8 @@ Candidates candidatesOf(const FoldedText &term, SearchMode mode, IndexDatabase &
     const auto add = [&](const TermLookUps &lookUps) { found.add(index.find(lookUps), lookUps.exact); };
     if (mode != SearchMode::Content) add(titleLookUps(term));
     if (mode == SearchMode::Title) return found;
-    const TermLookUps content = contentLookUps(term);
-    add(ends == Ends::Shortened ? withoutShortEnd(content).value_or(content) : content);
+    const auto shorter = ends == Ends::Shortened ? withoutShortEnd(term) : std::nullopt;
+    add(shorter ? *shorter : contentLookUps(term));
     return found;
 }
 
@@ -330,7 +330,7 @@ Candidates candidatesOf(const SearchQuery &query, IndexDatabase &index, const st
     if (terms.size() < count) return {};
     Candidates found = intersection(terms);
     for (size_t i = 0; i < count && found.all.size() - found.sure.size() > fewCandidates && goesOn(); ++i) {
-        if (query.mode == SearchMode::Title || !withoutShortEnd(contentLookUps(query.terms[i]))) continue;
+        if (query.mode == SearchMode::Title || !withoutShortEnd(query.terms[i])) continue;
         terms[i] = candidatesOf(query.terms[i], query.mode, index, Ends::Whole);
         found = intersection(terms);
     }
