@@ -4,6 +4,7 @@
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "library/Extensions.h"
+#include "library/FileChanges.h"
 #include "library/ItemPath.h"
 #include "library/Root.h"
 
@@ -14,18 +15,8 @@
 namespace tomelet {
 
 LibraryNames::LibraryNames()
-{
-    const auto follow = [this](const char *notification, const QString &key) {
-        m_subscriptions.push_back(
-            notifications().observe(QString::fromLatin1(notification), [this, key](const QVariantMap &payload) {
-                noteChange(payload.value(key).toString());
-            }));
-    };
-    follow("TMLTFileModifiedOnDiskNotification", QStringLiteral("path"));
-    follow("TMLTFileDeletedFromDiskNotification", QStringLiteral("path"));
-    follow("TMLTFileMovedNotification", QStringLiteral("newPath"));
-    follow("TMLTNewFileCreatedNotification", QStringLiteral("path"));
-}
+    : m_subscriptions(observeFileChanges([this](const QString &path) { noteChange(path); }))
+{}
 
 // What is written again is known already.
 void LibraryNames::noteChange(const QString &path)

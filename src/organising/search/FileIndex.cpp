@@ -2,6 +2,7 @@
 #include "organising/search/FileIndex.h"
 
 #include "foundation/Platform.h"
+#include "library/FileChanges.h"
 #include "library/ItemPath.h"
 #include "organising/search/SearchIndex.h"
 
@@ -32,18 +33,8 @@ struct FileIndex::Notebook
 };
 
 FileIndex::FileIndex()
-{
-    const auto follow = [this](const char *notification, const QString &key) {
-        m_subscriptions.push_back(
-            notifications().observe(QString::fromLatin1(notification), [this, key](const QVariantMap &payload) {
-                noteChange(payload.value(key).toString());
-            }));
-    };
-    follow("TMLTFileModifiedOnDiskNotification", QStringLiteral("path"));
-    follow("TMLTFileDeletedFromDiskNotification", QStringLiteral("path"));
-    follow("TMLTFileMovedNotification", QStringLiteral("originalPath"));
-    follow("TMLTFileMovedNotification", QStringLiteral("newPath"));
-}
+    : m_subscriptions(observeFileChanges([this](const QString &path) { noteChange(path); }))
+{}
 
 FileIndex::~FileIndex()
 {
