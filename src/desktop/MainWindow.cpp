@@ -19,8 +19,6 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
-#include "library/Root.h"
-#include "organising/contexts/Contexts.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -34,8 +32,6 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
-#include <QStatusBar>
-#include <QTimer>
 #include <QVBoxLayout>
 
 namespace tomelet::desktop {
