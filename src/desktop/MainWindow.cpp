@@ -19,6 +19,7 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/RecentItems.h"
+#include "organising/contexts/Contexts.h"
 
 #include <QActionGroup>
 #include <QCloseEvent>
