@@ -15,8 +15,11 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
 #include <iterator>
 #include <sys/stat.h>
+#include <thread>
 #include <utility>
 
 namespace tomelet {
@@ -28,7 +31,7 @@ using Document = IndexDatabase::Document;
 constexpr size_t documentsOfLot = 100;
 constexpr size_t bytesOfLot = 8 << 20;
 /// With so many candidates their texts are read sooner than all words that begin with one letter are gathered.
-constexpr size_t fewCandidates = 2500;
+constexpr size_t fewCandidates = 4000;
 /// The terms beyond are tested against the documents.
 constexpr size_t mostTermsLookedUp = 50;
 constexpr qint64 millisecondsOfTransaction = 1000;
@@ -140,6 +143,45 @@ bool documentMatches(const QString &path, const SearchQuery &query, const QByteA
                 foldedForSearch(keptText.isEmpty() ? documentText(path) : QString::fromUtf8(qUncompress(keptText)));
         return *content;
     });
+}
+
+/// Does a job for each number below the count, on all cores.
+void onAllCores(size_t count, const std::function<void(size_t)> &job)
+{
+    static const size_t cores = std::clamp(std::thread::hardware_concurrency(), 1U, 8U);
+    std::atomic_size_t next = 0;
+    const auto work = [&] {
+        for (size_t i = next++; i < count; i = next++) job(i);
+    };
+    std::vector<std::jthread> others;
+    for (size_t i = 1; i < std::min(cores, count); ++i) others.emplace_back(work);
+    work();
+}
+
+struct ToTest
+{
+    QString path;
+    QByteArray keptText; ///< as the index has it; empty where the file is to be read
+};
+
+/// The paths of those that match. Reading and folding take the time, and documents need nothing of each other.
+QStringList tested(const std::vector<QString> &paths, const SearchQuery &query,
+                   const std::function<QByteArray(const QString &)> &keptTextOf, const Progress &progress)
+{
+    static constexpr size_t lot = 200; // after which one may stop
+    QStringList hits;
+    for (size_t from = 0; from < paths.size(); from += lot) {
+        if (progress && !progress(qsizetype(from), qsizetype(paths.size()))) break;
+        std::vector<ToTest> documents;
+        for (size_t i = from; i < std::min(from + lot, paths.size()); ++i)
+            documents.push_back({paths[i], keptTextOf(paths[i])});
+        std::vector<char> matches(documents.size());
+        onAllCores(documents.size(),
+                   [&](size_t i) { matches[i] = documentMatches(documents[i].path, query, documents[i].keptText); });
+        for (size_t i = 0; i < documents.size(); ++i)
+            if (matches[i]) hits.append(documents[i].path);
+    }
+    return hits;
 }
 
 } // namespace
@@ -353,25 +395,19 @@ QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, 
         if (folder != m_root) paths.removeIf([&](const QString &path) { return !isBelow(path, folder); });
         return paths;
     };
-    QStringList tested = pathsOf(unsure);
-    qsizetype done = 0;
-    tested.removeIf([&](const QString &path) {
-        if (progress && !progress(++done, tested.size())) return true;
-        return !documentMatches(path, query, index.textOf(path.sliced(m_root.size())));
-    });
-    return pathsOf(found.sure) + tested;
+    const QStringList candidates = pathsOf(unsure);
+    return pathsOf(found.sure) + tested(
+                                     {candidates.begin(), candidates.end()}, query,
+                                     [&](const QString &path) { return index.textOf(path.sliced(m_root.size())); },
+                                     progress);
 }
 
 QStringList searchByWalk(const QString &root, const SearchQuery &query, const QString &scope, const Progress &progress)
 {
-    const std::vector<Document> documents = documentsAt(root, scope);
-    QStringList hits;
-    qsizetype done = 0;
-    for (const Document &document : documents) {
-        if (const QString path = root + document.path; documentMatches(path, query, {})) hits.append(path);
-        if (progress && !progress(++done, qsizetype(documents.size()))) break;
-    }
-    return hits;
+    std::vector<QString> paths;
+    for (const Document &document : documentsAt(root, scope)) paths.push_back(root + document.path);
+    return tested(
+        paths, query, [](const QString &) { return QByteArray(); }, progress);
 }
 
 } // namespace tomelet
