@@ -38,7 +38,36 @@ window.tmLists = (() => {
       list.replaceWith(renamed);
     });
   }
-  const begin = ordered => document.execCommand(ordered ? 'insertOrderedList' : 'insertUnorderedList');
+  function joinWith(list, other, before) {
+    if (other?.tagName !== list.tagName) return list;
+    if (before) other.append(...list.childNodes);
+    else other.prepend(...list.childNodes);
+    list.remove();
+    return other;
+  }
+  // Paragraphs become items, of one list where they follow each other. The engine does the same to text that stands in
+  // no paragraph, but puts the caret in front of it.
+  function begin(ordered) {
+    const tag = ordered ? 'ol' : 'ul';
+    const paragraphs = touched('p, h1, h2, h3, h4, h5, h6, div').filter(e => !e.querySelector(`table, ${lists}, ${inner}`));
+    if (!paragraphs.length) return document.execCommand(ordered ? 'insertOrderedList' : 'insertUnorderedList');
+    const holder = selection.isCollapsed ? selection.anchorNode : null;
+    let list = null;
+    let withCaret = null;
+    keepingSelection(() => {
+      for (const paragraph of paragraphs) {
+        const item = document.createElement('li');
+        item.append(...paragraph.childNodes);
+        if (list && list.nextElementSibling === paragraph) paragraph.remove();
+        else paragraph.replaceWith(list = document.createElement(tag));
+        list.append(item);
+        if (paragraph === holder) withCaret = item;
+      }
+      list = joinWith(list, list.previousElementSibling, true);
+      joinWith(list, list.nextElementSibling, false);
+    });
+    if (withCaret) caretIn(withCaret);
+  }
 
   // Bullets become numbers, numbers boxes, boxes plain paragraphs, and those bullets.
   function toggle() {

@@ -352,6 +352,35 @@ TEST_F(FormattedEditing, marksLeaveTheSelectionOnItsText)
     EXPECT_EQ(body(), QStringLiteral("<p>«it's»one (two)</p>"));
 }
 
+// What is typed next goes where the caret was.
+TEST_F(FormattedEditing, theCaretStaysWhenBlocksChange)
+{
+    const struct
+    {
+        const char *body, *script, *after;
+    } rows[] = {
+        {"<p>one</p><p id='z'>two</p>", "tm.toggleList()", "<p>one</p><ul><li>twX|o</li></ul>"},
+        {"<p>one</p><p id='z'>two</p><table><tbody><tr><td>a</td></tr></tbody></table>", "tm.toggleList()",
+         "<p>one</p><ul><li>twX|o</li></ul><table><tbody><tr><td>a</td></tr></tbody></table>"},
+        {"<p id='z'>two</p>", "tm.setList(true)", "<ol><li>twX|o</li></ol>"},
+        {"<p id='z'>two</p>", "tm.toggleBoxes()",
+         "<ul><li class=\"tm_checkbox\"><input type=\"checkbox\">twX|o</li></ul>"},
+        {"<ul><li id='z'>two</li></ul>", "tm.setList(false)", "<p>twX|o</p>"},
+        {"<ul><li>one</li><li id='z'>two</li></ul>", "tm.indent(false)",
+         "<ul><li>one<ul><li>twX|o</li></ul></li></ul>"},
+        {"<p id='z'>two</p>", "tm.setBlock('h2') || document.execCommand('formatblock', false, 'h2')",
+         "<h2>twX|o</h2>"},
+    };
+    for (const auto &row : rows) {
+        ASSERT_TRUE(pane.closeDocument());
+        open(QString::fromUtf8(row.body));
+        select(QStringLiteral("#z"), 2, QStringLiteral("#z"), 2);
+        afterScript(QString::fromUtf8(row.script));
+        const QString typed = afterScript(scriptOfCommand(QStringLiteral("text"), QStringLiteral("X|")));
+        EXPECT_EQ(QString(typed).remove(QStringLiteral(" id=\"z\"")), QString::fromUtf8(row.after)) << row.script;
+    }
+}
+
 TEST_F(FormattedEditing, theBarShowsWhatIsSelected)
 {
     open(QStringLiteral("<p>one <code>x</code></p><p id=\"z\">two <b>three</b></p>"));
