@@ -22,6 +22,7 @@ window.tm = (() => {
     markBoxes(changed);
     dropSpelledOutStyles(changed);
     dropSecondNames(changed);
+    nestLists(changed);
     liftBlocks(changed.filter(node => node.isConnected));
     if (contents) writeContents();
   }
@@ -66,6 +67,11 @@ window.tm = (() => {
   function dropSecondNames(nodes) {
     for (const each of within(nodes, '[id]'))
       if (each.previousElementSibling?.id === each.id) each.removeAttribute('id');
+  }
+  // Who leaves an inner list finds it beside its item.
+  function nestLists(nodes) {
+    const loose = within(nodes, 'ul > ul, ul > ol, ol > ul, ol > ol').filter(e => e.previousElementSibling?.tagName === 'LI');
+    if (loose.length) keepingSelection(() => loose.forEach(list => list.previousElementSibling.append(list)));
   }
   // It also puts lists and tables into paragraphs and headings, where markup has no place for them.
   function partsOf(paragraph) {

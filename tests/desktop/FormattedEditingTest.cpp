@@ -177,6 +177,8 @@ const Row rows[] = {
      "<p><font color='#000000' style='background-color: rgb(255, 239, 138);'>a</font> b</p>"},
     {"no style of its own", "<p style='color:red'>a <span style='color:red'>b</span></p>", "p", 0, "span", 1,
      "tm.clearFormat()", "<p>a b</p>"},
+    {"an inner list that is left", "<ul><li>a<ul><li>b</li><li id='z'><br></li></ul></li></ul>", "#z", 0, "#z", 0,
+     "document.execCommand('insertParagraph')", "<ul><li>a<ul><li>b</li></ul></li><li><br></li></ul>"},
     {"a heading cut in two", "<h2 id='a'>one</h2>", "h2", 2, "h2", 2, "document.execCommand('insertParagraph')",
      "<h2 id='a'>on</h2><h2>e</h2>"},
     {"marks over paragraphs", "<p>one</p><p id='z'>two</p>", "p", 2, "#z", 1, "tm.enclose('(', ')')",
