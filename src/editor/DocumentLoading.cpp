@@ -196,7 +196,7 @@ void TMLTDocumentViewController::loadFormatted()
     m_formattedMainFrameURL = page.base;
     m_isEditable = page.isEditable && QFileInfo(m_path).isReadable();
     m_isForeignPage = page.isForeign;
-    if (page.html.isEmpty() && !page.isEditable) return m_view.showAddress(page.base);
+    if (page.isXml || (page.html.isEmpty() && !page.isEditable)) return m_view.showAddress(page.base);
     if (page.isEditable) {
         const auto bytes = readFile(m_path);
         const DecodedText decoded = decodeText(bytes.value_or(QByteArray()));

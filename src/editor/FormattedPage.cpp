@@ -7,8 +7,11 @@
 #include "conversion/StyleSheets.h"
 #include "conversion/TextUtilities.h"
 #include "editor/DocumentForms.h"
+#include "editor/FdxPage.h"
+#include "foundation/Directories.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
+#include "foundation/Resources.h"
 #include "foundation/SafeWriter.h"
 #include "import/Mail.h"
 #include "import/MailText.h"
@@ -91,11 +94,23 @@ QString picturePage(const QString &path)
 
 QString exportedNotesPage(const QString &path)
 {
-    const QString offer = QStringLiteral("<p>%1</p>\n<p><a name=\"link\" href=\"file://%2\">%3</a></p>")
-                              .arg(localized(TOMELET_TEXT("This file contains notes exported from Evernote.")),
-                                   percentEncodedPath(path), localized(TOMELET_TEXT("Click to extract and import...")));
-    return tm_createFormattedDocWithBody(
-        path, QStringLiteral("<h1>%1</h1>\n").arg(lastPathComponent(path).toHtmlEscaped()) + offer);
+    const QString page =
+        QString::fromUtf8(readFile(resourcePath(QStringLiteral("CSS/CannotLoadError.html"))).value_or(QByteArray()));
+    const QString offer = QStringLiteral("<a name=\"link\" href=\"file://%1\">%2</a>")
+                              .arg(percentEncodedPath(path), localized(TOMELET_TEXT("Click to extract and import...")));
+    return QString(page)
+        .replace(QStringLiteral("**Message**"),
+                 localized(TOMELET_TEXT("This file contains notes exported from Evernote.")))
+        .replace(QStringLiteral("**Extra**"), offer)
+        .replace(QStringLiteral("**Title**"), lastPathComponent(path).toHtmlEscaped());
+}
+
+FormattedPage fdxPage(const QString &path)
+{
+    const QString page = tm_formattedDocAdjustedToColorTheme(pageOfFdx(textOf(path)));
+    const QString file = joinPath(workingDirectory(), nameWithoutExtension(path) + QStringLiteral(".xml"));
+    if (makeFolder(workingDirectory()) && writeFile(file, page.toUtf8())) return {page, file, false, false, true};
+    return {pageForItem(path), path, false, false};
 }
 
 } // namespace
@@ -110,6 +125,7 @@ FormattedPage formattedPageFor(const QString &path)
         if (address.startsWith(u"http")) return {{}, address, false, true};
     }
     if (extension == u"eml") return {mailPage(path), path, false, false};
+    if (extension == u"fdx") return fdxPage(path);
     if (extension == u"enex") return {exportedNotesPage(path), path, false, false};
     if (hasImageExtension(path)) return {picturePage(path), path, false, false};
     // Every text with a source is shown as what its Markdown says.

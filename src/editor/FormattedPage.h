@@ -12,10 +12,11 @@ struct FormattedPage
     QString base; ///< what relative references are resolved against, or the address
     bool isEditable = false;
     bool isForeign = false; ///< a page that this program did not write
+    bool isXml = false;     ///< it lies in the file `base` as well, to be loaded from there
 };
 
 /// The page of a document of any kind. Markdown inside of a page is converted anew and written back where the outcome
-/// differs from what is stored; nothing else is written.
+/// differs from what is stored; what has to be loaded as a file is written into the working folder.
 [[nodiscard]] FormattedPage formattedPageFor(const QString &path);
 
 } // namespace tomelet

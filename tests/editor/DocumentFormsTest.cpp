@@ -4,6 +4,7 @@
 #include "editor/FormattedPage.h"
 #include "editor/LineEnds.h"
 #include "foundation/Platform.h"
+#include "foundation/SafeWriter.h"
 #include "library/Properties.h"
 #include "tests/support/Notebook.h"
 
@@ -132,4 +133,28 @@ TEST_F(DocumentKinds, combinedMarkdownIsConvertedAnewOnce)
     (void)formattedPageFor(path);
     EXPECT_EQ(fileDates(path).modified, date);
     EXPECT_EQ(QString::fromUtf8(stored), combinedForm(QStringLiteral("a *b* -->\n")));
+}
+
+TEST_F(DocumentKinds, screenplaysAndExportedNotes)
+{
+    const QString script =
+        write(QStringLiteral("/Film.fdx"), "<?xml version=\"1.0\"?>\n<FinalDraft><Content>"
+                                           "<Paragraph Type=\"Scene Heading\"><Text>INT.</Text></Paragraph>"
+                                           "<Paragraph Type=\"Action\"><Text>x</Text></Paragraph>"
+                                           "<Paragraph Number=\"4\" Type=\"Scene Heading\">\n<Text>EXT.</Text>"
+                                           "</Paragraph></Content></FinalDraft>");
+    const FormattedPage page = formattedPageFor(script);
+    EXPECT_TRUE(page.isXml);
+    EXPECT_EQ(readFile(page.base), page.html.toUtf8());
+    EXPECT_TRUE(page.base.endsWith(u"/Film.xml"));
+    EXPECT_TRUE(page.html.startsWith(u"<?xml version=\"1.0\"?>\n<?xml-stylesheet")) << page.html.toStdString();
+    EXPECT_TRUE(page.html.contains(u"<Text>1 INT.</Text>"));
+    EXPECT_TRUE(page.html.contains(u"<Text>x</Text>"));
+    EXPECT_TRUE(page.html.contains(u"<Text>2 EXT.</Text>"));
+    EXPECT_TRUE(page.html.endsWith(u"</FinalDraft>\n</DOC>"));
+
+    const QString notes = formattedPageFor(write(QStringLiteral("/A & B.enex"), "<en-export/>")).html;
+    EXPECT_TRUE(notes.contains(u"<h1>A &amp; B.enex</h1>"));
+    EXPECT_TRUE(notes.contains(u"<a name=\"link\" href=\"file://" + root + u"/A%20&%20B.enex\">Click to extract"));
+    EXPECT_FALSE(notes.contains(u"**"));
 }

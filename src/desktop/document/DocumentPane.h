@@ -100,6 +100,7 @@ private:
     void bring(QWidget *shown);
     /// Runs once when the page that is being loaded is laid out, at once where none is.
     void load(const QString &page, const QUrl &address);
+    void showFile(const QString &file, const QUrl &address);
     void warmUp();
     void layOutMore();
     void runWhenLoaded(const QString &script);

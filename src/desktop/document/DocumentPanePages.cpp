@@ -94,22 +94,28 @@ void DocumentPane::load(const QString &page, const QUrl &address)
 }
 
 // Pages of the network are another program's work.
-void DocumentPane::showAddress(const QString &)
+void DocumentPane::showAddress(const QString &address)
 {
+    if (itemExists(address)) return showFile(address, QUrl::fromLocalFile(address));
     showPage(pageForItem(path()), path());
 }
 
-void DocumentPane::showPdf(const QString &path, qlonglong page)
+void DocumentPane::showFile(const QString &file, const QUrl &address)
 {
-    m_base = path;
+    m_base = file;
     bring(m_view);
     updateTitle();
     m_livePath.clear();
     m_liveAddress.clear();
-    QUrl address = QUrl::fromLocalFile(path);
-    if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
     m_isLoading = true;
     m_view->load(address);
+}
+
+void DocumentPane::showPdf(const QString &path, qlonglong page)
+{
+    QUrl address = QUrl::fromLocalFile(path);
+    if (page > 0) address.setFragment(QStringLiteral("page=%1").arg(page + 1));
+    showFile(path, address);
 }
 
 void DocumentPane::showPreview(const QString &path)
