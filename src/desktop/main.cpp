@@ -2,6 +2,7 @@
 // The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file or a tomelet URL is opened.
 #include "desktop/DesktopShell.h"
 #include "desktop/SingleInstance.h"
+#include "desktop/page/PageDictionaries.h"
 #include "foundation/Folder.h"
 #include "foundation/Resources.h"
 #include "foundation/Signals.h"
@@ -40,6 +41,7 @@ int main(int argc, char *argv[])
     QuitOnSignals::hold();
     // Chromium's sandbox cannot be set up by root, and refuses to start without being told so.
     if (::geteuid() == 0) qputenv("QTWEBENGINE_DISABLE_SANDBOX", "1");
+    desktop::namePageDictionaries();
     QApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     QApplication application(argc, argv);
     QApplication::setApplicationDisplayName(QStringLiteral("Tomelet"));

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/page/PageProfile.h"
 
+#include "desktop/page/PageDictionaries.h"
+
 #include <QCoreApplication>
-#include <QDir>
-#include <QLibraryInfo>
 #include <QLocale>
 #include <QWebEngineProfile>
 #include <QWebEngineSettings>
@@ -28,20 +28,6 @@ public:
     }
 };
 
-// The dictionaries of the machine's languages that the engine finds: "de-DE.bdic".
-QStringList installedDictionaries()
-{
-    const QString usual = QLibraryInfo::path(QLibraryInfo::DataPath) + QStringLiteral("/qtwebengine_dictionaries");
-    const QDir folder(qEnvironmentVariable("QTWEBENGINE_DICTIONARIES_PATH", usual));
-    QStringList languages;
-    for (const QFileInfo &file : folder.entryInfoList({QStringLiteral("*.bdic")}, QDir::Files, QDir::Name))
-        languages.append(file.completeBaseName());
-    QStringList wanted;
-    for (const QString &language : QLocale::system().uiLanguages() + QStringList{QStringLiteral("en-US")})
-        if (languages.contains(language) && !wanted.contains(language)) wanted.append(language);
-    return wanted;
-}
-
 } // namespace
 
 QPageLayout paperForPages()
@@ -52,11 +38,18 @@ QPageLayout paperForPages()
             QMarginsF(margin, margin, margin, margin), QPageLayout::Millimeter};
 }
 
+static void useDictionaries()
+{
+    const QStringList languages = pageDictionaries();
+    pageProfile()->setSpellCheckLanguages(languages);
+    pageProfile()->setSpellCheckEnabled(!languages.isEmpty());
+}
+
 void checkSpellingOfPages(bool on)
 {
-    const QStringList languages = installedDictionaries();
-    pageProfile()->setSpellCheckLanguages(languages);
-    pageProfile()->setSpellCheckEnabled(on && !languages.isEmpty());
+    if (!on) return pageProfile()->setSpellCheckEnabled(false);
+    useDictionaries();
+    makePageDictionaries(useDictionaries);
 }
 
 QWebEngineProfile *pageProfile()

@@ -14,8 +14,7 @@ namespace tomelet::desktop {
 /// The paper that is usual where the person lives, with margins.
 [[nodiscard]] QPageLayout paperForPages();
 
-/// Marks misspelled words on pages that are edited. Only where the engine has a dictionary of its own kind (".bdic")
-/// for the person's language, which no package of the system brings along: docs/dependencies.md.
+/// Marks misspelled words on pages that are edited, as soon as there are dictionaries (see PageDictionaries.h).
 void checkSpellingOfPages(bool on);
 
 } // namespace tomelet::desktop
