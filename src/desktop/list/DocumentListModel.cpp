@@ -151,20 +151,23 @@ void DocumentListModel::reloadInBackground()
 // One at a time: of what is wanted meanwhile the last is enough, since it reads everything.
 void DocumentListModel::readElsewhere(const Reading &reading)
 {
+    const ListSource source = m_controller.source();
     if (std::exchange(m_reading, true)) {
-        m_next = reading;
+        m_next = {source, reading};
         return;
     }
-    m_reader.add([this, reading, list = m_controller, rows = m_rows, version = m_version]() mutable {
+    m_reader.add([this, source, reading, list = m_controller, rows = m_rows, version = m_version]() mutable {
         reading(list);
         RowChanges changes = rowChanges(rows, list.rows());
-        const auto take = [this, reading, version, list = std::move(list), changes = std::move(changes)] {
+        const auto take = [this, source, reading, version, list = std::move(list), changes = std::move(changes)] {
             m_reading = false;
-            const bool isStale = version != m_version || list.source() != m_controller.source() ||
+            const bool isStale = version != m_version || source != m_controller.source() ||
                                  list.searchFilter != m_controller.searchFilter;
             if (!isStale) takeReading(list, changes);
-            if (const Reading next = std::exchange(m_next, {})) readElsewhere(next);
-            else if (isStale) readElsewhere(reading);
+            WantedReading next = std::exchange(m_next, {});
+            if (!next.reading && isStale) next = {source, reading};
+            // What is on display instead was read when it came, and may not be one to be read elsewhere.
+            if (next.reading && next.source == m_controller.source()) readElsewhere(next.reading);
         };
         QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
     });

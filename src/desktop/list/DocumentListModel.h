@@ -80,6 +80,11 @@ Q_SIGNALS:
 private:
     /// Done to a copy of the controller, on another thread.
     using Reading = std::function<void(TMLTDocumentListViewController &)>;
+    struct WantedReading
+    {
+        ListSource source;
+        Reading reading; ///< null for nothing
+    };
     void readElsewhere(const Reading &reading);
     void takeReading(TMLTDocumentListViewController list, RowChanges changes);
     void changeRows(const std::function<void()> &change);
@@ -108,7 +113,7 @@ private:
     TMLTDocumentListViewController m_controller;
     int m_version = 0;      // counts what happens to rows and controller
     bool m_reading = false; // elsewhere
-    Reading m_next;         // what is to be read after that; null for nothing
+    WantedReading m_next;   // what is to be read after that
     SerialQueue m_reader;   // last, so that it ends first
 };
 
