@@ -9,6 +9,7 @@
 #include "import/Opml.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
+#include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/TextFile.h"
 
@@ -61,6 +62,16 @@ static QString pageOfUnknown(const QString &path)
                        QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
 }
 
+// Pages load nothing from the network; the link opens it in another program.
+static QString pageOfAddress(const QString &path, const QString &address)
+{
+    const QString shown = address.toHtmlEscaped();
+    return tm_createFormattedDocWithBody(
+        path,
+        QStringLiteral("<div class=\"tm_card\"><p class=\"tm_card_name\">%1</p><p><a href=\"%2\">%2</a></p></div>")
+            .arg(lastPathComponent(path).toHtmlEscaped(), shown));
+}
+
 static QString pageOfAnyKind(const QString &path)
 {
     const QString extension = lowerExtension(path);
@@ -69,6 +80,9 @@ static QString pageOfAnyKind(const QString &path)
         const auto decoded = readTextFile(path);
         return decoded ? decoded->text : tm_createFormattedDocWithBody(path, {});
     }
+    if (extension == u"webloc" || extension == u"url")
+        if (const QString address = tm_embeddedURL(path); address.startsWith(u"http"))
+            return pageOfAddress(path, address);
     if (extension == u"eml") return pageOfMail(path);
     if (extension == u"opml") return pageOfOutline(path);
     if (hasImageExtension(path)) return pageOfImage(path);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "editor/DocumentForms.h"
+#include "conversion/Page.h"
 #include "editor/DocumentViewChoice.h"
 #include "editor/FormattedPage.h"
 #include "editor/LineEnds.h"
@@ -135,7 +136,7 @@ TEST_F(DocumentKinds, combinedMarkdownIsConvertedAnewOnce)
     EXPECT_EQ(QString::fromUtf8(stored), combinedForm(QStringLiteral("a *b* -->\n")));
 }
 
-TEST_F(DocumentKinds, screenplaysAndExportedNotes)
+TEST_F(DocumentKinds, screenplaysAddressesAndExportedNotes)
 {
     const QString script =
         write(QStringLiteral("/Film.fdx"), "<?xml version=\"1.0\"?>\n<FinalDraft><Content>"
@@ -152,6 +153,9 @@ TEST_F(DocumentKinds, screenplaysAndExportedNotes)
     EXPECT_TRUE(page.html.contains(u"<Text>x</Text>"));
     EXPECT_TRUE(page.html.contains(u"<Text>2 EXT.</Text>"));
     EXPECT_TRUE(page.html.endsWith(u"</FinalDraft>\n</DOC>"));
+
+    const QString address = pageForItem(write(QStringLiteral("/a.url"), "[InternetShortcut]\nURL=http://x.org/?a&b\n"));
+    EXPECT_TRUE(address.contains(u"<a href=\"http://x.org/?a&amp;b\">http://x.org/?a&amp;b</a>"));
 
     const QString notes = formattedPageFor(write(QStringLiteral("/A & B.enex"), "<en-export/>")).html;
     EXPECT_TRUE(notes.contains(u"<h1>A &amp; B.enex</h1>"));
