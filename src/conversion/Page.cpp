@@ -62,7 +62,7 @@ static QString pageOfUnknown(const QString &path)
                        QLocale().toString(file.lastModified(), QLocale::ShortFormat).toHtmlEscaped()));
 }
 
-// Pages load nothing from the network; the link opens it in another program.
+// This page loads nothing from the network; the link opens it in another program.
 static QString pageOfAddress(const QString &path, const QString &address)
 {
     const QString shown = address.toHtmlEscaped();

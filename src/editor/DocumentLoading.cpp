@@ -289,6 +289,13 @@ void TMLTDocumentViewController::tm_togglePlainTextAndFormattedView()
     lookUpParagraph(paragraph);
 }
 
+QString TMLTDocumentViewController::toggleToolTip() const
+{
+    if (!m_canToggle) return {};
+    if (m_kind == DocumentViewKind::PlainText) return localized(TOMELET_TEXT("Show as page"));
+    return m_isForeignPage ? localized(TOMELET_TEXT("Show HTML source code")) : localized(TOMELET_TEXT("Show as text"));
+}
+
 void TMLTDocumentViewController::lookUpParagraph(const QString &paragraph)
 {
     if (paragraph.trimmed().isEmpty()) return;

@@ -47,6 +47,8 @@ public:
     [[nodiscard]] DocumentViewKind viewThatIsVisible() const { return m_kind; }
     [[nodiscard]] bool presentingToggledView() const { return m_presentingToggledView; }
     [[nodiscard]] bool canToggle() const { return m_canToggle; }
+    /// What switching to the other view shows, for the person to read; "" where there is no other view.
+    [[nodiscard]] QString toggleToolTip() const;
     /// The page on display is made from Markdown.
     [[nodiscard]] bool showsMarkdown() const;
     [[nodiscard]] TextEncoding stringEncoding() const { return m_form.encoding; }

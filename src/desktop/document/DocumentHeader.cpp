@@ -36,6 +36,7 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     : QWidget(parent)
     , m_actions(actions)
     , m_title(new QLabel)
+    , m_toggle(new QToolButton)
     , m_place(new QLabel)
     , m_contexts(new ContextsField)
     , m_backlinks(new QToolButton)
@@ -56,6 +57,11 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
             [this](const QStringList &words) { m_actions.setContexts(m_path, words); });
     // The field's own undo would stand before that of the items.
     connect(m_contexts, &QLineEdit::returnPressed, this, &DocumentHeader::left);
+
+    m_toggle->setAutoRaise(true);
+    m_toggle->setFocusPolicy(Qt::TabFocus);
+    m_toggle->hide();
+    connect(m_toggle, &QToolButton::clicked, this, &DocumentHeader::toggleWanted);
 
     auto *task = new QHBoxLayout(m_task);
     task->setContentsMargins(0, 0, 0, 0);
@@ -78,7 +84,10 @@ DocumentHeader::DocumentHeader(ItemActions &actions, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(20, 10, 20, 6);
     layout->setSpacing(0);
-    layout->addWidget(m_title);
+    auto *top = new QHBoxLayout;
+    top->addWidget(m_title, 1);
+    top->addWidget(m_toggle);
+    layout->addLayout(top);
     layout->addWidget(m_place);
     layout->addWidget(m_task);
     layout->addLayout(below);
@@ -101,9 +110,17 @@ void DocumentHeader::setDocument(const QString &path, bool edited)
     if (std::exchange(m_path, path) != path || path.isEmpty()) showProperties();
 }
 
+void DocumentHeader::setToggle(const QString &toolTip, bool showsText)
+{
+    m_toggle->setHidden(toolTip.isEmpty());
+    m_toggle->setIcon(bundledIcon(showsText ? QStringLiteral("formatted") : QStringLiteral("text")));
+    m_toggle->setToolTip(toolTip);
+    m_toggle->setAccessibleName(toolTip);
+}
+
 bool DocumentHeader::focusFirst()
 {
-    for (QWidget *field : std::initializer_list<QWidget *>{m_taskState, m_contexts, m_backlinks}) {
+    for (QWidget *field : std::initializer_list<QWidget *>{m_taskState, m_contexts, m_backlinks, m_toggle}) {
         if (!field->isVisible()) continue;
         field->setFocus(Qt::TabFocusReason);
         return true;

@@ -26,11 +26,14 @@ public:
 
     /// `edited`: there is typing that is not in the file yet.
     void setDocument(const QString &path, bool edited);
+    /// The button for the other of the document's two views tells what it shows; "" hides it.
+    void setToggle(const QString &toolTip, bool showsText);
     [[nodiscard]] ContextsField *contextsField() { return m_contexts; }
     /// Goes to the first of its buttons and fields; false when it shows none.
     bool focusFirst();
 
 Q_SIGNALS:
+    void toggleWanted();
     /// The person is done up here.
     void left();
 
@@ -41,6 +44,7 @@ private:
 
     ItemActions &m_actions;
     QLabel *m_title;
+    QToolButton *m_toggle;
     QLabel *m_place;
     ContextsField *m_contexts;
     QToolButton *m_backlinks;

@@ -5,6 +5,8 @@
 #include "desktop/document/FindBar.h"
 #include "desktop/page/FormattingBar.h"
 #include "desktop/page/LinkPage.h"
+#include "desktop/page/PageProfile.h"
+#include "desktop/page/RemotePage.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
 #include "desktop/text/TextCompleter.h"
@@ -54,14 +56,13 @@ DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *p
     , m_text(new TMLTTextView)
     , m_controller(*this)
 {
-    // The page waits for its answer, so what may ask a question comes after it.
-    auto *page = new LinkPage(m_view, [this](const QUrl &url, bool inNewTab) {
-        QTimer::singleShot(0, this, [this, url, inNewTab] { followLink(url, inNewTab); });
-    });
-    m_view->setPage(page);
+    m_page = new LinkPage(pageProfile(), this, linkFollower());
+    m_view->setPage(m_page);
     m_view->setAccessibleName(localized(TOMELET_TEXT("Document")));
-    page->setBackgroundColor(palette().color(QPalette::Base));
-    connect(page, &QWebEnginePage::loadFinished, this, [this] { m_isLoading = false; });
+    m_page->setBackgroundColor(palette().color(QPalette::Base));
+    connect(m_page, &QWebEnginePage::loadFinished, this, [this] {
+        if (!m_remotePage) m_isLoading = false;
+    });
     m_layOut.setSingleShot(true);
     connect(&m_layOut, &QTimer::timeout, this, &DocumentPane::layOutMore);
     m_warmUp.setSingleShot(true);
@@ -72,6 +73,7 @@ DocumentPane::DocumentPane(ItemActions &actions, bool isOfMainWindow, QWidget *p
     connectEditor();
     connectFinding();
     applyViewSettings();
+    connect(m_header, &DocumentHeader::toggleWanted, this, &DocumentPane::toggleView);
     connect(m_header, &DocumentHeader::left, this, [this] { shownWidget()->setFocus(); });
     connect(m_text, &TMLTTextView::edited, this, [this] { m_controller.textDidChange(); });
     m_moves = notifications().observe(QStringLiteral("TMLTFileMovedNotification"), [this](const QVariantMap &move) {
@@ -182,6 +184,7 @@ void DocumentPane::updateTitle()
     const QString &path = m_controller.path();
     const QString name = path.isEmpty() ? QString() : lastPathComponent(path);
     m_header->setDocument(path, m_isEdited);
+    m_header->setToggle(m_controller.toggleToolTip(), showsText());
     m_text->completer().setDocument(bookOfDocument(), path);
     Q_EMIT titleChanged(name);
 }
@@ -189,6 +192,7 @@ void DocumentPane::updateTitle()
 void DocumentPane::bring(QWidget *shown)
 {
     m_isLong = false;
+    leaveRemotePage();
     // A document that is loaded anew right away does not take away what was just said about it.
     static constexpr qint64 readable = 10'000;
     if (m_noticePath != path() || m_noticeClock.elapsed() > readable) m_notice->hide();
@@ -242,6 +246,14 @@ static QString itemOfLink(const QUrl &url)
     const QString text = url.toString(QUrl::FullyDecoded);
     if (url.scheme() != u"tomelet" || tm_isTomeletURLSchemeAction(text)) return {};
     return QDir::cleanPath(fullPathOf(withoutTomeletScheme(text)));
+}
+
+// A page waits for its answer, so what may ask a question comes after it.
+LinkFollower DocumentPane::linkFollower()
+{
+    return [this](const QUrl &url, bool inNewTab) {
+        QTimer::singleShot(0, this, [this, url, inNewTab] { followLink(url, inNewTab); });
+    };
 }
 
 void DocumentPane::followLink(const QUrl &url, bool inNewTab)

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The right-hand pane: a document as text to write in or as a page. Pages run no script and load nothing from the
-// network.
+// network, but for the page behind a web address that the notebook holds.
 #pragma once
 
 #include "desktop/Lifetime.h"
+#include "desktop/page/LinkPage.h"
 #include "editor/BackList.h"
 #include "editor/DocumentView.h"
 #include "editor/EditorCommands.h"
@@ -26,6 +27,7 @@ class DocumentHeader;
 class FindBar;
 class FormattingBar;
 class ItemActions;
+class RemotePage;
 class TMLTTextView;
 class TMLTWebView;
 
@@ -101,6 +103,10 @@ private:
     /// Runs once when the page that is being loaded is laid out, at once where none is.
     void load(const QString &page, const QUrl &address);
     void showFile(const QString &file, const QUrl &address);
+    void expectLoad(const QString &base);
+    void showRemotePage(const QString &address);
+    void leaveRemotePage();
+    [[nodiscard]] LinkFollower linkFollower();
     void warmUp();
     void layOutMore();
     void runWhenLoaded(const QString &script);
@@ -185,9 +191,11 @@ private:
     TMLTWebView *m_view;
     FormattingBar *m_bar;
     TMLTTextView *m_text;
-    QString m_base;             ///< of the page on display
-    QString m_source;           ///< the page as it was loaded
-    bool m_hasContents = false; ///< of the page that is being edited
+    LinkPage *m_page;                   ///< of the notebook's own documents
+    RemotePage *m_remotePage = nullptr; ///< in its place while a web address is on display
+    QString m_base;                     ///< of the page on display
+    QString m_source;                   ///< the page as it was loaded
+    bool m_hasContents = false;         ///< of the page that is being edited
     bool m_isSettling = false;
     bool m_isLeaving = false;
     QString m_rescue;   ///< the copy of a text that could not be saved; "" for none

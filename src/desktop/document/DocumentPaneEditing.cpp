@@ -45,8 +45,8 @@ void DocumentPane::connectEditor()
         followLink(addressOf(path().isEmpty() ? bookOfDocument() : path()).resolved(QUrl(address)));
     });
     connectDrops();
-    connect(m_view->page(), &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
-    connect(m_view->page(), &QWebEnginePage::renderProcessTerminated, this, [this] {
+    connect(m_page, &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
+    connect(m_page, &QWebEnginePage::renderProcessTerminated, this, [this] {
         m_liveAddress.clear();
         m_isLoading = false;
         m_controller.writeTextToFile();

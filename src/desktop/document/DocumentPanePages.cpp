@@ -4,6 +4,7 @@
 
 #include "conversion/EmbeddedStyle.h"
 #include "conversion/Page.h"
+#include "desktop/page/RemotePage.h"
 #include "desktop/page/ShownPage.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
@@ -11,6 +12,7 @@
 #include "editor/PageBody.h"
 #include "foundation/Directories.h"
 #include "foundation/Folder.h"
+#include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/SafeWriter.h"
 #include "library/Extensions.h"
@@ -93,22 +95,50 @@ void DocumentPane::load(const QString &page, const QUrl &address)
     if (writeFile(file, page.toUtf8())) m_view->load(QUrl::fromLocalFile(file));
 }
 
-// Pages of the network are another program's work.
 void DocumentPane::showAddress(const QString &address)
 {
     if (itemExists(address)) return showFile(address, QUrl::fromLocalFile(address));
-    showPage(pageForItem(path()), path());
+    showRemotePage(address);
+}
+
+// Without the network the address itself is what there is to see.
+void DocumentPane::showRemotePage(const QString &address)
+{
+    expectLoad(address);
+    m_remotePage = new RemotePage(this, linkFollower());
+    m_view->setPage(m_remotePage);
+    connect(m_remotePage, &QWebEnginePage::loadFinished, this, [this](bool fine) {
+        m_isLoading = false;
+        if (fine) return;
+        showPage(pageForItem(path()), path());
+        showNotice(localized(TOMELET_TEXT("The page cannot be loaded")), lastPathComponent(path()));
+    });
+    m_view->load(QUrl(address));
+}
+
+void DocumentPane::leaveRemotePage()
+{
+    if (!m_remotePage) return;
+    m_view->setPage(m_page);
+    m_remotePage->disconnect(this);
+    std::exchange(m_remotePage, nullptr)->deleteLater();
 }
 
 void DocumentPane::showFile(const QString &file, const QUrl &address)
 {
-    m_base = file;
+    expectLoad(file);
+    m_view->load(address);
+}
+
+// For what is no page of this program's making.
+void DocumentPane::expectLoad(const QString &base)
+{
+    m_base = base;
     bring(m_view);
     updateTitle();
     m_livePath.clear();
     m_liveAddress.clear();
     m_isLoading = true;
-    m_view->load(address);
 }
 
 void DocumentPane::showPdf(const QString &path, qlonglong page)
@@ -128,7 +158,8 @@ void DocumentPane::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() != QEvent::PaletteChange || !m_view->page()) return;
     colourNotice();
-    m_view->page()->setBackgroundColor(palette().color(QPalette::Base));
+    updateTitle();
+    m_page->setBackgroundColor(palette().color(QPalette::Base));
     if (m_controller.viewThatIsVisible() == DocumentViewKind::Formatted) updateHTML();
 }
 

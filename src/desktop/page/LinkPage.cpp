@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/page/LinkPage.h"
 
-#include "desktop/page/PageProfile.h"
-
 #include <QUrl>
 
 namespace tomelet::desktop {
@@ -13,8 +11,8 @@ namespace {
 class NewTab final : public QWebEnginePage
 {
 public:
-    NewTab(QObject *parent, LinkFollower follow)
-        : QWebEnginePage(pageProfile(), parent)
+    NewTab(QWebEngineProfile *profile, QObject *parent, LinkFollower follow)
+        : QWebEnginePage(profile, parent)
         , m_follow(std::move(follow))
     {}
 
@@ -32,23 +30,24 @@ private:
 
 } // namespace
 
-LinkPage::LinkPage(QObject *parent, LinkFollower follow)
-    : QWebEnginePage(pageProfile(), parent)
+LinkPage::LinkPage(QWebEngineProfile *profile, QObject *parent, LinkFollower follow)
+    : QWebEnginePage(profile, parent)
     , m_follow(std::move(follow))
 {}
 
+// Nothing but the program and the person's clicks takes a page away: no form, and no refresh that the page asks for.
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
+    if (!isMainFrame) return true;
+    if (type != NavigationTypeLinkClicked) return type == NavigationTypeTyped || type == NavigationTypeReload;
     const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
-    if (sameDocument) return true;
-    m_follow(url, false);
-    return false;
+    if (!sameDocument) m_follow(url, false);
+    return sameDocument;
 }
 
 QWebEnginePage *LinkPage::createWindow(WebWindowType)
 {
-    return new NewTab(this, m_follow);
+    return new NewTab(profile(), this, m_follow);
 }
 
 } // namespace tomelet::desktop

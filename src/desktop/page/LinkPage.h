@@ -10,10 +10,10 @@ namespace tomelet::desktop {
 
 using LinkFollower = std::function<void(const QUrl &, bool inNewTab)>;
 
-class LinkPage final : public QWebEnginePage
+class LinkPage : public QWebEnginePage
 {
 public:
-    LinkPage(QObject *parent, LinkFollower follow);
+    LinkPage(QWebEngineProfile *profile, QObject *parent, LinkFollower follow);
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame) override;

@@ -13,20 +13,34 @@ namespace tomelet::desktop {
 
 namespace {
 
-// Pages are files of the person's own; nothing on them has a reason to call home.
-class NetworkBlocker final : public QWebEngineUrlRequestInterceptor
+class SchemeGate final : public QWebEngineUrlRequestInterceptor
 {
 public:
-    using QWebEngineUrlRequestInterceptor::QWebEngineUrlRequestInterceptor;
+    SchemeGate(QStringList schemes, QObject *parent)
+        : QWebEngineUrlRequestInterceptor(parent)
+        , m_schemes(std::move(schemes))
+    {}
     void interceptRequest(QWebEngineUrlRequestInfo &info) override
     {
-        static const QStringList local{QStringLiteral("file"),  QStringLiteral("data"),
-                                       QStringLiteral("blob"),  QStringLiteral("qrc"),
-                                       QStringLiteral("about"), QStringLiteral("chrome-extension"),
-                                       QStringLiteral("chrome")};
-        if (!local.contains(info.requestUrl().scheme())) info.block(true);
+        if (!m_schemes.contains(info.requestUrl().scheme())) info.block(true);
     }
+
+private:
+    QStringList m_schemes;
 };
+
+// Off the record: nothing that a page leaves behind is kept.
+QWebEngineProfile *makeProfile(const QStringList &schemes)
+{
+    auto *made = new QWebEngineProfile(QCoreApplication::instance());
+    made->setUrlRequestInterceptor(new SchemeGate(schemes, made));
+    QWebEngineSettings *settings = made->settings();
+    settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
+    settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
+    settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
+    settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
+    return made;
+}
 
 } // namespace
 
@@ -52,20 +66,28 @@ void checkSpellingOfPages(bool on)
     makePageDictionaries(useDictionaries);
 }
 
+// They are files of the person's own; nothing on them has a reason to call home.
 QWebEngineProfile *pageProfile()
 {
-    // Off the record: nothing that a page leaves behind is kept.
     static auto *profile = [] {
-        auto *made = new QWebEngineProfile(QCoreApplication::instance());
-        made->setUrlRequestInterceptor(new NetworkBlocker(made));
+        auto *made =
+            makeProfile({QStringLiteral("file"), QStringLiteral("data"), QStringLiteral("blob"), QStringLiteral("qrc"),
+                         QStringLiteral("about"), QStringLiteral("chrome-extension"), QStringLiteral("chrome")});
         QWebEngineSettings *settings = made->settings();
-        settings->setAttribute(QWebEngineSettings::JavascriptEnabled, false);
-        settings->setAttribute(QWebEngineSettings::LocalContentCanAccessRemoteUrls, false);
         settings->setAttribute(QWebEngineSettings::LocalContentCanAccessFileUrls, true);
         settings->setAttribute(QWebEngineSettings::PluginsEnabled, true);
         settings->setAttribute(QWebEngineSettings::PdfViewerEnabled, true);
-        settings->setAttribute(QWebEngineSettings::AutoLoadIconsForPage, false);
-        settings->setAttribute(QWebEngineSettings::FocusOnNavigationEnabled, false);
+        return made;
+    }();
+    return profile;
+}
+
+QWebEngineProfile *webProfile()
+{
+    static auto *profile = [] {
+        auto *made = makeProfile({QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("data"),
+                                  QStringLiteral("blob"), QStringLiteral("about")});
+        made->settings()->setAttribute(QWebEngineSettings::ErrorPageEnabled, false);
         return made;
     }();
     return profile;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The surroundings in which pages are shown and printed: no script, nothing from the network, nothing kept.
+// The surroundings in which pages are shown and printed: no script, nothing kept, and nothing from the network for the
+// pages of the notebook.
 #pragma once
 
 #include <QPageLayout>
@@ -8,8 +9,11 @@ class QWebEngineProfile;
 
 namespace tomelet::desktop {
 
-/// The one profile of the program; lives as long as the application.
+/// For the pages of the notebook, which load files and nothing else. Lives as long as the application.
 [[nodiscard]] QWebEngineProfile *pageProfile();
+
+/// For a page that an address in the notebook names, which loads from the web and nothing else. Lives as long.
+[[nodiscard]] QWebEngineProfile *webProfile();
 
 /// The paper that is usual where the person lives, with margins.
 [[nodiscard]] QPageLayout paperForPages();
