@@ -50,7 +50,8 @@ QString queryFrom(const QString &text, std::mt19937 &random)
     const auto at = [&](qsizetype size) { return qsizetype(random() % unsigned(std::max<qsizetype>(size, 1))); };
     const QStringList words = text.mid(at(text.size() - 200), 200).simplified().split(u' ').mid(1);
     const QString phrase = words.mid(at(words.size() - 3), 1 + at(4)).join(u' ');
-    const QString piece = phrase.left(std::max<qsizetype>(1, phrase.size() - at(4)));
+    const auto blank = [&] { return random() % 5 == 0 ? QStringLiteral(" ") : QString(); };
+    const QString piece = blank() + phrase.left(std::max<qsizetype>(1, phrase.size() - at(4))) + blank();
     const QString &pair = quotes[random() % 4];
     switch (random() % 3) {
     case 0: return pair[0] + piece + pair[1];

@@ -7,6 +7,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unorm2.h>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <unordered_map>
@@ -106,6 +107,56 @@ private:
     std::unordered_map<char32_t, std::unique_ptr<Page>> m_pages;
 };
 
+constexpr char32_t endOfAsciiCharacters = 128;
+
+struct AsciiFolding
+{
+    std::array<char, endOfAsciiCharacters> bytes;
+    std::array<SearchKind, endOfAsciiCharacters> kinds;
+};
+
+const AsciiFolding &asciiFolding()
+{
+    static const AsciiFolding folding = [] {
+        AsciiFolding made{};
+        for (char32_t c = 0; c < endOfAsciiCharacters; ++c) {
+            const FoldedCharacter folded = makeFoldedCharacter(c);
+            made.bytes[c] = folded.bytes[0];
+            made.kinds[c] = folded.kinds[0];
+        }
+        return made;
+    }();
+    return folding;
+}
+
+qsizetype endOfAscii(QStringView text, qsizetype from)
+{
+    while (from < text.size() && text[from].unicode() < endOfAsciiCharacters) ++from;
+    return from;
+}
+
+// Each of these characters becomes one byte. Most texts are of them, so they are not put one by one.
+void appendAscii(FoldedText &result, QStringView run)
+{
+    const AsciiFolding &folding = asciiFolding();
+    const size_t from = result.text.size();
+    result.text.resize(from + size_t(run.size()));
+    result.kinds.resize(from + size_t(run.size()));
+    bool followsBlank = from > 0 && result.kinds[from - 1] == SearchKind::Blank;
+    char *byte = result.text.data() + from;
+    SearchKind *kindOfByte = result.kinds.data() + from;
+    for (const QChar unit : run) {
+        const SearchKind kind = folding.kinds[unit.unicode()];
+        const bool isBlank = kind == SearchKind::Blank;
+        if (isBlank && followsBlank) continue;
+        followsBlank = isBlank;
+        *byte++ = folding.bytes[unit.unicode()];
+        *kindOfByte++ = kind;
+    }
+    result.text.resize(size_t(byte - result.text.data()));
+    result.kinds.resize(result.text.size());
+}
+
 void appendFolded(FoldedText &result, const FoldedCharacter &folded)
 {
     for (size_t i = 0; i < folded.bytes.size(); ++i) {
@@ -135,15 +186,21 @@ void markWordsOfDenseRun(FoldedText &result, size_t begin, size_t end)
 
 void markWords(FoldedText &result)
 {
-    result.starts.assign(result.text.size(), false);
-    for (size_t i = 0; i < result.text.size();) {
-        const SearchKind kind = result.kinds[i];
-        size_t end = nextCharacter(result.text, i);
-        result.starts[i] = true;
-        if (kind == SearchKind::Letter || kind == SearchKind::Dense)
-            while (end < result.text.size() && result.kinds[end] == kind) ++end;
-        if (kind == SearchKind::Dense) markWordsOfDenseRun(result, i, end);
-        i = end;
+    const auto &kinds = result.kinds;
+    result.starts.resize(kinds.size());
+    char *start = result.starts.data(); // by itself, as all bytes may be those of one vector to the compiler
+    const char *byte = result.text.data();
+    SearchKind before = SearchKind::Blank;
+    for (const SearchKind kind : kinds) {
+        const bool isInWord = kind == SearchKind::Letter || kind == SearchKind::Dense;
+        *start++ = !isWithinCharacter(*byte++) && (!isInWord || kind != before);
+        before = kind;
+    }
+    const auto isDense = [](SearchKind kind) { return kind == SearchKind::Dense; };
+    for (auto from = std::ranges::find_if(kinds, isDense); from != kinds.end();) {
+        const auto end = std::find_if_not(from, kinds.end(), isDense);
+        markWordsOfDenseRun(result, size_t(from - kinds.begin()), size_t(end - kinds.begin()));
+        from = std::find_if(end, kinds.end(), isDense);
     }
 }
 
@@ -156,12 +213,16 @@ FoldedText foldedForSearch(const QString &text)
     FoldedText result;
     result.text.reserve(size_t(composed.size()));
     result.kinds.reserve(size_t(composed.size()));
-    const FoldedCharacter *const ascii = &characters[0];
     for (qsizetype i = 0; i < composed.size(); ++i) {
+        if (const qsizetype end = endOfAscii(composed, i); end > i) {
+            appendAscii(result, QStringView(composed).sliced(i, end - i));
+            i = end - 1;
+            continue;
+        }
         char32_t c = composed[i].unicode();
         if (QChar::isHighSurrogate(c) && i + 1 < composed.size() && composed[i + 1].isLowSurrogate())
             c = QChar::surrogateToUcs4(char16_t(c), composed[++i].unicode());
-        appendFolded(result, c < 128 ? ascii[c] : characters[c]);
+        appendFolded(result, characters[c]);
     }
     markWords(result);
     return result;

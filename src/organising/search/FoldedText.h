@@ -18,7 +18,7 @@ struct FoldedText
 {
     std::string text;
     std::vector<SearchKind> kinds;
-    std::vector<bool> starts;
+    std::vector<char> starts;
 };
 
 /// Compatibility forms and case are folded (NFKC_Casefold), accents and points removed, control characters blanks.

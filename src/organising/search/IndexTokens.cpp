@@ -175,7 +175,7 @@ class Marks
 public:
     void add(char kind, std::string_view piece)
     {
-        if (m_seen[kind == 's'].insert(piece).second) append(m_marks, kind, piece);
+        if (m_seen[kind == 's' ? 1 : kind == 'm' ? 2 : 0].insert(piece).second) append(m_marks, kind, piece);
     }
     // Nearly all of them are of Latin letters, and there are two for each word.
     void addBeginning(std::string_view piece)
@@ -190,7 +190,7 @@ public:
     [[nodiscard]] std::string take() { return std::move(m_marks); }
 
 private:
-    std::array<std::unordered_set<std::string_view>, 2> m_seen; // 0: words and long runs, 1: signs
+    std::array<std::unordered_set<std::string_view>, 3> m_seen; // 0: pairs and long runs, 1: signs, 2: words
     std::bitset<128 * 128> m_seenLatin;
     std::string m_marks;
 };
@@ -222,6 +222,16 @@ void markPairs(Marks &marks, const FoldedText &text, const Runs &runs)
 {
     for (size_t from = runs.wordFrom(0); from < text.text.size(); from = runs.wordFrom(runs.endOfRun(from)))
         if (const auto end = endOfPair(text, runs, from)) marks.add('n', runs.piece(from, *end));
+}
+
+void markWordsWithoutBlank(Marks &marks, const FoldedText &text, const Runs &runs)
+{
+    for (size_t from = runs.wordFrom(0); from < text.text.size();) {
+        const size_t end = runs.endOfRun(from);
+        const bool isBeforeBlank = end < text.text.size() && text.kinds[end] == SearchKind::Blank;
+        if (!isBeforeBlank && !runs.isDense(from)) marks.add('m', runs.word(from, end));
+        from = runs.wordFrom(end);
+    }
 }
 
 size_t sizeOfRunOfOne(std::string_view piece)
@@ -269,6 +279,7 @@ DocumentTokens tokensOfDocument(const FoldedText &text, const std::string &name)
     const Runs runs(text);
     markBeginnings(marks, text, runs);
     markPairs(marks, text, runs);
+    markWordsWithoutBlank(marks, text, runs);
     markGaps(marks, text, runs);
     markName(marks, name);
     result.marks = marks.take();
@@ -384,11 +395,22 @@ private:
         const std::string_view gap = m_runs.piece(from, end);
         const std::string_view kept = cut(gap, longestGap);
         const bool isLast = end == m_size;
-        if (kept.size() < gap.size() || (isLast && leavesNoToken(gap))) m_result.exact = false;
+        if (kept.size() < gap.size()) m_result.exact = false;
+        if (isLast && leavesNoToken(gap)) doubtBlank();
         if (kept.size() < gap.size()) addPieces(gap);
         if (m_phrase.empty() || leavesNoToken(gap)) return;
         append(m_phrase, 'g', kept);
         if (isLast) closePhrase(kept.size() == gap.size());
+    }
+
+    // Behind the last word, which the phrase ends with.
+    void doubtBlank()
+    {
+        const size_t end = m_size - 1;
+        size_t from = end;
+        while (from > 0 && m_term.kinds[from - 1] == SearchKind::Letter) --from;
+        if (from < end && end - from <= longestWord) m_result.doubt = markLookUp('m', m_runs.piece(from, end), false);
+        else m_result.exact = false;
     }
 
     void closePhrase(bool prefix)
@@ -428,7 +450,7 @@ TermLookUps titleLookUps(const FoldedText &term)
 {
     const std::string_view kept = cut(term.text, longestTitleKey);
     const bool whole = kept.size() == term.text.size();
-    return {{markLookUp('t', kept, whole)}, whole};
+    return {{markLookUp('t', kept, whole)}, whole, {}};
 }
 
 std::optional<TermLookUps> withoutShortEnd(const FoldedText &term)

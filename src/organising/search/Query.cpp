@@ -35,19 +35,29 @@ SearchMode searchModeOfSettings()
     return settings().boolean(QStringLiteral("searchContent")) ? SearchMode::Content : SearchMode::TitleAndContent;
 }
 
+static FoldedText withoutFirstByte(const FoldedText &text)
+{
+    return {
+        text.text.substr(1), {text.kinds.begin() + 1, text.kinds.end()}, {text.starts.begin() + 1, text.starts.end()}};
+}
+
 SearchQuery makeSearchQuery(const QStringList &terms, SearchMode mode)
 {
     SearchQuery query{{}, mode};
-    for (const QString &term : terms)
-        if (FoldedText folded = foldedForSearch(term); !folded.text.empty()) query.terms.push_back(std::move(folded));
+    for (const QString &term : terms) {
+        FoldedText folded = foldedForSearch(term);
+        if (folded.text.empty()) continue;
+        FoldedText inContent = folded.text.size() > 1 && folded.text[0] == ' ' ? withoutFirstByte(folded) : folded;
+        query.terms.push_back({std::move(folded), std::move(inContent)});
+    }
     return query;
 }
 
 bool matchesQuery(const SearchQuery &query, const std::string &name, const std::function<const FoldedText &()> &content)
 {
-    const auto isFound = [&](const FoldedText &term) {
-        if (query.mode != SearchMode::Content && name.find(term.text) != std::string::npos) return true;
-        return query.mode != SearchMode::Title && beginsWordIn(content(), term.text);
+    const auto isFound = [&](const SearchTerm &term) {
+        if (query.mode != SearchMode::Content && name.find(term.inName.text) != std::string::npos) return true;
+        return query.mode != SearchMode::Title && beginsWordIn(content(), term.inContent.text);
     };
     return !query.terms.empty() && std::ranges::all_of(query.terms, isFound);
 }

@@ -20,10 +20,18 @@ enum class SearchMode { TitleAndContent, Title, Content };
 /// By the settings `searchTitle` and `searchContent`; the title goes first.
 [[nodiscard]] SearchMode searchModeOfSettings();
 
+/// A term as it may stand in a name, and in a content. There it begins with a word, so a blank in front of one says
+/// nothing, and is left out. Neither is empty.
+struct SearchTerm
+{
+    FoldedText inName;
+    FoldedText inContent;
+};
+
 /// Terms that all have to be found, each in the name or in the content as the mode tells.
 struct SearchQuery
 {
-    std::vector<FoldedText> terms; ///< none of them empty
+    std::vector<SearchTerm> terms;
     SearchMode mode = SearchMode::TitleAndContent;
 };
 [[nodiscard]] SearchQuery makeSearchQuery(const QStringList &terms, SearchMode mode);

@@ -31,7 +31,7 @@ using Document = IndexDatabase::Document;
 constexpr size_t documentsOfLot = 100;
 constexpr size_t bytesOfLot = 8 << 20;
 /// With so many candidates their texts are read sooner than all words that begin with one letter are gathered.
-constexpr size_t fewCandidates = 4000;
+constexpr size_t fewCandidates = 7000;
 /// The terms beyond are tested against the documents.
 constexpr size_t mostTermsLookedUp = 50;
 constexpr qint64 millisecondsOfTransaction = 1000;
@@ -168,13 +168,13 @@ struct ToTest
 QStringList tested(const std::vector<QString> &paths, const SearchQuery &query,
                    const std::function<QByteArray(const QString &)> &keptTextOf, const Progress &progress)
 {
-    static constexpr size_t lot = 200; // after which one may stop
+    static constexpr size_t lot = 1000; // after which one may stop
     QStringList hits;
     for (size_t from = 0; from < paths.size(); from += lot) {
         if (progress && !progress(qsizetype(from), qsizetype(paths.size()))) break;
         std::vector<ToTest> documents;
         for (size_t i = from; i < std::min(from + lot, paths.size()); ++i)
-            documents.push_back({paths[i], keptTextOf(paths[i])});
+            documents.push_back({paths[i], keepsText(paths[i]) ? keptTextOf(paths[i]) : QByteArray()});
         std::vector<char> matches(documents.size());
         onAllCores(documents.size(),
                    [&](size_t i) { matches[i] = documentMatches(documents[i].path, query, documents[i].keptText); });
@@ -324,17 +324,19 @@ Numbers either(const Numbers &first, const Numbers &second)
     return result;
 }
 
+Numbers without(const Numbers &first, const Numbers &second)
+{
+    Numbers result;
+    std::ranges::set_difference(first, second, std::back_inserter(result));
+    return result;
+}
+
 /// Documents in which a term is found for sure, and all in which it may be.
 struct Candidates
 {
     Numbers sure;
     Numbers all;
 
-    void add(const Numbers &found, bool exact)
-    {
-        if (exact) sure = either(sure, found);
-        all = either(all, found);
-    }
     void narrow(const Candidates &other)
     {
         sure = both(sure, other.sure);
@@ -344,14 +346,20 @@ struct Candidates
 
 enum class Ends { Whole, Shortened };
 
-Candidates candidatesOf(const FoldedText &term, SearchMode mode, IndexDatabase &index, Ends ends)
+Candidates candidatesOf(const SearchTerm &term, SearchMode mode, IndexDatabase &index, Ends ends)
 {
     Candidates found;
-    const auto add = [&](const TermLookUps &lookUps) { found.add(index.find(lookUps), lookUps.exact); };
-    if (mode != SearchMode::Content) add(titleLookUps(term));
+    const auto add = [&](const TermLookUps &lookUps) {
+        const Numbers documents = index.find(lookUps);
+        found.all = either(found.all, documents);
+        if (!lookUps.exact) return;
+        found.sure = either(found.sure,
+                            lookUps.doubt ? without(documents, index.find({{*lookUps.doubt}, true, {}})) : documents);
+    };
+    if (mode != SearchMode::Content) add(titleLookUps(term.inName));
     if (mode == SearchMode::Title) return found;
-    const auto shorter = ends == Ends::Shortened ? withoutShortEnd(term) : std::nullopt;
-    add(shorter ? *shorter : contentLookUps(term));
+    const auto shorter = ends == Ends::Shortened ? withoutShortEnd(term.inContent) : std::nullopt;
+    add(shorter ? *shorter : contentLookUps(term.inContent));
     return found;
 }
 
@@ -372,7 +380,7 @@ Candidates candidatesOf(const SearchQuery &query, IndexDatabase &index, const st
     if (terms.size() < count) return {};
     Candidates found = intersection(terms);
     for (size_t i = 0; i < count && found.all.size() - found.sure.size() > fewCandidates && goesOn(); ++i) {
-        if (query.mode == SearchMode::Title || !withoutShortEnd(query.terms[i])) continue;
+        if (query.mode == SearchMode::Title || !withoutShortEnd(query.terms[i].inContent)) continue;
         terms[i] = candidatesOf(query.terms[i], query.mode, index, Ends::Whole);
         found = intersection(terms);
     }
@@ -386,8 +394,6 @@ QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, 
 {
     const auto goesOn = [&] { return !progress || progress(0, 1); };
     const Candidates found = candidatesOf(query, index, goesOn);
-    Numbers unsure;
-    std::ranges::set_difference(found.all, found.sure, std::back_inserter(unsure));
 
     const QString folder = m_root + tm_normalizedPath(scope, m_root);
     const auto pathsOf = [&](const Numbers &documents) {
@@ -395,7 +401,7 @@ QStringList SearchIndex::findIn(IndexDatabase &index, const SearchQuery &query, 
         if (folder != m_root) paths.removeIf([&](const QString &path) { return !isBelow(path, folder); });
         return paths;
     };
-    const QStringList candidates = pathsOf(unsure);
+    const QStringList candidates = pathsOf(without(found.all, found.sure));
     return pathsOf(found.sure) + tested(
                                      {candidates.begin(), candidates.end()}, query,
                                      [&](const QString &path) { return index.textOf(path.sliced(m_root.size())); },
