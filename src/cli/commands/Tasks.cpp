@@ -17,9 +17,12 @@
 #include "organising/tasks/TaskExtraction.h"
 #include "organising/tasks/TaskRepeats.h"
 #include "organising/tasks/TaskRows.h"
+#include "organising/tasks/TaskStore.h"
 
 #include <QCommandLineParser>
 #include <QJsonArray>
+
+#include <functional>
 
 namespace tomelet::cli {
 
@@ -39,7 +42,9 @@ std::optional<int> begin(const Invocation &call, const char *description, const 
     return openNotebook(call);
 }
 
-void printRows(const Invocation &call, const QList<QVariantMap> &rows)
+using DueDateOfRow = std::function<QDateTime(const QVariantMap &row)>;
+
+void printRows(const Invocation &call, const QList<QVariantMap> &rows, const DueDateOfRow &dueDate)
 {
     QJsonArray all;
     for (const QVariantMap &row : rows) {
@@ -47,7 +52,7 @@ void printRows(const Invocation &call, const QList<QVariantMap> &rows)
         if (call.json) all.append(jsonFromVariant(row));
         else
             writeLine(row.value(QStringLiteral("taskIcon")).toString() + u'\t' + tm_normalizedPath(path) + u'\t' +
-                      tm_weekdayString(tm_dueDateForTask(path)));
+                      tm_weekdayString(dueDate(row)));
     }
     if (call.json) writeJson(all);
 }
@@ -66,7 +71,11 @@ int runTasks(const Invocation &call)
     list.getDocumentsInFolder();
     list.documentsList.removeIf(
         [](const QVariantMap &row) { return row.value(QStringLiteral("taskIcon")).toString().isEmpty(); });
-    printRows(call, list.documentsList);
+    // A finished task keeps its due date, which its row does not tell.
+    const TaskRecords records(book);
+    printRows(call, list.documentsList, [&](const QVariantMap &row) {
+        return dueDateOf(records.of(lastPathComponent(row.value(QStringLiteral("path")).toString())));
+    });
     return Done;
 }
 
@@ -77,7 +86,7 @@ int runDue(const Invocation &call)
     QList<QVariantMap> rows;
     for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false)) rows.append(row.toMap());
     sortRows(rows, QStringLiteral("DueDate"), false);
-    printRows(call, rows);
+    printRows(call, rows, dueDateOfRow);
     return Done;
 }
 

@@ -8,6 +8,8 @@
 #include <unicode/udat.h>
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace tomelet {
 
@@ -25,22 +27,44 @@ QByteArray dateLocale()
     return "en_US";
 }
 
+struct DateFormat
+{
+    UDateFormatStyle timeStyle = UDAT_NONE;
+    UDateFormatStyle dateStyle = UDAT_NONE;
+    QString pattern; ///< in place of the styles, which are UDAT_PATTERN then
+    QByteArray locale;
+    bool operator==(const DateFormat &) const = default;
+};
+
+// Making one takes a hundred times as long as using it, and there are a handful. Null when there is none.
+UDateFormat *openFormat(const DateFormat &wanted)
+{
+    using Opened = std::pair<DateFormat, icu::LocalUDateFormatPointer>;
+    thread_local std::vector<Opened> opened;
+    const auto known = std::ranges::find(opened, wanted, &Opened::first);
+    if (known != opened.end()) return known->second.getAlias();
+    static const UChar utc[] = u"UTC";
+    UErrorCode status = U_ZERO_ERROR;
+    const auto *units = reinterpret_cast<const UChar *>(wanted.pattern.utf16());
+    icu::LocalUDateFormatPointer format(udat_open(wanted.timeStyle, wanted.dateStyle, wanted.locale.constData(), utc,
+                                                  -1, units, int32_t(wanted.pattern.size()), &status));
+    if (U_FAILURE(status)) return nullptr;
+    opened.emplace_back(wanted, std::move(format));
+    return opened.back().second.getAlias();
+}
+
 // The local time is handed over as if it were UTC, so that one reading of the time zone holds everywhere.
 QString formatted(const QDateTime &date, UDateFormatStyle timeStyle, UDateFormatStyle dateStyle,
                   const QString &pattern = {})
 {
     if (!date.isValid()) return {};
-    static const UChar utc[] = u"UTC";
-    UErrorCode status = U_ZERO_ERROR;
-    const auto *units = reinterpret_cast<const UChar *>(pattern.utf16());
-    UDateFormat *format =
-        udat_open(timeStyle, dateStyle, dateLocale().constData(), utc, -1, units, int32_t(pattern.size()), &status);
-    if (U_FAILURE(status)) return {};
+    UDateFormat *format = openFormat({timeStyle, dateStyle, pattern, dateLocale()});
+    if (!format) return {};
     const QDateTime local = date.toLocalTime();
     const double wall = double(local.toMSecsSinceEpoch()) + 1000.0 * local.offsetFromUtc();
     UChar text[128];
+    UErrorCode status = U_ZERO_ERROR;
     const int32_t length = udat_format(format, wall, text, 128, nullptr, &status);
-    udat_close(format);
     return U_SUCCESS(status) ? QString::fromUtf16(text, std::min<int32_t>(length, 128)) : QString();
 }
 

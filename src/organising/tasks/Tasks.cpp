@@ -79,7 +79,11 @@ std::optional<TaskRecord> tm_getAllTaskDetails(const QString &path)
 
 QDateTime tm_dueDateForTask(const QString &path)
 {
-    const TaskRecord record = tm_getAllTaskDetails(path).value_or(TaskRecord());
+    return dueDateOf(tm_getAllTaskDetails(path).value_or(TaskRecord()));
+}
+
+QDateTime dueDateOf(const TaskRecord &record)
+{
     if (stateOf(record) == TaskState::NoTask) return farPast();
     const QDateTime due = dateField(record, taskField::dueDate);
     return due.isValid() ? due : farFuture();

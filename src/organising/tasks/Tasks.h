@@ -31,6 +31,8 @@ namespace tomelet {
 [[nodiscard]] std::optional<TaskRecord> tm_getAllTaskDetails(const QString &path);
 /// The due date; the far future for none, the far past for what is deliberately no task.
 [[nodiscard]] QDateTime tm_dueDateForTask(const QString &path);
+/// The same for a record that was read.
+[[nodiscard]] QDateTime dueDateOf(const TaskRecord &record);
 /// The moment of the last change, which is when a finished task was finished; the far future for none.
 [[nodiscard]] QDateTime tm_doneDateForTask(const QString &path);
 
