@@ -269,6 +269,24 @@ TEST_F(Desktop, aBookReadInTheBackgroundKeepsWhatIsInHand)
     TearDown(); // with a reading under way
 }
 
+TEST_F(Desktop, theWalkForWhatWasModifiedKeepsNobodyWaiting)
+{
+    const auto comesToHave = [this](const char *names) {
+        return QTest::qWaitFor([&] { return documents() == QString::fromLatin1(names); });
+    };
+    list->show({{}, RecentlyModifiedBook, {}});
+    EXPECT_TRUE(list->isReading());
+    EXPECT_EQ(documents(), QString());
+    EXPECT_TRUE(QTest::qWaitFor([this] { return list->rowCount() == 4; })) << documents().toStdString();
+    list->setFilter(QStringLiteral("oth"));
+    EXPECT_TRUE(comesToHave("other"));
+    write(QStringLiteral("/A/mother.md"));
+    list->reload();
+    EXPECT_TRUE(comesToHave("mother other")) << "the latest first";
+    list->show({at(QStringLiteral("/A")), 0, {}});
+    EXPECT_EQ(documents(), QStringLiteral("mother"));
+}
+
 TEST(RowChanges, SayWhatGoesComesMovesAndIsOther)
 {
     const auto rows = [](const char *names) {

@@ -145,7 +145,7 @@ TEST_F(DesktopTasks, doneTasksAreHiddenWhereTheSettingSaysSo)
     EXPECT_EQ(model.rowCount(), 0);
     settings().remove(QStringLiteral("hideDoneTasks"));
     model.reload();
-    EXPECT_EQ(model.rowCount(), 2);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return model.rowCount() == 2; }));
 }
 
 TEST_F(DesktopTasks, theManualOrderKeepsWhatIsHidden)

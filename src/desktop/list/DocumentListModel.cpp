@@ -37,8 +37,13 @@ void DocumentListModel::show(const ListSource &source)
     m_checklists.clear();
     m_taskDates.clear();
     m_controller.setSource(source);
-    m_controller.getDocumentsInFolder();
+    m_controller.documentsList.clear();
+    m_controller.booksList.clear();
+    // All folders are walked for these, so their rows come later.
+    const bool isWalk = source.smartType == RecentlyModifiedBook;
+    if (!isWalk) m_controller.getDocumentsInFolder();
     takeAllRows();
+    if (isWalk) reloadInBackground();
 }
 
 void DocumentListModel::takeAllRows()
@@ -74,9 +79,12 @@ void DocumentListModel::noteBooks()
         if (smartTypeOf(row) == OrdinaryBook && pathIsPlainBook(pathOfRow(row))) m_books.insert(pathOfRow(row));
 }
 
+// A letter of the filter must not wait for what is gathered from all over the notebook.
 void DocumentListModel::reload()
 {
-    changeRows([] {});
+    const int type = m_controller.source().smartType;
+    if (type == OrdinaryBook || type == InboxBook || type == SearchResultsBook) changeRows([] {});
+    else reloadInBackground();
 }
 
 // The change may already move rows about; the views hear of all of it here, in steps that they can follow.
@@ -127,25 +135,12 @@ void DocumentListModel::takePlaces(const std::vector<int> &places, QList<QVarian
 
 // -- reading elsewhere ------------------------------------------------------------------------------------------------
 
-// Which smart books there are is asked on the main thread alone.
-bool DocumentListModel::canBeReadElsewhere() const
-{
-    const ListSource &source = m_controller.source();
-    if (source.smartType == InboxBook) return true;
-    const bool showsSmartBooks =
-        source.book == tomeletRoot() && settings().boolean(QStringLiteral("outlineIsCollapsed"));
-    return source.smartType == OrdinaryBook && !showsSmartBooks;
-}
-
 void DocumentListModel::reloadInBackground()
 {
-    if (canBeReadElsewhere())
-        return readElsewhere([](TMLTDocumentListViewController &list) {
-            list.loadDisplayParameters();
-            list.readDocuments();
-        });
-    reload();
-    Q_EMIT reloaded();
+    readElsewhere([](TMLTDocumentListViewController &list) {
+        list.loadDisplayParameters();
+        list.readDocuments();
+    });
 }
 
 // One at a time: of what is wanted meanwhile the last is enough, since it reads everything.
@@ -156,6 +151,7 @@ void DocumentListModel::readElsewhere(const Reading &reading)
         m_next = {source, reading};
         return;
     }
+    m_controller.gatherItems();
     m_reader.add([this, source, reading, list = m_controller, rows = m_rows, version = m_version]() mutable {
         reading(list);
         RowChanges changes = rowChanges(rows, list.rows());
@@ -166,7 +162,7 @@ void DocumentListModel::readElsewhere(const Reading &reading)
             if (!isStale) takeReading(list, changes);
             WantedReading next = std::exchange(m_next, {});
             if (!next.reading && isStale) next = {source, reading};
-            // What is on display instead was read when it came, and may not be one to be read elsewhere.
+            // What is on display instead was read when it came, or is wanted by itself.
             if (next.reading && next.source == m_controller.source()) readElsewhere(next.reading);
         };
         QMetaObject::invokeMethod(this, take, Qt::QueuedConnection);
@@ -180,7 +176,8 @@ void DocumentListModel::takeReading(TMLTDocumentListViewController list, RowChan
     // To let go of thousands of rows takes its time too.
     m_reader.add([rows = m_rows, before = std::exchange(m_controller, std::move(list))] {});
     m_controller.removeOrphanedPropertyFiles();
-    takeChanges(std::move(changes));
+    if (m_shown != m_controller.source()) takeAllRows();
+    else takeChanges(std::move(changes));
     Q_EMIT reloaded();
 }
 

@@ -45,11 +45,12 @@ public:
     [[nodiscard]] TMLTDocumentListViewController &controller() { return m_controller; }
     void show(const ListSource &source);
     /// Reads the rows anew; rows that stay keep their selection, unless the list shows something else by now or so many
-    /// rows that to follow each takes too long: then the model is reset.
+    /// rows that to follow each takes too long: then the model is reset. A computed list is read in the background.
     void reload();
     /// The same without making the main thread wait for a book with thousands of documents: its rows are read elsewhere
-    /// and stay as they are until then. `reloaded` tells that they are there.
+    /// and stay as they are until then. `reloaded` tells that they are there. Not for search results.
     void reloadInBackground();
+    [[nodiscard]] bool isReading() const { return m_reading; }
     /// Keeps the row of an item that got another name in its book.
     void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
@@ -92,7 +93,6 @@ private:
     void takeAllRows();
     void takeChanges(RowChanges changes);
     void takePlaces(const std::vector<int> &places, QList<QVariantMap> after);
-    [[nodiscard]] bool canBeReadElsewhere() const;
     [[nodiscard]] QString displayTitle(const QVariantMap &row) const;
     [[nodiscard]] QDateTime shownDate(const QVariantMap &row) const;
     [[nodiscard]] QString description(const QVariantMap &row) const;

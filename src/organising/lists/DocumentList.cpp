@@ -113,6 +113,7 @@ bool TMLTDocumentListViewController::passesFilter(const QString &name) const
 
 void TMLTDocumentListViewController::getDocumentsInFolder()
 {
+    gatherItems();
     readDocuments();
     removeOrphanedPropertyFiles();
 }
@@ -122,42 +123,67 @@ void TMLTDocumentListViewController::removeOrphanedPropertyFiles()
     for (const QString &path : std::exchange(m_orphanedPropertyFiles, {})) removeOrphanedPropertyFile(path);
 }
 
+static QStringList itemsWithContexts(const QStringList &contexts)
+{
+    QStringList paths = organiser().itemsWithContext(contexts.value(0));
+    for (const QString &context : contexts.mid(1)) {
+        const QStringList others = organiser().itemsWithContext(context);
+        const QSet<QString> known(others.begin(), others.end());
+        paths.removeIf([&](const QString &path) { return !known.contains(path); });
+    }
+    return paths;
+}
+
+static QStringList withRoot(const QStringList &paths)
+{
+    QStringList full;
+    for (const QString &path : paths) full.append(fullPathOf(path));
+    return full;
+}
+
+void TMLTDocumentListViewController::gatherItems()
+{
+    m_items.clear();
+    smartBooksList.clear();
+    switch (m_source.smartType) {
+    case OrdinaryBook:
+        if (m_source.book != tomeletRoot() || !settings().boolean(QStringLiteral("outlineIsCollapsed"))) return;
+        for (int type = DueTasksBook; type <= ConflictsBook; ++type)
+            if (smartBookShouldExist(type)) smartBooksList.append(type);
+        return;
+    case ContextBook: m_items = itemsWithContexts(m_source.contexts); return;
+    case FavoritesBook: m_items = organiser().itemsWithContext(QStringLiteral("_TMFAV")); return;
+    case AllTaskListsBook: m_items = withRoot(organiser().tasklists()); return;
+    case RecentItemsBook: m_items = withRoot(verifiedListOfRecentItems()); return;
+    case ContextsBook: m_items = organiser().availableContexts(); return;
+    case ConflictsBook: m_items = settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts")); return;
+    default: return;
+    }
+}
+
 void TMLTDocumentListViewController::readDocuments()
 {
     documentsList.clear();
     booksList.clear();
-    smartBooksList.clear();
     numberOfHiddenDoneTasks = 0;
     switch (m_source.smartType) {
     case OrdinaryBook:
     case InboxBook: readBook(bookOf(m_source)); break;
-    case ContextBook: {
-        QStringList paths = organiser().itemsWithContext(m_source.contexts.value(0));
-        for (const QString &context : m_source.contexts.mid(1)) {
-            const QStringList others = organiser().itemsWithContext(context);
-            paths.removeIf([&](const QString &path) { return !others.contains(path); });
-        }
-        readPaths(paths);
+    case ContextBook:
+        readPaths(m_items);
         if (settings().boolean(QStringLiteral("hideDoneTasks"))) documentsList.removeIf(rowIsFinished);
         break;
-    }
-    case FavoritesBook: readPaths(organiser().itemsWithContext(QStringLiteral("_TMFAV"))); break;
+    case FavoritesBook:
+    case ConflictsBook: readPaths(m_items); break;
+    case RecentItemsBook: return readPaths(m_items); // in the order of use
     case DueTasksBook:
         for (const QVariant &row : tm_arrayOfDueTasksAsNumbers(tomeletRoot(), false))
             if (passesFilter(row.toMap().value(QStringLiteral("title")).toString())) documentsList.append(row.toMap());
         break;
-    case AllTaskListsBook: {
-        QStringList paths;
-        for (const QString &path : organiser().tasklists())
-            if (organiser().bookIsTasklist(fullPathOf(path))) paths.append(fullPathOf(path));
-        readPaths(paths);
+    case AllTaskListsBook:
+        m_items.removeIf([](const QString &book) { return !organiser().bookIsTasklist(book); });
+        readPaths(m_items);
         break;
-    }
-    case RecentItemsBook: {
-        QStringList paths;
-        for (const QString &path : verifiedListOfRecentItems()) paths.append(fullPathOf(path));
-        return readPaths(paths); // in the order of use
-    }
     case RecentlyModifiedBook: readRecentlyModified(); break;
     case SearchResultsBook:
         if (m_results) {
@@ -168,7 +194,6 @@ void TMLTDocumentListViewController::readDocuments()
         readPaths(lastSearchResults());
         break;
     case ContextsBook: readContexts(); break;
-    case ConflictsBook: readPaths(settings().stringList(QStringLiteral("iCloudArrayOfUnresolvedConflicts"))); break;
     default: break;
     }
     sortDocuments();
@@ -197,9 +222,6 @@ void TMLTDocumentListViewController::readBook(const QString &book)
         if (hidesDone && tm_taskIsDoneOrCanceled(textOfTaskState(stateOf(record)))) ++numberOfHiddenDoneTasks;
         else documentsList.append(itemRow(path, isTasklist, record, documentSources));
     }
-    if (!showsBooks || book != tomeletRoot()) return;
-    for (int type = DueTasksBook; type <= ConflictsBook; ++type)
-        if (smartBookShouldExist(type)) smartBooksList.append(type);
 }
 
 namespace {
@@ -278,11 +300,10 @@ void TMLTDocumentListViewController::readRecentlyModified()
 // A context is no file: it has a title and its place in the list of contexts.
 void TMLTDocumentListViewController::readContexts()
 {
-    const QStringList words = organiser().availableContexts();
-    for (qsizetype i = 0; i < words.size(); ++i)
-        if (words[i] != u"_TMFAV" && passesFilter(words[i]))
-            documentsList.append({{QStringLiteral("title"), words[i]},
-                                  {QStringLiteral("path"), words[i]},
+    for (qsizetype i = 0; i < m_items.size(); ++i)
+        if (m_items[i] != u"_TMFAV" && passesFilter(m_items[i]))
+            documentsList.append({{QStringLiteral("title"), m_items[i]},
+                                  {QStringLiteral("path"), m_items[i]},
                                   {QStringLiteral("custom"), QStringLiteral("%1").arg(i, 4, 10, QLatin1Char('0'))},
                                   {QStringLiteral("pinnedSequence"), notFoundIndex},
                                   {smartTypeKey, int(ContextBook)}});

@@ -37,8 +37,9 @@ public:
     void setRowsOfSearchResults(QList<QVariantMap> rows) { m_results = std::move(rows); }
     /// Rebuilds the rows of what is on display, and takes away property files without a document.
     void getDocumentsInFolder();
-    /// Its two steps. The first may be done on any thread, the second not: while a document moves, its property file
-    /// stands alone for a moment.
+    /// Its three steps. The second, in which the files are read, may be done on any thread. The first asks what the
+    /// program knows of the notebook; and while a document moves, its property file stands alone for a moment.
+    void gatherItems();
     void readDocuments();
     void removeOrphanedPropertyFiles();
     /// Settles sort order and direction of what is on display.
@@ -90,6 +91,7 @@ private:
 
     ListSource m_source;
     std::optional<QList<QVariantMap>> m_results;
+    QStringList m_items; ///< that belong into a smart book: full paths, or contexts
     QStringList m_orphanedPropertyFiles;
 };
 
