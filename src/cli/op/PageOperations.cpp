@@ -19,6 +19,7 @@
 #include "foundation/Folder.h"
 #include "import/Mail.h"
 #include "import/MailText.h"
+#include "import/MindMap.h"
 #include "import/Opml.h"
 #include "import/WebArchive.h"
 
@@ -99,6 +100,7 @@ void addPageOperations(Registry &add)
     add.text("tm_emlToHTML", "message", tm_emlToHTML);
     add.path("tm_webarchiveToHTML", "path", tm_webarchiveToHTML);
     add.path("tm_saveWebarchiveAsHTML", "path", tm_saveWebarchiveAsHTML);
+    add.path("tm_pathToPreviewOfITMZ", "path", tm_pathToPreviewOfITMZ);
     add.text("tm_OPMLToHTML", "outline", tm_OPMLToHTML);
     add.text("stringWithEncodedWordsString", "text", stringWithEncodedWordsString);
     add.text("stringWithQuotedPrintableString", "text", stringWithQuotedPrintableString);
