@@ -103,6 +103,11 @@ private:
     void makeHelpMenu();
     void fillStorageMenu(QMenu *menu);
     void makeLabelMenu(QMenu *menu);
+    void makeArchiveCommand(QMenu *menu);
+    void makeImportCommand(QMenu *menu);
+    [[nodiscard]] QStringList archivesInFront() const;
+    void saveArchives();
+    void importFiles(const QStringList &files);
     void observe();
     QAction *add(QMenu *menu, const char *text, const QKeySequence &keys, std::function<void()> action);
 

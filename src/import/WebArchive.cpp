@@ -220,9 +220,15 @@ QString tm_webarchiveToHTML(const QString &path)
 
 QString tm_saveWebarchiveAsHTML(const QString &path)
 {
+    return saveWebArchive(path, parentPath(path));
+}
+
+QString saveWebArchive(const QString &path, const QString &book)
+{
+    const QString wanted = lastPathComponent(pathWithoutExtension(path)) + QStringLiteral(".html");
     const auto archive = readArchive(path);
     if (!archive) return {};
-    ResourceFiles files(tm_imagesFolderAtMyPath(path), ResourceFiles::Names::BesideOthers);
+    ResourceFiles files(tm_imagesFolderAtMyPath(joinPath(book, wanted)), ResourceFiles::Names::BesideOthers);
     // A parenthesis would end the reference where the embedded images of a text are looked for.
     const auto reference = [](const QString &name) -> QString {
         return QStringLiteral("TMImages/") +
@@ -231,8 +237,7 @@ QString tm_saveWebarchiveAsHTML(const QString &path)
     const QString text =
         regexSweep(pageWithFiles(*archive, files, reference, Qt::CaseInsensitive),
                    QStringLiteral("src=\"[\\./]*TMImages"), QStringLiteral("src=\"TMImages"), PatternCaseInsensitive);
-    const QString name = lastPathComponent(pathWithoutExtension(path)) + QStringLiteral(".html");
-    const QString target = tm_uniqueNameForFileatPath(name, parentPath(path));
+    const QString target = tm_uniqueNameForFileatPath(wanted, book);
     if (!writeFile(target, asOwnDocument(text).toUtf8())) return {};
     tm_setCreationDate(target);
     tm_setProperty(target, QStringLiteral("CSS/Minimalist Theme.css"), QStringLiteral("CSS"));

@@ -20,6 +20,9 @@ namespace tomelet {
 /// embedded images, and stamps the creation date. The document's path, "" where nothing was written.
 QString tm_saveWebarchiveAsHTML(const QString &path);
 
+/// The same into another book.
+QString saveWebArchive(const QString &path, const QString &book);
+
 /// The page as it was saved, and nothing else. May be called from any thread.
 [[nodiscard]] std::optional<QString> sourceOfWebArchive(const QString &path);
 
