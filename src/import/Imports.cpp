@@ -5,6 +5,7 @@
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/SafeWriter.h"
+#include "import/EvernoteImporter.h"
 #include "import/Opml.h"
 #include "import/WebArchive.h"
 #include "library/Extensions.h"
@@ -41,18 +42,27 @@ Imported importOutline(const QString &path, const QString &book)
     return {{document}, {}};
 }
 
+Imported importNotes(const QString &path, const QString &book, const Progress &progress)
+{
+    TMLTEvernoteImporter importer(path, book);
+    importer.start(progress);
+    if (importer.fault().isEmpty()) return {importer.notes(), {}};
+    return {importer.notes(), fault(TOMELET_TEXT("\"%1\" could not be read to its end: "), path) + importer.fault()};
+}
+
 } // namespace
 
 const QStringList &importableExtensions()
 {
-    static const QStringList all{QStringLiteral("opml"), QStringLiteral("webarchive")};
+    static const QStringList all{QStringLiteral("enex"), QStringLiteral("opml"), QStringLiteral("webarchive")};
     return all;
 }
 
-Imported importFile(const QString &path, const QString &book)
+Imported importFile(const QString &path, const QString &book, const Progress &progress)
 {
     const QString extension = lowerExtension(path);
     if (extension == u"webarchive") return importWebArchive(path, book);
+    if (extension == u"enex") return importNotes(path, book, progress);
     if (extension == u"opml") return importOutline(path, book);
     return {{}, fault(TOMELET_TEXT("\"%1\" is of no kind that can be imported."), path)};
 }

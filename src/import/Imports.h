@@ -2,6 +2,8 @@
 // Files of other programs as documents of a book. They stay where they are.
 #pragma once
 
+#include "foundation/Progress.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -10,13 +12,14 @@ namespace tomelet {
 struct Imported
 {
     QStringList documents; ///< their paths
-    QString fault;         ///< why there are none, for a person; ""
+    QString fault;         ///< why there are none, or no more, for a person; ""
 };
 
 /// The extensions of files that can be imported.
 [[nodiscard]] const QStringList &importableExtensions();
 
-/// Makes documents of a web archive (one, with its pictures) or an outline (one).
-[[nodiscard]] Imported importFile(const QString &path, const QString &book);
+/// Makes documents of a web archive (one, with its pictures), an outline (one) or exported notes (each one, with its
+/// files). Notes so far stay where they cannot be read further, or the import is stopped.
+[[nodiscard]] Imported importFile(const QString &path, const QString &book, const Progress &progress = {});
 
 } // namespace tomelet

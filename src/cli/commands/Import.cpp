@@ -2,6 +2,7 @@
 // `tomelet import FILE... [--book BOOK]`: files of other programs as documents.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
+#include "cli/TerminalProgress.h"
 #include "cli/commands/AllCommands.h"
 
 #include "foundation/Folder.h"
@@ -56,8 +57,9 @@ int runImport(const Invocation &call)
     for (const QString &argument : parser.positionalArguments()) {
         const QString path = pathOfFile(argument);
         const QString reason = whyNot(path);
-        const Imported imported =
-            reason.isEmpty() ? importFile(path, target.isEmpty() ? parentPath(path) : target) : Imported{{}, reason};
+        const Imported imported = reason.isEmpty() ? importFile(path, target.isEmpty() ? parentPath(path) : target,
+                                                                terminalProgress(call, QStringLiteral("Importing")))
+                                                   : Imported{{}, reason};
         if (!imported.fault.isEmpty()) status = fail(imported.fault);
         for (const QString &document : imported.documents) {
             documents.append(document);
