@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "import/EvernoteImporter.h"
 
-#include "conversion/EmbeddedStyle.h"
+#include "conversion/MarkdownToHtml.h"
+#include "conversion/TextUtilities.h"
 #include "foundation/Clock.h"
 #include "foundation/Folder.h"
 #include "foundation/HtmlEntities.h"
@@ -170,16 +171,17 @@ void TMLTEvernoteImporter::finishNote()
     m_created = m_modifiedDate = QDateTime();
 }
 
-// The properties are there before the document, and its date is set when nothing writes it any more.
+// The properties are there before the document, which is written once, with the style that it has now: a disk takes
+// longer than all else. Its date is set when nothing writes it any more.
 void TMLTEvernoteImporter::writeNote()
 {
     m_tags.removeDuplicates();
     if (!m_tags.isEmpty()) m_properties.insert(QStringLiteral("Tags"), QVariantList(m_tags.begin(), m_tags.end()));
     if (m_created.isValid()) m_properties.insert(QStringLiteral("CreationDate"), m_created);
     setProperties(m_notePath, m_properties);
-    if (const auto written = writeFile(m_notePath, pageOfNote(m_content, m_hashFilenameDictionary).toUtf8()); !written)
-        return logLine(written.message);
-    tm_applyCurrentStyle(m_notePath);
+    const QString body = tm_getInnerHTML(pageOfNote(m_content, m_hashFilenameDictionary));
+    const QString page = pageFrame(m_notePath, lastPathComponent(pathWithoutExtension(m_notePath)), body);
+    if (const auto written = writeFile(m_notePath, page.toUtf8()); !written) return logLine(written.message);
     if (m_modifiedDate.isValid() && m_modifiedDate != farPast()) setModificationDate(m_notePath, m_modifiedDate);
     m_notes.append(m_notePath);
     if (!m_tags.isEmpty()) m_tagged.append(m_notePath);
