@@ -28,7 +28,7 @@ void MainWindow::makeArchiveCommand(QMenu *menu)
 
 void MainWindow::makeImportCommand(QMenu *menu)
 {
-    add(menu, TOMELET_TEXT("&Import..."), {}, [this] {
+    add(menu, TOMELET_TEXT("Imp&ort..."), {}, [this] {
         const QString kinds = QStringLiteral("*.") + importableExtensions().join(QStringLiteral(" *."));
         importFiles(QFileDialog::getOpenFileNames(this, localized(TOMELET_TEXT("Import")), {},
                                                   localized(TOMELET_TEXT("Files of other programs (%1)")).arg(kinds)));
