@@ -26,11 +26,14 @@ namespace {
 
 constexpr qint64 kilobyte = 1024;
 
-// Titles hold what pages hold, and the file's DTD is out of reach.
+// Titles hold what pages hold, and the file's DTD is out of reach. The answer is read as XML once more.
 class PageEntities final : public QXmlStreamEntityResolver
 {
 public:
-    QString resolveUndeclaredEntity(const QString &name) override { return withEntitiesResolved(u'&' + name + u';'); }
+    QString resolveUndeclaredEntity(const QString &name) override
+    {
+        return withEntitiesResolved(u'&' + name + u';').toHtmlEscaped();
+    }
 };
 
 // Opening a file to set its date does not change it.

@@ -115,6 +115,7 @@ TEST_F(Notes, OfADamagedOrStoppedImportStay)
     const auto note = [](const QByteArray &title) -> QByteArray {
         return "<note><title>" + title + "</title>" + content(title) + "</note>";
     };
+    EXPECT_EQ(import(note("&nbsp;&none;&#65;") + "</en-export>").documents, QStringList{at(u"/Book/none;A.html"_s)});
     const QByteArray whole = note("a") + note("???") + note("") + note(".. ") + "</en-export>";
     const Imported cut = import(note("x") + note("y").chopped(9));
     EXPECT_EQ(cut.documents, QStringList{at(u"/Book/x.html"_s)});
