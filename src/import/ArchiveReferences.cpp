@@ -111,10 +111,21 @@ const QString *ArchiveReferences::referenceFor(QStringView value, bool isExactSo
     return isExactSource ? pictureNamedAtEndOf(value) : nullptr;
 }
 
-// The name of the attribute whose "=" stands there, as far as it is one of the two.
+// Candidates are parted by commas, their addresses from sizes by blanks; an address may hold a comma.
+QString ArchiveReferences::pictureOffered(QStringView value) const
+{
+    for (const QString &word : value.toString().simplified().split(u' ')) {
+        const QStringView address(word);
+        if (const QString *found = referenceFor(address.endsWith(u',') ? address.chopped(1) : address, false))
+            return *found;
+    }
+    return {};
+}
+
+// The name of the attribute whose "=" stands there, as far as it is one of these.
 QString ArchiveReferences::attributeAt(QStringView text, qsizetype equals) const
 {
-    for (const QString &name : {QStringLiteral("src"), QStringLiteral("href")})
+    for (const QString &name : {QStringLiteral("src"), QStringLiteral("href"), QStringLiteral("srcset")})
         if (text.first(equals).endsWith(name, m_sensitivity)) return name;
     return {};
 }
@@ -132,7 +143,10 @@ QString ArchiveReferences::writtenInto(const QString &text) const
         const qsizetype end = view.indexOf(u'"', begin);
         if (end < 0) break;
         const bool isExactSource = attribute == u"src" && view.first(begin).endsWith(u"src=\"");
-        const QString *reference = referenceFor(view.sliced(begin, end - begin), isExactSource);
+        const QStringView value = view.sliced(begin, end - begin);
+        const bool isChoice = attribute == u"srcset";
+        const QString choice = isChoice ? pictureOffered(value) : QString();
+        const QString *reference = isChoice ? &choice : referenceFor(value, isExactSource);
         if (!reference) continue;
         written += view.sliced(done, begin - 2 - attribute.size() - done);
         written += attribute + QStringLiteral("=\"") + *reference + u'"';

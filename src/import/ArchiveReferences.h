@@ -25,7 +25,8 @@ struct SavedResource
 /// the resource whose address it is; the one whose address it is as seen from the page's; the one whose path it is;
 /// and, for `src` alone, the picture with whose name it ends, the longest such name. Of several the first in the list.
 /// Each value is looked at once, so that resources of one name do not take each other's places, and the cost grows with
-/// the text.
+/// the text. Of the pictures that `srcset="..."` offers the first one that is there is left, else none, so that the
+/// view takes what `src` says.
 class ArchiveReferences
 {
 public:
@@ -39,6 +40,7 @@ private:
     void add(const SavedResource &resource);
     [[nodiscard]] QString attributeAt(QStringView text, qsizetype equals) const;
     [[nodiscard]] const QString *referenceFor(QStringView value, bool isExactSource) const;
+    [[nodiscard]] QString pictureOffered(QStringView value) const;
     [[nodiscard]] const QString *referenceOfAddress(const QString &value) const;
     [[nodiscard]] const QString *pictureNamedAtEndOf(QStringView value) const;
 

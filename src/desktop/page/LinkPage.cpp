@@ -39,6 +39,9 @@ LinkPage::LinkPage(QObject *parent, LinkFollower follow)
 
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
+    // A saved page that asks for a fresh one of itself, or sends a form, would be gone.
+    if (type == NavigationTypeRedirect || type == NavigationTypeReload || type == NavigationTypeFormSubmitted)
+        return false;
     if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
     const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
     if (sameDocument) return true;
