@@ -19,6 +19,7 @@ std::span<const Command> commands()
         {"plain", "converts HTML to plain text", runPlain},
         {"convert", "converts Markdown with the engine alone", runConvert},
         {"bench-engine", "times the Markdown engine", runBenchEngine},
+        {"import", "makes documents of exported notes, web archives and outlines", runImport},
         {"new", "makes a document from standard input", runNew},
         {"book", "makes a book", runBook},
         {"mv", "moves or renames an item with all that belongs to it", runMv},

@@ -7,6 +7,7 @@
 #include "foundation/Localization.h"
 #include "import/Mail.h"
 #include "import/Opml.h"
+#include "import/WebArchive.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
@@ -94,6 +95,9 @@ static QString pageOfAnyKind(const QString &path)
 
 QString pageForItem(const QString &path)
 {
+    // Pages of others keep their own colours.
+    if (opensAsWebArchive(path))
+        if (const QString page = tm_webarchiveToHTML(path); !page.isEmpty()) return page;
     return tm_formattedDocAdjustedToColorTheme(pageOfAnyKind(path));
 }
 

@@ -39,6 +39,7 @@ void MainWindow::makeActions()
     addTextMenu(this, m_desk);
     addDocumentMenu(this, m_desk,
                     {[this](const QString &extension) { createDocument(extension); }, [this] { toggleFullScreen(); }});
+    makeArchiveCommand(menuBar()->actions().last()->menu());
     makeViewMenu();
     makeOrganiseMenu();
     makeTaskMenu();
@@ -66,10 +67,12 @@ void MainWindow::makeBookMenu()
             for (const QString &path : paths) QDesktopServices::openUrl(QUrl::fromLocalFile(path));
         });
     });
+    makeImportCommand(menu);
     menu->addSeparator();
     add(menu, TOMELET_TEXT("&Rename..."), QKeySequence(Qt::Key_F2), [this] { renameSelection(); });
     add(menu, TOMELET_TEXT("D&uplicate"), QKeySequence(QStringLiteral("Ctrl+D")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.duplicate(paths); }); });
+    makeArchiveCommand(menu);
     add(menu, TOMELET_TEXT("&Delete"), QKeySequence::Delete, [this] { deleteSelection(); });
     add(menu, TOMELET_TEXT("Delete &Permanently..."), QKeySequence(QStringLiteral("Shift+Del")),
         [this] { forSelection([this](const QStringList &paths) { m_actions.deletePermanently(paths); }); });

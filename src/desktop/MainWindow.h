@@ -103,6 +103,15 @@ private:
     void makeHelpMenu();
     void fillStorageMenu(QMenu *menu);
     void makeLabelMenu(QMenu *menu);
+    void makeArchiveCommand(QMenu *menu);
+    void makeImportCommand(QMenu *menu);
+    [[nodiscard]] QStringList archivesInFront() const;
+    void saveArchives();
+    void importFiles(const QStringList &files);
+    void importDocument(const QString &file, const QString &book);
+    void importNotes(const QString &file, const QString &book);
+    void offerImport(const QString &file);
+    void showNew(const QString &path);
     void observe();
     QAction *add(QMenu *menu, const char *text, const QKeySequence &keys, std::function<void()> action);
 

@@ -82,6 +82,7 @@ void MainWindow::observe()
         showSource({path, OrdinaryBook, {}});
         m_outlineController.expandPathToItem(path);
     });
+    onPath("TMLTImportExportedNotes", "path", [this](const QString &path) { offerImport(path); });
     onPath("TMLTReloadCurrentBook", "path", [this](const QString &) { readRowsAnew(); });
     onPath("TMLTNewTomeletRootSelected", "path", [this](const QString &) { newRoot(); });
 }

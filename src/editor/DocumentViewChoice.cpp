@@ -2,6 +2,7 @@
 #include "editor/DocumentViewChoice.h"
 
 #include "foundation/Platform.h"
+#include "import/WebArchive.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 
@@ -35,8 +36,7 @@ ViewChoice viewForDocument(const QString &path, bool presentingToggledView)
     if (extension == u"pdf") return {DocumentViewKind::Pdf, false};
     if (extension == u"webloc" || extension == u"url")
         return tm_embeddedURL(path).startsWith(u"http") ? pageAlone : ViewChoice{};
-    if (extension == u"webarchive" && settings().boolean(QStringLiteral("openWebarchivesWithTMLTMethods")))
-        return pageAlone;
+    if (opensAsWebArchive(path)) return pageAlone;
     if (extension == u"fdx" || extension == u"eml" || extension == u"enex" || isPagePicture(path, extension))
         return pageAlone;
     if (hasPlainTextExtension(path)) return plainIf(!presentingToggledView);

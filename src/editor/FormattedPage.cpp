@@ -15,6 +15,8 @@
 #include "foundation/SafeWriter.h"
 #include "import/Mail.h"
 #include "import/MailText.h"
+#include "import/MindMap.h"
+#include "import/WebArchive.h"
 #include "library/Appearance.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
@@ -126,7 +128,12 @@ FormattedPage formattedPageFor(const QString &path)
     }
     if (extension == u"eml") return {mailPage(path), path, false, false};
     if (extension == u"fdx") return fdxPage(path);
+    if (opensAsWebArchive(path))
+        if (const QString page = tm_webarchiveToHTML(path); !page.isEmpty()) return {page, path, false, true};
     if (extension == u"enex") return {exportedNotesPage(path), path, false, false};
+    if (extension == u"itmz")
+        if (const QString picture = tm_pathToPreviewOfITMZ(path); !picture.isEmpty())
+            return {picturePage(picture), path, false, false};
     if (hasImageExtension(path)) return {picturePage(path), path, false, false};
     // Every text with a source is shown as what its Markdown says.
     if (hasPlainTextExtension(path))

@@ -147,6 +147,20 @@ void tm_setProperty(const QString &path, const QVariant &value, const QString &k
     if (changed) hideIfWanted(plist);
 }
 
+void setProperties(const QString &path, const QVariantMap &values)
+{
+    if (!tm_itemIsChildOfTomelet(path)) {
+        for (const auto &[key, value] : values.asKeyValueRange()) tm_setProperty(path, value, key);
+        return;
+    }
+    if (keepsNoProperties(path) || values.isEmpty()) return;
+    changeDictionary(propertyFileOf(path), [&](QVariantMap &properties) {
+        properties.insert(values);
+        return true;
+    });
+    hideIfWanted(propertyFileOf(path));
+}
+
 void tm_removePropertyForKey(const QString &path, const QString &key)
 {
     if (keepsNoProperties(path)) return;

@@ -32,6 +32,8 @@ inline constexpr qlonglong notFoundIndex = std::numeric_limits<qlonglong>::max()
 /// Stores a value; null removes the key. Nothing is written when the same value stands there. Outside the library
 /// only `CharacterOffset`, `CSS` and `MarkdownConverter` are kept.
 void tm_setProperty(const QString &path, const QVariant &value, const QString &key);
+/// The same for several values, in one write.
+void setProperties(const QString &path, const QVariantMap &values);
 void tm_removePropertyForKey(const QString &path, const QString &key);
 
 /// The first non-empty value on the way from the item up to the root. Label, converter and preview lines go on to

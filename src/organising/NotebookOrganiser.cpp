@@ -19,7 +19,11 @@
 
 #include <QFile>
 
+#include <utility>
+
 namespace tomelet {
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -57,7 +61,10 @@ public:
     }
     void propertyFileChanged(const QString &path) override
     {
-        tm_collectTagsInPlist(path);
+        m_changedProperties.append(path);
+        // Thousands come at a time when notes are imported or a sync client is at work.
+        platform().delayedCalls.schedule(QStringLiteral("collectTags"), {}, 100ms,
+                                         [this] { collectTagsOf(std::exchange(m_changedProperties, {})); });
         repairIfMoved(path);
     }
     void taskFollows(const QString &path, const QString &target) override { tm_moveTaskToPath(path, target); }
@@ -91,6 +98,8 @@ public:
     }
 
 private:
+    QStringList m_changedProperties; // whose contexts are not collected yet
+
     // An item that another program moved still tells its former path.
     static void repairIfMoved(const QString &plist)
     {

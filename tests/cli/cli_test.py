@@ -2,6 +2,7 @@
 """The command line as scripts rely on it: what each command prints, writes and leaves alone."""
 import json
 import os
+import plistlib
 import sys
 import unittest
 
@@ -181,6 +182,23 @@ class Items(World):
                       ["book", "x", "--in", "a.md"], ["rm", "a.md", "none.md"], ["rm", "/"], ["duplicate", "x"]):
             self.fails(*words)
         self.assertEqual(self.files(self.root), before)
+
+    def test_import(self):
+        self.write("/B/n.enex", b"<en-export><note><title>N</title><content>t</content></note></en-export>")
+        self.write("/B/o.opml", b"<opml><body><outline text='one'/></body></opml>")
+        page = {"WebMainResource": {"WebResourceData": b"<p>saved</p>"}}
+        outside = self.write_plist("/../p.webarchive", page, fmt=plistlib.FMT_BINARY)
+        os.mkdir(self.at("/C"))
+        self.assertEqual(self.run_("import", "B/n.enex", "/B/o.opml"), self.at("/B/N.html\n") + self.at("/B/o.html\n"))
+        self.assertEqual(json.loads(self.run_("--json", "import", outside, "--book", "C")), [self.at("/C/p.html")])
+        self.assertIn("<li>one</li>", self.run_("show", "B/o.html"))
+        self.assertIn("CreationDate", self.run_("get", "B/o.html"))
+        self.fails("import", "B/n.md", says="none of")
+        self.fails("import", "B/gone.enex", says="no file")
+        self.fails("import", "B/n.enex", "--book", "D", says="no book")
+        self.write("/B/bad.webarchive", b"text")
+        self.fails("import", "B/bad.webarchive")
+        self.misused("import")
 
     def test_rm_and_undo(self):
         self.write("/B/n.md", b"kept")

@@ -10,6 +10,7 @@
 #include "desktop/outline/OutlinePane.h"
 #include "desktop/text/TMLTTextView.h"
 #include "foundation/Platform.h"
+#include "foundation/PropertyList.h"
 #include "library/Properties.h"
 #include "organising/NotebookOrganiser.h"
 
@@ -87,6 +88,31 @@ TEST_F(WholeWindow, aBookThatVanishesLeavesTheNearestOneAbove)
     EXPECT_GE(model->rowCount(), 2);
     EXPECT_TRUE(model->indexOfPath(at(QStringLiteral("/Book/a.md"))).isValid());
     EXPECT_EQ(pane().path(), QString());
+}
+
+TEST_F(WholeWindow, filesOfOtherProgramsBecomeDocuments)
+{
+    const QVariantMap page{{QStringLiteral("WebResourceData"), QByteArray("<p>saved</p>")}};
+    write(QStringLiteral("/Book/p.webarchive"),
+          xmlPropertyList(QVariantMap{{QStringLiteral("WebMainResource"), page}}));
+    show("/Book/p.webarchive");
+    choose("Save as For&matted Document");
+    EXPECT_EQ(selected(), QStringLiteral("/Book/p.html"));
+    EXPECT_EQ(pane().path(), at(QStringLiteral("/Book/p.html")));
+    list()->setFocus();
+    choose("&Undo");
+    EXPECT_FALSE(exists(QStringLiteral("/Book/p.html")));
+
+    const QString notes = write(QStringLiteral("/Book/n.enex"),
+                                "<en-export><note><title>Note</title><content>text</content></note></en-export>");
+    const auto offer = [&notes] { notifications().postPath(QStringLiteral("TMLTImportExportedNotes"), notes); };
+    offer(); // nobody answers
+    EXPECT_FALSE(exists(QStringLiteral("/Book/Note.html")));
+    platform().ask = [](const Question &) { return 0; };
+    offer();
+    EXPECT_TRUE(exists(QStringLiteral("/Book/Note.html")));
+    const auto *model = qobject_cast<const DocumentListModel *>(list()->model());
+    EXPECT_TRUE(model->indexOfPath(at(QStringLiteral("/Book/Note.html"))).isValid());
 }
 
 TEST_F(WholeWindow, undoGoesToWhatHasTheKeys)

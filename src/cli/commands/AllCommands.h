@@ -19,6 +19,7 @@ int runDuplicate(const Invocation &call);
 int runExtract(const Invocation &call);
 int runFavorite(const Invocation &call);
 int runGet(const Invocation &call);
+int runImport(const Invocation &call);
 int runIndex(const Invocation &call);
 int runLabel(const Invocation &call);
 int runLinks(const Invocation &call);

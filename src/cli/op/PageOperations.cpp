@@ -19,7 +19,9 @@
 #include "foundation/Folder.h"
 #include "import/Mail.h"
 #include "import/MailText.h"
+#include "import/MindMap.h"
 #include "import/Opml.h"
+#include "import/WebArchive.h"
 
 namespace tomelet::cli {
 
@@ -96,6 +98,9 @@ void addPageOperations(Registry &add)
     add.path("tm_updateEmbeddedStylesheet", "path", tm_updateEmbeddedStylesheet);
     add.path("tm_previewOfNoteWithTitle", "path, title", tm_previewOfNoteWithTitle);
     add.text("tm_emlToHTML", "message", tm_emlToHTML);
+    add.path("tm_webarchiveToHTML", "path", tm_webarchiveToHTML);
+    add.path("tm_saveWebarchiveAsHTML", "path", tm_saveWebarchiveAsHTML);
+    add.path("tm_pathToPreviewOfITMZ", "path", tm_pathToPreviewOfITMZ);
     add.text("tm_OPMLToHTML", "outline", tm_OPMLToHTML);
     add.text("stringWithEncodedWordsString", "text", stringWithEncodedWordsString);
     add.text("stringWithQuotedPrintableString", "text", stringWithQuotedPrintableString);

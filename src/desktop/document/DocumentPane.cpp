@@ -266,6 +266,9 @@ void DocumentPane::followLink(const QUrl &url, bool inNewTab)
     if (!itemExists(tm_pathWithoutAnchor(item)) && !itemExists(item))
         item = tm_findAlternativePathExcludingOrPrompt(item, {path()}, path());
     if (item.isEmpty()) return;
+    // The page of exported notes offers itself.
+    if (item == path() && lowerExtension(item) == u"enex")
+        return notifications().postPath(QStringLiteral("TMLTImportExportedNotes"), item);
     if (inNewTab) Q_EMIT newTabWanted(item);
     else notifications().postPath(QStringLiteral("TMLTShowItemAtPathNotification"), item);
 }

@@ -15,6 +15,7 @@
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
 #include "foundation/SafeWriter.h"
+#include "import/WebArchive.h"
 #include "library/Extensions.h"
 #include "library/ItemPath.h"
 
@@ -32,6 +33,16 @@ static constexpr qsizetype longestTextPage = 500 * 1024;
 static constexpr qsizetype longestPageAtOnce = 300 * 1024;
 static constexpr int layOutDelay = 300; // milliseconds after which the rest follows
 static constexpr int layOutPause = 30;  // between two bits
+
+// Pages of others know of no dark theme: what they leave to the viewer is black.
+static QPalette coloursFor(const QString &path, const QPalette &palette)
+{
+    if (!opensAsWebArchive(path)) return palette;
+    QPalette paper = palette;
+    paper.setColor(QPalette::Base, Qt::white);
+    paper.setColor(QPalette::Text, Qt::black);
+    return paper;
+}
 
 QString DocumentPane::mainFrameURL() const
 {
@@ -54,7 +65,9 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     m_livePath = path();
     m_liveAddress = isMarkdown ? address : QUrl();
     m_isLong = html.size() > longestPageAtOnce;
-    QString page = pageToShow(html, address, palette());
+    const QPalette colours = coloursFor(path(), palette());
+    m_view->page()->setBackgroundColor(colours.color(QPalette::Base));
+    QString page = pageToShow(html, address, colours);
     if (m_isLong) page = withLongPageRule(page);
     QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
     if (isEditor) return m_view->takePage(html);

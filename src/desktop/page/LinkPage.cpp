@@ -39,7 +39,7 @@ LinkPage::LinkPage(QWebEngineProfile *profile, QObject *parent, LinkFollower fol
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
     if (!isMainFrame) return true;
-    if (type != NavigationTypeLinkClicked) return type == NavigationTypeTyped || type == NavigationTypeReload;
+    if (type != NavigationTypeLinkClicked) return type == NavigationTypeTyped;
     const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
     if (!sameDocument) m_follow(url, false);
     return sameDocument;

@@ -124,6 +124,7 @@ QWidget *makeWritingPane()
         {TOMELET_TEXT("Insert closing brackets and quotes"), "insertClosingCharacters"},
         {TOMELET_TEXT("Leave comments out of the word count"), "ignoreCommentsForWordCount"},
         {TOMELET_TEXT("Show the source of formatted documents with its head"), "showHTMLHeader"},
+        {TOMELET_TEXT("Show web archives as pages"), "openWebarchivesWithTMLTMethods"},
     };
     addSwitches(form, switches);
     return pane;

@@ -304,10 +304,18 @@ void tm_collectTagsFromText(const QString &path, const QString &text)
 
 void tm_collectTagsInPlist(const QString &path)
 {
-    const QString item = ownerOfPropertyFile(path);
-    if (!itemExists(item)) return;
+    collectTagsOf({path});
+}
+
+void collectTagsOf(const QStringList &paths)
+{
+    QStringList items;
+    for (const QString &path : paths)
+        if (const QString item = ownerOfPropertyFile(path); itemExists(item)) items.append(item);
+    if (items.isEmpty()) return;
     ContextStores stores;
-    Collection(stores).collect(item);
+    Collection collection(stores);
+    for (const QString &item : items) collection.collect(item);
     if (stores.save()) announceContexts();
 }
 

@@ -57,6 +57,8 @@ void tm_updateContextsRemoving(const QString &path, const QStringList &removing,
 void tm_collectTagsFromText(const QString &path, const QString &text);
 /// Brings index and list in line with one item, named by itself or by its property file.
 void tm_collectTagsInPlist(const QString &path);
+/// The same for many items.
+void collectTagsOf(const QStringList &paths);
 /// Moves an item, and for a book all that lies in it, in the index; an empty target takes it out.
 void tm_changePathInTagDBToPath(const QString &path, const QString &target);
 

@@ -6,6 +6,7 @@
 #include "foundation/TextCodec.h"
 #include "import/MailParts.h"
 #include "import/MailText.h"
+#include "import/WebArchive.h"
 #include "library/Extensions.h"
 #include "organising/search/OfficeText.h"
 #include "organising/search/PageText.h"
@@ -26,6 +27,7 @@ namespace tomelet {
 namespace {
 
 constexpr qint64 largestFile = 32 << 20;
+constexpr qint64 largestWebArchive = 256 << 20; // nearly all of it pictures
 constexpr qsizetype mostCharacters = 16'000'000;
 constexpr qsizetype sniffedBytes = 8192;
 
@@ -40,6 +42,12 @@ bool looksLikeText(const QByteArray &bytes)
 QString textOfAnyPage(const QString &html)
 {
     return html.contains(plainRepresentationMark) ? tm_htmlToPlainText(html) : textOfPage(html);
+}
+
+QString textOfWebArchive(const QString &path)
+{
+    if (QFileInfo(path).size() > largestWebArchive) return {};
+    return textOfPage(sourceOfWebArchive(path).value_or(QString()));
 }
 
 QString textOfMail(QString source)
@@ -83,6 +91,7 @@ QString wholeText(const QString &path)
     const QString extension = lowerExtension(path);
     if (extension == u"pdf") return textOfPdf(path);
     if (isOfficeDocument(extension)) return textOfOfficeDocument(path);
+    if (extension == u"webarchive") return textOfWebArchive(path);
     if (hasImageExtension(path) || QFileInfo(path).size() > largestFile) return {};
     const auto bytes = readFile(path);
     if (!bytes || !looksLikeText(*bytes)) return {};

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
-constexpr qint64 ownVersion = 5; // of the tables and tokens; a file with others is made anew
+constexpr qint64 ownVersion = 6; // of the tables and tokens; a file with others is made anew
 constexpr size_t manyDocuments = 500;
 
 void check(int code)
@@ -188,7 +188,7 @@ IndexDatabase::IndexDatabase(const QString &file)
                 "INSERT INTO marks(marks, rank) VALUES('automerge', 0);"
                 "INSERT INTO tokens(tokens, rank) VALUES('crisismerge', 1999);"
                 "INSERT INTO marks(marks, rank) VALUES('crisismerge', 1999);"
-                "PRAGMA user_version=5; COMMIT");
+                "PRAGMA user_version=6; COMMIT");
     } catch (...) {
         m_statements.clear();
         sqlite3_close_v2(m_database);

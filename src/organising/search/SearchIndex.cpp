@@ -79,8 +79,8 @@ std::string foldedName(const QString &path)
 bool keepsText(const QString &path)
 {
     const QString extension = lowerExtension(path);
-    return extension == u"pdf" || extension == u"eml" || extension == u"rtf" || extension.startsWith(u"htm") ||
-           isOfficeDocument(extension);
+    return extension == u"pdf" || extension == u"eml" || extension == u"rtf" || extension == u"webarchive" ||
+           extension.startsWith(u"htm") || isOfficeDocument(extension);
 }
 
 IndexDatabase::Entry entryOf(const QString &root, const Document &document)
