@@ -322,12 +322,33 @@ void FileBatch::flush()
     m_paths.clear();
 }
 
+// To its end, which may have moved since its size was told.
+static std::optional<QByteArray> bytesOf(int descriptor)
+{
+    struct stat status
+    {};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    QByteArray bytes(qsizetype(status.st_size) + 1, Qt::Uninitialized);
+    qsizetype end = 0;
+    while (true) {
+        const ssize_t count = ::read(descriptor, bytes.data() + end, size_t(bytes.size() - end));
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) break;
+        end += count;
+        if (end == bytes.size()) bytes.resize(2 * end);
+    }
+    bytes.truncate(end);
+    return bytes;
+}
+
+// Lists and searches read thousands of small files. Without O_NONBLOCK a pipe would keep them waiting.
 std::optional<QByteArray> readFile(const QString &path)
 {
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) return std::nullopt;
-    QByteArray bytes = file.readAll();
-    if (file.error() != QFile::NoError) return std::nullopt;
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (descriptor < 0) return std::nullopt;
+    auto bytes = bytesOf(descriptor);
+    ::close(descriptor);
     return bytes;
 }
 

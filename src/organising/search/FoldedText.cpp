@@ -228,6 +228,11 @@ FoldedText foldedForSearch(const QString &text)
     return result;
 }
 
+SearchKind kindOfAscii(char character)
+{
+    return asciiFolding().kinds[size_t(character)];
+}
+
 bool beginsWordIn(const FoldedText &text, std::string_view term)
 {
     for (size_t at = text.text.find(term); at != std::string::npos; at = text.text.find(term, at + 1))

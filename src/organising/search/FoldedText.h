@@ -39,6 +39,9 @@ struct FoldedText
     return position;
 }
 
+/// What an ASCII character is to search.
+[[nodiscard]] SearchKind kindOfAscii(char character);
+
 /// Whether the term stands in the text so that it begins where a word begins.
 [[nodiscard]] bool beginsWordIn(const FoldedText &text, std::string_view term);
 

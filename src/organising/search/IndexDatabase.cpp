@@ -301,6 +301,14 @@ std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
     return both;
 }
 
+std::vector<qint64> IndexDatabase::findAny(const std::vector<TokenPhrase> &marks)
+{
+    std::string expression;
+    for (const TokenPhrase &mark : marks)
+        expression += (expression.empty() ? "" : " OR ") + inQuotes(mark.tokens, mark.prefix);
+    return marks.empty() ? std::vector<qint64>() : numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", expression);
+}
+
 QString IndexDatabase::readPath(qint64 document)
 {
     Statement &query = statement("SELECT path FROM documents WHERE id = ?");

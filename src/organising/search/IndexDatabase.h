@@ -72,6 +72,8 @@ public:
 
     /// The numbers of the documents in which all of a term's phrases are found, ascending; some may be out of use.
     [[nodiscard]] std::vector<qint64> find(const TermLookUps &lookUps);
+    /// The same of those in which any of the marks is found; none for no marks.
+    [[nodiscard]] std::vector<qint64> findAny(const std::vector<TokenPhrase> &marks);
     /// The paths of those that are in use, each with `root` in front, which is always the same.
     [[nodiscard]] QStringList pathsOf(const std::vector<qint64> &documents, const QString &root);
     /// The text that was put with the document; "" for none.

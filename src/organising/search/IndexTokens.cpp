@@ -224,12 +224,20 @@ void markPairs(Marks &marks, const FoldedText &text, const Runs &runs)
         if (const auto end = endOfPair(text, runs, from)) marks.add('n', runs.piece(from, *end));
 }
 
+bool isAscii(char byte)
+{
+    return !(byte & '\x80');
+}
+
 void markWordsWithoutBlank(Marks &marks, const FoldedText &text, const Runs &runs)
 {
     for (size_t from = runs.wordFrom(0); from < text.text.size();) {
         const size_t end = runs.endOfRun(from);
-        const bool isBeforeBlank = end < text.text.size() && text.kinds[end] == SearchKind::Blank;
-        if (!isBeforeBlank && !runs.isDense(from)) marks.add('m', runs.word(from, end));
+        const bool isLast = end == text.text.size();
+        const bool isBeforeBlank = !isLast && text.kinds[end] == SearchKind::Blank;
+        const bool hasPair = !isLast && text.kinds[end] == SearchKind::Sign && isAscii(text.text[end]) &&
+                             end - from <= longestWordBeforeSign;
+        if (!isBeforeBlank && !hasPair && !runs.isDense(from)) marks.add('m', runs.word(from, end));
         from = runs.wordFrom(end);
     }
 }
@@ -409,8 +417,15 @@ private:
         const size_t end = m_size - 1;
         size_t from = end;
         while (from > 0 && m_term.kinds[from - 1] == SearchKind::Letter) --from;
-        if (from < end && end - from <= longestWord) m_result.doubt = markLookUp('m', m_runs.piece(from, end), false);
-        else m_result.exact = false;
+        if (from == end || end - from > longestWord) {
+            m_result.exact = false;
+            return;
+        }
+        const std::string word(m_runs.piece(from, end));
+        m_result.doubts.push_back(markLookUp('m', word, false));
+        if (word.size() > longestWordBeforeSign) return;
+        for (char sign = '!'; sign < '\x7f'; ++sign)
+            if (kindOfAscii(sign) == SearchKind::Sign) m_result.doubts.push_back(markLookUp('n', word + sign, false));
     }
 
     void closePhrase(bool prefix)

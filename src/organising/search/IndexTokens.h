@@ -10,7 +10,7 @@
 //   b  the first and the first two characters of each word
 //   n  a word (8 bytes at most) and the sign behind it; a word (5 bytes at most), the blank behind it and one character
 //      more
-//   m  a word that stands somewhere in front of something else than a blank
+//   m  a word that stands somewhere in front of something else than a blank, unless an n mark with an ASCII sign tells
 //   s  what stands between two words, from each of its characters on (16 bytes at most)
 //   r  a run of one sign that is longer than that, whole (250 bytes at most)
 //   t  the name from each of its characters on (24 bytes at most)
@@ -55,7 +55,7 @@ struct TermLookUps
 {
     std::vector<TokenPhrase> phrases; ///< never empty
     bool exact = true;                ///< false: what they find has to be tested against the document
-    std::optional<TokenPhrase> doubt; ///< of what exact ones find, what this finds has to be tested all the same
+    std::vector<TokenPhrase> doubts;  ///< of what exact ones find, what any of these finds is to be tested all the same
 };
 [[nodiscard]] TermLookUps contentLookUps(const FoldedText &term);
 [[nodiscard]] TermLookUps titleLookUps(const FoldedText &term);

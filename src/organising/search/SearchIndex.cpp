@@ -353,8 +353,7 @@ Candidates candidatesOf(const SearchTerm &term, SearchMode mode, IndexDatabase &
         const Numbers documents = index.find(lookUps);
         found.all = either(found.all, documents);
         if (!lookUps.exact) return;
-        found.sure = either(found.sure,
-                            lookUps.doubt ? without(documents, index.find({{*lookUps.doubt}, true, {}})) : documents);
+        found.sure = either(found.sure, without(documents, index.findAny(lookUps.doubts)));
     };
     if (mode != SearchMode::Content) add(titleLookUps(term.inName));
     if (mode == SearchMode::Title) return found;
