@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file or a tomelet URL is opened.
+// The program `tomelet-desktop [PATH|URL|OPTION]`: a folder becomes the notebook, a file is opened, a tomelet URL
+// carried out. Options: --new-note, --add-selection, --add-selection-plain, --insert-selection. All of them reach the
+// program that runs already, where there is one.
 #include "desktop/DesktopShell.h"
+#include "desktop/ServiceBus.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/page/PageDictionaries.h"
 #include "foundation/Folder.h"
@@ -50,8 +53,9 @@ int main(int argc, char *argv[])
     installTranslations(application);
 
     const QString argument = QApplication::arguments().value(1);
-    const bool isUrl = argument.startsWith(u"tomelet://");
-    const QString path = argument.isEmpty() || isUrl ? argument : QDir(argument).absolutePath();
+    const bool isPath =
+        !argument.isEmpty() && !argument.startsWith(u"--") && !argument.startsWith(u"tomelet://", Qt::CaseInsensitive);
+    const QString path = isPath ? QDir(argument).absolutePath() : argument;
     desktop::SingleInstance instance;
     if (instance.handedOverTo(path)) return 0;
 
@@ -59,8 +63,9 @@ int main(int argc, char *argv[])
     desktop::DesktopShell shell;
     QObject::connect(&instance, &desktop::SingleInstance::handedOver, &shell, &desktop::DesktopShell::handOver);
     const QuitOnSignals quitter;
-    const bool opensLater = isUrl || (itemExists(path) && !isFolder(path));
-    shell.launch(opensLater ? QString() : path);
+    const desktop::ServiceBus bus(shell.services());
+    const bool opensLater = isPath ? itemExists(path) && !isFolder(path) : !path.isEmpty();
+    shell.launch(opensLater ? QString() : path, opensLater ? path : QString());
     // Behind what the launch itself shows last.
     if (opensLater) QTimer::singleShot(0, &shell, [&shell, path] { shell.handOver(path); });
     return QApplication::exec();

@@ -2,6 +2,7 @@
 #include "desktop/page/LinkPage.h"
 
 #include "desktop/page/PageProfile.h"
+#include "library/urls/UrlAction.h"
 
 #include <QUrl>
 
@@ -9,26 +10,36 @@ namespace tomelet::desktop {
 
 namespace {
 
+using LinkTaker = std::function<void(const QUrl &)>;
+
 // Takes the place of the window that a link asks for, until it knows the address.
 class NewTab final : public QWebEnginePage
 {
 public:
-    NewTab(QObject *parent, LinkFollower follow)
+    NewTab(QObject *parent, LinkTaker take)
         : QWebEnginePage(pageProfile(), parent)
-        , m_follow(std::move(follow))
+        , m_take(std::move(take))
     {}
 
 protected:
     bool acceptNavigationRequest(const QUrl &url, NavigationType, bool) override
     {
-        m_follow(url, true);
+        m_take(url);
         deleteLater();
         return false;
     }
 
 private:
-    LinkFollower m_follow;
+    LinkTaker m_take;
 };
+
+// What comes as a URL has lost the case of its first book, or none of it is left where that has a blank.
+bool isSpoiled(const QUrl &url)
+{
+    if (!url.isValid()) return true;
+    const auto action = parseUrlAction(QString::fromLatin1(url.toEncoded()));
+    return action && action->kind == UrlAction::Show;
+}
 
 } // namespace
 
@@ -39,16 +50,33 @@ LinkPage::LinkPage(QObject *parent, LinkFollower follow)
 
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
+    // What changes the notebook is for a click alone: no page does it by being shown.
+    if (url.scheme() == u"tomelet" && type != NavigationTypeLinkClicked) return false;
     if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
-    const bool sameDocument = url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
+    const bool sameDocument =
+        url.isValid() && url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
     if (sameDocument) return true;
-    m_follow(url, false);
+    takeLink(url, false);
     return false;
+}
+
+void LinkPage::takeLink(const QUrl &url, bool inNewTab)
+{
+    const QString address = QString::fromLatin1(url.toEncoded());
+    if (!isSpoiled(url)) return m_follow(address, inNewTab);
+    // The link that was clicked has the focus.
+    static constexpr quint32 world = 1; // not the page's own
+    const auto take = [follow = m_follow, address, inNewTab](const QVariant &written) {
+        const auto action = parseUrlAction(written.toString());
+        const bool isItem = action && action->kind == UrlAction::Show;
+        if (isItem || !address.isEmpty()) follow(isItem ? written.toString() : address, inNewTab);
+    };
+    runJavaScript(QStringLiteral("document.activeElement?.closest('a[href]')?.href || ''"), world, take);
 }
 
 QWebEnginePage *LinkPage::createWindow(WebWindowType)
 {
-    return new NewTab(this, m_follow);
+    return new NewTab(this, [this](const QUrl &url) { takeLink(url, true); });
 }
 
 } // namespace tomelet::desktop

@@ -72,6 +72,7 @@ static WriteResult writeNewFile(const QString &path, QByteArrayView bytes)
 QString writeFromOutside(const QString &name, const QString &book, QByteArrayView bytes)
 {
     static constexpr int attempts = 100;
+    if (book.isEmpty()) return {}; // there is no notebook
     for (int i = 0; i < attempts; ++i) {
         const QString path = tm_uniqueNameForFileatPath(name, book);
         const WriteResult written = writeNewFile(path, bytes);

@@ -8,8 +8,8 @@
 
 namespace tomelet {
 
-/// The book of that path below the root. The root for "", and for whatever is no visible book in it once "..", "." and
-/// symbolic links are resolved.
+/// The book of that path below the root; "" while there is none. The root for "", and for whatever is no visible book
+/// in it once "..", "." and symbolic links are resolved.
 [[nodiscard]] QString bookFromOutside(const QString &path);
 /// The item's full path with its anchor, "." and ".." resolved; "" for one outside the root. It need not exist.
 [[nodiscard]] QString itemFromOutside(const QString &path);

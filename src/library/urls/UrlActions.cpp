@@ -118,6 +118,7 @@ void handleTomeletURL(const QString &url, UrlActionShell &shell)
 {
     const auto action = parseUrlAction(url);
     if (!action) return fail(QStringLiteral("no TM scheme: %1").arg(url), shell);
+    if (!rootIsInForce()) return fail(QStringLiteral("there is no notebook for %1").arg(url), shell);
     switch (action->kind) {
     case UrlAction::Show: return show(*action, shell);
     case UrlAction::Grab: return grab(*action, shell);
