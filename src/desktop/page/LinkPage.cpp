@@ -50,9 +50,13 @@ LinkPage::LinkPage(QObject *parent, LinkFollower follow)
 
 bool LinkPage::acceptNavigationRequest(const QUrl &url, NavigationType type, bool isMainFrame)
 {
-    // What changes the notebook is for a click alone: no page does it by being shown.
-    if (url.scheme() == u"tomelet" && type != NavigationTypeLinkClicked) return false;
-    if (type != NavigationTypeLinkClicked || !isMainFrame) return true;
+    const bool isClicked = type == NavigationTypeLinkClicked;
+    if (url.scheme() == u"tomelet") {
+        // What changes the notebook is for a click alone, in a frame too: no page does it by being shown.
+        if (isClicked) takeLink(url, false);
+        return false;
+    }
+    if (!isClicked || !isMainFrame) return true;
     const bool sameDocument =
         url.isValid() && url.adjusted(QUrl::RemoveFragment) == this->url().adjusted(QUrl::RemoveFragment);
     if (sameDocument) return true;
