@@ -51,7 +51,7 @@ void bringToTop(QWidget &window)
 
 void DesktopShell::handOver(const QString &argument)
 {
-    if (runService(argument)) return;
+    if (serviceOptions().contains(argument)) return runService(argument);
     const bool isUrl = parseUrlAction(argument).has_value();
     if (!isUrl || urlShowsSomething(argument)) bringToTop(m_window);
     if (isUrl) handleTomeletURL(argument, *this);
@@ -123,14 +123,22 @@ static SelectedText selectedText()
     return data ? SelectedText{data->text(), data->html()} : SelectedText{};
 }
 
-bool DesktopShell::runService(const QString &option)
+static const QString newNote = QStringLiteral("--new-note");
+static const QString addSelection = QStringLiteral("--add-selection");
+static const QString addSelectionPlain = QStringLiteral("--add-selection-plain");
+static const QString insertSelection = QStringLiteral("--insert-selection");
+
+QStringList DesktopShell::serviceOptions()
 {
-    if (option == u"--new-note") m_services.addQuickNote();
-    else if (option == u"--add-selection") m_services.addSelection(selectedText());
-    else if (option == u"--add-selection-plain") m_services.addSelectionPlain(selectedText());
-    else if (option == u"--insert-selection") (void)m_services.insertIntoCurrentDocument(selectedText());
-    else return false;
-    return true;
+    return {newNote, addSelection, addSelectionPlain, insertSelection};
+}
+
+void DesktopShell::runService(const QString &option)
+{
+    if (option == newNote) m_services.addQuickNote();
+    else if (option == addSelection) m_services.addSelection(selectedText());
+    else if (option == addSelectionPlain) m_services.addSelectionPlain(selectedText());
+    else if (option == insertSelection) (void)m_services.insertIntoCurrentDocument(selectedText());
 }
 
 void DesktopShell::openQuickNote()

@@ -55,6 +55,8 @@ public:
     /// nothing but the wish to see the window.
     void handOver(const QString &argument);
     [[nodiscard]] TMLTServiceProvider &services() { return m_services; }
+    /// The options that stand for services, such as "--new-note".
+    [[nodiscard]] static QStringList serviceOptions();
 
     // AppShell
     void showWelcome(const WelcomeChoices &choices) override;
@@ -85,7 +87,7 @@ private:
 
     void takeUrlsAndServices();
     [[nodiscard]] static bool urlShowsSomething(const QString &url);
-    [[nodiscard]] bool runService(const QString &option);
+    void runService(const QString &option);
     void addWindow(DocumentWindow *window);
     void noteFront(QWidget *window);
     void tellImport(const QString &path);

@@ -19,6 +19,7 @@
 #include <QTimer>
 #include <QTranslator>
 
+#include <cstdio>
 #include <unistd.h>
 
 using namespace tomelet;
@@ -37,6 +38,14 @@ void installTranslations(QApplication &application)
         QApplication::installTranslator(own);
 }
 
+int tellUsage(const QString &option)
+{
+    const bool asked = option == u"--help";
+    std::fprintf(asked ? stdout : stderr, "Usage: tomelet-desktop [FOLDER|FILE|URL|%s]\n",
+                 qPrintable(desktop::DesktopShell::serviceOptions().join(u'|')));
+    return asked ? 0 : 2;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -53,9 +62,12 @@ int main(int argc, char *argv[])
     installTranslations(application);
 
     const QString argument = QApplication::arguments().value(1);
-    const bool isPath =
-        !argument.isEmpty() && !argument.startsWith(u"--") && !argument.startsWith(u"tomelet://", Qt::CaseInsensitive);
-    const QString path = isPath ? QDir(argument).absolutePath() : argument;
+    const bool isOption = argument.startsWith(u"--");
+    if (isOption && !desktop::DesktopShell::serviceOptions().contains(argument)) return tellUsage(argument);
+    const bool isUrl = argument.startsWith(u"tomelet://", Qt::CaseInsensitive);
+    const bool isPath = !argument.isEmpty() && !isOption && !isUrl;
+    QString path = isPath ? QDir(argument).absolutePath() : argument;
+    if (isUrl) path.replace(u'\n', QStringLiteral("%0A")); // it is handed over as one line
     desktop::SingleInstance instance;
     if (instance.handedOverTo(path)) return 0;
 
