@@ -47,6 +47,7 @@ std::span<const Command> commands()
         {"refresh-links", "reads the backlinks of all documents", runRefreshLinks},
         {"search", "documents that hold what is searched for", runSearch},
         {"index", "brings the text index up to date", runIndex},
+        {"url", "carries out a tomelet:// URL", runUrl},
         {"serve", "serves the notebook over HTTP and WebDAV", runServe},
         {"watch", "follows the notebook and prints each change", runWatch},
         {"op", "calls one operation by its name", runOp},

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "desktop/DesktopShell.h"
 
-#include "desktop/preferences/PreferencesWindow.h"
 #include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
+#include "desktop/preferences/PreferencesWindow.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 #include "foundation/Log.h"
@@ -64,11 +64,13 @@ DesktopShell::DesktopShell()
     connect(&m_window, &MainWindow::extraWindowWanted, this, [this](const QString &path) {
         openWindow({{path, {}, true, {}, {}}});
     });
+    takeUrlsAndServices();
 }
 
-void DesktopShell::launch(const QString &folder)
+void DesktopShell::launch(const QString &folder, const QString &next)
 {
     const HeldKeys keys = heldKeys();
+    m_application.setHandlingUrlEvent(urlShowsSomething(next));
     m_application.systemAppearanceChanged(m_theme.desktopIsDark());
     setDark(settings().boolean(QStringLiteral("darkTheme")));
     if (!folder.isEmpty() && makeFolder(folder)) m_application.tm_setRootToPath(QDir(folder).absolutePath());
@@ -92,32 +94,13 @@ void DesktopShell::launch(const QString &folder)
     });
 }
 
-static void bringToFront(QWidget &window)
-{
-    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
-    window.show();
-    window.raise();
-    window.activateWindow();
-}
-
 void WindowReminders::present(const Reminder &reminder, const Answers &answers)
 {
     const auto opened = [this, answers] {
-        bringToFront(m_window);
+        bringToTop(m_window);
         answers.opened();
     };
     m_reminders.present(reminder, {opened, answers.failed});
-}
-
-void DesktopShell::handOver(const QString &path)
-{
-    bringToFront(m_window);
-    if (path.startsWith(u"tomelet://")) {
-        const QString item = tm_pathFromTomeletURLScheme(path);
-        m_window.showItem(itemExists(fullPathOf(item)) ? item : percentDecoded(item));
-    } else if (!path.isEmpty()) {
-        m_application.applicationOpenFile(path, false);
-    }
 }
 
 void DesktopShell::showWelcome(const WelcomeChoices &choices)
@@ -151,6 +134,12 @@ QString DesktopShell::pickFolder(const QString &message, const QString &prompt)
 
 // -- extra windows ----------------------------------------------------------------------------------------------------
 
+void DesktopShell::addWindow(DocumentWindow *window)
+{
+    m_extraWindows.append(window);
+    connect(window, &DocumentWindow::quitWanted, this, &DesktopShell::closeAll);
+}
+
 void DesktopShell::openWindow(const QList<WindowEntry> &entries)
 {
     QList<WindowEntry> there;
@@ -158,8 +147,7 @@ void DesktopShell::openWindow(const QList<WindowEntry> &entries)
         if (itemExists(entry.path)) there.append(entry);
     if (there.isEmpty()) return;
     auto *window = new DocumentWindow(m_window.itemActions(), there);
-    m_extraWindows.append(window);
-    connect(window, &DocumentWindow::quitWanted, this, &DesktopShell::closeAll);
+    addWindow(window);
     if (there.first().minimized == u"1") window->showMinimized();
     else window->show();
 }

@@ -6,6 +6,9 @@
 #include "desktop/MainWindow.h"
 #include "desktop/Theme.h"
 #include "library/AppDelegate.h"
+#include "library/urls/PageFetcher.h"
+#include "library/urls/ServiceProvider.h"
+#include "library/urls/UrlActions.h"
 #include "organising/dates/ReminderDBus.h"
 #include "organising/dates/ReminderDelivery.h"
 #include "server/ServerControl.h"
@@ -34,17 +37,26 @@ private:
     DesktopReminders m_reminders;
 };
 
-class DesktopShell final : public QObject, public AppShell
+/// Also when it was minimized or hidden.
+void bringToTop(QWidget &window);
+
+class DesktopShell final : public QObject, public AppShell, private UrlActionShell, private ServiceShell
 {
     Q_OBJECT
 
 public:
     DesktopShell();
+    ~DesktopShell() override;
 
-    /// Shows the main window and lets the application start. `folder` becomes the root when it is not empty.
-    void launch(const QString &folder);
-    /// What a second start of the program hands over: a folder, a file, or nothing but the wish to see the window.
-    void handOver(const QString &path);
+    /// Shows the main window and lets the application start. `folder` becomes the root when it is not empty. What is to
+    /// be handed over next may want the window for itself.
+    void launch(const QString &folder, const QString &next = {});
+    /// What a second start of the program hands over: a folder, a file, a tomelet URL, a service by its option, or
+    /// nothing but the wish to see the window.
+    void handOver(const QString &argument);
+    [[nodiscard]] TMLTServiceProvider &services() { return m_services; }
+    /// The options that stand for services, such as "--new-note".
+    [[nodiscard]] static QStringList serviceOptions();
 
     // AppShell
     void showWelcome(const WelcomeChoices &choices) override;
@@ -60,7 +72,25 @@ public:
     void saveExpandedPaths() override;
     void quit() override;
 
+private Q_SLOTS:
+    void openUrl(const QUrl &url);
+
 private:
+    // UrlActionShell
+    void fetch(const QUrl &address, Fetched done) override { m_fetcher.fetch(address, std::move(done)); }
+    bool bringToFront(const QString &path) override;
+    void showAlert(const QString &title, const QString &text) override;
+    void pageImported(const QString &path) override;
+    // ServiceShell
+    void openQuickNote() override;
+    bool insertIntoFrontmostDocument(const QString &text) override;
+
+    void takeUrlsAndServices();
+    [[nodiscard]] static bool urlShowsSomething(const QString &url);
+    void runService(const QString &option);
+    void addWindow(DocumentWindow *window);
+    void noteFront(QWidget *window);
+    void tellImport(const QString &path);
     void openWindow(const QList<WindowEntry> &entries);
     void showPreferences();
     void closeAll();
@@ -72,6 +102,10 @@ private:
     WindowReminders m_reminders{m_window};
     std::optional<ReminderDelivery> m_delivery; // from the moment on at which the root is known
     QList<QPointer<DocumentWindow>> m_extraWindows;
+    QList<QPointer<QWidget>> m_windowOrder; ///< from front to back
+    PageFetcher m_fetcher;
+    TMLTServiceProvider m_services{*this};
+    DesktopNotifications m_notifications;
 };
 
 } // namespace tomelet::desktop

@@ -5,6 +5,8 @@
 #include "desktop/actions/ItemActions.h"
 #include "desktop/document/DocumentDesk.h"
 #include "desktop/document/DocumentPane.h"
+#include "desktop/document/DocumentTabs.h"
+#include "desktop/page/TMLTWebView.h"
 #include "foundation/Folder.h"
 #include "foundation/Localization.h"
 
@@ -37,7 +39,7 @@ DocumentWindow::DocumentWindow(ItemActions &actions, const QList<WindowEntry> &e
     setCentralWidget(m_desk);
     makeMenus(actions);
     resize(820, 900);
-    if (const QRect frame = frameFrom(entries.first().frame); frame.isValid()) setGeometry(frame);
+    if (const QRect frame = frameFrom(entries.value(0).frame); frame.isValid()) setGeometry(frame);
     connect(m_desk, &DocumentDesk::currentChanged, this, &DocumentWindow::updateTitle);
     connect(m_desk, &DocumentDesk::emptied, this, &QWidget::close);
     m_desk->restore(entries);
@@ -92,6 +94,24 @@ QList<WindowEntry> DocumentWindow::entries(const QString &group) const
         entry.minimized = isMinimized() ? QStringLiteral("1") : QStringLiteral("0");
     }
     return entries;
+}
+
+bool DocumentWindow::showOpenDocument(const QString &path, const QString &anchor)
+{
+    if (const qsizetype tab = m_desk->tabs()->paths().indexOf(path); tab >= 0) m_desk->tabs()->select(int(tab));
+    for (DocumentPane *pane : m_desk->visiblePanes()) {
+        if (pane->path() != path) continue;
+        const QWidget *page = pane->view();
+        if (!anchor.isEmpty() && pane->shownWidget() == page) pane->scrollToAnchor(anchor);
+        return true;
+    }
+    return false;
+}
+
+void DocumentWindow::startNote()
+{
+    m_desk->current()->createDocument({}, {});
+    m_desk->current()->shownWidget()->setFocus();
 }
 
 // A document that cannot be saved keeps its window.

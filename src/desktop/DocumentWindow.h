@@ -16,11 +16,16 @@ class DocumentWindow final : public QMainWindow
     Q_OBJECT
 
 public:
-    /// Opens the documents in tabs, and where the first entry says; at least one is needed.
+    /// Opens the documents in tabs, and where the first entry says; without any there is one empty tab.
     DocumentWindow(ItemActions &actions, const QList<WindowEntry> &entries);
 
     /// The window as the next session gets it back; nothing when it shows no document.
     [[nodiscard]] QList<WindowEntry> entries(const QString &group) const;
+    /// The tab of the document in front, a page of it at the anchor; false when no tab has it.
+    [[nodiscard]] bool showOpenDocument(const QString &path, const QString &anchor);
+    /// Begins a new document in the inbox.
+    void startNote();
+    [[nodiscard]] DocumentDesk &desk() { return *m_desk; }
 
 Q_SIGNALS:
     void quitWanted();

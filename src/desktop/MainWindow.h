@@ -120,6 +120,7 @@ private:
     // What the search asks of its field.
     void reloadList() override;
     void showStatus(const QString &text) override;
+    void showTerm(const QString &term) override;
     void showSearchOptions() override;
     void hideSearchOptions() override;
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The program `tomelet-desktop [PATH]`: a folder becomes the notebook, a file or a tomelet URL is opened.
+// The program `tomelet-desktop [PATH|URL|OPTION]`: a folder becomes the notebook, a file is opened, a tomelet URL
+// carried out. Options: --new-note, --add-selection, --add-selection-plain, --insert-selection. All of them reach the
+// program that runs already, where there is one.
 #include "desktop/DesktopShell.h"
+#include "desktop/ServiceBus.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/page/PageDictionaries.h"
 #include "foundation/Folder.h"
@@ -16,6 +19,7 @@
 #include <QTimer>
 #include <QTranslator>
 
+#include <cstdio>
 #include <unistd.h>
 
 using namespace tomelet;
@@ -34,6 +38,14 @@ void installTranslations(QApplication &application)
         QApplication::installTranslator(own);
 }
 
+int tellUsage(const QString &option)
+{
+    const bool asked = option == u"--help";
+    std::fprintf(asked ? stdout : stderr, "Usage: tomelet-desktop [FOLDER|FILE|URL|%s]\n",
+                 qPrintable(desktop::DesktopShell::serviceOptions().join(u'|')));
+    return asked ? 0 : 2;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -50,8 +62,12 @@ int main(int argc, char *argv[])
     installTranslations(application);
 
     const QString argument = QApplication::arguments().value(1);
-    const bool isUrl = argument.startsWith(u"tomelet://");
-    const QString path = argument.isEmpty() || isUrl ? argument : QDir(argument).absolutePath();
+    const bool isOption = argument.startsWith(u"--");
+    if (isOption && !desktop::DesktopShell::serviceOptions().contains(argument)) return tellUsage(argument);
+    const bool isUrl = argument.startsWith(u"tomelet://", Qt::CaseInsensitive);
+    const bool isPath = !argument.isEmpty() && !isOption && !isUrl;
+    QString path = isPath ? QDir(argument).absolutePath() : argument;
+    if (isUrl) path.replace(u'\n', QStringLiteral("%0A")); // it is handed over as one line
     desktop::SingleInstance instance;
     if (instance.handedOverTo(path)) return 0;
 
@@ -59,8 +75,9 @@ int main(int argc, char *argv[])
     desktop::DesktopShell shell;
     QObject::connect(&instance, &desktop::SingleInstance::handedOver, &shell, &desktop::DesktopShell::handOver);
     const QuitOnSignals quitter;
-    const bool opensLater = isUrl || (itemExists(path) && !isFolder(path));
-    shell.launch(opensLater ? QString() : path);
+    const desktop::ServiceBus bus(shell.services());
+    const bool opensLater = isPath ? itemExists(path) && !isFolder(path) : !path.isEmpty();
+    shell.launch(opensLater ? QString() : path, opensLater ? path : QString());
     // Behind what the launch itself shows last.
     if (opensLater) QTimer::singleShot(0, &shell, [&shell, path] { shell.handOver(path); });
     return QApplication::exec();

@@ -6,6 +6,7 @@
 #include <unicode/ucnv.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace tomelet {
@@ -45,18 +46,23 @@ std::optional<QString> decodeByIcu(QByteArrayView bytes, TextEncoding encoding)
     return text;
 }
 
-std::optional<QByteArray> encodeByIcu(const QString &text, TextEncoding encoding)
+std::optional<QByteArray> encodeBy(const Converter &converter, const QString &text)
 {
-    const Converter converter = openConverter(icuName(encoding));
     UErrorCode status = U_ZERO_ERROR;
     ucnv_setFromUCallBack(converter.get(), UCNV_FROM_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
-    QByteArray bytes(text.size() + 1, Qt::Uninitialized);
+    const auto room = UCNV_GET_MAX_BYTES_FOR_STRING(text.size(), ucnv_getMaxCharSize(converter.get()));
+    QByteArray bytes(qsizetype(room), Qt::Uninitialized);
     const int32_t length =
         ucnv_fromUChars(converter.get(), bytes.data(), int32_t(bytes.size()),
                         reinterpret_cast<const UChar *>(text.utf16()), int32_t(text.size()), &status);
     if (U_FAILURE(status)) return std::nullopt;
     bytes.truncate(length);
     return bytes;
+}
+
+std::optional<QByteArray> encodeByIcu(const QString &text, TextEncoding encoding)
+{
+    return encodeBy(openConverter(icuName(encoding)), text);
 }
 
 std::optional<QString> decodeByQt(QByteArrayView bytes, QStringConverter::Encoding encoding)
@@ -139,6 +145,33 @@ std::optional<QByteArray> encodeText(const QString &text, TextEncoding encoding,
     const QByteArray bytes = encoder(text);
     if (encoder.hasError()) return std::nullopt;
     return byteOrderMark + bytes;
+}
+
+// -- charsets of the web ----------------------------------------------------------------------------------------------
+
+// ICU counts in 32 bits, and a unit may become eight bytes in the worst of its charsets.
+static constexpr qsizetype longestForIcu = std::numeric_limits<int32_t>::max() / 16;
+
+std::optional<QString> decodeTextInCharset(QByteArrayView bytes, const QString &charset)
+{
+    if (charset.compare(u"utf-8", Qt::CaseInsensitive) == 0) return decodeTextAs(bytes, TextEncoding::Utf8);
+    const Converter converter = openConverter(charset.toLatin1().constData());
+    if (charset.isEmpty() || !converter || bytes.size() > longestForIcu) return std::nullopt;
+    UErrorCode status = U_ZERO_ERROR;
+    ucnv_setToUCallBack(converter.get(), UCNV_TO_U_CALLBACK_STOP, nullptr, nullptr, nullptr, &status);
+    QString text(2 * bytes.size(), Qt::Uninitialized); // as many units as a byte can make
+    const int32_t length = ucnv_toUChars(converter.get(), reinterpret_cast<UChar *>(text.data()), int32_t(text.size()),
+                                         bytes.data(), int32_t(bytes.size()), &status);
+    if (U_FAILURE(status)) return std::nullopt;
+    text.truncate(length);
+    return text;
+}
+
+std::optional<QByteArray> encodeTextInCharset(const QString &text, const QString &charset)
+{
+    const Converter converter = openConverter(charset.toLatin1().constData());
+    if (charset.isEmpty() || !converter || text.size() > longestForIcu) return std::nullopt;
+    return encodeBy(converter, text);
 }
 
 } // namespace tomelet

@@ -37,4 +37,8 @@ struct DecodedText
 [[nodiscard]] std::optional<QByteArray> encodeText(const QString &text, TextEncoding encoding,
                                                    const QByteArray &byteOrderMark = {});
 
+/// The same for a charset by the name that the web has for it ("windows-1251"); nothing for an unknown one too.
+[[nodiscard]] std::optional<QString> decodeTextInCharset(QByteArrayView bytes, const QString &charset);
+[[nodiscard]] std::optional<QByteArray> encodeTextInCharset(const QString &text, const QString &charset);
+
 } // namespace tomelet

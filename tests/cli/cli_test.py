@@ -8,6 +8,7 @@ import unittest
 
 from bad_input import *  # noqa: F401,F403  the cases of damaged and hostile notebooks
 from conversion import *  # noqa: F401,F403  the cases of pages and texts
+from urls import *  # noqa: F401,F403  the cases of tomelet URLs
 from world import World
 
 

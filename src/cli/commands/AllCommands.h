@@ -47,6 +47,7 @@ int runTasks(const Invocation &call);
 int runTree(const Invocation &call);
 int runUndoRm(const Invocation &call);
 int runUnset(const Invocation &call);
+int runUrl(const Invocation &call);
 int runWatch(const Invocation &call);
 
 } // namespace tomelet::cli

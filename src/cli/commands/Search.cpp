@@ -2,6 +2,7 @@
 // `search` and `index`.
 #include "cli/Invocation.h"
 #include "cli/Items.h"
+#include "cli/Searching.h"
 #include "cli/TerminalProgress.h"
 #include "cli/commands/AllCommands.h"
 #include "foundation/Conversions.h"
@@ -58,6 +59,14 @@ void printRows(const Invocation &call, const QStringList &hits)
 
 } // namespace
 
+void searchAndPrint(const Invocation &call, const QString &text, SearchMode mode, const QString &scope)
+{
+    const SearchQuery query = makeSearchQuery(tm_arrayOfSearchTermsInString(text), mode);
+    QStringList hits;
+    if (!query.terms.empty()) hits = storeSearchResults(hitsOf(call, query, scope));
+    printRows(call, hits);
+}
+
 int runSearch(const Invocation &call)
 {
     QCommandLineParser parser;
@@ -76,12 +85,7 @@ int runSearch(const Invocation &call)
     const QString scope = itemPath(parser.value(QStringLiteral("in")));
     if (!pathIsPlainBook(scope)) return fail(QStringLiteral("%1 is no book").arg(scope));
 
-    const QString text = parser.positionalArguments().join(u' ');
-    const SearchQuery query = makeSearchQuery(tm_arrayOfSearchTermsInString(text), modeOf(parser));
-    // Without terms there was no search, and the last results stay.
-    QStringList hits;
-    if (!query.terms.empty()) hits = storeSearchResults(hitsOf(call, query, scope));
-    printRows(call, hits);
+    searchAndPrint(call, parser.positionalArguments().join(u' '), modeOf(parser), scope);
     return Done;
 }
 

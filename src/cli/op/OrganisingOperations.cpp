@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The operations on what organises the library, one line each.
 #include "cli/Items.h"
+#include "cli/UrlShell.h"
 #include "cli/op/Registry.h"
 
 #include "library/Root.h"
@@ -61,6 +62,7 @@ static QVariantList referencesOf(const QString &document, bool includingRanges)
 static void addLinks(Registry &add)
 {
     add.text("tm_isTomeletURLSchemeAction", "url", tm_isTomeletURLSchemeAction);
+    add.text("handleTomeletURL", "url", [](const QString &url) { (void)carryOut(url); });
     add.path("tm_arrayOfAllReferencesInDocument", "path", tm_arrayOfAllReferencesInDocument);
     add.path("tm_arrayOfAllReferencesInDocumentIncludingRanges", "path, includingRanges", referencesOf);
     add.path("tm_verifiedArrayOfReferencedDocuments", "path", tm_verifiedArrayOfReferencedDocuments);

@@ -7,6 +7,7 @@
 #include "desktop/page/LinkPage.h"
 #include "desktop/page/PageProfile.h"
 #include "desktop/page/RemotePage.h"
+#include "desktop/page/ShownPage.h"
 #include "desktop/page/TMLTWebView.h"
 #include "desktop/text/TMLTTextView.h"
 #include "desktop/text/TextCompleter.h"
@@ -18,7 +19,8 @@
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/Properties.h"
-#include "organising/links/DocumentReferences.h"
+#include "library/urls/FromOutside.h"
+#include "library/urls/UrlAction.h"
 #include "organising/links/LostTarget.h"
 
 #include <QApplication>
@@ -233,7 +235,15 @@ void DocumentPane::showPlainText(const QString &text, bool editable)
     m_warmUp.start();
 }
 
-// The item of the notebook that an address means, with its anchor; "" for what lies outside.
+// The item that an address of the program's own scheme means, with its anchor; "" for an action.
+static QString itemOfAddress(const QString &address)
+{
+    const auto action = parseUrlAction(address);
+    const bool isItem = action && action->kind == UrlAction::Show;
+    return isItem ? itemFromOutside(percentDecoded(action->item)) : QString();
+}
+
+// The same for any address; "" for what lies outside of the notebook.
 static QString itemOfLink(const QUrl &url)
 {
     const QString fragment = url.fragment();
@@ -243,26 +253,35 @@ static QString itemOfLink(const QUrl &url)
         // "/Book/Note.md" begins at the root, unless the disk has just that.
         return itemExists(path) ? QString() : tm_pathByAppendingAnchor(fullPathOf(path), fragment);
     }
-    const QString text = url.toString(QUrl::FullyDecoded);
-    if (url.scheme() != u"tomelet" || tm_isTomeletURLSchemeAction(text)) return {};
-    return QDir::cleanPath(fullPathOf(withoutTomeletScheme(text)));
+    return itemOfAddress(QString::fromLatin1(url.toEncoded()));
 }
 
 // A page waits for its answer, so what may ask a question comes after it.
 LinkFollower DocumentPane::linkFollower()
 {
-    return [this](const QUrl &url, bool inNewTab) {
-        QTimer::singleShot(0, this, [this, url, inNewTab] { followLink(url, inNewTab); });
+    return [this](const QString &address, bool inNewTab) {
+        QTimer::singleShot(0, this, [this, address, inNewTab] { followAddress(address, inNewTab); });
     };
 }
 
 void DocumentPane::followLink(const QUrl &url, bool inNewTab)
 {
-    QString item = itemOfLink(url);
-    if (item.isEmpty()) {
-        QDesktopServices::openUrl(url);
-        return;
-    }
+    const QString item = itemOfLink(url);
+    // An action of the program's own scheme comes back to the shell.
+    if (item.isEmpty()) QDesktopServices::openUrl(url);
+    else followItem(item, inNewTab);
+}
+
+// URL classes lower-case the first book of an item's address, and take no blank in it.
+void DocumentPane::followAddress(const QString &address, bool inNewTab)
+{
+    if (const QString item = itemOfAddress(address); !item.isEmpty()) return followItem(item, inNewTab);
+    followLink(addressOf(path().isEmpty() ? bookOfDocument() : path()).resolved(QUrl(address)), inNewTab);
+}
+
+void DocumentPane::followItem(const QString &wanted, bool inNewTab)
+{
+    QString item = wanted;
     if (!itemExists(tm_pathWithoutAnchor(item)) && !itemExists(item))
         item = tm_findAlternativePathExcludingOrPrompt(item, {path()}, path());
     if (item.isEmpty()) return;

@@ -67,6 +67,8 @@ public:
     /// the contexts.
     void createDocument(const QString &extension, const QString &book, const QStringList &contexts = {});
     void renameToFirstLine();
+    /// In place of the selection; false where the document takes no text.
+    [[nodiscard]] bool insertText(const QString &text);
     /// The bar for finding, and for replacing where the document can be changed.
     void openFind(bool replaces);
     /// The next place of what the bar has; `stays` begins at the selection itself.
@@ -110,7 +112,9 @@ private:
     void warmUp();
     void layOutMore();
     void runWhenLoaded(const QString &script);
-    void followLink(const QUrl &url, bool inNewTab = false);
+    void followLink(const QUrl &url, bool inNewTab);
+    void followAddress(const QString &address, bool inNewTab);
+    void followItem(const QString &item, bool inNewTab);
     void unlock();
     void toggleBox(const PageBox &box);
     void connectEditor();

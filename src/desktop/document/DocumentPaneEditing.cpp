@@ -37,13 +37,11 @@ void DocumentPane::connectEditor()
     connect(m_view, &TMLTWebView::stateChanged, this,
             [this](const FormattingState &state) { takeContentsTable(state.hasContents); });
     connect(m_view, &TMLTWebView::boxClicked, this, &DocumentPane::toggleBox);
-    connect(m_view, &TMLTWebView::linkWanted, this, [this](const QUrl &url) { followLink(url); });
+    connect(m_view, &TMLTWebView::linkWanted, this, [this](const QString &address) { followAddress(address, false); });
     connect(m_view, &TMLTWebView::imagePasted, this, &DocumentPane::insertImage);
     connect(m_view, &TMLTWebView::filesDropped, this, &DocumentPane::insertFiles);
-    connect(m_text, &TMLTTextView::linkWanted, this, [this](const QString &address) {
-        // As on the page that the text would make.
-        followLink(addressOf(path().isEmpty() ? bookOfDocument() : path()).resolved(QUrl(address)));
-    });
+    // As on the page that the text would make.
+    connect(m_text, &TMLTTextView::linkWanted, this, [this](const QString &address) { followAddress(address, false); });
     connectDrops();
     connect(m_page, &QWebEnginePage::linkHovered, m_view, &TMLTWebView::setHoveredLink);
     connect(m_page, &QWebEnginePage::renderProcessTerminated, this, [this] {
@@ -195,6 +193,21 @@ void DocumentPane::connectDrops()
 void DocumentPane::insertIntoText(const QString &text)
 {
     if (!text.isEmpty()) m_text->apply(EditorCommand::SmartReplace, {text, {}, 0});
+}
+
+bool DocumentPane::insertText(const QString &text)
+{
+    if (showsText()) {
+        if (m_text->isReadOnly() || !m_controller.shouldChangeText(false)) return false;
+        insertIntoText(text);
+        return true;
+    }
+    if (m_stack->currentWidget() != m_view || isReadOnlyDocument(path())) return false;
+    if (!m_view->isEditing()) beginEditingPage(false);
+    if (!m_view->isEditing()) return false;
+    const QString html = QString(text.toHtmlEscaped()).replace(u'\n', QStringLiteral("<br>"));
+    m_view->run(scriptOfCommand(QStringLiteral("html"), html));
+    return true;
 }
 
 void DocumentPane::tellNotStored(const QString &what)

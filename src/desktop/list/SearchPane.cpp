@@ -127,6 +127,12 @@ void MainWindow::reloadList()
     reloadRows();
 }
 
+void MainWindow::showTerm(const QString &term)
+{
+    const QSignalBlocker quiet(m_filter); // nothing was typed
+    m_filter->setText(term);
+}
+
 void MainWindow::showSearchOptions()
 {
     m_searchOptions->show();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A page that follows no link itself: it tells where one leads, and whether that is wanted in a tab of its own.
+// A page that follows no link itself: it tells where one leads that was clicked, and whether that is wanted in a tab of
+// its own.
 #pragma once
 
 #include <QWebEnginePage>
@@ -8,7 +9,8 @@
 
 namespace tomelet::desktop {
 
-using LinkFollower = std::function<void(const QUrl &, bool inNewTab)>;
+/// Takes the address as it is written on the page.
+using LinkFollower = std::function<void(const QString &address, bool inNewTab)>;
 
 class LinkPage : public QWebEnginePage
 {
@@ -20,6 +22,8 @@ protected:
     QWebEnginePage *createWindow(WebWindowType type) override;
 
 private:
+    void takeLink(const QUrl &url, bool inNewTab);
+
     LinkFollower m_follow;
 };
 

@@ -13,8 +13,9 @@ static bool isOfWeb(const QUrl &url)
 }
 
 RemotePage::RemotePage(QObject *parent, const LinkFollower &follow)
-    : LinkPage(webProfile(), parent, [follow](const QUrl &url, bool inNewTab) {
-        if (isOfWeb(url) || url.scheme() == u"mailto") follow(url, inNewTab);
+    : LinkPage(webProfile(), parent, [follow](const QString &address, bool inNewTab) {
+        const QUrl url(address);
+        if (isOfWeb(url) || url.scheme() == u"mailto") follow(address, inNewTab);
     })
 {}
 

@@ -78,7 +78,7 @@ Q_SIGNALS:
     /// The page holds something else than before.
     void edited();
     void stateChanged(const tomelet::desktop::FormattingState &state);
-    void linkWanted(const QUrl &url);
+    void linkWanted(const QString &address);
     /// A check box of a page that cannot be edited was clicked; the page shows it as before.
     void boxClicked(const tomelet::PageBox &box);
     void imagePasted(const QImage &image);

@@ -119,8 +119,7 @@ bool TMLTWebView::mouseReleased(const QMouseEvent &event)
     if (m_editing && event.modifiers() == Qt::ControlModifier) {
         page()->runJavaScript(QStringLiteral("tm.linkAt") + place, editorWorld,
                               m_life.guard([this](const QVariant &address) {
-                                  const QUrl url(address.toString());
-                                  if (!url.isEmpty()) Q_EMIT linkWanted(url);
+                                  if (!address.toString().isEmpty()) Q_EMIT linkWanted(address.toString());
                               }));
         return false;
     }

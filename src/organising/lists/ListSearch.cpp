@@ -116,6 +116,7 @@ void ListSearch::queryDidFinishGathering(const QString &text, const QString &sco
 void ListSearch::handleStartSpotlightSearchNotification(const QString &term)
 {
     if (!canSearch()) m_list.setSource({tomeletRoot(), OrdinaryBook, {}});
+    m_view.showTerm(term);
     startSpotlightSearchWithString(term);
 }
 

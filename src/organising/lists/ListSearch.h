@@ -23,6 +23,8 @@ public:
     virtual void reloadList() {}
     /// A line on what goes on; "" when nothing does.
     virtual void showStatus(const QString &) {}
+    /// A search that began elsewhere: its text stands in the field, as if it had been typed there.
+    virtual void showTerm(const QString &) {}
     /// The controls for mode and scope. Their state is in the settings.
     virtual void showSearchOptions() {}
     virtual void hideSearchOptions() {}
