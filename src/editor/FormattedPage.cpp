@@ -21,6 +21,7 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/TextFile.h"
+#include "screenplay/FNHTMLScript.h"
 
 #include <QFileInfo>
 
@@ -126,6 +127,8 @@ FormattedPage formattedPageFor(const QString &path)
     }
     if (extension == u"eml") return {mailPage(path), path, false, false};
     if (extension == u"fdx") return fdxPage(path);
+    if (extension == u"fountain")
+        return {tm_formattedDocAdjustedToColorTheme(pageOfScreenplay(path)), path, false, false};
     if (extension == u"enex") return {exportedNotesPage(path), path, false, false};
     if (hasImageExtension(path)) return {picturePage(path), path, false, false};
     // Every text with a source is shown as what its Markdown says.
