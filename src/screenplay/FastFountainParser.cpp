@@ -367,11 +367,14 @@ QList<FNElement> elementsOfBody(const QString &body)
     return reader.elements;
 }
 
+QList<FNElement> elementsBelowLine(const QString &body)
+{
+    return elementsOfBody(QStringLiteral("!\n") + body).mid(1);
+}
+
 QList<FNElement> elementsBelowSpeaker(const QString &body)
 {
-    BodyReader reader;
-    reader.read(QString(QStringLiteral("@\n") + body).split(u'\n'));
-    return reader.elements.mid(1);
+    return elementsOfBody(QStringLiteral("@\n") + body).mid(1);
 }
 
 FastFountainParser FastFountainParser::initWithFile(const QString &path)
@@ -392,7 +395,9 @@ FastFountainParser FastFountainParser::initWithString(const QString &text)
 
 void FastFountainParser::parseContents(const QString &contents)
 {
-    QString text = withoutStartBlanks(contents).toString();
+    const QStringView marked = contents;
+    const bool hasMark = marked.startsWith(QChar(QChar::ByteOrderMark));
+    QString text = withoutStartBlanks(hasMark ? marked.sliced(1) : marked).toString();
     text.replace(QLatin1StringView("\r\n"), QLatin1StringView("\n")).replace(u'\r', u'\n');
     text += QStringLiteral("\n\n");
     titlePage = takeTitlePage(text);

@@ -26,7 +26,8 @@ public:
 
 /// The elements of a text without a title page whose line ends are newlines.
 [[nodiscard]] QList<FNElement> elementsOfBody(const QString &body);
-/// The same where the text goes on directly below a speaker: no empty line stands in front of it.
+/// The same where no empty line stands in front of the text: it goes on directly below a line, and below a speaker.
+[[nodiscard]] QList<FNElement> elementsBelowLine(const QString &body);
 [[nodiscard]] QList<FNElement> elementsBelowSpeaker(const QString &body);
 
 } // namespace tomelet

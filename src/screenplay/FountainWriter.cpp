@@ -5,6 +5,7 @@
 
 #include <QStringList>
 
+#include <algorithm>
 #include <vector>
 
 namespace tomelet {
@@ -37,7 +38,7 @@ QStringList formsOfHeading(const FNElement &heading, bool withNumbers)
     const QStringList plain =
         withNumbers ? withNumber(heading.elementText, heading.sceneNumber) : QStringList{heading.elementText};
     QStringList forms = plain;
-    for (const QString &form : plain) forms.append(u'.' + form);
+    for (const QString &form : plain) forms << QString(u'.' + form) << QString(u". " + form);
     return forms;
 }
 
@@ -98,8 +99,10 @@ public:
 
 private:
     void findPlaces();
-    [[nodiscard]] bool readsBack(const QString &form, qsizetype i) const;
-    [[nodiscard]] QString formThatReadsBack(qsizetype i) const;
+    [[nodiscard]] bool standsBelowName(qsizetype i) const;
+    [[nodiscard]] bool readsAs(const QList<FNElement> &read, qsizetype i) const;
+    [[nodiscard]] bool readsBack(const QString &form, qsizetype i, bool hasLineBelow) const;
+    [[nodiscard]] QString formThatReadsBack(qsizetype i, bool hasLineBelow) const;
     [[nodiscard]] bool isDualSecond(qsizetype i);
     [[nodiscard]] bool isWritten(qsizetype i) const;
     [[nodiscard]] bool isFollowedDirectly(qsizetype i) const
@@ -110,7 +113,7 @@ private:
     const QList<FNElement> &m_elements;
     bool m_withNumbers;
     std::vector<bool> m_isDirect;         ///< no empty line stands in front
-    std::vector<bool> m_isInSpeech;       ///< below a speaker, with more of what is said to come
+    std::vector<bool> m_isInSpeech;       ///< directly below a speaker, or in front of more that is said
     std::vector<qsizetype> m_nextSpeaker; ///< the next one behind, or -1
     bool m_hasFirstOfTwo = false;         ///< a speaker with whom the next one speaks at once
 };
@@ -136,16 +139,17 @@ void BodyWriter::findPlaces()
         const bool isSpeaker = element.is(FNType::Character);
         m_nextSpeaker[size_t(i)] = speaker;
         m_isInSpeech[size_t(i)] = !isSpeaker && (element.isSpoken() || wordsFollow);
-        const bool belowName = i > 0 && m_elements[i - 1].is(FNType::Character) &&
-                               !m_elements[i - 1].elementText.startsWith(u'@') && !element.is(FNType::Comment);
-        // After an empty line, its second line would be an element of its own.
+        if (i > 0 && m_elements[i - 1].is(FNType::Character) && !m_elements[i - 1].elementText.startsWith(u'@'))
+            m_isInSpeech[size_t(i)] = m_isInSpeech[size_t(i)] || standsBelowName(i);
+        // After an empty line, its second line would be an element of its own, or it would be a heading.
         const bool isHeldUp =
-            element.is(FNType::Synopsis) &&
-            (element.elementText.contains(u'\n') || (isFollowedDirectly(i) && m_elements[i + 1].is(FNType::Synopsis)));
+            (element.is(FNType::Synopsis) && (element.elementText.contains(u'\n') || isFollowedDirectly(i))) ||
+            (element.is(FNType::Transition) && !elementsOfBody(element.elementText).value(0).is(FNType::Transition) &&
+             elementsBelowLine(element.elementText).value(0).is(FNType::Transition));
         // An empty line between two lines of a song is a line of the song.
         const bool isSungOn =
             element.is(FNType::Lyrics) && i > 0 && m_elements[i - 1].is(FNType::Lyrics) && !m_elements[i - 1].isBlank();
-        m_isDirect[size_t(i)] = m_isInSpeech[size_t(i)] || belowName || isHeldUp || isSungOn;
+        m_isDirect[size_t(i)] = m_isInSpeech[size_t(i)] || isHeldUp || isSungOn;
         wordsFollow = isSpeaker ? false : wordsFollow || element.isSpoken();
         if (isSpeaker) speaker = i;
     }
@@ -171,26 +175,39 @@ bool BodyWriter::isWritten(qsizetype i) const
     return !element.is(FNType::Lyrics) && (belowName || isFollowedDirectly(i));
 }
 
-bool BodyWriter::readsBack(const QString &form, qsizetype i) const
+// A name needs a line directly below.
+bool BodyWriter::standsBelowName(qsizetype i) const
+{
+    const QStringList forms = formsOf(m_elements[i], m_withNumbers);
+    return m_elements[i].is(FNType::PageBreak) ||
+           std::ranges::any_of(forms, [&](const QString &form) { return readsAs(elementsBelowSpeaker(form), i); });
+}
+
+bool BodyWriter::readsAs(const QList<FNElement> &read, qsizetype i) const
 {
     const FNElement &wanted = m_elements[i];
-    const bool isSpeaker = wanted.is(FNType::Character);
-    const QString text = isSpeaker && isFollowedDirectly(i) ? form + QStringLiteral("\nx") : form;
-    const QList<FNElement> read = m_isDirect[size_t(i)] ? elementsBelowSpeaker(text) : elementsOfBody(text);
-    if (read.isEmpty() || read.size() != (text.size() > form.size() ? 2 : 1)) return false;
+    if (read.size() != 1) return false;
     FNElement first = read.first();
     if (!m_withNumbers) first.sceneNumber = wanted.sceneNumber;
     first.isDualDialogue = wanted.isDualDialogue;
     return first == wanted;
 }
 
+bool BodyWriter::readsBack(const QString &form, qsizetype i, bool hasLineBelow) const
+{
+    if (m_elements[i].is(FNType::Character) && hasLineBelow)
+        return readsAs(elementsOfBody(form + QStringLiteral("\nx")).mid(0, 1), i);
+    if (m_isInSpeech[size_t(i)]) return readsAs(elementsBelowSpeaker(form), i);
+    return readsAs(m_isDirect[size_t(i)] ? elementsBelowLine(form) : elementsOfBody(form), i);
+}
+
 // One form alone needs no trial, and neither does what is said.
-QString BodyWriter::formThatReadsBack(qsizetype i) const
+QString BodyWriter::formThatReadsBack(qsizetype i, bool hasLineBelow) const
 {
     const QStringList forms = formsOf(m_elements[i], m_withNumbers);
     if (forms.size() == 1) return forms.first();
     for (const QString &form : forms)
-        if (readsBack(form, i)) return form;
+        if (readsBack(form, i, hasLineBelow)) return form;
     return forms.last();
 }
 
@@ -200,8 +217,11 @@ QString BodyWriter::body()
     for (qsizetype i = 0; i < m_elements.size(); ++i) {
         const bool isSecond = isDualSecond(i);
         if (!isWritten(i)) continue;
-        QString form = formThatReadsBack(i);
+        const bool hasLineBelow = isFollowedDirectly(i);
+        QString form = formThatReadsBack(i, hasLineBelow || isSecond);
         if (isSecond) form += QStringLiteral(" ^");
+        // The forced form of a name knows no second speaker, so that the line that a name needs is an empty comment.
+        if (isSecond && !hasLineBelow) form += QStringLiteral("\n/**/");
         const bool follows = m_isDirect[size_t(i)] || m_elements[i].is(FNType::Comment);
         if (!follows) text += u'\n';
         text += form + u'\n';
@@ -211,11 +231,20 @@ QString BodyWriter::body()
 
 } // namespace
 
+// A body whose first lines would be taken for a title page, or whose first blanks would be dropped, needs something in
+// front of it that is on no page.
+static QString withoutTitlePage(const QString &body)
+{
+    QString text = body + QStringLiteral("\n\n");
+    const bool isTaken = body.startsWith(u' ') || body.startsWith(u'\t') || !takeTitlePage(text).isEmpty();
+    return isTaken ? QStringLiteral("/**/\n\n") + body : body;
+}
+
 QString FountainWriter::documentFromScript(const FNScript &script)
 {
     const QString titlePage = titlePageFromScript(script);
     const QString body = bodyFromScript(script);
-    if (titlePage.isEmpty()) return body.startsWith(u'\n') ? body.sliced(1) : body;
+    if (titlePage.isEmpty()) return withoutTitlePage(body.startsWith(u'\n') ? body.sliced(1) : body);
     return body.startsWith(u'\n') || body.isEmpty() ? titlePage + body : QString(titlePage + u'\n' + body);
 }
 
