@@ -89,6 +89,7 @@ private:
     [[nodiscard]] const FNMeasuredText &measured(qsizetype element);
     [[nodiscard]] int linesOf(qsizetype element, qsizetype offset, int most);
     [[nodiscard]] int spaceBefore(qsizetype element, int linesAbove) const;
+    [[nodiscard]] bool beginsSong(qsizetype element) const;
     [[nodiscard]] int linesBesideEachOther(qsizetype begin, qsizetype end, qsizetype second);
 
     [[nodiscard]] int room() const { return m_linesOfPage - m_used; }
@@ -197,7 +198,19 @@ int PageMaker::linesOf(qsizetype element, qsizetype offset, int most)
 
 int PageMaker::spaceBefore(qsizetype element, int linesAbove) const
 {
-    return pageIsEmpty() && linesAbove == 0 ? 0 : FNPaginator::spaceBeforeForElement(m_elements[element]);
+    if (pageIsEmpty() && linesAbove == 0) return 0;
+    return beginsSong(element) ? 1 : FNPaginator::spaceBeforeForElement(m_elements[element]);
+}
+
+// Its lines have no space between them, and neither has what a speaker sings.
+bool PageMaker::beginsSong(qsizetype element) const
+{
+    if (!m_elements[element].is(FNType::Lyrics)) return false;
+    qsizetype above = element - 1;
+    while (above >= 0 && m_elements[above].isHidden()) --above;
+    if (above < 0) return false;
+    const FNElement &last = m_elements[above];
+    return !last.is(FNType::Lyrics) && !last.is(FNType::Character) && !last.is(FNType::Parenthetical);
 }
 
 // Two columns in the width of action.
