@@ -61,6 +61,13 @@ QStringList formsOfAction(const FNElement &action)
     return forms << QString(u'!' + text);
 }
 
+// The blank keeps a transition that ends in "<" from being centered.
+QStringList formsOfTransition(const QString &text)
+{
+    const QString forced = u"> " + text;
+    return {text, forced, u"> " + firstLine(text) + u' ' + laterLines(text), forced};
+}
+
 // Lines can follow a comment directly; the last ones hold no empty line.
 QStringList formsOfBoneyard(const QString &text)
 {
@@ -79,11 +86,11 @@ QStringList formsOf(const FNElement &element, bool withNumbers)
     if (element.is(FNType::Action)) return formsOfAction(element);
     if (element.is(FNType::SceneHeading)) return formsOfHeading(element, withNumbers);
     if (element.is(FNType::Character)) return {text, u'@' + text};
-    if (element.is(FNType::Transition)) return {text, u"> " + text};
+    if (element.is(FNType::Transition)) return formsOfTransition(text);
     if (element.is(FNType::Lyrics)) return {text, u'~' + text};
     if (element.is(FNType::Boneyard)) return formsOfBoneyard(text);
     if (element.is(FNType::Comment)) return {QStringLiteral("\n[[") + text + QStringLiteral("]]")};
-    if (element.is(FNType::Synopsis)) return {u'=' + text};
+    if (element.is(FNType::Synopsis)) return {u'=' + text, u" =" + text}; // "===" would break the page
     if (element.is(FNType::SectionHeading)) return {QString(qMax(1, element.sectionDepth), u'#') + text};
     if (element.is(FNType::PageBreak)) return {QStringLiteral("====") + laterLines(text)};
     return {text};
@@ -150,20 +157,23 @@ void BodyWriter::findPlaces()
         const bool isSungOn =
             element.is(FNType::Lyrics) && i > 0 && m_elements[i - 1].is(FNType::Lyrics) && !m_elements[i - 1].isBlank();
         m_isDirect[size_t(i)] = m_isInSpeech[size_t(i)] || isHeldUp || isSungOn;
-        wordsFollow = isSpeaker ? false : wordsFollow || element.isSpoken();
+        wordsFollow = !isSpeaker && (wordsFollow || (element.isSpoken() && !element.isBlank()));
         if (isSpeaker) speaker = i;
     }
 }
 
-// Of two who speak at once, the second has the mark; a third one in a row is marked as well.
+// Of two who speak at once, the second has the mark, which a name with "@" cannot have; a third one in a row is marked
+// as well.
 bool BodyWriter::isDualSecond(qsizetype i)
 {
     const FNElement &element = m_elements[i];
     if (!element.is(FNType::Character)) return false;
-    const qsizetype next = m_nextSpeaker[size_t(i)];
-    const bool opens = element.isDualDialogue && !m_hasFirstOfTwo && next >= 0 && m_elements[next].isDualDialogue;
-    m_hasFirstOfTwo = opens;
-    return element.isDualDialogue && !opens;
+    const auto canBeSecond = [this](qsizetype speaker) {
+        return speaker >= 0 && m_elements[speaker].isDualDialogue && !m_elements[speaker].elementText.startsWith(u'@');
+    };
+    const bool isSecond = canBeSecond(i) && (m_hasFirstOfTwo || !canBeSecond(m_nextSpeaker[size_t(i)]));
+    m_hasFirstOfTwo = element.isDualDialogue && !isSecond;
+    return isSecond;
 }
 
 // A speaker's name needs a line below, and what stands directly below a line needs that line.
