@@ -109,7 +109,7 @@ private:
     [[nodiscard]] bool standsBelowName(qsizetype i) const;
     [[nodiscard]] bool readsAs(const QList<FNElement> &read, qsizetype i) const;
     [[nodiscard]] bool readsBack(const QString &form, qsizetype i, bool hasLineBelow) const;
-    [[nodiscard]] QString formThatReadsBack(qsizetype i, bool hasLineBelow) const;
+    [[nodiscard]] QString formThatReadsBack(qsizetype i, bool isSecond) const;
     [[nodiscard]] bool isDualSecond(qsizetype i);
     [[nodiscard]] bool isWritten(qsizetype i) const;
     [[nodiscard]] bool isFollowedDirectly(qsizetype i) const
@@ -212,12 +212,14 @@ bool BodyWriter::readsBack(const QString &form, qsizetype i, bool hasLineBelow) 
 }
 
 // One form alone needs no trial, and neither does what is said.
-QString BodyWriter::formThatReadsBack(qsizetype i, bool hasLineBelow) const
+QString BodyWriter::formThatReadsBack(qsizetype i, bool isSecond) const
 {
-    const QStringList forms = formsOf(m_elements[i], m_withNumbers);
+    const QString &text = m_elements[i].elementText;
+    const QStringList forms =
+        isSecond ? QStringList{text + u" ^", text + u'^', text + u" ^"} : formsOf(m_elements[i], m_withNumbers);
     if (forms.size() == 1) return forms.first();
     for (const QString &form : forms)
-        if (readsBack(form, i, hasLineBelow)) return form;
+        if (readsBack(form, i, isSecond || isFollowedDirectly(i))) return form;
     return forms.last();
 }
 
@@ -227,11 +229,9 @@ QString BodyWriter::body()
     for (qsizetype i = 0; i < m_elements.size(); ++i) {
         const bool isSecond = isDualSecond(i);
         if (!isWritten(i)) continue;
-        const bool hasLineBelow = isFollowedDirectly(i);
-        QString form = formThatReadsBack(i, hasLineBelow || isSecond);
-        if (isSecond) form += QStringLiteral(" ^");
+        QString form = formThatReadsBack(i, isSecond);
         // The forced form of a name knows no second speaker, so that the line that a name needs is an empty comment.
-        if (isSecond && !hasLineBelow) form += QStringLiteral("\n/**/");
+        if (isSecond && !isFollowedDirectly(i)) form += QStringLiteral("\n/**/");
         const bool follows = m_isDirect[size_t(i)] || m_elements[i].is(FNType::Comment);
         if (!follows) text += u'\n';
         text += form + u'\n';
