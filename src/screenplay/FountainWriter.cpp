@@ -145,7 +145,8 @@ void BodyWriter::findPlaces()
         const FNElement &element = m_elements[i];
         const bool isSpeaker = element.is(FNType::Character);
         m_nextSpeaker[size_t(i)] = speaker;
-        m_isInSpeech[size_t(i)] = !isSpeaker && (element.isSpoken() || wordsFollow);
+        wordsFollow = !isSpeaker && (wordsFollow || (element.isSpoken() && !element.isBlank()));
+        m_isInSpeech[size_t(i)] = wordsFollow;
         if (i > 0 && m_elements[i - 1].is(FNType::Character) && !m_elements[i - 1].elementText.startsWith(u'@'))
             m_isInSpeech[size_t(i)] = m_isInSpeech[size_t(i)] || standsBelowName(i);
         // After an empty line, its second line would be an element of its own, or it would be a heading.
@@ -157,19 +158,20 @@ void BodyWriter::findPlaces()
         const bool isSungOn =
             element.is(FNType::Lyrics) && i > 0 && m_elements[i - 1].is(FNType::Lyrics) && !m_elements[i - 1].isBlank();
         m_isDirect[size_t(i)] = m_isInSpeech[size_t(i)] || isHeldUp || isSungOn;
-        wordsFollow = !isSpeaker && (wordsFollow || (element.isSpoken() && !element.isBlank()));
         if (isSpeaker) speaker = i;
     }
 }
 
-// Of two who speak at once, the second has the mark, which a name with "@" cannot have; a third one in a row is marked
-// as well.
+// Of two who speak at once, the second has the mark, which a name with "@" cannot have, and no blanks behind its name.
+// A third one in a row is marked as well.
 bool BodyWriter::isDualSecond(qsizetype i)
 {
     const FNElement &element = m_elements[i];
     if (!element.is(FNType::Character)) return false;
     const auto canBeSecond = [this](qsizetype speaker) {
-        return speaker >= 0 && m_elements[speaker].isDualDialogue && !m_elements[speaker].elementText.startsWith(u'@');
+        if (speaker < 0 || !m_elements[speaker].isDualDialogue) return false;
+        const QString &name = m_elements[speaker].elementText;
+        return !name.startsWith(u'@') && !name.isEmpty() && !name.back().isSpace();
     };
     const bool isSecond = canBeSecond(i) && (m_hasFirstOfTwo || !canBeSecond(m_nextSpeaker[size_t(i)]));
     m_hasFirstOfTwo = element.isDualDialogue && !isSecond;

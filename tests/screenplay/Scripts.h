@@ -77,6 +77,7 @@ inline QString randomLines(std::mt19937 &random, int count)
                                         "> a< ",
                                         "\v===",
                                         "INT. >",
+                                        "ANN  ",
                                         "[[ a ] b]]",
                                         "/* cut */",
                                         "/**/",
