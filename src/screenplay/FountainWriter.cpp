@@ -171,7 +171,7 @@ bool BodyWriter::isDualSecond(qsizetype i)
     const auto canBeSecond = [this](qsizetype speaker) {
         if (speaker < 0 || !m_elements[speaker].isDualDialogue) return false;
         const QString &name = m_elements[speaker].elementText;
-        return !name.startsWith(u'@') && !name.isEmpty() && !name.back().isSpace();
+        return name.isEmpty() || (!name.startsWith(u'@') && !name.back().isSpace());
     };
     const bool isSecond = canBeSecond(i) && (m_hasFirstOfTwo || !canBeSecond(m_nextSpeaker[size_t(i)]));
     m_hasFirstOfTwo = element.isDualDialogue && !isSecond;

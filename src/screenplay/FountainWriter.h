@@ -2,7 +2,8 @@
 // Screenplays as plain text again. What is written is read as the same elements, for every script that was read from
 // a text: marks are put where a line would be taken for something else, and left out where they are not needed.
 //
-// Not written: elements of blanks alone, unless something hangs on them. Page breaks are always "====".
+// Not written: elements of blanks alone, unless something hangs on them. Not kept: a speaker without a name. Page
+// breaks are always "====".
 #pragma once
 
 #include "screenplay/FNScript.h"
