@@ -16,6 +16,7 @@ std::span<const Command> commands()
         {"show", "the complete page of a document", runShow},
         {"render", "documents as complete pages by their settings", runRender},
         {"markdownify", "converts HTML to Markdown", runMarkdownify},
+        {"screenplay", "a screenplay as its pages, or as its text again", runScreenplay},
         {"plain", "converts HTML to plain text", runPlain},
         {"convert", "converts Markdown with the engine alone", runConvert},
         {"bench-engine", "times the Markdown engine", runBenchEngine},

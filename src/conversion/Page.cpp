@@ -13,6 +13,7 @@
 #include "library/ItemPath.h"
 #include "library/PathForms.h"
 #include "library/TextFile.h"
+#include "screenplay/FNHTMLScript.h"
 
 #include <QFileInfo>
 #include <QLocale>
@@ -86,6 +87,7 @@ static QString pageOfAnyKind(const QString &path)
             return pageOfAddress(path, address);
     if (extension == u"eml") return pageOfMail(path);
     if (extension == u"opml") return pageOfOutline(path);
+    if (extension == u"fountain") return pageOfScreenplay(path);
     if (hasImageExtension(path)) return pageOfImage(path);
     if (hasPlainTextExtension(path)) return pageOfText(path);
     // Files without an extension are mostly text: README, LICENSE, Makefile.

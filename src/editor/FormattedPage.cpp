@@ -23,6 +23,7 @@
 #include "library/PathForms.h"
 #include "library/Properties.h"
 #include "library/TextFile.h"
+#include "screenplay/FNHTMLScript.h"
 
 #include <QFileInfo>
 
@@ -130,6 +131,8 @@ FormattedPage formattedPageFor(const QString &path)
     if (extension == u"fdx") return fdxPage(path);
     if (opensAsWebArchive(path))
         if (const QString page = tm_webarchiveToHTML(path); !page.isEmpty()) return {page, path, false, true};
+    if (extension == u"fountain")
+        return {tm_formattedDocAdjustedToColorTheme(pageOfScreenplay(path)), path, false, false};
     if (extension == u"enex") return {exportedNotesPage(path), path, false, false};
     if (extension == u"itmz")
         if (const QString picture = tm_pathToPreviewOfITMZ(path); !picture.isEmpty())

@@ -135,6 +135,30 @@ class Filters(World):
         combined = self.run_("render", "n.md")
         self.assertEqual(self.run_("plain", stdin=combined.encode()).strip(), "# N\n\na --> b", "the Markdown in it")
 
+    def test_screenplay(self):
+        text = "Title: T\n\nINT. A #1#\n\nJANE\nHm.\n\n> out\n".encode()
+        file = self.write("/B/s.fountain", text)
+        for words, stdin in (([file], b""), (["B/s.fountain"], b""), (["-"], text)):
+            page = self.run_("screenplay", *words, stdin=stdin)
+            self.assertTrue(page.startswith(PAGE) and "<p class='dialogue'>Hm.</p>" in page, words)
+            self.assertEqual(self.run_("screenplay", "--to", "fountain", *words, stdin=stdin).encode(), text)
+        for command in ("show", "render"):
+            self.assertIn("<p class='character'>JANE</p>", self.run_(command, "B/s.fountain"), command)
+        self.assertEqual(self.run_("screenplay", "-", "--to", "fountain"), "")
+        self.assertEqual(self.json("op", "numberOfPages", "a\n\n===\n\nb"), 2)
+        parsed = self.json("op", "parseContents", text.decode())
+        self.assertEqual(parsed["titlePage"], [{"title": ["T"]}])
+        self.assertEqual([element["elementType"] for element in parsed["elements"]],
+                         ["Scene Heading", "Character", "Dialogue", "Transition"])
+        self.assertEqual(parsed["elements"][0]["sceneNumber"], "1")
+
+        for data in (b"caf\xe9", b"a\0b"):
+            self.fails("screenplay", self.write("/x.fountain", data), says="no text in UTF-8")
+        self.fails("screenplay", self.base + "/gone", says="cannot read")
+        self.fails("screenplay", self.base, says="cannot read")
+        for words in ([], ["a", "b"], ["a", "--to", "pdf"]):
+            self.misused("screenplay", *words)
+
     def test_broken_input(self):
         for data in (b"", b"\x00\xff\xfe", b"<p", b"<table><tr><td><table>" * 200, b"</p></ul></table>" * 200, b"&#;&", b"<!--"):
             for command in ("markdownify", "plain"):

@@ -60,7 +60,7 @@ const QList<Rule> &rules()
             {texts("foundation/"), texts("foundation/"), {}},
             {texts("server/Core/"), texts("server/Core/"), {}},
             {texts("server/WebDAV/"), texts("server/WebDAV/ server/Core/"), {}},
-            {texts("library/ organising/ conversion/ export/ import/ editor/"), {}, texts("server/ cli/ desktop/")},
+            {texts("library/ organising/ conversion/ export/ import/ editor/ screenplay/"), {}, texts("server/ cli/ desktop/")},
             {texts("server/"), {}, texts("cli/ desktop/")},
             {texts("cli/"), {}, texts("desktop/")},
             {texts("desktop/"), {}, texts("cli/")},

@@ -36,6 +36,7 @@ int runRender(const Invocation &call);
 int runReminders(const Invocation &call);
 int runRm(const Invocation &call);
 int runRoot(const Invocation &call);
+int runScreenplay(const Invocation &call);
 int runSearch(const Invocation &call);
 int runServe(const Invocation &call);
 int runSet(const Invocation &call);

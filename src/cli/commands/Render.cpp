@@ -18,6 +18,7 @@ namespace tomelet::cli {
 
 static QString pageOf(const QString &path)
 {
+    if (lowerExtension(path) == u"fountain") return pageForItem(path); // a text, but of no Markdown
     return hasMarkdownExtension(path) || hasPlainTextExtension(path) ? tm_markdownToHTML(path) : pageForItem(path);
 }
 

@@ -69,6 +69,7 @@ const Registry &registry()
         addPageOperations(made);
         addOrganisingOperations(made);
         addEditorOperations(made);
+        addScreenplayOperations(made);
         addTaskOperations(made);
         return made;
     }();

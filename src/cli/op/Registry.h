@@ -141,6 +141,7 @@ void addLibraryOperations(Registry &registry);
 void addPageOperations(Registry &registry);
 void addOrganisingOperations(Registry &registry);
 void addEditorOperations(Registry &registry);
+void addScreenplayOperations(Registry &registry);
 void addTaskOperations(Registry &registry);
 
 } // namespace tomelet::cli

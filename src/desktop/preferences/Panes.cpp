@@ -140,6 +140,8 @@ QWidget *makeMarkdownPane()
     QStringList names{localized(TOMELET_TEXT("Default"))};
     QVariantList values{QVariant()};
     for (const QString &sheet : sheets) {
+        // What other sheets include, and what screenplays are shown with.
+        if (sheet == u"CSS/Elements.css" || sheet == u"CSS/ScriptCSS.css") continue;
         names.append(pathWithoutExtension(lastPathComponent(sheet)));
         values.append(sheet);
     }
