@@ -181,6 +181,7 @@ void MainWindow::showSource(const ListSource &source)
     // There may be thousands of results; their rows come when they are made.
     const bool results = source.smartType == SearchResultsBook;
     if (results) m_listModel->controller().setRowsOfSearchResults({});
+    else leaveSearch();
     m_listModel->show(source);
     m_list->scrollToTop();
     if (settings().boolean(QStringLiteral("hideDocumentWhenChangingBook"))) document()->showDocument({});

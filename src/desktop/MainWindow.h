@@ -117,6 +117,7 @@ private:
 
     QWidget *makeSearchField();
     void fillSearchOptions(QMenu *menu);
+    void leaveSearch();
     // What the search asks of its field.
     void reloadList() override;
     void showStatus(const QString &text) override;

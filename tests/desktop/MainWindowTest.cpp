@@ -90,6 +90,23 @@ TEST_F(WholeWindow, aBookThatVanishesLeavesTheNearestOneAbove)
     EXPECT_EQ(pane().path(), QString());
 }
 
+TEST_F(WholeWindow, aFilterIsForTheListThatItWasTypedAt)
+{
+    const auto fields = window->findChildren<QLineEdit *>();
+    QLineEdit *field = nullptr;
+    for (QLineEdit *candidate : fields)
+        if (candidate->accessibleName() == u"Search") field = candidate;
+    ASSERT_TRUE(field);
+    show("/Book");
+    QTest::keyClicks(field, QStringLiteral("b"));
+    EXPECT_EQ(list()->model()->rowCount(), 1);
+    show("/Book/Inner");
+    EXPECT_EQ(field->text(), QString());
+    EXPECT_EQ(list()->model()->rowCount(), 1);
+    show("/Book");
+    EXPECT_EQ(list()->model()->rowCount(), 2);
+}
+
 TEST_F(WholeWindow, filesOfOtherProgramsBecomeDocuments)
 {
     const QVariantMap page{{QStringLiteral("WebResourceData"), QByteArray("<p>saved</p>")}};

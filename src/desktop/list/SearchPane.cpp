@@ -117,6 +117,14 @@ void MainWindow::presentIndex()
     m_index.present();
 }
 
+// The field tells what the list is filtered by, and nothing else.
+void MainWindow::leaveSearch()
+{
+    const QSignalBlocker quiet(m_filter);
+    m_filter->clear();
+    if (m_search) m_search->leave();
+}
+
 void MainWindow::reloadList()
 {
     const ListSource source = m_listModel->controller().source();

@@ -49,6 +49,13 @@ void ListSearch::stop()
     m_view.showStatus({});
 }
 
+void ListSearch::leave()
+{
+    stop();
+    m_list.searchFilter.clear();
+    m_view.showSearchOptions();
+}
+
 void ListSearch::searchFieldDidChange(const QString &text)
 {
     stop();

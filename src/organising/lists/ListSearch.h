@@ -41,6 +41,8 @@ public:
     void searchFieldDidChange(const QString &text);
     /// Searches at once, as for the return key. Does nothing without terms and in smart books other than the results.
     void startSpotlightSearchWithString(const QString &text);
+    /// Another list is to be shown: what was searched or filtered for is over.
+    void leave();
     /// Reads the rows of the results on display anew, away from the main thread; a search under way brings others.
     void reloadResults();
     /// The line above the results.
