@@ -6,28 +6,16 @@
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
+#include "fuzz/FuzzWorld.h"
 #include "import/ExportedNotes.h"
 #include "import/Imports.h"
 
 #include <QDir>
-#include <QTemporaryDir>
-
-#include <cstdlib>
 
 using namespace tomelet;
+using namespace tomelet::fuzz;
 
 namespace {
-
-QTemporaryDir &world()
-{
-    static QTemporaryDir folder;
-    return folder;
-}
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
 
 QString book()
 {

@@ -7,27 +7,15 @@
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/SafeWriter.h"
+#include "fuzz/FuzzWorld.h"
 #include "import/WebArchive.h"
 
 #include <QDir>
-#include <QTemporaryDir>
-
-#include <cstdlib>
 
 using namespace tomelet;
+using namespace tomelet::fuzz;
 
 namespace {
-
-QTemporaryDir &world()
-{
-    static QTemporaryDir folder;
-    return folder;
-}
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
 
 QString book()
 {

@@ -6,27 +6,15 @@
 #include "foundation/Folder.h"
 #include "foundation/Platform.h"
 #include "foundation/TextCodec.h"
+#include "fuzz/FuzzWorld.h"
 #include "import/Mail.h"
 
 #include <QFile>
-#include <QTemporaryDir>
-
-#include <cstdlib>
 
 using namespace tomelet;
+using namespace tomelet::fuzz;
 
 namespace {
-
-QTemporaryDir &world()
-{
-    static QTemporaryDir folder;
-    return folder;
-}
-
-void require(bool condition)
-{
-    if (!condition) std::abort();
-}
 
 // A long run would fill the disk with the files of its mails.
 void emptyWorkingFolder()

@@ -6,12 +6,11 @@
 #include "foundation/Folder.h"
 #include "foundation/SafeWriter.h"
 #include "tests/support/Notebook.h"
+#include "tests/support/ZipArchive.h"
 
 #include <QDateTime>
 #include <QFile>
 
-#include <archive.h>
-#include <archive_entry.h>
 #include <utility>
 #include <vector>
 
@@ -25,22 +24,10 @@ const QByteArray picture("\x89PNG\r\n\x1a\n and more");
 class MindMap : public test::Notebook
 {
 protected:
-    QString map(const std::vector<std::pair<const char *, QByteArray>> &files) const
+    QString map(const std::vector<test::ZipMember> &files) const
     {
         const QString path = at(u"/Map.itmz"_s);
-        archive *file = archive_write_new();
-        archive_write_set_format_zip(file);
-        archive_write_open_filename(file, path.toUtf8().constData());
-        for (const auto &[name, bytes] : files) {
-            archive_entry *entry = archive_entry_new();
-            archive_entry_set_pathname(entry, name);
-            archive_entry_set_size(entry, bytes.size());
-            archive_entry_set_filetype(entry, AE_IFREG);
-            archive_write_header(file, entry);
-            archive_write_data(file, bytes.constData(), size_t(bytes.size()));
-            archive_entry_free(entry);
-        }
-        archive_write_free(file);
+        test::writeZipArchive(path, files);
         // No two of them have the same date.
         static qint64 seconds = 1'000'000'000;
         QFile written(path);

@@ -3,11 +3,8 @@
 #include "organising/search/DocumentText.h"
 #include "organising/search/RichText.h"
 #include "tests/support/Notebook.h"
+#include "tests/support/ZipArchive.h"
 
-#include <archive.h>
-#include <archive_entry.h>
-
-#include <utility>
 #include <vector>
 
 namespace tomelet {
@@ -19,22 +16,10 @@ namespace {
 class DocumentTexts : public test::Notebook
 {
 protected:
-    QString archiveOf(const QString &name, const std::vector<std::pair<const char *, QByteArray>> &files) const
+    QString archiveOf(const QString &name, const std::vector<test::ZipMember> &files) const
     {
         const QString path = at(u'/' + name);
-        archive *file = archive_write_new();
-        archive_write_set_format_zip(file);
-        archive_write_open_filename(file, path.toUtf8().constData());
-        for (const auto &[entryName, bytes] : files) {
-            archive_entry *entry = archive_entry_new();
-            archive_entry_set_pathname(entry, entryName);
-            archive_entry_set_size(entry, bytes.size());
-            archive_entry_set_filetype(entry, AE_IFREG);
-            archive_write_header(file, entry);
-            archive_write_data(file, bytes.constData(), size_t(bytes.size()));
-            archive_entry_free(entry);
-        }
-        archive_write_free(file);
+        test::writeZipArchive(path, files);
         return path;
     }
 };
