@@ -525,13 +525,15 @@ TEST_F(FormattedEditing, whatAnotherViewSavedComesInUnderTheCaret)
     pane.saveTyping();
     EXPECT_TRUE(read(QStringLiteral("/Note.html")).contains(other.toUtf8()));
 
-    // Undo begins editing where the page took in another's text.
+    // Undo begins editing where the page took in another's text, also when that came with another look.
     ready.clear();
     QTest::qWait(20);
+    tm_setProperty(path, QStringLiteral("31"), QStringLiteral("noteFontSize"));
     ASSERT_TRUE(writeFile(path, tm_createFormattedDocWithBody(path, first).toUtf8()));
     notifications().postPath(QStringLiteral("TMLTFileModifiedOnDiskNotification"), path);
     ASSERT_TRUE(ready.wait(20000));
     EXPECT_EQ(body(), first);
+    EXPECT_EQ(script(QStringLiteral("getComputedStyle(document.body).fontSize")).toString(), QStringLiteral("31px"));
     QTest::keyClick(pane.view()->focusProxy(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(pane.view()->isEditing());
     EXPECT_TRUE(comes([&] { return body() == other; })) << body().toStdString();

@@ -55,7 +55,8 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     const bool isMarkdown = m_controller.showsMarkdown();
     const bool isInPlace = isMarkdown && !m_isLoading && m_liveAddress == address;
     const bool isShown = m_stack->currentWidget() == m_view && !path().isEmpty() && m_livePath == path();
-    const bool isEditor = !isMarkdown && isShown && m_view->isReady() && lookOf(html) == lookOf(m_source);
+    const bool isEditor = !isMarkdown && isShown && m_view->isReady();
+    const bool hasNewLook = isEditor && lookOf(html) != lookOf(m_source);
     m_keepsPlace = isShown && (isInPlace || isEditor);
     m_base = base;
     m_source = html;
@@ -68,9 +69,10 @@ void DocumentPane::showPage(const QString &html, const QString &base)
     const QPalette colours = coloursFor(path(), palette());
     m_view->page()->setBackgroundColor(colours.color(QPalette::Base));
     QString page = pageToShow(html, address, colours);
-    if (m_isLong) page = withLongPageRule(page);
     QTimer::singleShot(0, this, [this] { m_keepsPlace = false; });
+    if (hasNewLook) m_view->restyle(headOfPage(page));
     if (isEditor) return m_view->takePage(html);
+    if (m_isLong) page = withLongPageRule(page);
     if (isInPlace) m_view->page()->runJavaScript(scriptForContent(page, m_keepsPlace), 1);
     else load(page, address);
     if (m_isLong) runWhenLoaded(longPageScript());
