@@ -97,6 +97,15 @@ protected:
         for (int i = 0; i < steps; ++i) pane.view()->undo();
         pane.view()->waitForPage();
     }
+    // What takes the keys. A page that is not in front yet drops them.
+    QWidget *keyTaker()
+    {
+        QWidget *keys = pane.view()->focusProxy();
+        pane.activateWindow();
+        keys->setFocus();
+        EXPECT_TRUE(comes([this] { return script(QStringLiteral("document.hasFocus()")).toBool(); }));
+        return keys;
+    }
     ItemActions actions;
     DocumentPane pane{actions};
     QString path;
@@ -565,9 +574,7 @@ TEST_F(FormattedEditing, keysAndTheMouseWorkOnThePage)
 {
     open(QStringLiteral("<p>one</p><ul><li class=\"tm_checkbox\">box</li></ul>"));
     const QString before = body();
-    QWidget *keys = pane.view()->focusProxy();
-    ASSERT_NE(keys, nullptr);
-    keys->setFocus();
+    QWidget *keys = keyTaker();
     select(QStringLiteral("p"), 3, QStringLiteral("p"), 3);
     QTest::keyClicks(keys, QStringLiteral(" two"));
     EXPECT_TRUE(comes([&] { return body().startsWith(QStringLiteral("<p>one two</p>")); }));
@@ -592,8 +599,7 @@ TEST_F(FormattedEditing, newItemsAreOpen)
 {
     open(QStringLiteral("<ul><li class=\"tm_checkbox_done\"><input type=\"checkbox\" checked=\"\">one</li></ul>"));
     const QString before = body();
-    QWidget *keys = pane.view()->focusProxy();
-    keys->setFocus();
+    QWidget *keys = keyTaker();
     script(QStringLiteral("getSelection().setPosition(document.querySelector('li').lastChild, 3)"));
     QTest::keyClick(keys, Qt::Key_Return);
     QTest::keyClicks(keys, QStringLiteral("two")); // at once
@@ -609,8 +615,7 @@ TEST_F(FormattedEditing, newItemsAreOpen)
 TEST_F(FormattedEditing, typingIsUndoneByWords)
 {
     open(QStringLiteral("<p>a</p><p>z</p>"));
-    QWidget *keys = pane.view()->focusProxy();
-    keys->setFocus();
+    QWidget *keys = keyTaker();
     select(QStringLiteral("p"), 1, QStringLiteral("p"), 1);
     const auto shows = [this](const char *text) {
         return comes([&] { return body() == QString::fromUtf8(text).replace(u'_', QStringLiteral("&nbsp;")); });
