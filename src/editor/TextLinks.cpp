@@ -12,6 +12,9 @@ namespace {
 // A title behind the address is no part of it.
 const QString markdownLink = QStringLiteral(R"x(\[[^\]\[]*?\]\(\s*<?(.*?)>?(?:\s+"[^"]*")?\s*\))x");
 const QString plainAddress = QStringLiteral(R"x(<([a-zA-Z][a-zA-Z0-9+.-]*:[^<>\s]+)>)x");
+// Behind it, signs belong to the sentence.
+const QString bareAddress =
+    QStringLiteral(R"x(\b((?:https?://|mailto:|tomelet://|www\.)[^\s<>"]*[^\s<>".,;:!?'()\[\]{}*_]))x");
 const QString wikiLink = QStringLiteral(R"x(\[\[[^\]]*?\]\])x");
 // No longer line is read by anybody.
 constexpr qsizetype longestLine = 100000;
@@ -26,6 +29,11 @@ Range groupAt(const QString &line, qsizetype position, const QString &pattern, s
     return {};
 }
 
+QString withScheme(const QString &address)
+{
+    return address.startsWith(u"www.") ? QString(u"http://" + address) : address;
+}
+
 } // namespace
 
 QString addressOfLinkAt(const QString &line, qsizetype position)
@@ -34,6 +42,9 @@ QString addressOfLinkAt(const QString &line, qsizetype position)
     for (const QString &pattern : {markdownLink, plainAddress})
         if (const Range address = groupAt(line, position, pattern, 1); address.isFound())
             return substring(line, address);
+    if (settings().boolean(QStringLiteral("HighlightLinks")))
+        if (const Range address = groupAt(line, position, bareAddress, 1); address.isFound())
+            return withScheme(substring(line, address));
     if (!settings().boolean(QStringLiteral("WikiActivateLinksInPlaintext"))) return {};
     const Range link = groupAt(line, position, wikiLink, 0);
     return link.isFound() ? addressOfLinkAt(tm_makeWikiLinksMarkdownLinks(substring(line, link)), 0) : QString();

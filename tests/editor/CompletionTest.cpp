@@ -190,4 +190,14 @@ TEST_F(Completion, linksAreFoundWhereTheyStand)
     settings().setObject(QStringLiteral("WikiActivateLinksInPlaintext"), true);
     EXPECT_EQ(at("| n"), QStringLiteral("Note.md"));
     EXPECT_EQ(addressOfLinkAt(line, line.size()), QString());
+
+    // Addresses by themselves.
+    const QString text = QStringLiteral("See (https://x.org/a_(b)?c=1), www.y.org. mailto:me@z.org! awww.no ftp");
+    const auto bare = [&](const char *part) { return addressOfLinkAt(text, text.indexOf(QLatin1String(part))); };
+    EXPECT_EQ(bare("x.org"), QString()) << "by the setting";
+    settings().setObject(QStringLiteral("HighlightLinks"), true);
+    EXPECT_EQ(bare("x.org"), QStringLiteral("https://x.org/a_(b)?c=1"));
+    EXPECT_EQ(bare("y.org"), QStringLiteral("http://www.y.org"));
+    EXPECT_EQ(bare("me@"), QStringLiteral("mailto:me@z.org"));
+    for (const char *part : {"See", "no ", "ftp", ", www"}) EXPECT_EQ(bare(part), QString()) << part;
 }

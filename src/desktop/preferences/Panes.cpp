@@ -168,6 +168,7 @@ QWidget *makeOrganisingPane()
         {TOMELET_TEXT("Take contexts from the texts of documents"), "extractContextsAutomatically"},
         {TOMELET_TEXT("Keep links true when documents move"), "manageLinks"},
         {TOMELET_TEXT("Show at the end of a document what links to it"), "appendBacklinksToText"},
+        {TOMELET_TEXT("Web addresses in texts can be followed"), "HighlightLinks"},
         {TOMELET_TEXT("Wiki links in texts can be followed too"), "WikiActivateLinksInPlaintext"},
         {TOMELET_TEXT("A link without a target finds similar titles"), "WikiSmartResolveTitles"},
         {TOMELET_TEXT("It looks for them in the whole notebook"), "WikiSmartResolveGlobally"},
