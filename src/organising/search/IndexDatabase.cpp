@@ -5,17 +5,21 @@
 
 #include <algorithm>
 #include <cstring>
+#include <future>
 #include <iterator>
 #include <sqlite3.h>
+#include <unordered_map>
 
 namespace tomelet {
 
 namespace {
 
-constexpr int millisecondsToWaitForOthers = 3000; // longer than one of our transactions
+constexpr int millisecondsToWaitForOthers = 5000; // longer than one of our transactions
 constexpr qint64 wornBeyond = 1000;
-constexpr qint64 ownVersion = 6; // of the tables and tokens; a file with others is made anew
+constexpr qint64 ownVersion = 7; // of the tables and tokens; a file with others is made anew
 constexpr size_t manyDocuments = 500;
+// Of documents whose tokens go into the same table: what a table has in hand stays close to the processor.
+constexpr qint64 stretch = 8192;
 
 void check(int code)
 {
@@ -115,106 +119,136 @@ private:
     sqlite3_stmt *m_statement = nullptr;
 };
 
-IndexDatabase::Statement &IndexDatabase::statement(const char *sql)
-{
-    std::shared_ptr<Statement> &found = m_statements[sql];
-    if (!found) found = std::make_shared<Statement>(m_database, sql);
-    found->reset();
-    return *found;
-}
+// -- connections ------------------------------------------------------------------------------------------------------
 
-void IndexDatabase::execute(const char *sql)
+/// The file as one thread sees it.
+class IndexDatabase::Connection
 {
-    check(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr));
-}
+public:
+    explicit Connection(const QString &file)
+    {
+        const int code = sqlite3_open_v2(QFile::encodeName(file).constData(), &m_database,
+                                         SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+        try {
+            check(code);
+            sqlite3_busy_timeout(m_database, millisecondsToWaitForOthers);
+            registerTokenizer();
+        } catch (...) {
+            sqlite3_close_v2(m_database);
+            throw;
+        }
+    }
+    ~Connection()
+    {
+        m_statements.clear();
+        sqlite3_close_v2(m_database);
+    }
+    Connection(const Connection &) = delete;
+    Connection &operator=(const Connection &) = delete;
 
-qint64 IndexDatabase::number(const char *sql)
-{
-    Statement &query = statement(sql);
-    const qint64 value = query.step() ? query.integer(0) : 0;
-    query.reset();
-    return value;
-}
+    Statement &statement(const char *sql)
+    {
+        std::unique_ptr<Statement> &found = m_statements[sql];
+        if (!found) found = std::make_unique<Statement>(m_database, sql);
+        found->reset();
+        return *found;
+    }
+    void execute(const char *sql) { check(sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr)); }
+    void executeIfPossible(const char *sql) noexcept { sqlite3_exec(m_database, sql, nullptr, nullptr, nullptr); }
+    qint64 number(const char *sql)
+    {
+        Statement &query = statement(sql);
+        const qint64 value = query.step() ? query.integer(0) : 0;
+        query.reset();
+        return value;
+    }
+    std::vector<qint64> numbersOf(const char *sql, const std::string &expression)
+    {
+        Statement &query = statement(sql);
+        query.bind(1, expression);
+        std::vector<qint64> numbers;
+        while (query.step()) numbers.push_back(query.integer(0));
+        return numbers;
+    }
+    [[nodiscard]] qint64 lastNumber() const { return sqlite3_last_insert_rowid(m_database); }
+
+private:
+    // https://sqlite.org/fts5.html#extending_fts5
+    void registerTokenizer()
+    {
+        fts5_api *api = nullptr;
+        sqlite3_stmt *query = nullptr;
+        check(sqlite3_prepare_v2(m_database, "SELECT fts5(?1)", -1, &query, nullptr));
+        sqlite3_bind_pointer(query, 1, static_cast<void *>(&api), "fts5_api_ptr", nullptr);
+        sqlite3_step(query);
+        sqlite3_finalize(query);
+        if (!api) throw IndexDatabaseError{SQLITE_ERROR};
+        fts5_tokenizer functions{makeTokenizer, dropTokenizer, tokenize};
+        check(api->xCreateTokenizer(api, "pieces", nullptr, &functions, nullptr));
+    }
+
+    sqlite3 *m_database = nullptr;
+    std::unordered_map<const char *, std::unique_ptr<Statement>> m_statements;
+};
 
 // -- file -------------------------------------------------------------------------------------------------------------
 
-// https://sqlite.org/fts5.html#extending_fts5
-void IndexDatabase::registerTokenizer()
-{
-    fts5_api *api = nullptr;
-    sqlite3_stmt *query = nullptr;
-    check(sqlite3_prepare_v2(m_database, "SELECT fts5(?1)", -1, &query, nullptr));
-    sqlite3_bind_pointer(query, 1, static_cast<void *>(&api), "fts5_api_ptr", nullptr);
-    sqlite3_step(query);
-    sqlite3_finalize(query);
-    if (!api) throw IndexDatabaseError{SQLITE_ERROR};
-    fts5_tokenizer functions{makeTokenizer, dropTokenizer, tokenize};
-    check(api->xCreateTokenizer(api, "pieces", nullptr, &functions, nullptr));
-}
+// Large pages make the index a seventh sooner. Readers go on while documents are put, and a crash leaves what was
+// committed.
+static constexpr const char *settingsOfFile =
+    "PRAGMA page_size=16384; PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL; "
+    "PRAGMA cache_size=-65536";
+
+static constexpr const char *newTables =
+    "BEGIN IMMEDIATE;"
+    "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
+    " size INTEGER, changed INTEGER, text BLOB);"
+    "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
+    "CREATE VIRTUAL TABLE IF NOT EXISTS tokens0 USING fts5(token, content='', columnsize=0, tokenize='pieces');"
+    "CREATE VIRTUAL TABLE IF NOT EXISTS tokens1 USING fts5(token, content='', columnsize=0, tokenize='pieces');"
+    "CREATE VIRTUAL TABLE IF NOT EXISTS marks USING fts5(mark, content='', columnsize=0, detail=none, "
+    "tokenize='pieces');"
+    "INSERT INTO tokens0(tokens0, rank) VALUES('pgsz', 16000);"
+    "INSERT INTO tokens1(tokens1, rank) VALUES('pgsz', 16000);"
+    "INSERT INTO marks(marks, rank) VALUES('pgsz', 16000);"
+    // Larger lots of tokens in memory make fewer pieces to merge.
+    "INSERT INTO tokens0(tokens0, rank) VALUES('hashsize', 33554432);"
+    "INSERT INTO tokens1(tokens1, rank) VALUES('hashsize', 33554432);"
+    "INSERT INTO marks(marks, rank) VALUES('hashsize', 16777216);"
+    // While the index is made nothing is merged, neither bit by bit nor for too many pieces: it all is at the end.
+    "INSERT INTO tokens0(tokens0, rank) VALUES('automerge', 0);"
+    "INSERT INTO tokens1(tokens1, rank) VALUES('automerge', 0);"
+    "INSERT INTO marks(marks, rank) VALUES('automerge', 0);"
+    "INSERT INTO tokens0(tokens0, rank) VALUES('crisismerge', 1999);"
+    "INSERT INTO tokens1(tokens1, rank) VALUES('crisismerge', 1999);"
+    "INSERT INTO marks(marks, rank) VALUES('crisismerge', 1999);"
+    "PRAGMA user_version=7; COMMIT";
 
 IndexDatabase::IndexDatabase(const QString &file)
+    : m_connection(std::make_unique<Connection>(file))
 {
-    const int code = sqlite3_open_v2(QFile::encodeName(file).constData(), &m_database,
-                                     SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
-    try {
-        check(code);
-        sqlite3_busy_timeout(m_database, millisecondsToWaitForOthers);
-        registerTokenizer();
-        // Large pages make the index a seventh sooner. Readers go on while documents are put, and a crash leaves what
-        // was committed.
-        execute("PRAGMA page_size=16384; PRAGMA auto_vacuum=INCREMENTAL; PRAGMA journal_mode=WAL; PRAGMA "
-                "synchronous=NORMAL; "
-                "PRAGMA cache_size=-65536");
-        const qint64 version = number("PRAGMA user_version");
-        if (version != 0 && version != ownVersion) throw IndexDatabaseError{SQLITE_CORRUPT};
-        if (version == 0)
-            execute(
-                "BEGIN IMMEDIATE;"
-                "CREATE TABLE IF NOT EXISTS documents(id INTEGER PRIMARY KEY AUTOINCREMENT, path TEXT NOT NULL UNIQUE,"
-                " size INTEGER, changed INTEGER, text BLOB);"
-                "CREATE TABLE IF NOT EXISTS state(complete INTEGER);"
-                "CREATE VIRTUAL TABLE IF NOT EXISTS tokens USING fts5(token, content='', columnsize=0, "
-                "tokenize='pieces');"
-                "CREATE VIRTUAL TABLE IF NOT EXISTS marks USING fts5(mark, content='', columnsize=0, detail=none, "
-                "tokenize='pieces');"
-                "INSERT INTO tokens(tokens, rank) VALUES('pgsz', 16000);"
-                "INSERT INTO marks(marks, rank) VALUES('pgsz', 16000);"
-                // Larger lots of tokens in memory make fewer pieces to merge.
-                "INSERT INTO tokens(tokens, rank) VALUES('hashsize', 33554432);"
-                "INSERT INTO marks(marks, rank) VALUES('hashsize', 16777216);"
-                // While the index is made nothing is merged, neither bit by bit nor for too many pieces: it all is at
-                // the end.
-                "INSERT INTO tokens(tokens, rank) VALUES('automerge', 0);"
-                "INSERT INTO marks(marks, rank) VALUES('automerge', 0);"
-                "INSERT INTO tokens(tokens, rank) VALUES('crisismerge', 1999);"
-                "INSERT INTO marks(marks, rank) VALUES('crisismerge', 1999);"
-                "PRAGMA user_version=6; COMMIT");
-    } catch (...) {
-        m_statements.clear();
-        sqlite3_close_v2(m_database);
-        throw;
-    }
+    m_connection->execute(settingsOfFile);
+    const qint64 version = m_connection->number("PRAGMA user_version");
+    if (version != 0 && version != ownVersion) throw IndexDatabaseError{SQLITE_CORRUPT};
+    if (version == 0) m_connection->execute(newTables);
+    m_other = std::make_unique<Connection>(file);
 }
 
-IndexDatabase::~IndexDatabase()
-{
-    m_statements.clear();
-    sqlite3_close_v2(m_database);
-}
+IndexDatabase::~IndexDatabase() = default;
 
 void IndexDatabase::begin()
 {
-    execute("BEGIN IMMEDIATE");
+    m_connection->execute("BEGIN IMMEDIATE");
 }
 
 void IndexDatabase::commit()
 {
-    execute("COMMIT");
+    m_connection->execute("COMMIT");
 }
 
 void IndexDatabase::rollback() noexcept
 {
-    sqlite3_exec(m_database, "ROLLBACK", nullptr, nullptr, nullptr);
+    m_connection->executeIfPossible("ROLLBACK");
 }
 
 // -- documents --------------------------------------------------------------------------------------------------------
@@ -222,8 +256,8 @@ void IndexDatabase::rollback() noexcept
 QHash<QString, IndexDatabase::Stamp> IndexDatabase::documentsAt(const QString &path)
 {
     // "0" is the character after "/".
-    Statement &query = statement("SELECT path, size, changed FROM documents "
-                                 "WHERE path = ?1 OR (path > ?1 || '/' AND path < ?1 || '0')");
+    Statement &query = m_connection->statement("SELECT path, size, changed FROM documents "
+                                               "WHERE path = ?1 OR (path > ?1 || '/' AND path < ?1 || '0')");
     query.bind(1, path);
     QHash<QString, Stamp> found;
     while (query.step()) found.insert(query.text(0), {query.integer(1), query.integer(2)});
@@ -233,26 +267,29 @@ QHash<QString, IndexDatabase::Stamp> IndexDatabase::documentsAt(const QString &p
 void IndexDatabase::put(const Entry &entry)
 {
     m_paths.clear();
-    Statement &row = statement("INSERT OR REPLACE INTO documents(path, size, changed, text) VALUES(?,?,?,?)");
+    Statement &row =
+        m_connection->statement("INSERT OR REPLACE INTO documents(path, size, changed, text) VALUES(?,?,?,?)");
     row.bind(1, entry.document.path);
     row.bind(2, entry.document.stamp.size);
     row.bind(3, entry.document.stamp.changed);
     row.bind(4, entry.text);
     row.run();
-    const qint64 number = sqlite3_last_insert_rowid(m_database);
+    const qint64 number = m_connection->lastNumber();
     const auto putInto = [&](Statement &table, const std::string &tokens) {
         table.bind(1, number);
         table.bind(2, tokens);
         table.run();
     };
-    putInto(statement("INSERT INTO tokens(rowid, token) VALUES(?,?)"), entry.tokens.tokens);
-    putInto(statement("INSERT INTO marks(rowid, mark) VALUES(?,?)"), entry.tokens.marks);
+    putInto(m_connection->statement(number / stretch % 2 == 0 ? "INSERT INTO tokens0(rowid, token) VALUES(?,?)"
+                                                              : "INSERT INTO tokens1(rowid, token) VALUES(?,?)"),
+            entry.tokens.tokens);
+    putInto(m_connection->statement("INSERT INTO marks(rowid, mark) VALUES(?,?)"), entry.tokens.marks);
 }
 
 void IndexDatabase::remove(const QString &path)
 {
     m_paths.clear();
-    Statement &row = statement("DELETE FROM documents WHERE path = ?");
+    Statement &row = m_connection->statement("DELETE FROM documents WHERE path = ?");
     row.bind(1, path);
     row.run();
 }
@@ -278,13 +315,17 @@ static std::string expressionOf(const std::vector<TokenPhrase> &phrases, bool in
     return text;
 }
 
-std::vector<qint64> IndexDatabase::numbersOf(const char *sql, const std::string &expression)
+// Most of the time goes into gathering all tokens that begin as a term ends, so the tables have two halves.
+std::vector<qint64> IndexDatabase::findTokens(const std::string &expression)
 {
-    Statement &query = statement(sql);
-    query.bind(1, expression);
-    std::vector<qint64> numbers;
-    while (query.step()) numbers.push_back(query.integer(0));
-    return numbers;
+    auto odd = std::async(std::launch::async, [this, &expression] {
+        return m_other->numbersOf("SELECT rowid FROM tokens1 WHERE tokens1 MATCH ?", expression);
+    });
+    const std::vector<qint64> even =
+        m_connection->numbersOf("SELECT rowid FROM tokens0 WHERE tokens0 MATCH ?", expression);
+    std::vector<qint64> all;
+    std::ranges::merge(even, odd.get(), std::back_inserter(all));
+    return all;
 }
 
 std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
@@ -292,9 +333,9 @@ std::vector<qint64> IndexDatabase::find(const TermLookUps &lookUps)
     const std::string marks = expressionOf(lookUps.phrases, true);
     const std::string tokens = expressionOf(lookUps.phrases, false);
     std::vector<qint64> marked;
-    if (!marks.empty()) marked = numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", marks);
+    if (!marks.empty()) marked = m_connection->numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", marks);
     if (tokens.empty() || (marked.empty() && !marks.empty())) return marked;
-    const std::vector<qint64> found = numbersOf("SELECT rowid FROM tokens WHERE tokens MATCH ?", tokens);
+    const std::vector<qint64> found = findTokens(tokens);
     if (marks.empty()) return found;
     std::vector<qint64> both;
     std::ranges::set_intersection(marked, found, std::back_inserter(both));
@@ -306,12 +347,13 @@ std::vector<qint64> IndexDatabase::findAny(const std::vector<TokenPhrase> &marks
     std::string expression;
     for (const TokenPhrase &mark : marks)
         expression += (expression.empty() ? "" : " OR ") + inQuotes(mark.tokens, mark.prefix);
-    return marks.empty() ? std::vector<qint64>() : numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", expression);
+    return marks.empty() ? std::vector<qint64>()
+                         : m_connection->numbersOf("SELECT rowid FROM marks WHERE marks MATCH ?", expression);
 }
 
 QString IndexDatabase::readPath(qint64 document)
 {
-    Statement &query = statement("SELECT path FROM documents WHERE id = ?");
+    Statement &query = m_connection->statement("SELECT path FROM documents WHERE id = ?");
     query.bind(1, document);
     const QString path = query.step() ? query.text(0) : QString();
     query.reset();
@@ -321,10 +363,10 @@ QString IndexDatabase::readPath(qint64 document)
 // A path of its own for each hit takes longer than to find it; so once there are many, all are kept.
 const std::vector<QString> &IndexDatabase::allPaths(const QString &root)
 {
-    const qint64 version = number("PRAGMA data_version");
+    const qint64 version = m_connection->number("PRAGMA data_version");
     if (m_paths.empty() || m_pathsVersion != version) {
-        m_paths.assign(size_t(number("SELECT max(id) FROM documents")) + 1, QString());
-        Statement &query = statement("SELECT id, path FROM documents");
+        m_paths.assign(size_t(m_connection->number("SELECT max(id) FROM documents")) + 1, QString());
+        Statement &query = m_connection->statement("SELECT id, path FROM documents");
         while (query.step()) m_paths[size_t(query.integer(0))] = root + query.text(1);
         m_pathsVersion = version;
     }
@@ -349,7 +391,7 @@ QStringList IndexDatabase::pathsOf(const std::vector<qint64> &documents, const Q
 
 QByteArray IndexDatabase::textOf(const QString &path)
 {
-    Statement &query = statement("SELECT text FROM documents WHERE path = ?");
+    Statement &query = m_connection->statement("SELECT text FROM documents WHERE path = ?");
     query.bind(1, path);
     const QByteArray text = query.step() ? query.bytes(0) : QByteArray();
     query.reset();
@@ -358,25 +400,28 @@ QByteArray IndexDatabase::textOf(const QString &path)
 
 bool IndexDatabase::isComplete()
 {
-    return number("SELECT count(*) FROM state WHERE complete") > 0;
+    return m_connection->number("SELECT count(*) FROM state WHERE complete") > 0;
 }
 
 void IndexDatabase::setComplete()
 {
-    execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
-            "INSERT INTO tokens(tokens) VALUES('optimize'); "
-            "INSERT INTO tokens(tokens, rank) VALUES('automerge', 4); "
-            "INSERT INTO tokens(tokens, rank) VALUES('crisismerge', 16); "
-            "INSERT INTO marks(marks) VALUES('optimize'); "
-            "INSERT INTO marks(marks, rank) VALUES('automerge', 4); "
-            "INSERT INTO marks(marks, rank) VALUES('crisismerge', 16); COMMIT; "
-            "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
+    m_connection->execute("BEGIN IMMEDIATE; DELETE FROM state; INSERT INTO state VALUES(1); "
+                          "INSERT INTO tokens0(tokens0) VALUES('optimize'); "
+                          "INSERT INTO tokens0(tokens0, rank) VALUES('automerge', 4); "
+                          "INSERT INTO tokens0(tokens0, rank) VALUES('crisismerge', 16); "
+                          "INSERT INTO tokens1(tokens1) VALUES('optimize'); "
+                          "INSERT INTO tokens1(tokens1, rank) VALUES('automerge', 4); "
+                          "INSERT INTO tokens1(tokens1, rank) VALUES('crisismerge', 16); "
+                          "INSERT INTO marks(marks) VALUES('optimize'); "
+                          "INSERT INTO marks(marks, rank) VALUES('automerge', 4); "
+                          "INSERT INTO marks(marks, rank) VALUES('crisismerge', 16); COMMIT; "
+                          "PRAGMA incremental_vacuum; PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 bool IndexDatabase::isWorn()
 {
-    const qint64 used = number("SELECT count(*) FROM documents");
-    const qint64 given = number("SELECT seq FROM sqlite_sequence WHERE name = 'documents'");
+    const qint64 used = m_connection->number("SELECT count(*) FROM documents");
+    const qint64 given = m_connection->number("SELECT seq FROM sqlite_sequence WHERE name = 'documents'");
     return given - used > std::max(used, wornBeyond);
 }
 

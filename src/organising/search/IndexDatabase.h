@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The index's file: an SQLite database with the documents and, in FTS5 tables without content, their tokens and marks.
+// The tokens are in two tables, stretch by stretch of the documents, which are read side by side.
 //
 // FTS5 cannot take a document out of such tables without its tokens, so a document that changes gets another number
 // and the rows of the former one find nothing from then on. `isWorn` tells when there are too many of those.
@@ -15,9 +16,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-struct sqlite3;
-struct sqlite3_stmt;
 
 namespace tomelet {
 
@@ -88,17 +86,14 @@ public:
 
 private:
     class Statement;
-    void execute(const char *sql);
-    void registerTokenizer();
-    Statement &statement(const char *sql);
-    qint64 number(const char *sql);
-    std::vector<qint64> numbersOf(const char *sql, const std::string &expression);
+    class Connection;
+    std::vector<qint64> findTokens(const std::string &expression);
     QString readPath(qint64 document);
     const std::vector<QString> &allPaths(const QString &root);
 
-    sqlite3 *m_database = nullptr;
-    QHash<const char *, std::shared_ptr<Statement>> m_statements;
-    std::vector<QString> m_paths; // by number, as of m_pathsVersion; empty while nobody needs them
+    std::unique_ptr<Connection> m_connection;
+    std::unique_ptr<Connection> m_other; ///< for reading the second half of the tokens
+    std::vector<QString> m_paths;        // by number, as of m_pathsVersion; empty while nobody needs them
     qint64 m_pathsVersion = 0;
 };
 

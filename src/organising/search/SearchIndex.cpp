@@ -34,7 +34,7 @@ constexpr size_t bytesOfLot = 8 << 20;
 constexpr size_t fewCandidates = 7000;
 /// The terms beyond are tested against the documents.
 constexpr size_t mostTermsLookedUp = 50;
-constexpr qint64 millisecondsOfTransaction = 1000;
+constexpr qint64 millisecondsOfTransaction = 2000;
 
 std::optional<IndexDatabase::Stamp> stampOf(const QString &path)
 {
