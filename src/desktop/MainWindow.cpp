@@ -251,7 +251,7 @@ void MainWindow::updateListTexts()
     const TMLTDocumentListViewController &list = m_listModel->controller();
     const bool results = list.source().smartType == SearchResultsBook && m_search && !m_search->header().isEmpty();
     m_listTitle->setText(results ? m_search->header() : list.title());
-    m_listEmpty->setText(m_listModel->isReading() ? QString() : list.emptyText());
+    m_listEmpty->setText(m_listModel->isReading() ? localized(TOMELET_TEXT("Reading...")) : list.emptyText());
     m_listStack->setCurrentIndex(m_listModel->rowCount() == 0 ? 1 : 0);
     static const QStringList orders{QStringLiteral("title"), QStringLiteral("creationDate"), QStringLiteral("modDate"),
                                     QStringLiteral("custom")};
