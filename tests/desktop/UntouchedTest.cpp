@@ -37,7 +37,8 @@ class Untouched : public tomelet::test::Notebook
 protected:
     Untouched()
     {
-        for (const char *key : {"contextsEnabled", "extractContextsAutomatically", "manageLinks", "cleanUpAttachments"})
+        for (const char *key : {"contextsEnabled", "extractContextsAutomatically", "manageLinks", "cleanUpAttachments",
+                                "openWebarchivesWithTMLTMethods"})
             settings().setObject(QString::fromLatin1(key), true);
         pane.resize(700, 500);
         pane.show();
@@ -69,7 +70,12 @@ protected:
             {"bare.html", "only text"},
             {"mail.eml", "From: a@b.c\r\nSubject: Hi\r\n\r\nText\r\n"},
             {"outline.opml", "<opml><body><outline text=\"a\"/></body></opml>"},
-            {"script.fountain", "INT. ROOM - DAY\n\nText.\n"},
+            {"script.fountain", "Title: T\n\nINT. ROOM - DAY\n\nText.\n"},
+            {"nowhere.url", "URL=http://127.0.0.1:9/"},
+            {"notes.enex", "<en-export><note><title>t</title></note></en-export>"},
+            {"page.webarchive", "<plist><dict><key>WebMainResource</key><dict><key>WebResourceData</key><data>PHA+"
+                                "dDwvcD4=</data></dict></dict></plist>"},
+            {"broken.itmz", "PK\3\4"},
             {"broken.pdf", "%PDF-1.4\nnothing"},
             {"broken.png", "\x89PNG\r\n"},
             {"notes.rtf", "{\\rtf1 text}"},
