@@ -236,6 +236,12 @@ QString wordInBlanks(const QString &text, qsizetype at, size_t number)
     return inQuotes(u' ' + (number % 3 == 1 ? query : query.trimmed()));
 }
 
+QString twoLetters(const QString &text, qsizetype at, size_t)
+{
+    const QString query = wordAndMore(text, at, 0);
+    return query.size() < 2 ? QString() : query.left(2);
+}
+
 QString signsOnEnd(const QString &text, qsizetype at, size_t)
 {
     const auto isSign = [&](qsizetype i) { return i < text.size() && !text[i].isLetterOrNumber() && text[i] != u'"'; };
@@ -247,7 +253,7 @@ QString signsOnEnd(const QString &text, qsizetype at, size_t)
 constexpr std::pair<const char *, MadeQuery> kindsOfQueries[] = {
     {"words and phrases", commonQuery},     {"a word and a sign", wordAndSign},
     {"a word and a letter", wordAndLetter}, {"a word and blanks at its edges", wordInBlanks},
-    {"three signs and more", signsOnEnd},
+    {"three signs and more", signsOnEnd},   {"two letters", twoLetters},
 };
 
 std::vector<QString> someQueries(const fs::path &root, int documents, std::mt19937 &random, MadeQuery make,

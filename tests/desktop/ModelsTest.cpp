@@ -275,6 +275,9 @@ TEST_F(Desktop, theWalkForWhatWasModifiedKeepsNobodyWaiting)
         return QTest::qWaitFor([&] { return documents() == QString::fromLatin1(names); });
     };
     list->show({{}, RecentlyModifiedBook, {}});
+    list->show({at(QStringLiteral("/B")), 0, {}});
+    EXPECT_FALSE(list->isReading()) << "what is on display is there";
+    list->show({{}, RecentlyModifiedBook, {}});
     EXPECT_TRUE(list->isReading());
     EXPECT_EQ(documents(), QString());
     EXPECT_TRUE(QTest::qWaitFor([this] { return list->rowCount() == 4; })) << documents().toStdString();

@@ -37,13 +37,18 @@ void DocumentListModel::show(const ListSource &source)
     m_checklists.clear();
     m_taskDates.clear();
     m_controller.setSource(source);
-    m_controller.documentsList.clear();
-    m_controller.booksList.clear();
     // All folders are walked for these, so their rows come later.
     const bool isWalk = source.smartType == RecentlyModifiedBook;
-    if (!isWalk) m_controller.getDocumentsInFolder();
+    if (isWalk) m_controller.clearRows();
+    else m_controller.getDocumentsInFolder();
     takeAllRows();
     if (isWalk) reloadInBackground();
+}
+
+bool DocumentListModel::isReading() const
+{
+    const ListSource &shown = m_controller.source();
+    return m_reading && (m_readSource == shown || (m_next.reading && m_next.source == shown));
 }
 
 void DocumentListModel::takeAllRows()
@@ -151,6 +156,7 @@ void DocumentListModel::readElsewhere(const Reading &reading)
         m_next = {source, reading};
         return;
     }
+    m_readSource = source;
     m_controller.gatherItems();
     m_reader.add([this, source, reading, list = m_controller, rows = m_rows, version = m_version]() mutable {
         reading(list);

@@ -50,7 +50,8 @@ public:
     /// The same without making the main thread wait for a book with thousands of documents: its rows are read elsewhere
     /// and stay as they are until then. `reloaded` tells that they are there. Not for search results.
     void reloadInBackground();
-    [[nodiscard]] bool isReading() const { return m_reading; }
+    /// The rows of what is on display are on their way.
+    [[nodiscard]] bool isReading() const;
     /// Keeps the row of an item that got another name in its book.
     void follow(const QString &from, const QString &to);
     void setFilter(const QString &text);
@@ -113,8 +114,9 @@ private:
     TMLTDocumentListViewController m_controller;
     int m_version = 0;      // counts what happens to rows and controller
     bool m_reading = false; // elsewhere
-    WantedReading m_next;   // what is to be read after that
-    SerialQueue m_reader;   // last, so that it ends first
+    ListSource m_readSource;
+    WantedReading m_next; // what is to be read after that
+    SerialQueue m_reader; // last, so that it ends first
 };
 
 /// "Open", "Started", "Done", "Canceled" or "Not a Task", by the name of the task's icon.

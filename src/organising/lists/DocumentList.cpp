@@ -141,6 +141,14 @@ static QStringList withRoot(const QStringList &paths)
     return full;
 }
 
+void TMLTDocumentListViewController::clearRows()
+{
+    documentsList.clear();
+    booksList.clear();
+    smartBooksList.clear();
+    numberOfHiddenDoneTasks = 0;
+}
+
 void TMLTDocumentListViewController::gatherItems()
 {
     m_items.clear();

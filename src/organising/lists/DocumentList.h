@@ -37,8 +37,11 @@ public:
     void setRowsOfSearchResults(QList<QVariantMap> rows) { m_results = std::move(rows); }
     /// Rebuilds the rows of what is on display, and takes away property files without a document.
     void getDocumentsInFolder();
-    /// Its three steps. The second, in which the files are read, may be done on any thread. The first asks what the
-    /// program knows of the notebook; and while a document moves, its property file stands alone for a moment.
+    /// No rows, until they are read.
+    void clearRows();
+    /// The three steps of getDocumentsInFolder. The second, in which the files are read, may be done on any thread. The
+    /// first asks what the program knows of the notebook; and while a document moves, its property file stands alone
+    /// for a moment.
     void gatherItems();
     void readDocuments();
     void removeOrphanedPropertyFiles();
